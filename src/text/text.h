@@ -1,0 +1,43 @@
+/// Text as it crosses the binary interface, and the small operations on it that every layer shares.
+///
+/// All of them work on UTF-16 units, by character code and without a locale, and may be called on any thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace qel
+{
+
+using Text = std::u16string;
+using TextView = std::u16string_view;
+
+/// The simple Unicode lower case of one unit. A unit without one, halves of surrogate pairs included, is given back.
+char16_t LowerCase(char16_t myUnit);
+
+/// The same for each unit of a text; the length stays.
+Text LowerCase(TextView myText);
+
+/// True when both texts have the same lower case.
+bool EqualInLowerCase(TextView myFirst, TextView mySecond);
+
+/// The text without the blanks (U+0020 alone) at both ends; a view into the argument.
+TextView TrimBlanks(TextView myText);
+
+/// The text with every occurrence of `myOld` replaced, from the left, in one pass: what is put in is not searched.
+/// An empty `myOld` occurs nowhere.
+Text ReplaceAll(TextView myText, TextView myOld, TextView myNew);
+
+/// Plain decimal digits, with "-" in front of a negative number.
+Text NumberText(int64_t myNumber);
+
+/// The shortest text that reads back as the same number, without an exponent: 120 for 120.0.
+Text NumberText(float myNumber);
+
+/// The number that a text begins with: blanks, a sign ("+" or "-"), digits with at most one ".", and an exponent.
+/// Reading stops at the first character that cannot continue the number; a text without one gives 0.
+/// Error 6: the number is too large for 64 bits of floating point.
+double NumericPrefix(TextView myText);
+
+} // namespace qel
