@@ -1,0 +1,86 @@
+/// The base of every object that crosses the binary interface.
+#pragma once
+
+#include "com/ComPtr.h"
+#include "com/Dispatch.h"
+
+#include <atomic>
+#include <concepts>
+#include <cstdint>
+#include <type_traits>
+
+namespace qel
+{
+
+/// What an object inherits for an interface.
+template <class Interface>
+using Implementation =
+    std::conditional_t<std::derived_from<Interface, IDispatch>, DispatchImplementation<Interface>, Interface>;
+
+/// Gives an object its identity, its count of holders, and late binding for each of its dual interfaces. The members of
+/// the interfaces are left to the class that derives from it; make it with MakeCounted.
+///
+/// `Default` comes first: it is the object's IUnknown and, if it is a dual interface, its IDispatch.
+template <class Default, class... Others>
+class CountedObject : public Implementation<Default>, public Implementation<Others>...
+{
+public:
+    CountedObject(const CountedObject&) = delete;
+    CountedObject& operator=(const CountedObject&) = delete;
+    virtual ~CountedObject() = default;
+
+    HRESULT QueryInterface(const IID* myInterface, void** theObject) override
+    {
+        if (theObject == nullptr)
+        {
+            return E_POINTER;
+        }
+        *theObject = myInterface == nullptr ? nullptr : Find(*myInterface);
+        if (*theObject == nullptr)
+        {
+            return myInterface == nullptr ? E_POINTER : E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+
+    uint32_t AddRef() override { return myHolders.fetch_add(1, std::memory_order_relaxed) + 1; }
+
+    uint32_t Release() override
+    {
+        const uint32_t theRest = myHolders.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        if (theRest == 0)
+        {
+            delete this;
+        }
+        return theRest;
+    }
+
+protected:
+    CountedObject() = default;
+
+private:
+    void* Find(const IID& myId)
+    {
+        auto* const myDefault = static_cast<Default*>(this);
+        if (SameId(myId, IID_IUnknown) || SameId(myId, *InterfaceId<Default>) ||
+            (std::derived_from<Default, IDispatch> && SameId(myId, IID_IDispatch)))
+        {
+            return myDefault;
+        }
+        void* theObject = nullptr;
+        ((SameId(myId, *InterfaceId<Others>) ? void(theObject = static_cast<Others*>(this)) : void()), ...);
+        return theObject;
+    }
+
+    std::atomic<uint32_t> myHolders = 1;
+};
+
+/// Makes a counted object and holds it. Whatever the constructor throws.
+template <class Object, class... Arguments>
+ComPtr<Object> MakeCounted(Arguments&&... myArguments)
+{
+    return ComPtr<Object>::Adopt(new Object(std::forward<Arguments>(myArguments)...));
+}
+
+} // namespace qel

@@ -1,0 +1,114 @@
+/// Failures on their way across the binary interface, in both directions: no exception leaves, and none is lost.
+///
+/// A member of an object is written as one Answer or Accept, or as Guarded where neither fits; a call into the host as
+/// one CallHost.
+#pragma once
+
+#include "com/Bstr.h"
+#include "com/ComPtr.h"
+#include "com/qelcom.h"
+#include "text/errors.h"
+
+#include <cstdint>
+#include <type_traits>
+
+namespace qel
+{
+
+/// What failures name as their source. Each component or program that links this defines it once, with its own name.
+extern const char16_t* const ErrorSource;
+
+/// For a catch clause: turns the exception in hand into a result, and into the thread's error information.
+/// An Error gives 0x800A0000 and its number, or its number itself if that is negative, which is a host's failure.
+/// Memory running out is error 7 and needs none to be reported; any other exception is error 5.
+HRESULT ReportFailure() noexcept;
+
+/// Runs the operation. Gives the result that it returns, S_OK if it returns none, or the result of what it threw.
+template <class Operation>
+HRESULT Guarded(Operation&& myOperation) noexcept
+{
+    try
+    {
+        if constexpr (std::is_void_v<decltype(myOperation())>)
+        {
+            myOperation();
+            return S_OK;
+        }
+        else
+        {
+            return myOperation();
+        }
+    }
+    catch (...)
+    {
+        return ReportFailure();
+    }
+}
+
+/// Puts a value where a caller wants it.
+inline void Give(BSTR* theValue, TextView myText)
+{
+    *theValue = NewBstr(myText);
+}
+inline void Give(int32_t* theValue, int32_t myNumber)
+{
+    *theValue = myNumber;
+}
+inline void Give(VARIANT_BOOL* theValue, bool myAnswer)
+{
+    *theValue = myAnswer ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+/// A member with a result: hands out what the operation returns. E_POINTER; on failure the value is empty.
+template <class Value, class Operation>
+HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
+{
+    if (theValue == nullptr)
+    {
+        return E_POINTER;
+    }
+    *theValue = Value{};
+    return Guarded([&] { Give(theValue, myOperation()); });
+}
+
+/// A member with one argument by reference: the operation takes a text as Text, anything else as it is. E_POINTER.
+template <class Value, class Operation>
+HRESULT Accept(const Value* myValue, Operation&& myOperation) noexcept
+{
+    if (myValue == nullptr)
+    {
+        return E_POINTER;
+    }
+    return Guarded(
+        [&]
+        {
+            if constexpr (std::is_same_v<Value, BSTR>)
+            {
+                myOperation(TextOfBstr(*myValue));
+            }
+            else
+            {
+                myOperation(*myValue);
+            }
+        });
+}
+
+/// Throws the Error of a failed call, with the text that the call left in the thread's error information, which is
+/// taken away, or a general one. Its number is the low 16 bits of 0x800A...., else the result.
+void CheckHostCall(HRESULT myResult);
+
+/// Calls a member of a host's object. Throws as CheckHostCall; error 91: there is no object.
+template <class Interface, class... Parameters>
+void CallHost(ComPtr<Interface> myHost, HRESULT (Interface::*myMember)(Parameters...),
+              std::type_identity_t<Parameters>... myArguments)
+{
+    // The reference is a copy: the host may take its object back before the call returns.
+    if (!myHost)
+    {
+        Raise(ErrorNumber::ObjectNotSet);
+    }
+    SetErrorInfo(0, nullptr); // an older failure must not pass for one of this call
+    CheckHostCall((myHost.Get()->*myMember)(myArguments...));
+}
+
+} // namespace qel

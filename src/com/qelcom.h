@@ -1,0 +1,389 @@
+/* The component object model where the system brings none: types, texts, variants, error information, and the creation
+ * of objects by class. For C and C++; what is declared here lies in libqelcom.so, which hosts and components share.
+ *
+ * Every function may be called on any thread; error information belongs to the thread that set it. Results are 0 or
+ * positive for success and negative for failure. */
+#ifndef QEL_QELCOM_H
+#define QEL_QELCOM_H
+
+#include <stdint.h>
+#ifndef __cplusplus
+#include <uchar.h>
+#endif
+
+#ifdef __cplusplus
+#define QEL_EXTERN_C extern "C"
+#define QEL_CONSTANT inline constexpr
+#else
+#define QEL_EXTERN_C extern
+#define QEL_CONSTANT static const
+#endif
+
+#if defined(__GNUC__)
+#define QEL_EXPORT __attribute__((visibility("default")))
+#else
+#define QEL_EXPORT
+#endif
+
+/* ---- Plain types ------------------------------------------------------------------------------------------------- */
+
+typedef int32_t HRESULT;
+typedef int32_t DISPID;
+typedef int16_t VARIANT_BOOL; /* VARIANT_TRUE or VARIANT_FALSE */
+typedef char16_t* BSTR;       /* see SysAllocString; null is the empty text */
+
+#define VARIANT_TRUE ((VARIANT_BOOL)-1)
+#define VARIANT_FALSE ((VARIANT_BOOL)0)
+
+typedef struct GUID
+{
+    uint32_t Data1;
+    uint16_t Data2;
+    uint16_t Data3;
+    uint8_t Data4[8];
+} GUID;
+
+typedef GUID IID;
+typedef GUID CLSID;
+
+#define QEL_RESULT(value) ((HRESULT)(value))
+
+#define S_OK QEL_RESULT(0)
+#define S_FALSE QEL_RESULT(1)
+#define E_NOTIMPL QEL_RESULT(0x80004001u)
+#define E_NOINTERFACE QEL_RESULT(0x80004002u)
+#define E_POINTER QEL_RESULT(0x80004003u)
+#define E_FAIL QEL_RESULT(0x80004005u)
+#define E_UNEXPECTED QEL_RESULT(0x8000FFFFu)
+#define E_ACCESSDENIED QEL_RESULT(0x80070005u)
+#define E_OUTOFMEMORY QEL_RESULT(0x8007000Eu)
+#define E_INVALIDARG QEL_RESULT(0x80070057u)
+#define CLASS_E_NOAGGREGATION QEL_RESULT(0x80040110u)
+#define CLASS_E_CLASSNOTAVAILABLE QEL_RESULT(0x80040111u)
+#define REGDB_E_CLASSNOTREG QEL_RESULT(0x80040154u)
+#define CO_E_CLASSSTRING QEL_RESULT(0x800401F3u)
+#define CO_E_DLLNOTFOUND QEL_RESULT(0x800401F8u)
+#define SELFREG_E_CLASS QEL_RESULT(0x80040201u)
+#define DISP_E_UNKNOWNINTERFACE QEL_RESULT(0x80020001u)
+#define DISP_E_MEMBERNOTFOUND QEL_RESULT(0x80020003u)
+#define DISP_E_TYPEMISMATCH QEL_RESULT(0x80020005u)
+#define DISP_E_UNKNOWNNAME QEL_RESULT(0x80020006u)
+#define DISP_E_NONAMEDARGS QEL_RESULT(0x80020007u)
+#define DISP_E_BADVARTYPE QEL_RESULT(0x80020008u)
+#define DISP_E_EXCEPTION QEL_RESULT(0x80020009u)
+#define DISP_E_OVERFLOW QEL_RESULT(0x8002000Au)
+#define DISP_E_BADINDEX QEL_RESULT(0x8002000Bu)
+#define DISP_E_BADPARAMCOUNT QEL_RESULT(0x8002000Eu)
+#define DISP_E_PARAMNOTOPTIONAL QEL_RESULT(0x8002000Fu)
+
+#define SUCCEEDED(result) ((HRESULT)(result) >= 0)
+#define FAILED(result) ((HRESULT)(result) < 0)
+
+/* ---- Variants ---------------------------------------------------------------------------------------------------- */
+
+typedef uint16_t VARTYPE;
+
+enum
+{
+    VT_EMPTY = 0,
+    VT_NULL = 1,
+    VT_I2 = 2,
+    VT_I4 = 3,
+    VT_R4 = 4,
+    VT_R8 = 5,
+    VT_BSTR = 8,
+    VT_DISPATCH = 9,
+    VT_ERROR = 10,
+    VT_BOOL = 11,
+    VT_VARIANT = 12, /* only together with VT_BYREF */
+    VT_UNKNOWN = 13,
+    VT_BYREF = 0x4000
+};
+
+/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
+struct IUnknown;
+struct IDispatch;
+
+/* A value with its type. A member with a "p" belongs to the type together with VT_BYREF. */
+typedef struct VARIANT
+{
+    VARTYPE vt;
+    uint16_t wReserved1;
+    uint16_t wReserved2;
+    uint16_t wReserved3;
+    union
+    {
+        int16_t iVal;
+        int32_t lVal;
+        float fltVal;
+        double dblVal;
+        BSTR bstrVal;
+        VARIANT_BOOL boolVal;
+        HRESULT scode;
+        struct IUnknown* punkVal;
+        struct IDispatch* pdispVal;
+        int16_t* piVal;
+        int32_t* plVal;
+        float* pfltVal;
+        double* pdblVal;
+        BSTR* pbstrVal;
+        VARIANT_BOOL* pboolVal;
+        struct IUnknown** ppunkVal;
+        struct IDispatch** ppdispVal;
+        struct VARIANT* pvarVal;
+        void* byref;
+        void* record[2]; /* not used; gives the record its size */
+    };
+} VARIANT;
+
+enum
+{
+    DISPATCH_METHOD = 1,
+    DISPATCH_PROPERTYGET = 2,
+    DISPATCH_PROPERTYPUT = 4,
+    DISPATCH_PROPERTYPUTREF = 8
+};
+
+#define DISPID_UNKNOWN ((DISPID)-1)
+#define DISPID_PROPERTYPUT ((DISPID)-3)
+
+/* The arguments of a late-bound call, the last one first. */
+typedef struct DISPPARAMS
+{
+    VARIANT* rgvarg;
+    DISPID* rgdispidNamedArgs;
+    uint32_t cArgs;
+    uint32_t cNamedArgs;
+} DISPPARAMS;
+
+typedef struct EXCEPINFO
+{
+    uint16_t wCode;
+    uint16_t wReserved;
+    BSTR bstrSource;
+    BSTR bstrDescription;
+    BSTR bstrHelpFile;
+    uint32_t dwHelpContext;
+    void* pvReserved;
+    HRESULT (*pfnDeferredFillIn)(struct EXCEPINFO*);
+    HRESULT scode;
+} EXCEPINFO;
+
+/* ---- Interfaces -------------------------------------------------------------------------------------------------- */
+
+/* An interface is declared once, for both languages. In C an object is a pointer to its table of members, lpVtbl, and
+ * each member takes the object first; in C++ it is an abstract class, whose table the compiler lays out alike.
+ * Before a declaration QEL_THIS is defined as the interface's name. An object ends by Release, so that its table has no
+ * place for a destructor. */
+/* clang-format off */
+#ifdef __cplusplus
+#define QEL_INTERFACE(name, base) struct name : base {
+#define QEL_ROOT_INTERFACE(name) struct name {
+#define QEL_MEMBER(name, ...) virtual HRESULT name(__VA_ARGS__) = 0;
+#define QEL_MEMBER0(name) virtual HRESULT name() = 0;
+#define QEL_COUNT_MEMBER(name) virtual uint32_t name() = 0;
+#define QEL_C_UNKNOWN_MEMBERS
+#define QEL_C_DISPATCH_MEMBERS
+#define QEL_END_INTERFACE(name) };
+#else
+#define QEL_INTERFACE(name, base) QEL_ROOT_INTERFACE(name)
+#define QEL_ROOT_INTERFACE(name) \
+    typedef struct name name; \
+    typedef struct name##Vtbl name##Vtbl; \
+    struct name { const name##Vtbl* lpVtbl; }; \
+    struct name##Vtbl {
+#define QEL_MEMBER(name, ...) HRESULT (*name)(QEL_THIS* This, __VA_ARGS__);
+#define QEL_MEMBER0(name) HRESULT (*name)(QEL_THIS* This);
+#define QEL_COUNT_MEMBER(name) uint32_t (*name)(QEL_THIS* This);
+#define QEL_C_UNKNOWN_MEMBERS \
+    QEL_MEMBER(QueryInterface, const IID* myInterface, void** theObject) \
+    QEL_COUNT_MEMBER(AddRef) \
+    QEL_COUNT_MEMBER(Release)
+#define QEL_C_DISPATCH_MEMBERS \
+    QEL_C_UNKNOWN_MEMBERS \
+    QEL_MEMBER(GetTypeInfoCount, uint32_t* theCount) \
+    QEL_MEMBER(GetTypeInfo, uint32_t myIndex, uint32_t myLocale, struct ITypeInfo** theInfo) \
+    QEL_MEMBER(GetIDsOfNames, const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t myLocale, \
+               DISPID* theNumbers) \
+    QEL_MEMBER(Invoke, DISPID myMember, const IID* myReserved, uint32_t myLocale, uint16_t myFlags, \
+               DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument)
+#define QEL_END_INTERFACE(name) };
+#endif
+
+struct ITypeInfo;
+
+#define QEL_THIS IUnknown
+QEL_ROOT_INTERFACE(IUnknown)
+    /* Gives the object's pointer for an interface, with a reference of its own. E_NOINTERFACE: it has none, and the
+     * pointer is null. Asked for IID_IUnknown an object always gives one and the same pointer. */
+#ifdef __cplusplus
+    QEL_MEMBER(QueryInterface, const IID* myInterface, void** theObject)
+    QEL_COUNT_MEMBER(AddRef)  /* one holder more; gives the count, for tests only */
+    QEL_COUNT_MEMBER(Release) /* one holder less; with the last one the object goes */
+#else
+    QEL_C_UNKNOWN_MEMBERS
+#endif
+QEL_END_INTERFACE(IUnknown)
+#undef QEL_THIS
+
+#define QEL_THIS IDispatch
+QEL_INTERFACE(IDispatch, IUnknown)
+#ifdef __cplusplus
+    /* Gives 0: there are no type descriptions. */
+    QEL_MEMBER(GetTypeInfoCount, uint32_t* theCount)
+    /* DISP_E_BADINDEX: there are no type descriptions. */
+    QEL_MEMBER(GetTypeInfo, uint32_t myIndex, uint32_t myLocale, struct ITypeInfo** theInfo)
+    /* The number of a member, by its name without regard to case. Only the first name is a member's; parameters have
+     * no names. `myReserved` is GUID_NULL. DISP_E_UNKNOWNNAME: a name is unknown, and its number is DISPID_UNKNOWN.
+     * DISP_E_UNKNOWNINTERFACE, E_POINTER, E_INVALIDARG: no names at all. */
+    QEL_MEMBER(GetIDsOfNames, const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t myLocale,
+               DISPID* theNumbers)
+    /* Calls a member by its number with variants. Arguments by reference and by value are both taken and converted
+     * where VariantChangeType can; an object is asked for the interface that the member wants. `myFlags` is one of the
+     * kinds above, or METHOD and PROPERTYGET together for either; an object is put with PROPERTYPUT or PROPERTYPUTREF. A
+     * put names its value DISPID_PROPERTYPUT; no other argument is named. A property that is read and put has two slots
+     * and answers to the number of either. `myReserved` is GUID_NULL. `theResult`, `theException` and `theArgument` may
+     * be null.
+     * DISP_E_MEMBERNOTFOUND: no such number, or not of that kind. DISP_E_BADPARAMCOUNT. DISP_E_NONAMEDARGS;
+     * DISP_E_PARAMNOTOPTIONAL: a put without its name. DISP_E_UNKNOWNINTERFACE. DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW,
+     * DISP_E_BADVARTYPE, E_POINTER for a null reference: an argument, whose place in the list is given. These come
+     * before the member is called. DISP_E_EXCEPTION: the member failed; `theException` takes its result and the
+     * thread's error information over, and without it the error information stays. */
+    QEL_MEMBER(Invoke, DISPID myMember, const IID* myReserved, uint32_t myLocale, uint16_t myFlags,
+               DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument)
+#else
+    QEL_C_DISPATCH_MEMBERS
+#endif
+QEL_END_INTERFACE(IDispatch)
+#undef QEL_THIS
+
+#define QEL_THIS IClassFactory
+QEL_INTERFACE(IClassFactory, IUnknown)
+    QEL_C_UNKNOWN_MEMBERS
+    /* Makes an object. `myOuter` must be null: CLASS_E_NOAGGREGATION. */
+    QEL_MEMBER(CreateInstance, IUnknown* myOuter, const IID* myInterface, void** theObject)
+    /* Keeps the component loaded (not 0) or lets it go again (0). */
+    QEL_MEMBER(LockServer, int32_t myLock)
+QEL_END_INTERFACE(IClassFactory)
+#undef QEL_THIS
+
+/* The reason of the last failure on a thread. The caller frees the texts. */
+#define QEL_THIS IErrorInfo
+QEL_INTERFACE(IErrorInfo, IUnknown)
+    QEL_C_UNKNOWN_MEMBERS
+    QEL_MEMBER(GetGUID, GUID* theInterface)
+    QEL_MEMBER(GetSource, BSTR* theSource)
+    QEL_MEMBER(GetDescription, BSTR* theDescription)
+    QEL_MEMBER(GetHelpFile, BSTR* theHelpFile)
+    QEL_MEMBER(GetHelpContext, uint32_t* theContext)
+QEL_END_INTERFACE(IErrorInfo)
+#undef QEL_THIS
+
+/* Fills an error information; an object of CreateErrorInfo answers IErrorInfo as well. Texts are copied. */
+#define QEL_THIS ICreateErrorInfo
+QEL_INTERFACE(ICreateErrorInfo, IUnknown)
+    QEL_C_UNKNOWN_MEMBERS
+    QEL_MEMBER(SetGUID, const GUID* myInterface)
+    QEL_MEMBER(SetSource, const char16_t* mySource)
+    QEL_MEMBER(SetDescription, const char16_t* myDescription)
+    QEL_MEMBER(SetHelpFile, const char16_t* myHelpFile)
+    QEL_MEMBER(SetHelpContext, uint32_t myContext)
+QEL_END_INTERFACE(ICreateErrorInfo)
+#undef QEL_THIS
+
+#define QEL_THIS ISupportErrorInfo
+QEL_INTERFACE(ISupportErrorInfo, IUnknown)
+    QEL_C_UNKNOWN_MEMBERS
+    /* S_OK: failures of that interface leave error information. S_FALSE: they do not. */
+    QEL_MEMBER(InterfaceSupportsErrorInfo, const IID* myInterface)
+QEL_END_INTERFACE(ISupportErrorInfo)
+#undef QEL_THIS
+/* clang-format on */
+/* NOLINTEND(cppcoreguidelines-virtual-class-destructor) */
+
+QEL_CONSTANT GUID GUID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
+QEL_CONSTANT IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+QEL_CONSTANT IID IID_IClassFactory = {0x00000001, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+QEL_CONSTANT IID IID_IDispatch = {0x00020400, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
+QEL_CONSTANT IID IID_IErrorInfo = {0x1CF2B120, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+QEL_CONSTANT IID IID_ICreateErrorInfo = {0x22F03340, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+QEL_CONSTANT IID IID_ISupportErrorInfo = {0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0x00, 0x2B, 0x2B, 0xD1, 0x19}};
+
+/* ---- Texts ------------------------------------------------------------------------------------------------------- */
+
+/* A BSTR points to UTF-16 units with a zero behind them; the length in bytes stands as a 32-bit number just before.
+ * Whoever gets one out of a call frees it; whoever passes one in keeps it. */
+
+/* A copy of a zero-terminated text; null for null or without memory. */
+QEL_EXTERN_C QEL_EXPORT BSTR SysAllocString(const char16_t* myText);
+/* A text of `myLength` units, copied from `myText` unless that is null; null without memory. */
+QEL_EXTERN_C QEL_EXPORT BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength);
+/* Frees a text; nothing for null. */
+QEL_EXTERN_C QEL_EXPORT void SysFreeString(BSTR myText);
+/* The number of units; 0 for null. */
+QEL_EXTERN_C QEL_EXPORT uint32_t SysStringLen(const char16_t* myText);
+
+/* ---- Variants ---------------------------------------------------------------------------------------------------- */
+
+/* Makes a variant empty without looking at what it held. */
+QEL_EXTERN_C QEL_EXPORT void VariantInit(VARIANT* theVariant);
+/* Frees the text or releases the object that a variant holds by value, and makes it empty. E_POINTER for null;
+ * DISP_E_BADVARTYPE: a type that is not in the list above, and the variant stays. */
+QEL_EXTERN_C QEL_EXPORT HRESULT VariantClear(VARIANT* theVariant);
+/* Converts a value, by reference or not, to another of the types above, by value; source and target may be the same
+ * variant. Empty, numbers and truth values turn into one another (rounded to the nearest, halves to the even neighbour;
+ * true is -1) and into text; a text that is a number, blanks around it allowed, turns into one, and the words True and
+ * False into a truth value. Numbers in texts know no locale. Objects turn into objects. `myFlags` is 0.
+ * DISP_E_TYPEMISMATCH: there is no such conversion. DISP_E_OVERFLOW: out of range. DISP_E_BADVARTYPE: an unknown type.
+ * E_POINTER: a null reference. E_OUTOFMEMORY. On failure the target stays. */
+QEL_EXTERN_C QEL_EXPORT HRESULT VariantChangeType(VARIANT* theTarget, const VARIANT* mySource, uint16_t myFlags,
+                                                  VARTYPE myType);
+
+/* ---- Error information ------------------------------------------------------------------------------------------- */
+
+/* A new, empty error information. E_POINTER, E_OUTOFMEMORY. */
+QEL_EXTERN_C QEL_EXPORT HRESULT CreateErrorInfo(ICreateErrorInfo** theInfo);
+/* Makes it this thread's error information, with a reference of its own; null clears. `myReserved` is 0. */
+QEL_EXTERN_C QEL_EXPORT HRESULT SetErrorInfo(uint32_t myReserved, IErrorInfo* myInfo);
+/* Takes this thread's error information away. S_FALSE and null: there is none. */
+QEL_EXTERN_C QEL_EXPORT HRESULT GetErrorInfo(uint32_t myReserved, IErrorInfo** theInfo);
+
+/* ---- Classes ----------------------------------------------------------------------------------------------------- */
+
+/* A component is a shared object with these four entry points and no others. */
+typedef HRESULT (*DllRegisterServerFunction)(void);
+typedef HRESULT (*DllUnregisterServerFunction)(void);
+typedef HRESULT (*DllGetClassObjectFunction)(const CLSID* myClass, const IID* myInterface, void** theObject);
+typedef HRESULT (*DllCanUnloadNowFunction)(void);
+
+#define CLSCTX_INPROC_SERVER 1u
+
+/* The class registry is one small text file per class in the folder qel/classes below $XDG_DATA_HOME (or
+ * ~/.local/share), and after it below each folder of $XDG_DATA_DIRS (or /usr/local/share and /usr/share). The first one
+ * that names a class counts; folders that are not absolute are passed over. A file is named by its class, in upper
+ * case: {4FCC59CA-C869-4963-A843-14D7C29AFA23}.class. It has two lines, in UTF-8, and may have others:
+ *
+ *     ProgID=QelPluginAnimation.Main
+ *     Library=/usr/lib/qel/QelPluginAnimation.so
+ *
+ * A library that is not absolute is meant from the folder of the file, so that a package can be moved as a whole. Files
+ * without both lines, above 8,192 bytes or not plain are passed over. */
+
+/* Writes the user's entry of a class, over one that is there. `myProgID` is its program name, `myLibrary` the
+ * component's absolute path. E_ACCESSDENIED: the folder or file cannot be written. E_INVALIDARG: an empty name, a path
+ * that is not absolute, a control character, too long. E_POINTER. */
+QEL_EXTERN_C QEL_EXPORT HRESULT QelRegisterClass(const CLSID* myClass, const char16_t* myProgID, const char* myLibrary);
+/* Removes the user's entry of a class. S_FALSE: there was none. E_ACCESSDENIED, E_POINTER. */
+QEL_EXTERN_C QEL_EXPORT HRESULT QelUnregisterClass(const CLSID* myClass);
+/* The class of a program name, such as QelPluginAnimation.Main, without regard to case.
+ * CO_E_CLASSSTRING: not registered. E_POINTER. */
+QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID* theClass);
+/* Makes an object of a registered class; loads its component if need be. `myOuter` is null (CLASS_E_NOAGGREGATION).
+ * REGDB_E_CLASSNOTREG: not registered, or `myContext` is without CLSCTX_INPROC_SERVER. CO_E_DLLNOTFOUND: its component
+ * cannot be loaded, and the error information says why. E_POINTER. Else what the component answers. */
+QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext,
+                                                 const IID* myInterface, void** theObject);
+/* Unloads the components loaded by CoCreateInstance that have no object any more: DllCanUnloadNow gives S_OK. */
+QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
+
+#endif
