@@ -1,0 +1,107 @@
+/// Reads, unpacks and packs design archives: one flat file that holds the files of a folder tree.
+///
+/// An object serves one operation: set BaseFolder and ArchiveFilename, subscribe to the event if wanted, call
+/// ReadArchive, UnPackArchive or PackArchive. None of them raises anything to its caller but what a subscriber throws;
+/// failures are the result False. Entries count from 1. An object is used on the thread of its port.
+///
+/// On names that would leave BaseFolder, and on damaged files: such an archive ends the run with False. A name leaves
+/// the folder by "..", by a drive, by standing for an absolute path, or where a folder below BaseFolder is a link.
+/// Damaged are a NameLength or Size that is negative or runs past the end, and a missing end marker. Bytes behind the
+/// end marker are ignored.
+#pragma once
+
+#include "platform/Files.h"
+#include "text/text.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace qel
+{
+
+/// One line of the table of contents.
+struct ArchiveEntry
+{
+    Text Name; ///< path below the packed folder, with "\" in front
+    int32_t Size = 0;
+};
+
+class classArchive
+{
+public:
+    /// The port must outlive the object.
+    explicit classArchive(Files& thePort) : myFilePort(thePort) {}
+
+    /// Raised while an archive is packed: with the empty text and 0 at the start, with its name behind each file, and
+    /// with the empty text and 100 at the end. `myPercent` is the share of the listed bytes that is written, 100 when
+    /// all files are empty. `myCancel` is one flag for the whole run, false at its start and looked at behind each file
+    /// and at the end; true there deletes the archive and gives False.
+    std::function<void(const Text& myFilename, int32_t& myPercent, bool& myCancel)> ProgessCreate;
+
+    /// Raised behind each file that is unpacked, with its name. `myCancel` is one flag for the whole run, false at its
+    /// start; true ends the run, which then still gives True.
+    std::function<void(const Text& myFilename, bool& myCancel)> ProgessUnpack;
+
+    /// True packs every name in lower case; false at creation. Unpacking and reading do not look at it.
+    void SmallFilenames(bool myValue) { mySmallFilenames = myValue; }
+    bool SmallFilenames() const { return mySmallFilenames; }
+
+    /// The folder to pack from or unpack into; stored with one closing "\".
+    void BaseFolder(TextView myFolder) { myBaseFolder = Concat(myFolder, u"\\"); }
+    const Text& BaseFolder() const { return myBaseFolder; }
+
+    /// The path of the archive file, stored unchanged.
+    void ArchiveFilename(TextView myFilename) { myArchiveFilename = myFilename; }
+    const Text& ArchiveFilename() const { return myArchiveFilename; }
+
+    /// Fills the table of contents with the files below BaseFolder, links left out, and writes them into a new archive;
+    /// an old one is deleted first. False: cancelled, or failed. A failed listing leaves an old archive as it was; any
+    /// later failure leaves an incomplete archive. The listing fails on a folder that cannot be read, on a name that an
+    /// archive cannot hold or that UnPackArchive would refuse, on two names in a folder that are alike in lower case,
+    /// and on a file of 2 GiB or more.
+    bool PackArchive();
+
+    /// Fills the table of contents from the archive. False: it cannot be read whole, and the table is empty.
+    bool ReadArchive();
+
+    /// Writes every file of the archive below BaseFolder, which is made if its parent is there, and replaces files. The
+    /// table of contents plays no part. False: it failed; what was written stays.
+    bool UnPackArchive();
+
+    /// The sizes of all entries of the table of contents, added up.
+    double TotalSize() const;
+
+    /// Both joined with one "\"; one "\" is cut off at each side of the seam.
+    static Text Concat(TextView myFirst, TextView mySecond);
+
+    /// Both joined with one "/"; one "\" and then one "/" is cut off at each side of the seam.
+    static Text ConcatUnix(TextView myFirst, TextView mySecond);
+
+private:
+    static constexpr size_t BlockSize = 32000;
+
+    void ListFolder(const Text& myFolder);
+    void AddFile(Text myName);
+    void WriteAllEntries(OutputFile& myOutputFile, bool& theCancel);
+    void WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry);
+    void RaiseCreate(const Text& myFilename, int32_t myPercent, bool& theCancel) const;
+
+    bool UnPackEntry(InputFile& myInputFile, const Text& myName, Text& theFolder, bool& theCancel);
+    bool MakeFolders(TextView myFolder);
+    bool FolderExists(TextView myFolder);
+    void DeleteFile(TextView myFilename);
+    void CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount);
+
+    static TextView FolderOfName(TextView myFilename);
+
+    Files& myFilePort;
+    Text myBaseFolder;
+    Text myArchiveFilename;
+    bool mySmallFilenames = false;
+    std::vector<ArchiveEntry> myFiles;
+    std::array<std::byte, BlockSize> myBlock{};
+};
+
+} // namespace qel

@@ -1,0 +1,82 @@
+/// The record of the module in hand, and what is computed from it: the script, the page text, the summary.
+///
+/// There is one object per thread, so one module in hand at any moment. Order of calls: set the host's services, write
+/// the module's Script, then read. Operations throw Error unless they say otherwise. An object is used on the thread
+/// that made it.
+#pragma once
+
+#include "module/FormLead.h"
+#include "module/localConstants.h"
+#include "module/ModuleSettings.h"
+#include "platform/HostServices.h"
+#include "platform/Platform.h"
+#include "text/text.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace qel
+{
+
+class FormMain
+{
+public:
+    /// Sets the temporary paths and makes the temporary folder, as far as that succeeds. What is handed in must outlive
+    /// the object.
+    FormMain(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead);
+
+    /// The host's services; null until the host hands them in.
+    std::unique_ptr<BuildHelper> myBuildHelper;
+    std::unique_ptr<Database> myDatabase;
+
+    /// How the dialog ended: 0 never opened, 2 not confirmed, 1 confirmed.
+    int32_t ExitButton = 0;
+
+    /// The script of the settings in hand. No error.
+    Text Script() const;
+
+    /// Puts a stored module in hand: everything is reset but the link, then filled from the script. A script of another
+    /// format version leaves a module with nothing chosen, and the reason in ErrorText.
+    /// Error 6: a date out of range; what stands before it is in force.
+    void Script(TextView myScript);
+
+    /// A short account of the module in the host's mark-up.
+    /// Error 5: the name of a library picture or tune is shorter than an ending.
+    Text TextSettings() const;
+
+    /// The reason of the last failure since the last script; a later success does not clear it. No error.
+    const Text& ErrorText() const { return myError; }
+
+    /// The module's piece of the page. Unpacks the module's archive and copies its picture and tune into the folders of
+    /// the build; what was copied before a failure stays there. No error: without a picture the result is empty, after
+    /// a failure it is "[Error de plug-in]", and ErrorText tells the reason.
+    Text Output();
+
+private:
+    void ResetSettings();
+    void ClearTempFolder();
+    void UnPackModule();
+    std::optional<Text> PageText();
+    Text PeriodText(int32_t myTemplate, Date myDay);
+    std::optional<Text> ImageText();
+    Text TuneText();
+    Text ResolveLink(TextView myLinkText);
+    Text StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*myURL)());
+    Text FilledTemplate(int32_t myTemplate);
+    Text SourcePath(TextView myFolder, TextView myName) const;
+    Text TargetName(TextView myPrefix, TextView myName) const;
+    BuildHelper& Helper() const;
+    Database& Records() const;
+
+    const Platform& myPorts;
+    const localConstants& myLocalConstants;
+    FormLead& myFormLead;
+    ModuleSettings mySettings;
+    Text myError;
+    Text myTempPath;   ///< the system's temporary path, with a closing "\"
+    Text myTempFolder; ///< the folder of imported files below it, the same for all modules
+    Text myTempMIDI;   ///< the copy of a tune that the dialog plays
+};
+
+} // namespace qel

@@ -1,0 +1,162 @@
+#include "tags/classScript.h"
+
+#include "platform/Platform.h"
+
+#include <algorithm>
+
+namespace qel
+{
+
+void classScript::Script(TextView theScript)
+{
+    myScript = theScript;
+    myPosition = 0;
+    myLine = 1;
+    myScanState = ScanState::PlainText;
+}
+
+void classScript::GetNextTag()
+{
+    ScanToken();
+    if (IsTag())
+    {
+        myTagParser.Tag(myCurrentTag.Value);
+    }
+    myMessageQueue.ProcessPending();
+}
+
+/// The line ends that open a token are dropped, those that come later are not. A tag whose mark comes first thing
+/// begins right behind its mark.
+void classScript::ScanToken()
+{
+    const size_t myStart = std::min(myScript.find_first_not_of(u"\r\n", myPosition), myScript.size());
+    Consume(myStart);
+    if (myScanState != ScanState::PlainText)
+    {
+        ScanTag(myStart);
+    }
+    else if (!ScanPlainText(myStart))
+    {
+        ScanTag(myPosition);
+    }
+}
+
+/// Scans up to the next tag's mark or the end of the script. False: the mark came first thing, so there is no plain
+/// text and the tag follows.
+bool classScript::ScanPlainText(size_t myStart)
+{
+    size_t myMark = myStart;
+    size_t myEnd = myStart;
+    while ((myMark = myScript.find(u'<', myMark)) != Text::npos)
+    {
+        myScanState = MarkAt(myMark, myEnd);
+        if (myScanState != ScanState::PlainText)
+        {
+            break;
+        }
+        ++myMark;
+    }
+    if (myMark == Text::npos)
+    {
+        myMark = myEnd = myScript.size();
+    }
+    Consume(myEnd);
+    if (myMark == myStart && myScanState != ScanState::PlainText)
+    {
+        return false;
+    }
+    SetToken(myMark == myStart ? TokenType::None : TokenType::PlainText, myStart, myMark);
+    return true;
+}
+
+/// Scans the tag whose inner text begins at `myStart` up to its ">". A tag without one is dropped with the rest.
+void classScript::ScanTag(size_t myStart)
+{
+    const size_t myEnd = myScript.find(u'>', myStart);
+    if (myEnd == Text::npos)
+    {
+        Consume(myScript.size());
+        SetToken(TokenType::None, 0, 0);
+        return;
+    }
+    Consume(myEnd + 1);
+    if (myPrefix.empty() && myScript[myStart] == u'/')
+    {
+        SetToken(TokenType::ClosingTag, myStart + 1, myEnd);
+    }
+    else
+    {
+        SetToken(static_cast<TokenType>(myScanState), myStart, myEnd);
+    }
+    myScanState = ScanState::PlainText;
+}
+
+/// What the "<" at a position opens, and where its mark ends.
+classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
+{
+    const size_t myNext = myMark + 1;
+    if (PrefixStandsAt(myNext))
+    {
+        theEnd = myNext + myPrefix.size();
+        return ScanState::OpeningTag;
+    }
+    if (myNext < myScript.size() && myScript[myNext] == u'/' && PrefixStandsAt(myNext + 1))
+    {
+        theEnd = myNext + 1 + myPrefix.size();
+        return ScanState::ClosingTag;
+    }
+    return ScanState::PlainText;
+}
+
+bool classScript::PrefixStandsAt(size_t myStart) const
+{
+    const TextView myText = TextView(myScript).substr(myStart, myPrefix.size());
+    return std::equal(myPrefix.begin(), myPrefix.end(), myText.begin(), myText.end(),
+                      [](char16_t p, char16_t t) { return LowerCase(t) == p; });
+}
+
+void classScript::Consume(size_t myEnd)
+{
+    myLine += static_cast<int32_t>(std::count(myScript.begin() + static_cast<std::ptrdiff_t>(myPosition),
+                                              myScript.begin() + static_cast<std::ptrdiff_t>(myEnd), u'\r'));
+    myPosition = myEnd;
+}
+
+void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
+{
+    myCurrentTag.Type = myType;
+    myCurrentTag.Line = myType == TokenType::None ? 0 : myLine;
+    myCurrentTag.Value.assign(myScript, myStart, myEnd - myStart);
+}
+
+Text classScript::PlainText() const
+{
+    return TagType() == TokenType::PlainText ? myCurrentTag.Value : Text();
+}
+
+Text classScript::BaseTag() const
+{
+    return IsTag() ? myTagParser.BaseTag() : Text();
+}
+
+Text classScript::QueryAttribute(TextView myAttribute, bool noUnquote) const
+{
+    return IsTag() ? myTagParser.QueryAttribute(myAttribute, noUnquote) : Text();
+}
+
+int32_t classScript::AttributeCount() const
+{
+    return IsTag() ? myTagParser.AttributeCount() : 0;
+}
+
+Text classScript::AttributeName(int32_t num) const
+{
+    return IsTag() ? myTagParser.AttributeName(num) : Text();
+}
+
+Text classScript::AttributeValue(int32_t num) const
+{
+    return IsTag() ? myTagParser.AttributeValue(num) : Text();
+}
+
+} // namespace qel

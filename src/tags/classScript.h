@@ -1,0 +1,106 @@
+/// Walks a tag script one token at a time.
+///
+/// Order of calls: Prefix, Script, GetNextTag; then, while TagType is not TokenType::None, read the token and call
+/// GetNextTag. No text is an error: malformed input has a defined reading. There is no table of buffered tags: a script
+/// is walked once, forward. An object is used by one thread at a time.
+#pragma once
+
+#include "tags/classTag.h"
+#include "text/text.h"
+
+#include <cstddef>
+
+namespace qel
+{
+
+class MessageQueue;
+
+enum class TokenType : uint8_t
+{
+    None = 0, ///< the script is used up, or nothing was scanned yet
+    PlainText = 1,
+    OpeningTag = 2,
+    ClosingTag = 3
+};
+
+/// One token of a script.
+struct ScriptTag
+{
+    Text Value; ///< plain text, or the inner text of a tag
+    TokenType Type = TokenType::None;
+    int32_t Line = 0; ///< the line that the token ends on, from 1; a line ends with a carriage return
+};
+
+class classScript
+{
+public:
+    /// `myMessages` must outlive the object.
+    explicit classScript(MessageQueue& myMessages) : myMessageQueue(myMessages) {}
+
+    /// The text that marks a tag behind "<" or "</", in lower case; it is found in any case. With the empty prefix
+    /// every
+    /// "<" opens a tag.
+    void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
+
+    /// The script, to be walked from its start. The current token stays until GetNextTag.
+    void Script(TextView theScript);
+
+    /// Makes the next token the current one, then lets pending window messages run once.
+    void GetNextTag();
+
+    /// What the current token is.
+    TokenType TagType() const { return myCurrentTag.Type; }
+
+    /// The plain text; empty for a tag.
+    Text PlainText() const;
+
+    /// The tag name, in the case of the script; empty for plain text, as are the other members that read a tag.
+    Text BaseTag() const;
+
+    /// The line that the token ends on; 0 when there is none.
+    int32_t TagLine() const { return myCurrentTag.Line; }
+
+    /// See classTag.
+    Text QueryAttribute(TextView myAttribute, bool noUnquote = false) const;
+
+    /// The number of attributes, 0 for plain text. Error 6: more than 255.
+    int32_t AttributeCount() const;
+
+    /// See classTag, errors too; for plain text empty whatever `num` is.
+    Text AttributeName(int32_t num) const;
+    Text AttributeValue(int32_t num) const;
+
+    /// The token's text: plain text, or a tag's inner text.
+    const Text& Tag() const { return myCurrentTag.Value; }
+
+    /// QueryAttribute, unescaped.
+    Text ResolveAttribute(TextView myAttributeName) const { return QueryAttribute(myAttributeName); }
+
+private:
+    enum class ScanState : uint8_t
+    {
+        PlainText = 1,
+        OpeningTag = 2,
+        ClosingTag = 3
+    };
+
+    void ScanToken();
+    bool ScanPlainText(size_t myStart);
+    void ScanTag(size_t myStart);
+    ScanState MarkAt(size_t myPosition, size_t& theEnd) const;
+    bool PrefixStandsAt(size_t myPosition) const;
+    void Consume(size_t myEnd);
+    void SetToken(TokenType myType, size_t myStart, size_t myEnd);
+    bool IsTag() const { return TagType() == TokenType::OpeningTag || TagType() == TokenType::ClosingTag; }
+
+    MessageQueue& myMessageQueue;
+    ScriptTag myCurrentTag;
+    classTag myTagParser;
+    Text myScript;
+    Text myPrefix;
+    size_t myPosition = 0; ///< how many characters are consumed
+    int32_t myLine = 0;
+    ScanState myScanState = ScanState::PlainText;
+};
+
+} // namespace qel

@@ -1,0 +1,86 @@
+#include "utilities/classStringSort.h"
+
+#include "text/errors.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace qel
+{
+
+void classStringSort::Clear()
+{
+    myValueCount = 0;
+    myValues.assign(3, Text());
+}
+
+void classStringSort::AddValue(TextView myString)
+{
+    const auto myIndex = static_cast<size_t>(myValueCount) + 1;
+    if (myIndex >= myValues.size())
+    {
+        myValues.resize(2 * myIndex + 1);
+    }
+    myValues[myIndex] = myString;
+    ++myValueCount;
+}
+
+const Text& classStringSort::Value(int32_t myIndex) const
+{
+    if (myIndex < 0 || static_cast<size_t>(myIndex) >= myValues.size())
+    {
+        Raise(ErrorNumber::SubscriptOutOfRange);
+    }
+    return myValues[static_cast<size_t>(myIndex)];
+}
+
+void classStringSort::Sort()
+{
+    QuickSort(1, myValueCount, 2 * std::bit_width(static_cast<uint32_t>(myValueCount)));
+}
+
+/// Partitions around a middle value and goes down the smaller side first. A range that is still there after `myDepth`
+/// partitions goes to the standard library, so that no order of the values is a bad case.
+void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth)
+{
+    for (; myFirst < myLast; --myDepth)
+    {
+        if (myDepth == 0)
+        {
+            std::sort(&At(myFirst), &At(myLast) + 1);
+            return;
+        }
+        int32_t i = myFirst;
+        int32_t j = myLast;
+        const Text myPivot = At(myFirst / 2 + myLast / 2);
+        do
+        {
+            while (At(i) < myPivot)
+            {
+                ++i;
+            }
+            while (myPivot < At(j))
+            {
+                --j;
+            }
+            if (i <= j)
+            {
+                std::swap(At(i++), At(j--));
+            }
+        } while (i <= j);
+
+        if (j - myFirst < myLast - i)
+        {
+            QuickSort(myFirst, j, myDepth - 1);
+            myFirst = i;
+        }
+        else
+        {
+            QuickSort(i, myLast, myDepth - 1);
+            myLast = j;
+        }
+    }
+}
+
+} // namespace qel
