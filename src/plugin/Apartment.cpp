@@ -1,0 +1,72 @@
+#include "plugin/Apartment.h"
+
+#include "com/ComHostServices.h"
+
+#include <mutex>
+#include <vector>
+
+namespace qel
+{
+namespace
+{
+
+/// All apartments, so that their memory goes with the component. A thread that ends leaves its own behind until then.
+struct ApartmentList
+{
+    std::mutex Lock;
+    std::vector<std::unique_ptr<Apartment>> Entries;
+};
+
+ApartmentList& Apartments()
+{
+    static ApartmentList theList;
+    return theList;
+}
+
+/// Forgets a host's object without a call into the host, which may be gone by now. Main alone sets these services.
+template <class Adapter, class Port>
+void Abandon(Port* myService)
+{
+    if (myService)
+    {
+        static_cast<Adapter*>(myService)->Abandon();
+    }
+}
+
+} // namespace
+
+Apartment& Apartment::OfThisThread()
+{
+    // A plain pointer: a thread variable with a destructor would pin the component in the process.
+    thread_local Apartment* myApartment = nullptr;
+    if (!myApartment)
+    {
+        auto myNew = std::make_unique<Apartment>();
+        ApartmentList& myList = Apartments();
+        const std::lock_guard myGuard(myList.Lock);
+        myApartment = myList.Entries.emplace_back(std::move(myNew)).get();
+    }
+    return *myApartment;
+}
+
+Apartment::Apartment() : mySystem(MakeSystemPlatform()), myFormLead(Ports()) {}
+
+Apartment::~Apartment()
+{
+    if (myFormMain)
+    {
+        Abandon<ComBuildHelper>(myFormMain->myBuildHelper.get());
+        Abandon<ComDatabase>(myFormMain->myDatabase.get());
+    }
+}
+
+FormMain& Apartment::Form()
+{
+    if (!myFormMain)
+    {
+        myFormMain = std::make_unique<FormMain>(Ports(), myConstants, myFormLead);
+    }
+    return *myFormMain;
+}
+
+} // namespace qel

@@ -1,0 +1,44 @@
+/// What the component keeps for one thread: its ports, its settings, the module in hand.
+#pragma once
+
+#include "module/FormLead.h"
+#include "module/FormMain.h"
+#include "module/localConstants.h"
+#include "platform/Platform.h"
+
+#include <memory>
+#include <string>
+
+namespace qel
+{
+
+class Apartment
+{
+public:
+    /// The apartment of the calling thread, made at the first call on it. It lasts until the component is unloaded, and
+    /// goes without a call into the host.
+    static Apartment& OfThisThread();
+
+    Apartment();
+    ~Apartment();
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+
+    const Platform& Ports() const { return mySystem->Ports(); }
+
+    /// The component's own file, absolute, as the system names it.
+    std::string ComponentFile() const { return mySystem->ComponentFile(); }
+
+    /// The settings of the running component.
+    localConstants myConstants;
+
+    /// The one record of the thread, made at the first call.
+    FormMain& Form();
+
+private:
+    std::unique_ptr<SystemPlatform> mySystem;
+    FormLead myFormLead;
+    std::unique_ptr<FormMain> myFormMain;
+};
+
+} // namespace qel

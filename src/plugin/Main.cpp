@@ -1,0 +1,192 @@
+#include "plugin/Main.h"
+
+#include "com/ComHostServices.h"
+#include "com/Failure.h"
+#include "module/ModuleScript.h"
+#include "plugin/Apartment.h"
+#include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
+#include "text/errors.h"
+
+#include <memory>
+
+namespace qel
+{
+namespace
+{
+
+FormMain& Form()
+{
+    return Apartment::OfThisThread().Form();
+}
+
+/// Keeps a service of the host behind the port that the logic calls; null lets the present one go.
+template <class Adapter, class Port, class Service>
+HRESULT KeepService(std::unique_ptr<Port> FormMain::*myField, Service** myService) noexcept
+{
+    return Accept(myService, [&](Service* myObject)
+                  { Form().*myField = myObject ? std::make_unique<Adapter>(myObject) : nullptr; });
+}
+
+[[noreturn]] void RaiseWithoutWindows()
+{
+    throw Error{ErrorNumber::FileNotFound, u"Esta versión del componente no contiene el módulo de ventanas"};
+}
+
+/// Shows the settings dialog. True: it was confirmed.
+bool ShowDialog()
+{
+    Form();
+    RaiseWithoutWindows();
+}
+
+} // namespace
+
+Main::Main()
+{
+    Apartment& myApartment = Apartment::OfThisThread();
+    const Text& myFolder = myApartment.Ports().componentFolder;
+    localConstants& theConstants = myApartment.myConstants;
+    theConstants.myHelpFile = Text(myFolder).append(u"\\").append(ComponentVersion.ProjectName).append(u".chm");
+    theConstants.myDesignsFolder = Text(myFolder).append(myFolder.ends_with(u'\\') ? u"" : u"\\");
+    theConstants.myDesignsFolder.append(ComponentVersion.ProjectName).append(u"Designs\\");
+}
+
+HRESULT Main::InterfaceSupportsErrorInfo(const IID* myInterface)
+{
+    if (myInterface == nullptr)
+    {
+        return E_POINTER;
+    }
+    const bool mySupports = SameId(*myInterface, IID_QelPlugin) || SameId(*myInterface, IID_QelInfo) ||
+                            SameId(*myInterface, IID_QelPluginAnimationMain);
+    return mySupports ? S_OK : S_FALSE;
+}
+
+HRESULT Main::putref_QelThumbnails(QelThumbnails** myThumbnails)
+{
+    return myThumbnails == nullptr ? E_POINTER : S_OK;
+}
+
+HRESULT Main::putref_QelDatabase(QelDatabase** myDatabase)
+{
+    return KeepService<ComDatabase>(&FormMain::myDatabase, myDatabase);
+}
+
+HRESULT Main::putref_QelTopic(QelTopic** myTopic)
+{
+    return myTopic == nullptr ? E_POINTER : S_OK;
+}
+
+HRESULT Main::putref_QelBuildHelper(QelBuildHelper** myBuildHelper)
+{
+    return KeepService<ComBuildHelper>(&FormMain::myBuildHelper, myBuildHelper);
+}
+
+HRESULT Main::get_InitialScript(BSTR* theScript)
+{
+    return Answer(theScript, InitialScript);
+}
+
+HRESULT Main::get_Output(BSTR* theText)
+{
+    return Answer(theText, [] { return Form().Output(); });
+}
+
+HRESULT Main::get_TextFunction(BSTR* theText)
+{
+    return Answer(theText, [] { return LoadResString(20); });
+}
+
+HRESULT Main::get_TextRequirementsServer(BSTR* theText)
+{
+    return Answer(theText, [] { return LoadResString(40); });
+}
+
+HRESULT Main::get_TextRequirementsClient(BSTR* theText)
+{
+    return Answer(theText, [] { return LoadResString(30); });
+}
+
+HRESULT Main::get_TextSettings(BSTR* theText)
+{
+    return Answer(theText, [] { return Form().TextSettings(); });
+}
+
+HRESULT Main::get_TextConfig(BSTR* theText)
+{
+    return Answer(theText, [] { return LoadResString(50); });
+}
+
+HRESULT Main::get_IsConfigurable(VARIANT_BOOL* theAnswer)
+{
+    return Answer(theAnswer, [] { return true; });
+}
+
+HRESULT Main::get_Description(BSTR* theText)
+{
+    return Answer(theText, [] { return LoadResString(10); });
+}
+
+HRESULT Main::get_PreviewImageFilename(BSTR* theName)
+{
+    return Answer(theName, [] { return Text(ComponentVersion.ProjectName).append(u"Preview.bmp"); });
+}
+
+HRESULT Main::get_LogoFilename(BSTR* theName)
+{
+    return Answer(theName, [] { return Text(ComponentVersion.ProjectName).append(u"Logo.bmp"); });
+}
+
+HRESULT Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)
+{
+    return myLink == nullptr ? E_POINTER : Answer(theAnswer, [&] { return *myLink == 0 && ShowDialog(); });
+}
+
+HRESULT Main::put_Script(BSTR* myScript)
+{
+    return Accept(myScript, [](TextView myText) { Form().Script(myText); });
+}
+
+HRESULT Main::get_Script(BSTR* theScript)
+{
+    return Answer(theScript, [] { return Form().Script(); });
+}
+
+HRESULT Main::get_ErrorText(BSTR* theText)
+{
+    return Answer(theText, [] { return Form().ErrorText(); });
+}
+
+HRESULT Main::ShowHelp(int32_t* myID)
+{
+    return Accept(myID,
+                  [](int32_t myTopic)
+                  {
+                      const Apartment& myApartment = Apartment::OfThisThread();
+                      ShowHelpTopic(myApartment.Ports().help, myApartment.myConstants.myHelpFile, myTopic);
+                  });
+}
+
+HRESULT Main::get_RequiresPHP(VARIANT_BOOL* theAnswer)
+{
+    return Answer(theAnswer, [] { return false; });
+}
+
+HRESULT Main::About()
+{
+    return Guarded([] { RaiseWithoutWindows(); });
+}
+
+HRESULT Main::get_Version(BSTR* theText)
+{
+    return Answer(theText,
+                  []
+                  {
+                      return NumberText(int64_t{ComponentVersion.Major}) + u"." +
+                             NumberText(int64_t{ComponentVersion.Minor}) + u"." +
+                             NumberText(int64_t{ComponentVersion.Revision});
+                  });
+}
+
+} // namespace qel

@@ -1,0 +1,42 @@
+#include "plugin/StringSortObject.h"
+
+#include "com/Failure.h"
+
+namespace qel
+{
+
+HRESULT StringSortObject::InterfaceSupportsErrorInfo(const IID* myInterface)
+{
+    if (myInterface == nullptr)
+    {
+        return E_POINTER;
+    }
+    return SameId(*myInterface, IID_QelStringSort) ? S_OK : S_FALSE;
+}
+
+HRESULT StringSortObject::Clear()
+{
+    return Guarded([&] { mySort.Clear(); });
+}
+
+HRESULT StringSortObject::AddValue(BSTR* myString)
+{
+    return Accept(myString, [&](TextView myText) { mySort.AddValue(myText); });
+}
+
+HRESULT StringSortObject::get_Value(int32_t* myIndex, BSTR* theValue)
+{
+    return myIndex == nullptr ? E_POINTER : Answer(theValue, [&] { return TextView(mySort.Value(*myIndex)); });
+}
+
+HRESULT StringSortObject::get_ValueCount(int32_t* theCount)
+{
+    return Answer(theCount, [&] { return mySort.ValueCount(); });
+}
+
+HRESULT StringSortObject::Sort()
+{
+    return Guarded([&] { mySort.Sort(); });
+}
+
+} // namespace qel

@@ -1,0 +1,30 @@
+/// The list of texts that scripts and hosts can create: classStringSort behind its interface.
+#pragma once
+
+#include "com/CountedObject.h"
+#include "com/InterfaceTables.h"
+#include "com/QelHelperInterfaces.h"
+#include "plugin/LivingObjects.h"
+#include "utilities/classStringSort.h"
+
+namespace qel
+{
+
+/// The members are told at the interface. An object is called on the thread that made it.
+class StringSortObject final : public CountedObject<QelStringSort, ISupportErrorInfo>
+{
+public:
+    HRESULT InterfaceSupportsErrorInfo(const IID* myInterface) override;
+
+    HRESULT Clear() override;
+    HRESULT AddValue(BSTR* myString) override;
+    HRESULT get_Value(int32_t* myIndex, BSTR* theValue) override;
+    HRESULT get_ValueCount(int32_t* theCount) override;
+    HRESULT Sort() override;
+
+private:
+    classStringSort mySort;
+    LivingObject myLife;
+};
+
+} // namespace qel
