@@ -98,8 +98,6 @@ template <std::derived_from<IDispatch> Interface>
 class Parameter<Interface*>
 {
 public:
-    static_assert(InterfaceId<Interface> != nullptr);
-
     Parameter() noexcept = default;
     Parameter(const Parameter&) = delete;
     Parameter& operator=(const Parameter&) = delete;

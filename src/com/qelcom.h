@@ -100,7 +100,7 @@ enum
     VT_BYREF = 0x4000
 };
 
-/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
+/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor,bugprone-macro-parentheses) */
 struct IUnknown;
 struct IDispatch;
 
@@ -299,7 +299,7 @@ QEL_INTERFACE(ISupportErrorInfo, IUnknown)
 QEL_END_INTERFACE(ISupportErrorInfo)
 #undef QEL_THIS
 /* clang-format on */
-/* NOLINTEND(cppcoreguidelines-virtual-class-destructor) */
+/* NOLINTEND(cppcoreguidelines-virtual-class-destructor,bugprone-macro-parentheses) */
 
 QEL_CONSTANT GUID GUID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 QEL_CONSTANT IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};

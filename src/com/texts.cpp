@@ -1,0 +1,65 @@
+// SysAllocString and its companions.
+#include "com/qelcom.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string>
+
+namespace
+{
+
+// Keeps the text as well aligned as the memory; the length fills the last four bytes.
+constexpr size_t HeaderSize = 8;
+constexpr uint32_t LongestText = std::numeric_limits<uint32_t>::max() / sizeof(char16_t);
+
+} // namespace
+
+BSTR SysAllocString(const char16_t* myText)
+{
+    if (myText == nullptr)
+    {
+        return nullptr;
+    }
+    const size_t myLength = std::char_traits<char16_t>::length(myText);
+    return myLength > LongestText ? nullptr : SysAllocStringLen(myText, static_cast<uint32_t>(myLength));
+}
+
+BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
+{
+    if (myLength > LongestText)
+    {
+        return nullptr;
+    }
+    const uint32_t myByteCount = myLength * static_cast<uint32_t>(sizeof(char16_t));
+    auto* const myMemory = static_cast<char*>(std::calloc(HeaderSize + myByteCount + sizeof(char16_t), 1));
+    if (myMemory == nullptr)
+    {
+        return nullptr;
+    }
+    char* const theText = myMemory + HeaderSize;
+    std::memcpy(theText - sizeof myByteCount, &myByteCount, sizeof myByteCount);
+    if (myText != nullptr)
+    {
+        std::memcpy(theText, myText, myByteCount);
+    }
+    return reinterpret_cast<BSTR>(theText);
+}
+
+void SysFreeString(BSTR myText)
+{
+    if (myText != nullptr)
+    {
+        std::free(reinterpret_cast<char*>(myText) - HeaderSize);
+    }
+}
+
+uint32_t SysStringLen(const char16_t* myText)
+{
+    uint32_t theByteCount = 0;
+    if (myText != nullptr)
+    {
+        std::memcpy(&theByteCount, reinterpret_cast<const char*>(myText) - sizeof theByteCount, sizeof theByteCount);
+    }
+    return theByteCount / static_cast<uint32_t>(sizeof(char16_t));
+}
