@@ -3,6 +3,7 @@
 
 #include "platform/Files.h"
 #include "platform/ImagingControl.h"
+#include "platform/Windows.h"
 #include "text/text.h"
 
 #include <cstdint>
@@ -43,6 +44,7 @@ struct Platform
     std::unique_ptr<ImagingControl> (*makeImagingControl)(Files& myFiles);
     /// The folder of the component, absolute, "\" between folders, without a closing one unless it is the root.
     Text componentFolder;
+    Windows& windows;
 };
 
 /// This system's own ports, for one thread.

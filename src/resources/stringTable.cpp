@@ -50,6 +50,7 @@ constexpr ResourceString Strings[] = {
     {840, u"El gráfico importado es demasiado grande para poder utilizarlo como motivo de animación. ¿Desea disminuir "
           u"el tamaño del gráfico?"},
     {850, u"El final del periodo de tiempo de reproducción aparece antes del inicio."},
+    {860, u"No se han podido guardar los archivos importados en \"%1\": %2."},
     {900, u"var showme%1=true;"},
     {910, u"if (new Date()<new Date(%2, %3, %4)) showme%1=false;"},
     {920, u"if (new Date()>new Date(%2, %3, %4)) showme%1=false;"},

@@ -1,0 +1,43 @@
+/// Reads the entries of a folder one after the other, in the file system's order, "." and ".." among them.
+#pragma once
+
+#include <dirent.h>
+#include <memory>
+#include <string>
+
+namespace qel
+{
+
+enum class EntryKind
+{
+    File,
+    Folder,
+    Other ///< a pipe, a socket, a device, a link that leads nowhere
+};
+
+class FolderReader
+{
+public:
+    /// Opens a folder; the empty text is the current one. When that fails IsOpen is false and errno says why.
+    explicit FolderReader(const std::string& myFolder);
+
+    bool IsOpen() const { return myStream != nullptr; }
+
+    /// The next entry, or null behind the last one. It stays valid until the next call. Error 57: reading failed.
+    const dirent* Next();
+
+    /// What an entry is, or what it leads to.
+    EntryKind KindOf(const dirent& myEntry) const;
+
+    /// The open folder itself, for the system's calls.
+    int Handle() const { return dirfd(myStream.get()); }
+
+private:
+    struct Closer
+    {
+        void operator()(DIR* myOpenStream) const { closedir(myOpenStream); }
+    };
+    std::unique_ptr<DIR, Closer> myStream;
+};
+
+} // namespace qel

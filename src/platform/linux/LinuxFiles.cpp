@@ -1,0 +1,369 @@
+#include "platform/linux/LinuxFiles.h"
+
+#include "platform/linux/NativePath.h"
+#include "platform/linux/SystemErrors.h"
+#include "platform/linux/TemporaryPath.h"
+#include "text/encodings.h"
+#include "text/errors.h"
+
+#include <fcntl.h>
+
+namespace qel
+{
+namespace
+{
+
+/// A pipe does not wait for its other end, and a terminal does not become ours, before they are refused.
+constexpr int OpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
+
+constexpr mode_t NewFileMode = 0666;
+constexpr mode_t NewFolderMode = 0777;
+
+Descriptor Open(const std::string& myPath, int myFlags)
+{
+    return Descriptor(Retrying([&] { return open(myPath.c_str(), myFlags | OpenFlags, NewFileMode); }));
+}
+
+/// Throws the Error of a call that was to make something: what is missing then is not that itself, but its folder.
+[[noreturn]] void RaiseMakingError()
+{
+    RaiseSystemError(errno == ENOENT ? ENOTDIR : errno);
+}
+
+/// The native path of what the last part names itself: with a separator behind it a link would be followed.
+std::string PathOfEntry(TextView myPath)
+{
+    std::string thePath = NativePath(myPath);
+    while (thePath.size() > 1 && thePath.ends_with('/'))
+    {
+        thePath.pop_back();
+    }
+    return thePath;
+}
+
+/// Matches "*" (any run of characters) and "?" (one); both texts in lower case.
+bool Matches(TextView myName, TextView myPattern)
+{
+    size_t myStar = TextView::npos; // the last "*" and where the name stood when it was met
+    size_t myRetry = 0;
+    size_t myAt = 0;
+    size_t i = 0;
+    while (i < myName.size())
+    {
+        if (myAt < myPattern.size() && myPattern[myAt] == u'*')
+        {
+            myStar = myAt++;
+            myRetry = i;
+        }
+        else if (myAt < myPattern.size() && (myPattern[myAt] == u'?' || myPattern[myAt] == myName[i]))
+        {
+            ++myAt;
+            ++i;
+        }
+        else if (myStar != TextView::npos)
+        {
+            myAt = myStar + 1;
+            i = ++myRetry;
+        }
+        else
+        {
+            return false;
+        }
+    }
+    return myPattern.find_first_not_of(u'*', myAt) == TextView::npos;
+}
+
+/// The name that a listing shows for an entry, or nothing when it leaves it out.
+std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEntry, TextView myPattern,
+                               Listing myListing)
+{
+    const std::string_view myName = myEntry.d_name;
+    const bool myIsHidden = myName.starts_with('.') && myName != "." && myName != "..";
+    std::optional<Text> theName = myIsHidden ? std::nullopt : LogicalPath(myName);
+    if (!theName || !Matches(LowerCase(*theName), myPattern))
+    {
+        return std::nullopt;
+    }
+    const EntryKind myKind = myReader.KindOf(myEntry);
+    const bool myIsListed =
+        myKind == EntryKind::File || (myKind == EntryKind::Folder && myListing == Listing::FilesAndFolders);
+    return myIsListed ? theName : std::nullopt;
+}
+
+class Remembering final : public FolderMemory
+{
+public:
+    explicit Remembering(PathFinder& myPathFinder) : myFinder(myPathFinder) { myFinder.Remember(); }
+    Remembering(const Remembering&) = delete;
+    Remembering& operator=(const Remembering&) = delete;
+    ~Remembering() override { myFinder.Forget(); }
+
+private:
+    PathFinder& myFinder;
+};
+
+} // namespace
+
+/// Makes a call of the system on a path, and again on what is found without regard to case where the path does not
+/// exist. Gives the call's result; after -1 errno is ENOTDIR when a folder on the way is missing.
+template <typename Call>
+int LinuxFiles::OnPath(const std::string& myPath, Call myCall)
+{
+    const int theResult = Retrying([&] { return myCall(myPath); });
+    if (theResult != -1 || errno != ENOENT)
+    {
+        return theResult;
+    }
+    const Place myPlace = myFinder.Find(myPath);
+    if (myPlace.What != Missing::Nothing)
+    {
+        errno = myPlace.What == Missing::Name ? ENOENT : ENOTDIR;
+        return -1;
+    }
+    return Retrying([&] { return myCall(myPlace.Path); });
+}
+
+/// What the system tells about a path; when it fails errno is as after OnPath.
+bool LinuxFiles::GetFacts(const std::string& myPath, int myFlags, struct stat& theFacts)
+{
+    return OnPath(myPath, [&](const std::string& myTried)
+                  { return fstatat(AT_FDCWD, myTried.c_str(), &theFacts, myFlags); }) == 0;
+}
+
+std::unique_ptr<InputFile> LinuxFiles::OpenForReading(TextView myFilename)
+{
+    return std::make_unique<PlainInputFile>(OpenSource(myFilename, Lock::Exclusive).File);
+}
+
+std::unique_ptr<InputFile> LinuxFiles::OpenShared(TextView myFilename)
+{
+    return std::make_unique<PlainInputFile>(OpenSource(myFilename, Lock::Shared).File);
+}
+
+std::unique_ptr<OutputFile> LinuxFiles::OpenForWriting(TextView myFilename)
+{
+    return std::make_unique<PlainOutputFile>(OpenTarget(myFilename, nullptr));
+}
+
+LinuxFiles::SourceFile LinuxFiles::OpenSource(TextView myFilename, Lock myLock)
+{
+    Descriptor theFile(OnPath(NativePath(myFilename),
+                              [](const std::string& myPath) { return open(myPath.c_str(), O_RDONLY | OpenFlags); }));
+    if (!theFile.IsOpen())
+    {
+        RaiseSystemError(errno);
+    }
+    LockFile(theFile, myLock);
+    const struct stat myFacts = FactsOfPlainFile(theFile);
+    return {std::move(theFile), myFacts};
+}
+
+/// Opens an empty file, locked. Error 70: it is the file that `mySource` tells of.
+Descriptor LinuxFiles::OpenTarget(TextView myFilename, const struct stat* mySource)
+{
+    bool myFileIsNew = false;
+    Descriptor theFile = OpenOrMake(NativePath(myFilename), myFileIsNew);
+    if (!theFile.IsOpen())
+    {
+        RaiseMakingError();
+    }
+    LockFile(theFile, Lock::Exclusive);
+    if (myFileIsNew)
+    {
+        return theFile;
+    }
+    const struct stat myFacts = FactsOfPlainFile(theFile);
+    if (mySource != nullptr && mySource->st_dev == myFacts.st_dev && mySource->st_ino == myFacts.st_ino)
+    {
+        Raise(ErrorNumber::PermissionDenied);
+    }
+    // Only now is it certain that nobody else has an eye on the content.
+    if (myFacts.st_size != 0 && Retrying([&] { return ftruncate(theFile.Handle(), 0); }) != 0)
+    {
+        RaiseSystemError(errno);
+    }
+    return theFile;
+}
+
+Descriptor LinuxFiles::OpenOrMake(const std::string& myPath, bool& theFileIsNew)
+{
+    if (!myFinder.Remembers(myPath))
+    {
+        Descriptor theFile = Open(myPath, O_WRONLY);
+        if (theFile.IsOpen() || errno != ENOENT)
+        {
+            return theFile;
+        }
+    }
+    const Place myPlace = myFinder.Find(myPath);
+    if (myPlace.What == Missing::Name)
+    {
+        Descriptor theFile = Open(myPlace.Path, O_WRONLY | O_CREAT | O_EXCL);
+        if (theFile.IsOpen())
+        {
+            theFileIsNew = true;
+            myFinder.Made(myPlace.Path);
+            return theFile;
+        }
+        if (errno != EEXIST)
+        {
+            return theFile;
+        }
+    }
+    // Someone else may have made it or taken it away since the folder was read.
+    return Open(myPlace.Path, O_WRONLY | O_CREAT);
+}
+
+int64_t LinuxFiles::Length(TextView myFilename)
+{
+    struct stat myFacts = {};
+    if (!GetFacts(NativePath(myFilename), 0, myFacts))
+    {
+        RaiseSystemError(errno);
+    }
+    if (!S_ISREG(myFacts.st_mode))
+    {
+        Raise(ErrorNumber::PathAccess);
+    }
+    return myFacts.st_size;
+}
+
+void LinuxFiles::Copy(TextView mySource, TextView myTarget)
+{
+    const SourceFile myInput = OpenSource(mySource, Lock::Shared);
+    Descriptor myOutput = OpenTarget(myTarget, &myInput.Facts);
+    CopyContent(myInput.File, myOutput, myInput.Facts.st_size);
+    if (const int mySystemError = myOutput.Close(); mySystemError != 0)
+    {
+        RaiseSystemError(mySystemError);
+    }
+}
+
+void LinuxFiles::Delete(TextView myFilename)
+{
+    // An archive deletes before it writes, so that most often there is nothing. The Error costs least from here, where
+    // there is nothing to tidy up on its way.
+    if (const int mySystemError = TryDelete(NativePath(myFilename)); mySystemError != 0)
+    {
+        RaiseSystemError(mySystemError);
+    }
+}
+
+/// Gives 0, or the errno value that tells why nothing was deleted.
+int LinuxFiles::TryDelete(const std::string& myPath)
+{
+    std::string myDeleted;
+    const auto myUnlink = [&](const std::string& myTried)
+    {
+        myDeleted = myTried;
+        return unlink(myTried.c_str());
+    };
+    if (OnPath(myPath, myUnlink) != 0)
+    {
+        return errno;
+    }
+    myFinder.Deleted(myDeleted);
+    return 0;
+}
+
+void LinuxFiles::MakeFolder(TextView myFolder)
+{
+    const std::string myPath = NativePath(myFolder);
+    struct stat myFacts = {};
+    if (stat(myPath.c_str(), &myFacts) == 0)
+    {
+        Raise(ErrorNumber::PathAccess);
+    }
+    const Place myPlace = myFinder.Find(myPath);
+    if (myPlace.What != Missing::Name)
+    {
+        Raise(myPlace.What == Missing::Nothing ? ErrorNumber::PathAccess : ErrorNumber::PathNotFound);
+    }
+    if (mkdir(myPlace.Path.c_str(), NewFolderMode) != 0)
+    {
+        RaiseMakingError();
+    }
+    myFinder.Made(myPlace.Path);
+}
+
+bool LinuxFiles::IsFolder(TextView myPath)
+{
+    try
+    {
+        struct stat myFacts = {};
+        return GetFacts(NativePath(myPath), 0, myFacts) && S_ISDIR(myFacts.st_mode);
+    }
+    catch (const Error&)
+    {
+        return false;
+    }
+}
+
+bool LinuxFiles::IsLink(TextView myPath)
+{
+    try
+    {
+        struct stat myFacts = {};
+        return GetFacts(PathOfEntry(myPath), AT_SYMLINK_NOFOLLOW, myFacts) && S_ISLNK(myFacts.st_mode);
+    }
+    catch (const Error&)
+    {
+        return false;
+    }
+}
+
+std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
+{
+    const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
+    const TextView myNames = myPattern.substr(myStart);
+    const Text myLowered = myNames == u"*.*" ? Text(u"*") : LowerCase(myNames);
+    std::string myFolder = NativePath(myPattern.substr(0, myStart));
+    FolderReader myReader = myFinder.OpenFolder(myFolder);
+    std::vector<Text> theNames;
+    if (!myReader.IsOpen())
+    {
+        if (errno != ENOENT && errno != ENOTDIR)
+        {
+            Raise(ErrorNumber::PathAccess);
+        }
+        return theNames;
+    }
+    while (const dirent* const myEntry = myReader.Next())
+    {
+        if (std::optional<Text> myName = ListedName(myReader, *myEntry, myLowered, myListing))
+        {
+            theNames.push_back(*std::move(myName));
+        }
+    }
+    return theNames;
+}
+
+void LinuxFiles::DemandOwnFolder(TextView myFolder)
+{
+    struct stat myFacts = {};
+    if (!GetFacts(PathOfEntry(myFolder), AT_SYMLINK_NOFOLLOW, myFacts))
+    {
+        if (errno == ENOENT || errno == ENOTDIR)
+        {
+            return;
+        }
+        Raise(ErrorNumber::PathAccess);
+    }
+    if (!S_ISDIR(myFacts.st_mode) || myFacts.st_uid != geteuid() || (myFacts.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+    {
+        Raise(ErrorNumber::PathAccess);
+    }
+}
+
+Text LinuxFiles::TemporaryPath()
+{
+    std::optional<Text> thePath = LogicalPath(NativeTemporaryPath());
+    return !thePath || thePath->empty() ? Text() : *std::move(thePath) + u"\\";
+}
+
+std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders()
+{
+    return std::make_unique<Remembering>(myFinder);
+}
+
+} // namespace qel

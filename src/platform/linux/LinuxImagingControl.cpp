@@ -1,0 +1,124 @@
+#include "platform/Files.h"
+#include "platform/ImagingControl.h"
+#include "platform/linux/GifFile.h"
+#include "platform/linux/JpegFile.h"
+#include "platform/linux/PaletteReduction.h"
+#include "platform/linux/Resampling.h"
+#include "text/dates.h"
+#include "text/errors.h"
+
+namespace qel
+{
+namespace
+{
+
+constexpr int64_t LongestFile = int64_t{256} * 1024 * 1024;
+
+std::vector<uint8_t> WholeFile(Files& myFiles, TextView myFilename)
+{
+    const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
+    const int64_t myLength = myFile->Length();
+    if (myLength > LongestFile)
+    {
+        Raise(ErrorNumber::InvalidPicture);
+    }
+    std::vector<uint8_t> theBytes(static_cast<size_t>(myLength));
+    myFile->Read(std::as_writable_bytes(std::span(theBytes)));
+    return theBytes;
+}
+
+std::unique_ptr<Picture> ReadPicture(std::vector<uint8_t> myFile)
+{
+    if (IsGif(myFile))
+    {
+        return ReadGif(myFile);
+    }
+    if (IsJpeg(myFile))
+    {
+        return ReadJpeg(std::move(myFile));
+    }
+    Raise(ErrorNumber::InvalidPicture);
+}
+
+void DemandSettings(bool myAreThePassed)
+{
+    if (!myAreThePassed)
+    {
+        Raise(ErrorNumber::InvalidArgument);
+    }
+}
+
+class LinuxImagingControl final : public ImagingControl
+{
+public:
+    explicit LinuxImagingControl(Files& myFilePort) : myFiles(myFilePort) {}
+
+    void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) override
+    {
+        DemandSettings(myBitsPerPixel == 24 && myFirstPage == 1 && myPages == 1);
+        myPicture.reset();
+        myPicture = ReadPicture(WholeFile(myFiles, myFilename));
+    }
+
+    float BitmapWidth() override { return static_cast<float>(Current().Width()); }
+    float BitmapHeight() override { return static_cast<float>(Current().Height()); }
+
+    void Resize(float myWidth, float myHeight, int16_t myMode) override
+    {
+        DemandSettings(myMode == 4);
+        const Picture& mySource = Current();
+        const int32_t myColumns = RoundToWhole(double{myWidth});
+        const int32_t myRows = RoundToWhole(double{myHeight});
+        DemandSettings(myColumns > 0 && myRows > 0 && int64_t{myColumns} * myRows <= MostPixels);
+        if (myColumns != mySource.Width() || myRows != mySource.Height())
+        {
+            myPicture = std::make_unique<PlainPicture>(Resample(mySource.Pixels(myColumns, myRows), myColumns, myRows),
+                                                       mySource.Animated());
+        }
+    }
+
+    void ReduceColors(int16_t myBitsPerPixel, int16_t myPalette, int16_t myDither, int16_t myColours) override
+    {
+        DemandSettings(myBitsPerPixel == 8 && myPalette == 2 && myDither == 0 && myColours == 0);
+        myPicture = ReduceToPalette(CurrentPicture(), Current().Animated());
+    }
+
+    void Save(TextView myFilename, int16_t myFormat, int16_t myBitsPerPixel, int16_t myQuality,
+              bool myMultiplePages) override
+    {
+        const bool myIsJpeg = myFormat == JpegFormat && myBitsPerPixel == 24 && myQuality == 20;
+        const bool myIsGif = myFormat == GifFormat && myBitsPerPixel == 8 && myQuality == 0;
+        DemandSettings((myIsJpeg || myIsGif) && !myMultiplePages);
+        const auto* const myReduced = dynamic_cast<const GifPicture*>(&Current());
+        DemandSettings(myIsJpeg || myReduced != nullptr);
+        const std::vector<uint8_t> myFile = myIsJpeg ? WriteJpeg(CurrentPicture(), 85) : WriteGif(*myReduced);
+        const std::unique_ptr<OutputFile> myOutput = myFiles.OpenForWriting(myFilename);
+        myOutput->Write(std::as_bytes(std::span(myFile)));
+        myOutput->Close();
+    }
+
+    PixelPicture CurrentPicture() override { return Current().Pixels(Current().Width(), Current().Height()); }
+    bool IsAnimated() override { return Current().Animated(); }
+
+private:
+    const Picture& Current() const
+    {
+        if (!myPicture)
+        {
+            Raise(ErrorNumber::InvalidPicture);
+        }
+        return *myPicture;
+    }
+
+    Files& myFiles;
+    std::unique_ptr<Picture> myPicture;
+};
+
+} // namespace
+
+std::unique_ptr<ImagingControl> MakeImagingControl(Files& myFiles)
+{
+    return std::make_unique<LinuxImagingControl>(myFiles);
+}
+
+} // namespace qel

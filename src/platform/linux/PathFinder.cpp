@@ -1,0 +1,247 @@
+#include "platform/linux/PathFinder.h"
+
+#include "platform/linux/SystemErrors.h"
+#include "text/encodings.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+
+namespace qel
+{
+namespace
+{
+
+/// A path cut in three: "x/y/", "name", and the "/" that may stand behind it.
+struct PathParts
+{
+    std::string_view Folder;
+    std::string_view Name;
+    std::string_view Tail;
+};
+
+PathParts PartsOf(std::string_view myPath)
+{
+    const size_t myEnd = myPath.find_last_not_of('/') + 1;
+    const size_t myStart = myPath.substr(0, myEnd).rfind('/') + 1;
+    return {myPath.substr(0, myStart), myPath.substr(myStart, myEnd - myStart), myPath.substr(myEnd)};
+}
+
+/// One name that others are compared with.
+class WantedName
+{
+public:
+    explicit WantedName(std::string_view myName) : myLowerCase(LowerCase(FromUtf8(myName))) {}
+
+    bool IsLike(std::string_view myName) const
+    {
+        // Most names differ early, in plain ASCII, and need not be decoded to see it.
+        for (size_t i = 0; i < myName.size() && static_cast<unsigned char>(myName[i]) < 0x80; ++i)
+        {
+            if (i >= myLowerCase.size() || LowerCase(static_cast<char16_t>(myName[i])) != myLowerCase[i])
+            {
+                return false;
+            }
+        }
+        const std::optional<Text> myText = FromUtf8Exactly(myName);
+        return myText && LowerCase(*myText) == myLowerCase;
+    }
+
+private:
+    Text myLowerCase;
+};
+
+/// The name itself or the first that is like it; empty when the folder has none.
+std::string FindByReading(FolderReader& myReader, std::string_view myName)
+{
+    const WantedName myWanted(myName);
+    std::string theFound;
+    while (const dirent* const myEntry = myReader.Next())
+    {
+        const std::string_view myEntryName = myEntry->d_name;
+        if (myEntryName == myName)
+        {
+            return std::string(myName);
+        }
+        if (myWanted.IsLike(myEntryName) && (theFound.empty() || myEntryName < theFound))
+        {
+            theFound = myEntryName;
+        }
+    }
+    return theFound;
+}
+
+} // namespace
+
+// The names of twins differ only in letters that have a lower case. None of these is half of a surrogate pair, so the
+// order of their bytes is the order of their character codes.
+
+void FolderNames::Add(std::string_view myName)
+{
+    if (const std::optional<Text> myText = FromUtf8Exactly(myName))
+    {
+        myNames.emplace(LowerCase(*myText), myName);
+    }
+}
+
+void FolderNames::Remove(std::string_view myName)
+{
+    const auto [myFirst, myEnd] = myNames.equal_range(LowerCase(FromUtf8(myName)));
+    for (auto i = myFirst; i != myEnd; ++i)
+    {
+        if (i->second == myName)
+        {
+            myNames.erase(i);
+            return;
+        }
+    }
+}
+
+const std::string* FolderNames::Find(std::string_view myName) const
+{
+    const std::string* theFound = nullptr;
+    const auto [myFirst, myEnd] = myNames.equal_range(LowerCase(FromUtf8(myName)));
+    for (auto i = myFirst; i != myEnd; ++i)
+    {
+        if (i->second == myName)
+        {
+            return &i->second;
+        }
+        if (theFound == nullptr || i->second < *theFound)
+        {
+            theFound = &i->second;
+        }
+    }
+    return theFound;
+}
+
+Place PathFinder::Find(const std::string& myPath)
+{
+    const PathParts myParts = PartsOf(myPath);
+    if (myParts.Name.empty())
+    {
+        return {myPath, Missing::Name};
+    }
+    std::string myFolder(myParts.Folder);
+    std::string myFound;
+    const FolderNames* myNames = NamesAround(myPath);
+    if (myNames == nullptr)
+    {
+        FolderReader myReader = OpenFolder(myFolder);
+        if (!myReader.IsOpen() && (errno == ENOENT || errno == ENOTDIR))
+        {
+            return {myPath, Missing::Folder};
+        }
+        if (!myReader.IsOpen() && errno != EACCES)
+        {
+            RaiseSystemError(errno);
+        }
+        if (myReader.IsOpen() && myRemembering > 0)
+        {
+            myNames = &ReadNames(myParts.Folder, myFolder, myReader);
+        }
+        else if (myReader.IsOpen())
+        {
+            myFound = FindByReading(myReader, myParts.Name);
+        }
+    }
+    if (myNames != nullptr)
+    {
+        const std::string* const myName = myNames->Find(myParts.Name);
+        myFound = myName != nullptr ? *myName : std::string();
+        myFolder = myNames->Path();
+    }
+    const bool myIsThere = !myFound.empty();
+    return {myFolder.append(myIsThere ? myFound : myParts.Name).append(myParts.Tail),
+            myIsThere ? Missing::Nothing : Missing::Name};
+}
+
+FolderReader PathFinder::OpenFolder(std::string& theFolder)
+{
+    FolderReader theReader(theFolder);
+    if (theReader.IsOpen() || errno != ENOENT)
+    {
+        return theReader;
+    }
+    Place myPlace = Find(theFolder);
+    if (myPlace.What != Missing::Nothing)
+    {
+        errno = ENOENT;
+        return theReader;
+    }
+    theFolder = std::move(myPlace.Path);
+    return FolderReader(theFolder);
+}
+
+FolderNames& PathFinder::ReadNames(std::string_view mySpelling, const std::string& myFolder, FolderReader& myReader)
+{
+    struct stat myFacts = {};
+    if (fstat(myReader.Handle(), &myFacts) != 0)
+    {
+        RaiseSystemError(errno);
+    }
+    const std::pair myKey(myFacts.st_dev, myFacts.st_ino);
+    auto myPosition = myFolders.find(myKey);
+    if (myPosition == myFolders.end())
+    {
+        FolderNames myNames(myFolder);
+        while (const dirent* const myEntry = myReader.Next())
+        {
+            myNames.Add(myEntry->d_name);
+        }
+        myPosition = myFolders.emplace(myKey, std::move(myNames)).first;
+    }
+    mySpellings.emplace(mySpelling, &myPosition->second);
+    return myPosition->second;
+}
+
+FolderNames* PathFinder::NamesAround(std::string_view myPath)
+{
+    if (myFolders.empty())
+    {
+        return nullptr;
+    }
+    const std::string_view myFolder = PartsOf(myPath).Folder;
+    if (const auto mySpelling = mySpellings.find(myFolder); mySpelling != mySpellings.end())
+    {
+        return mySpelling->second;
+    }
+    struct stat myFacts = {};
+    if (stat(myFolder.empty() ? "." : std::string(myFolder).c_str(), &myFacts) != 0)
+    {
+        return nullptr;
+    }
+    const auto myNames = myFolders.find({myFacts.st_dev, myFacts.st_ino});
+    if (myNames == myFolders.end())
+    {
+        return nullptr;
+    }
+    mySpellings.emplace(myFolder, &myNames->second);
+    return &myNames->second;
+}
+
+void PathFinder::Forget()
+{
+    if (--myRemembering == 0)
+    {
+        mySpellings.clear();
+        myFolders.clear();
+    }
+}
+
+void PathFinder::Made(std::string_view myPath)
+{
+    if (FolderNames* const myNames = NamesAround(myPath))
+    {
+        myNames->Add(PartsOf(myPath).Name);
+    }
+}
+
+void PathFinder::Deleted(std::string_view myPath)
+{
+    if (FolderNames* const myNames = NamesAround(myPath))
+    {
+        myNames->Remove(PartsOf(myPath).Name);
+    }
+}
+
+} // namespace qel

@@ -1,0 +1,58 @@
+/// What the picture codecs hand to the imaging control.
+#pragma once
+
+#include "platform/PixelPicture.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace qel
+{
+
+/// More pixels than this are refused before anything is allocated for them: 64 megapixels.
+inline constexpr int64_t MostPixels = int64_t{64} * 1024 * 1024;
+
+/// A picture that its codec has found sound to the last byte that counts.
+class Picture
+{
+public:
+    Picture(int32_t myPictureWidth, int32_t myPictureHeight, bool myPictureIsAnimated)
+        : myWidth(myPictureWidth), myHeight(myPictureHeight), myAnimated(myPictureIsAnimated)
+    {
+    }
+    Picture(const Picture&) = delete;
+    Picture& operator=(const Picture&) = delete;
+    virtual ~Picture() = default;
+
+    /// The size in pixels; neither side is 0.
+    int32_t Width() const { return myWidth; }
+    int32_t Height() const { return myHeight; }
+    /// True when the file holds more than one image.
+    bool Animated() const { return myAnimated; }
+
+    /// What it shows. Where that comes cheaper it is a smaller picture, but at least twice as large each way as what is
+    /// needed. Error 481: it cannot be decoded.
+    virtual PixelPicture Pixels(int32_t myNeededWidth, int32_t myNeededHeight) const = 0;
+
+private:
+    int32_t myWidth;
+    int32_t myHeight;
+    bool myAnimated;
+};
+
+/// A picture that lies in memory as it is.
+class PlainPicture final : public Picture
+{
+public:
+    PlainPicture(PixelPicture myContent, bool myPictureIsAnimated)
+        : Picture(myContent.Width, myContent.Height, myPictureIsAnimated), myPixels(std::move(myContent))
+    {
+    }
+
+    PixelPicture Pixels(int32_t /*myNeededWidth*/, int32_t /*myNeededHeight*/) const override { return myPixels; }
+
+private:
+    PixelPicture myPixels;
+};
+
+} // namespace qel

@@ -1,0 +1,222 @@
+#include "platform/linux/PlainFile.h"
+
+#include "platform/linux/SystemErrors.h"
+#include "text/errors.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <sys/file.h>
+
+namespace qel
+{
+namespace
+{
+
+/// Writes both parts whole, one behind the other.
+void WriteAll(const Descriptor& myFile, std::span<const std::byte> myFirst, std::span<const std::byte> mySecond)
+{
+    while (!myFirst.empty() || !mySecond.empty())
+    {
+        // The system's record has no constant pointer, though writing changes nothing.
+        const std::array<iovec, 2> myParts = {iovec{const_cast<std::byte*>(myFirst.data()), myFirst.size()},
+                                              iovec{const_cast<std::byte*>(mySecond.data()), mySecond.size()}};
+        const ssize_t myWritten = Retrying([&] { return writev(myFile.Handle(), myParts.data(), 2); });
+        if (myWritten == -1)
+        {
+            RaiseSystemError(errno);
+        }
+        const size_t myOfFirst = std::min(static_cast<size_t>(myWritten), myFirst.size());
+        myFirst = myFirst.subspan(myOfFirst);
+        mySecond = mySecond.subspan(static_cast<size_t>(myWritten) - myOfFirst);
+    }
+}
+
+} // namespace
+
+void LockFile(const Descriptor& myFile, Lock myLock)
+{
+    const int myOperation = (myLock == Lock::Shared ? LOCK_SH : LOCK_EX) | LOCK_NB;
+    if (Retrying([&] { return flock(myFile.Handle(), myOperation); }) != 0 && errno == EWOULDBLOCK)
+    {
+        RaiseSystemError(errno);
+    }
+}
+
+struct stat FactsOfPlainFile(const Descriptor& myFile)
+{
+    struct stat theFacts = {};
+    if (fstat(myFile.Handle(), &theFacts) != 0)
+    {
+        RaiseSystemError(errno);
+    }
+    if (!S_ISREG(theFacts.st_mode))
+    {
+        Raise(ErrorNumber::PathAccess);
+    }
+    return theFacts;
+}
+
+void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t myLength)
+{
+    constexpr int64_t AtOnce = int64_t{1} << 30;
+    int64_t myLeft = myLength;
+    while (myLeft > 0)
+    {
+        const auto myCount = static_cast<size_t>(std::min(myLeft, AtOnce));
+        const ssize_t myCopied = Retrying(
+            [&] { return copy_file_range(mySource.Handle(), nullptr, myTarget.Handle(), nullptr, myCount, 0); });
+        if (myCopied <= 0)
+        {
+            break;
+        }
+        myLeft -= myCopied;
+    }
+    if (myLeft == 0 && myLength > 0)
+    {
+        return;
+    }
+    // The kernel cannot copy between these two, or the copy failed and fails here again, or the file does not know its
+    // length, as those that the kernel makes up.
+    constexpr size_t BlockSize = 65536;
+    const auto myBlock = std::make_unique_for_overwrite<std::byte[]>(BlockSize);
+    for (;;)
+    {
+        const ssize_t myCount = Retrying([&] { return read(mySource.Handle(), myBlock.get(), BlockSize); });
+        if (myCount == 0)
+        {
+            return;
+        }
+        if (myCount == -1)
+        {
+            Raise(ErrorNumber::DeviceError);
+        }
+        WriteAll(myTarget, {myBlock.get(), static_cast<size_t>(myCount)}, {});
+    }
+}
+
+int64_t PlainInputFile::Length()
+{
+    struct stat myFacts = {};
+    if (fstat(myFile.Handle(), &myFacts) != 0)
+    {
+        Raise(ErrorNumber::DeviceError);
+    }
+    return myFacts.st_size;
+}
+
+void PlainInputFile::Read(std::span<std::byte> myTarget)
+{
+    while (!myTarget.empty())
+    {
+        size_t myCount = 0;
+        if (myNext == myEnd && myTarget.size() >= myFill)
+        {
+            myCount = ReadSome(myTarget);
+        }
+        else
+        {
+            FillBuffer();
+            myCount = std::min(myTarget.size(), myEnd - myNext);
+            std::memcpy(myTarget.data(), &myBuffer[myNext], myCount);
+            myNext += myCount;
+        }
+        myTarget = myTarget.subspan(myCount);
+    }
+}
+
+void PlainInputFile::Skip(int64_t myCount)
+{
+    if (myCount < 0)
+    {
+        Raise(ErrorNumber::InvalidArgument);
+    }
+    const auto myBuffered = static_cast<int64_t>(myEnd - myNext);
+    if (myCount <= myBuffered)
+    {
+        myNext += static_cast<size_t>(myCount);
+        return;
+    }
+    if (myCount > Length() - Position())
+    {
+        Raise(ErrorNumber::InputPastEnd);
+    }
+    myOffset += myCount - myBuffered;
+    myNext = myEnd = 0;
+    myFill = SmallestFill;
+}
+
+/// Reads at least one byte from the file.
+size_t PlainInputFile::ReadSome(std::span<std::byte> myTarget)
+{
+    const ssize_t myCount =
+        Retrying([&] { return pread(myFile.Handle(), myTarget.data(), myTarget.size(), myOffset); });
+    if (myCount <= 0)
+    {
+        Raise(myCount == 0 ? ErrorNumber::InputPastEnd : ErrorNumber::DeviceError);
+    }
+    myOffset += myCount;
+    return static_cast<size_t>(myCount);
+}
+
+/// Makes sure that there is something in the buffer.
+void PlainInputFile::FillBuffer()
+{
+    if (myNext != myEnd)
+    {
+        return;
+    }
+    if (!myBuffer)
+    {
+        myBuffer = std::make_unique_for_overwrite<std::byte[]>(LargestFill);
+    }
+    myNext = myEnd = 0;
+    myEnd = ReadSome({myBuffer.get(), myFill});
+    myFill = std::min(4 * myFill, LargestFill);
+}
+
+PlainOutputFile::~PlainOutputFile()
+{
+    try
+    {
+        WriteThrough({});
+    }
+    catch (const Error&)
+    {
+        // Whoever wants to know calls Close.
+    }
+}
+
+void PlainOutputFile::Write(std::span<const std::byte> myBytes)
+{
+    if (myPending == 0 ? myBytes.size() >= SmallWrite : myBytes.size() > Capacity - myPending)
+    {
+        WriteThrough(myBytes);
+        return;
+    }
+    if (!myBuffer)
+    {
+        myBuffer = std::make_unique_for_overwrite<std::byte[]>(Capacity);
+    }
+    std::copy(myBytes.begin(), myBytes.end(), &myBuffer[myPending]);
+    myPending += myBytes.size();
+}
+
+void PlainOutputFile::Close()
+{
+    Descriptor myLast = std::move(myFile);
+    WriteAll(myLast, {myBuffer.get(), std::exchange(myPending, 0)}, {});
+    if (const int mySystemError = myLast.Close(); mySystemError != 0)
+    {
+        RaiseSystemError(mySystemError);
+    }
+}
+
+/// Writes what has been collected and then the bytes. What has failed once is not tried again.
+void PlainOutputFile::WriteThrough(std::span<const std::byte> myBytes)
+{
+    const size_t myCollected = std::exchange(myPending, 0);
+    WriteAll(myFile, {myBuffer.get(), myCollected}, myBytes);
+}
+
+} // namespace qel

@@ -1,0 +1,256 @@
+#include "platform/linux/window/FormDialog.h"
+
+#include "platform/linux/window/appearance.h"
+#include "platform/linux/window/toolkitText.h"
+#include "platform/linux/window/widgets.h"
+#include "resources/pictures.h"
+
+#include <cstdlib>
+#include <memory>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QScreen>
+#include <QToolButton>
+#include <string_view>
+#include <xcb/xcb.h>
+
+namespace qel
+{
+namespace
+{
+
+constexpr int ToolButtonWidth = 24;
+constexpr int ToolImageSize = 16;
+
+int Pixels(int32_t myTwips)
+{
+    return myTwips / TwipsPerPixel;
+}
+
+/// The passes in which the controls are made. Labels and images lie under what overlaps them, the lower part of a
+/// caption under its combo box above all; what lies in a picture box comes after it.
+constexpr int Passes = 3;
+
+int PassOf(const ControlLayout& myLayout)
+{
+    const bool myIsLabel = myLayout.Kind == ControlKind::Label || myLayout.Kind == ControlKind::Image;
+    return myIsLabel ? (myLayout.Parent.empty() ? 0 : 2) : 1;
+}
+
+QWidget* MakeLabel(const ControlLayout& myLayout, QWidget* myParent)
+{
+    if (myLayout.Trait == ControlTrait::HandCursor)
+    {
+        auto* const theLabel = new ClickLabel(myParent);
+        theLabel->setCursor(QCursor(PixmapOf(HandPicture), HandLeft, HandTop));
+        theLabel->setText(ToToolkit(myLayout.Caption));
+        return theLabel;
+    }
+    auto* const theLabel = new QLabel(ToToolkit(myLayout.Caption), myParent);
+    theLabel->setTextFormat(Qt::PlainText);
+    theLabel->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    if (myLayout.Trait == ControlTrait::Emphasised)
+    {
+        QFont myFont = FormFont();
+        myFont.setBold(true);
+        theLabel->setFont(myFont);
+        QPalette myColours = theLabel->palette();
+        myColours.setColor(QPalette::WindowText, Qt::black);
+        theLabel->setPalette(myColours);
+        theLabel->setAlignment(Qt::AlignTop | Qt::AlignRight);
+    }
+    return theLabel;
+}
+
+QWidget* MakeButton(const ControlLayout& myLayout, QWidget* myParent)
+{
+    auto* const theButton = new QPushButton(ToToolkit(myLayout.Caption), myParent);
+    theButton->setDefault(myLayout.Trait == ControlTrait::DefaultButton);
+    return theButton;
+}
+
+QWidget* MakeToolBar(const ControlLayout& myLayout, QWidget* myParent)
+{
+    auto* const theBar = new QWidget(myParent);
+    for (int myIndex = 0; const ToolButtonLayout& myButton : PlayButtons)
+    {
+        auto* const theButton = new QToolButton(theBar);
+        theButton->setObjectName(ToToolkit(myLayout.Name) + QString::number(myIndex + 1));
+        theButton->setAutoRaise(true);
+        theButton->setIcon(PixmapOf(myButton.Image == 1 ? PlayPicture : StopPicture));
+        theButton->setIconSize({ToolImageSize, ToolImageSize});
+        theButton->setToolTip(ToToolkit(myButton.ToolTip));
+        theButton->setAccessibleName(theButton->toolTip());
+        theButton->setGeometry(myIndex * ToolButtonWidth, 0, ToolButtonWidth, Pixels(myLayout.Height));
+        ++myIndex;
+    }
+    return theBar;
+}
+
+QWidget* MakeDateField(const ControlLayout& myLayout, QWidget* myParent)
+{
+    auto* const theField = new DateField(myParent);
+    theField->Switch().setObjectName(ToToolkit(myLayout.Name) + "Switch");
+    theField->Day().setObjectName(ToToolkit(myLayout.Name) + "Day");
+    theField->Switch().setAccessibleName(ToToolkit(myLayout.AccessibleName));
+    theField->Day().setAccessibleName(ToToolkit(myLayout.AccessibleName));
+    return theField;
+}
+
+QWidget* MakeWidget(const ControlLayout& myLayout, QWidget* myParent)
+{
+    switch (myLayout.Kind)
+    {
+    case ControlKind::ComboBox:
+        return new QComboBox(myParent);
+    case ControlKind::PictureBox:
+        return new PictureFrame(myParent);
+    case ControlKind::ListBox:
+        return new SelectionList(myParent);
+    case ControlKind::CheckBox:
+        return new QCheckBox(ToToolkit(myLayout.Caption), myParent);
+    case ControlKind::Button:
+        return MakeButton(myLayout, myParent);
+    case ControlKind::DatePicker:
+        return MakeDateField(myLayout, myParent);
+    case ControlKind::ToolBar:
+        return MakeToolBar(myLayout, myParent);
+    case ControlKind::Label:
+        return MakeLabel(myLayout, myParent);
+    case ControlKind::Image:
+        break;
+    }
+    return new QLabel(myParent);
+}
+
+/// Where the focus goes in a control, in its order.
+QWidgetList FocusPlaces(QWidget& myControl)
+{
+    if (auto* const myField = dynamic_cast<DateField*>(&myControl))
+    {
+        return {&myField->Switch(), &myField->Day()};
+    }
+    const QList<QToolButton*> myButtons = myControl.findChildren<QToolButton*>();
+    return myButtons.isEmpty() ? QWidgetList{&myControl} : QWidgetList(myButtons.begin(), myButtons.end());
+}
+
+/// Asks the window manager to leave a window out of the task bar, where there is one that is asked in this way.
+void SkipTaskBar(const QWidget& myWindow)
+{
+    auto* const mySystem = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (mySystem == nullptr)
+    {
+        return;
+    }
+    xcb_connection_t* const myConnection = mySystem->connection();
+    const auto myAtom = [myConnection](std::string_view myName)
+    {
+        const xcb_intern_atom_cookie_t myRequest =
+            xcb_intern_atom(myConnection, 0, static_cast<uint16_t>(myName.size()), myName.data());
+        const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> myReply(
+            xcb_intern_atom_reply(myConnection, myRequest, nullptr), &std::free);
+        return myReply ? myReply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    };
+    const xcb_atom_t myState = myAtom("_NET_WM_STATE_SKIP_TASKBAR");
+    xcb_change_property(myConnection, XCB_PROP_MODE_APPEND, static_cast<xcb_window_t>(myWindow.winId()),
+                        myAtom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, 1, &myState);
+}
+
+} // namespace
+
+FormDialog::FormDialog()
+{
+    setObjectName(ToToolkit(MainFormLayout.Name));
+    setWindowTitle(ToToolkit(MainFormLayout.Caption));
+    setWindowFlags(Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowCloseButtonHint);
+    setFixedSize(Pixels(MainFormLayout.ClientWidth), Pixels(MainFormLayout.ClientHeight));
+    for (int myPass = 0; myPass < Passes; ++myPass)
+    {
+        for (const ControlLayout& myLayout : MainFormControls)
+        {
+            if (PassOf(myLayout) == myPass)
+            {
+                Add(myLayout);
+            }
+        }
+    }
+    SetTabOrder();
+    Dress(*this);
+}
+
+void FormDialog::ShowModally()
+{
+    Find(MainFormControls.front().Name).setFocus();
+    SkipTaskBar(*this);
+    Centre();
+    exec();
+}
+
+void FormDialog::keyPressEvent(QKeyEvent* myEvent)
+{
+    if (myEvent->matches(QKeySequence::Cancel))
+    {
+        // By the toolkit's own road Escape would be the same as the close box.
+        for (const ControlLayout& myLayout : MainFormControls)
+        {
+            if (myLayout.Trait == ControlTrait::CancelButton)
+            {
+                Control<QAbstractButton>(myLayout.Name).click();
+            }
+        }
+        return;
+    }
+    QDialog::keyPressEvent(myEvent);
+}
+
+bool FormDialog::event(QEvent* myEvent)
+{
+    const bool theResult = QDialog::event(myEvent);
+    if (myEvent->type() == QEvent::WindowActivate && !myIsCentred)
+    {
+        // Only now is the frame known that the window manager has put around the window.
+        myIsCentred = true;
+        Centre();
+    }
+    return theResult;
+}
+
+QWidget& FormDialog::Find(TextView myName) const
+{
+    return *findChild<QWidget*>(ToToolkit(myName));
+}
+
+void FormDialog::Add(const ControlLayout& myLayout)
+{
+    QWidget* const theWidget = MakeWidget(myLayout, myLayout.Parent.empty() ? this : &Find(myLayout.Parent));
+    theWidget->setObjectName(ToToolkit(myLayout.Name));
+    theWidget->setAccessibleName(ToToolkit(myLayout.AccessibleName));
+    theWidget->setGeometry(Pixels(myLayout.Left), Pixels(myLayout.Top), Pixels(myLayout.Width),
+                           Pixels(myLayout.Height));
+}
+
+void FormDialog::SetTabOrder()
+{
+    QWidget* myLast = nullptr;
+    for (const ControlLayout& myLayout : MainFormControls)
+    {
+        for (QWidget* const myPlace : FocusPlaces(Find(myLayout.Name)))
+        {
+            if (myLast != nullptr)
+            {
+                setTabOrder(myLast, myPlace);
+            }
+            myLast = myPlace;
+        }
+    }
+}
+
+void FormDialog::Centre()
+{
+    move(pos() + screen()->geometry().center() - frameGeometry().center());
+}
+
+} // namespace qel

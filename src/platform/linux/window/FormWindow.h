@@ -1,0 +1,57 @@
+/// The dialog's window as its logic sees it.
+#pragma once
+
+#include "platform/linux/window/controls.h"
+#include "platform/linux/window/FormDialog.h"
+#include "platform/Windows.h"
+
+namespace qel
+{
+
+class FormWindow final : public FormMainWindow
+{
+public:
+    FormWindow();
+
+    FormMainControls& Controls() override { return myControls; }
+    void Show(FormMainEvents& theEvents) override;
+    void Unload() override;
+    int32_t HelpContextID() override { return MainFormLayout.HelpContextID; }
+    void Pointer(MousePointer myPointer) override;
+    std::optional<Text> ShowOpen(const FileDialogSettings& mySettings) override;
+    int32_t MsgBox(TextView myText, int32_t myStyle) override;
+
+private:
+    void ConnectClicks();
+
+    EventRoad myRoad;
+    FormDialog myDialog;
+    bool myIsUnloaded = false;
+
+    ToolkitComboBox myImageFolders{myDialog.Control<QComboBox>(u"cmbImageFolder"), myRoad,
+                                   &FormMainEvents::cmbImageFolder_Click};
+    ToolkitComboBox myMIDIFolders{myDialog.Control<QComboBox>(u"cmbMIDIFolder"), myRoad,
+                                  &FormMainEvents::cmbMIDIFolder_Click};
+    ToolkitListBox myImages{myDialog.Control<SelectionList>(u"lstImage"), myRoad, &FormMainEvents::lstImage_Click,
+                            nullptr};
+    ToolkitListBox myMIDIs{myDialog.Control<SelectionList>(u"lstMIDI"), myRoad, nullptr,
+                           &FormMainEvents::lstMIDI_DblClick};
+    ToolkitPictureBox myImageBox{myDialog.Control<QFrame>(u"picImage")};
+    ToolkitPictureBox myMIDIBox{myDialog.Control<QFrame>(u"picMIDI")};
+    ToolkitPreviewBox myPreview{myDialog.Control<PictureFrame>(u"picPreview")};
+    ToolkitIconImage myImageIcon{myDialog.Control<QLabel>(u"imgImage")};
+    ToolkitIconImage myMIDIIcon{myDialog.Control<QLabel>(u"imgMIDI")};
+    ToolkitLabel<ClickLabel> myImageLabel{myDialog.Control<ClickLabel>(u"lblImage")};
+    ToolkitLabel<ClickLabel> myMIDILabel{myDialog.Control<ClickLabel>(u"lblMIDI")};
+    ToolkitLabel<QLabel> myAnimatedLabel{myDialog.Control<QLabel>(u"lblAnimated")};
+    ToolkitCheckBox myShowImage{myDialog.Control<QCheckBox>(u"chkImage")};
+    ToolkitCheckBox myPlayMIDI{myDialog.Control<QCheckBox>(u"chkMIDI")};
+    ToolkitButton myUnsetLink{myDialog.Control<QAbstractButton>(u"cmdUnsetLink")};
+    ToolkitDatePicker myFrom{myDialog.Control<DateField>(u"DateFrom")};
+    ToolkitDatePicker myTo{myDialog.Control<DateField>(u"DateTo")};
+    FormMainControls myControls{myImageFolders, myMIDIFolders, myImages,    myMIDIs,      myImageBox,  myMIDIBox,
+                                myPreview,      myImageIcon,   myMIDIIcon,  myImageLabel, myMIDILabel, myAnimatedLabel,
+                                myShowImage,    myPlayMIDI,    myUnsetLink, myFrom,       myTo};
+};
+
+} // namespace qel

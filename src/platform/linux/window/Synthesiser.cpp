@@ -1,0 +1,177 @@
+#include "platform/linux/window/Synthesiser.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <dlfcn.h>
+#include <exception>
+#include <fluidsynth.h>
+#include <unistd.h>
+
+namespace qel
+{
+namespace
+{
+
+constexpr const char* SoundFonts[] = {"/usr/share/sounds/sf2/TimGM6mb.sf2", "/usr/share/sounds/sf2/default-GM.sf2"};
+
+template <class Function>
+Function* Find(void* myLibrary, const char* myName)
+{
+    return myLibrary == nullptr ? nullptr : reinterpret_cast<Function*>(dlsym(myLibrary, myName));
+}
+
+/// The sound card's library prints its failures unless someone takes them. It can be told so for one thread, which
+/// leaves the host alone.
+void SilenceSoundCard()
+{
+    using Listener = void(const char*, int, const char*, int, const char*, va_list);
+    using SetListener = Listener*(Listener*);
+    void* const myLibrary = dlopen("libasound.so.2", RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+    if (auto* const mySetListener = Find<SetListener>(myLibrary, "snd_lib_error_set_local"))
+    {
+        mySetListener([](const char*, int, const char*, int, const char*, va_list) {});
+    }
+}
+
+/// The calls of the synthesiser's library. It brings many others along, so it is loaded when a tune is to sound and not
+/// with the window.
+struct Library
+{
+    void* const Handle = dlopen("libfluidsynth.so.3", RTLD_NOW | RTLD_LOCAL);
+
+#define QEL_CALL(Name, Call) decltype(::Call)* const Name = Find<decltype(::Call)>(Handle, #Call)
+    QEL_CALL(SetLogFunction, fluid_set_log_function);
+    QEL_CALL(NewSettings, new_fluid_settings);
+    QEL_CALL(DeleteSettings, delete_fluid_settings);
+    QEL_CALL(SetText, fluid_settings_setstr);
+    QEL_CALL(SetNumber, fluid_settings_setint);
+    QEL_CALL(NewSynth, new_fluid_synth);
+    QEL_CALL(DeleteSynth, delete_fluid_synth);
+    QEL_CALL(LoadFont, fluid_synth_sfload);
+    QEL_CALL(NewPlayer, new_fluid_player);
+    QEL_CALL(DeletePlayer, delete_fluid_player);
+    QEL_CALL(AddTune, fluid_player_add_mem);
+    QEL_CALL(PlayerPlay, fluid_player_play);
+    QEL_CALL(PlayerStop, fluid_player_stop);
+    QEL_CALL(NewDriver, new_fluid_audio_driver);
+    QEL_CALL(DeleteDriver, delete_fluid_audio_driver);
+#undef QEL_CALL
+
+    /// Null where it is not installed.
+    static const Library* Get();
+};
+
+const Library* Library::Get()
+{
+    static const Library theLibrary;
+    static const bool theIsSilent = []
+    {
+        if (theLibrary.Handle != nullptr)
+        {
+            for (int myLevel = 0; myLevel < LAST_LOG_LEVEL; ++myLevel)
+            {
+                theLibrary.SetLogFunction(
+                    myLevel, [](int, const char*, void*) {}, nullptr);
+            }
+            SilenceSoundCard();
+        }
+        return theLibrary.Handle != nullptr;
+    }();
+    return theIsSilent ? &theLibrary : nullptr;
+}
+
+template <class Object>
+using Owned = std::unique_ptr<Object, void (*)(Object*)>;
+
+Owned<fluid_settings_t> MakeSettings(const Library& myCalls)
+{
+    Owned<fluid_settings_t> theSettings(myCalls.NewSettings(), myCalls.DeleteSettings);
+    if (theSettings)
+    {
+        myCalls.SetNumber(theSettings.get(), "synth.lock-memory", 0);
+        myCalls.SetNumber(theSettings.get(), "audio.realtime-prio", 0);
+        myCalls.SetText(theSettings.get(), "player.timing-source", "sample");
+    }
+    return theSettings;
+}
+
+bool LoadFont(const Library& myCalls, fluid_synth_t* theSynth)
+{
+    return std::ranges::any_of(
+        SoundFonts, [&](const char* myFont)
+        { return access(myFont, R_OK) == 0 && myCalls.LoadFont(theSynth, myFont, 1) != FLUID_FAILED; });
+}
+
+/// The parts, in the order in which the library wants them made; they go in the opposite one.
+class SynthesiserPerformance final : public Performance
+{
+public:
+    explicit SynthesiserPerformance(const Library& myLibrary) : myCalls(myLibrary) {}
+
+    ~SynthesiserPerformance() override
+    {
+        if (myPlayer)
+        {
+            myCalls.PlayerStop(myPlayer.get());
+        }
+    }
+    SynthesiserPerformance(const SynthesiserPerformance&) = delete;
+    SynthesiserPerformance& operator=(const SynthesiserPerformance&) = delete;
+
+    /// False: nothing sounds.
+    bool Begin(const std::vector<std::byte>& myTune, const std::vector<AudioOutput>& myOutputs)
+    {
+        if (!mySettings)
+        {
+            return false;
+        }
+        mySynth.reset(myCalls.NewSynth(mySettings.get()));
+        if (!mySynth || !LoadFont(myCalls, mySynth.get()))
+        {
+            return false;
+        }
+        myPlayer.reset(myCalls.NewPlayer(mySynth.get()));
+        return myPlayer && myCalls.AddTune(myPlayer.get(), myTune.data(), myTune.size()) == FLUID_OK &&
+               myCalls.PlayerPlay(myPlayer.get()) == FLUID_OK &&
+               std::ranges::any_of(myOutputs, [this](const AudioOutput& myOutput) { return Connect(myOutput); });
+    }
+
+private:
+    bool Connect(const AudioOutput& myOutput)
+    {
+        myCalls.SetText(mySettings.get(), "audio.driver", myOutput.Driver.c_str());
+        myCalls.SetText(mySettings.get(), "audio.file.name", myOutput.Filename.c_str());
+        myDriver.reset(myCalls.NewDriver(mySettings.get(), mySynth.get()));
+        return myDriver != nullptr;
+    }
+
+    const Library& myCalls;
+    Owned<fluid_settings_t> mySettings = MakeSettings(myCalls);
+    Owned<fluid_synth_t> mySynth{nullptr, myCalls.DeleteSynth};
+    Owned<fluid_player_t> myPlayer{nullptr, myCalls.DeletePlayer};
+    Owned<fluid_audio_driver_t> myDriver{nullptr, myCalls.DeleteDriver};
+};
+
+} // namespace
+
+std::unique_ptr<Performance> Perform(const std::vector<std::byte>& myTune,
+                                     const std::vector<AudioOutput>& myOutputs) noexcept
+{
+    try
+    {
+        if (const Library* const myLibrary = Library::Get())
+        {
+            auto thePerformance = std::make_unique<SynthesiserPerformance>(*myLibrary);
+            if (thePerformance->Begin(myTune, myOutputs))
+            {
+                return thePerformance;
+            }
+        }
+    }
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch): no memory, so silence
+    {
+    }
+    return nullptr;
+}
+
+} // namespace qel

@@ -1,0 +1,50 @@
+/// Plays a tune in the background.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace qel
+{
+
+/// The bytes of a MIDI file.
+using Tune = std::shared_ptr<const std::vector<std::byte>>;
+
+/// Where the sound goes: a driver of the synthesiser's, and the file that it writes if it is the one that writes files.
+struct AudioOutput
+{
+    std::string Driver;
+    std::string Filename;
+};
+
+/// The sound server, else the sound card.
+std::vector<AudioOutput> UsualAudioOutputs();
+
+/// Everything that may take its time happens on a thread of its own: loading the synthesiser and its sound font, and
+/// talking to a sound server, which may never answer. That thread begins with the first tune. Without a synthesiser, a
+/// sound font or a device there is silence. The calls return at once, and all come from one thread.
+class TunePlayer
+{
+public:
+    /// The outputs are tried in their order.
+    explicit TunePlayer(std::vector<AudioOutput> myOutputs);
+    /// Ends the sound. Waits for that a little, but not for a sound server that hangs.
+    ~TunePlayer();
+    TunePlayer(const TunePlayer&) = delete;
+    TunePlayer& operator=(const TunePlayer&) = delete;
+
+    /// Plays a tune from its beginning to its end, once; what was playing stops.
+    void Play(Tune myTune);
+    void Stop();
+
+private:
+    struct Stage;
+
+    std::shared_ptr<Stage> myStage;
+    std::thread myThread;
+};
+
+} // namespace qel

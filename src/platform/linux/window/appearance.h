@@ -1,0 +1,22 @@
+/// How everything looks that the component shows, whatever the look of the host's own windows.
+#pragma once
+
+#include <QFont>
+#include <QPixmap>
+#include <QWidget>
+#include <span>
+#include <string_view>
+
+namespace qel
+{
+
+/// The font of the form and of all that it opens.
+QFont FormFont();
+
+/// Gives a finished window, and all that is in it, the form's style, colours and font. `theWindow` must not show yet.
+void Dress(QWidget& theWindow);
+
+/// A picture of resources/pictures.h.
+QPixmap PixmapOf(std::span<const std::string_view> myRows);
+
+} // namespace qel

@@ -1,0 +1,108 @@
+#include "platform/linux/window/controls.h"
+
+#include "platform/linux/window/appearance.h"
+#include "platform/linux/window/toolkitText.h"
+#include "platform/PixelPicture.h"
+#include "resources/formLayout.h"
+#include "resources/pictures.h"
+
+#include <QSignalBlocker>
+
+namespace qel
+{
+
+ToolkitComboBox::ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick)
+    : myWidget(myComboBox), myEvents(myRoad), myHandler(myClick)
+{
+    QObject::connect(&myWidget, &QComboBox::currentIndexChanged, &myWidget,
+                     [this] { myEvents.CallFromToolkit(myHandler); });
+}
+
+void ToolkitComboBox::AddItem(TextView myText)
+{
+    // The toolkit selects the first entry that comes in.
+    const QSignalBlocker myBlocker(myWidget);
+    const int myIndex = myWidget.currentIndex();
+    myWidget.addItem(ToToolkit(myText));
+    myWidget.setCurrentIndex(myIndex);
+}
+
+void ToolkitComboBox::ListIndex(int32_t myIndex)
+{
+    // The toolkit tells of changes alone, so it is kept quiet and the handler is called for every write.
+    {
+        const QSignalBlocker myBlocker(myWidget);
+        myWidget.setCurrentIndex(myIndex);
+    }
+    myEvents.Call(myHandler);
+}
+
+Text ToolkitComboBox::SelectedText()
+{
+    return FromToolkit(myWidget.currentText());
+}
+
+ToolkitListBox::ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick)
+    : myWidget(myList), myEvents(myRoad), myHandler(myClick)
+{
+    QObject::connect(&myWidget, &QListWidget::itemSelectionChanged, &myWidget,
+                     [this] { myEvents.CallFromToolkit(myHandler); });
+    myWidget.DoubleClicked = [this, myDoubleClick]
+    {
+        myEvents.CallFromToolkit(myDoubleClick);
+    };
+}
+
+void ToolkitListBox::AddItem(TextView myText)
+{
+    myWidget.addItem(ToToolkit(myText));
+}
+
+void ToolkitListBox::ListIndex(int32_t myIndex)
+{
+    {
+        const QSignalBlocker myBlocker(myWidget);
+        if (myIndex == -1)
+        {
+            myWidget.clearSelection();
+            myWidget.selectionModel()->clearCurrentIndex();
+        }
+        myWidget.setCurrentRow(myIndex, QItemSelectionModel::ClearAndSelect);
+    }
+    myEvents.Call(myHandler);
+}
+
+Text ToolkitListBox::SelectedText()
+{
+    const QListWidgetItem* const mySelected = myWidget.item(myWidget.SelectedRow());
+    return mySelected == nullptr ? Text() : FromToolkit(mySelected->text());
+}
+
+void ToolkitListBox::Clear()
+{
+    const QSignalBlocker myBlocker(myWidget);
+    myWidget.clear();
+}
+
+void ToolkitPreviewBox::PaintPicture(const PixelPicture& myPicture, int32_t myLeft, int32_t myTop)
+{
+    const QImage myImage(myPicture.Pixels.data(), myPicture.Width, myPicture.Height, myPicture.Width * 4,
+                         QImage::Format_RGBA8888);
+    myWidget.Paint(myImage, {myLeft, myTop});
+}
+
+template <class Widget>
+void ToolkitLabel<Widget>::Caption(TextView myText)
+{
+    myWidget.setText(ToToolkit(myText));
+}
+
+template class ToolkitLabel<QLabel>;
+template class ToolkitLabel<ClickLabel>;
+
+void ToolkitIconImage::Icon(int32_t myResource)
+{
+    myWidget.setPixmap(PixmapOf(myResource == InformationIcon ? InformationPicture : WarningPicture));
+}
+
+} // namespace qel

@@ -1,0 +1,168 @@
+/// The controls of the dialog as its logic sees them, each on one widget.
+#pragma once
+
+#include "platform/linux/window/widgets.h"
+#include "platform/Windows.h"
+
+#include <QComboBox>
+
+namespace qel
+{
+
+/// A handler of the logic without arguments; null for none.
+using Handler = void (FormMainEvents::*)();
+
+/// Leads what the user does to the logic, while there is one that listens.
+class EventRoad
+{
+public:
+    /// Within a call of the logic's: what the handler throws comes out.
+    void Call(Handler myHandler)
+    {
+        if (myEvents != nullptr && myHandler != nullptr)
+        {
+            (myEvents->*myHandler)();
+        }
+    }
+
+    /// From the toolkit, which nothing may be thrown through. The logic has dealt with its failures; what comes out all
+    /// the same, for want of memory, leaves the dialog as it is.
+    template <class... Arguments>
+    void CallFromToolkit(void (FormMainEvents::*myHandler)(Arguments...), Arguments... myArguments) noexcept
+    {
+        if (myEvents == nullptr || myHandler == nullptr)
+        {
+            return;
+        }
+        try
+        {
+            (myEvents->*myHandler)(myArguments...);
+        }
+        catch (...) // NOLINT(bugprone-empty-catch)
+        {
+        }
+    }
+
+    /// Null: nobody listens.
+    void Listener(FormMainEvents* theEvents) { myEvents = theEvents; }
+
+private:
+    FormMainEvents* myEvents = nullptr;
+};
+
+class ToolkitComboBox final : public ComboBox
+{
+public:
+    ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick);
+
+    void AddItem(TextView myText) override;
+    int32_t ListCount() override { return myWidget.count(); }
+    int32_t ListIndex() override { return myWidget.currentIndex(); }
+    void ListIndex(int32_t myIndex) override;
+    Text SelectedText() override;
+
+private:
+    QComboBox& myWidget;
+    EventRoad& myEvents;
+    Handler myHandler;
+};
+
+class ToolkitListBox final : public ListBox
+{
+public:
+    ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick);
+
+    void AddItem(TextView myText) override;
+    int32_t ListCount() override { return myWidget.count(); }
+    int32_t ListIndex() override { return myWidget.SelectedRow(); }
+    void ListIndex(int32_t myIndex) override;
+    Text SelectedText() override;
+    void Clear() override;
+    void Visible(bool myValue) override { myWidget.setVisible(myValue); }
+
+private:
+    SelectionList& myWidget;
+    EventRoad& myEvents;
+    Handler myHandler;
+};
+
+class ToolkitPictureBox final : public PictureBox
+{
+public:
+    explicit ToolkitPictureBox(QFrame& myFrame) : myWidget(myFrame) {}
+    void Visible(bool myValue) override { myWidget.setVisible(myValue); }
+
+private:
+    QFrame& myWidget;
+};
+
+class ToolkitPreviewBox final : public PreviewBox
+{
+public:
+    explicit ToolkitPreviewBox(PictureFrame& myFrame) : myWidget(myFrame) {}
+
+    void Cls() override { myWidget.Clear(); }
+    int32_t ScaleWidth() override { return myWidget.InnerSize().width(); }
+    int32_t ScaleHeight() override { return myWidget.InnerSize().height(); }
+    void PaintPicture(const PixelPicture& myPicture, int32_t myLeft, int32_t myTop) override;
+
+private:
+    PictureFrame& myWidget;
+};
+
+/// `Widget` has a text: a QLabel or a ClickLabel.
+template <class Widget>
+class ToolkitLabel final : public Label
+{
+public:
+    explicit ToolkitLabel(Widget& myLabel) : myWidget(myLabel) {}
+    void Caption(TextView myText) override;
+    void Visible(bool myValue) override { myWidget.setVisible(myValue); }
+
+private:
+    Widget& myWidget;
+};
+
+class ToolkitIconImage final : public IconImage
+{
+public:
+    explicit ToolkitIconImage(QLabel& myLabel) : myWidget(myLabel) {}
+    void Icon(int32_t myResource) override;
+
+private:
+    QLabel& myWidget;
+};
+
+class ToolkitCheckBox final : public CheckBox
+{
+public:
+    explicit ToolkitCheckBox(QCheckBox& myCheckBox) : myWidget(myCheckBox) {}
+    bool Value() override { return myWidget.isChecked(); }
+    void Value(bool myValue) override { myWidget.setChecked(myValue); }
+
+private:
+    QCheckBox& myWidget;
+};
+
+class ToolkitButton final : public Button
+{
+public:
+    explicit ToolkitButton(QAbstractButton& myButton) : myWidget(myButton) {}
+    void Enabled(bool myValue) override { myWidget.setEnabled(myValue); }
+
+private:
+    QAbstractButton& myWidget;
+};
+
+class ToolkitDatePicker final : public DatePicker
+{
+public:
+    explicit ToolkitDatePicker(DateField& myField) : myWidget(myField) {}
+    std::optional<Date> Value() override { return myWidget.Value(); }
+    void Value(std::optional<Date> myDate) override { myWidget.SetValue(myDate); }
+
+private:
+    DateField& myWidget;
+};
+
+} // namespace qel

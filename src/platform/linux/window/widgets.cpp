@@ -1,0 +1,157 @@
+#include "platform/linux/window/widgets.h"
+
+#include "text/errors.h"
+
+#include <cmath>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QStyleOptionFocusRect>
+
+namespace qel
+{
+namespace
+{
+
+constexpr int BorderWidth = 2;
+constexpr int SwitchWidth = 18;
+constexpr int SwitchInset = 3; ///< what leaves room for the frame that shows the focus
+
+// The calendar's own day 0, and the days that a picker can show.
+const QDate FirstDay(1601, 1, 1);
+const QDate LastDay(9999, 12, 31);
+
+Date ToDate(QDate myDay)
+{
+    return static_cast<Date>(QDate(1899, 12, 30).daysTo(myDay));
+}
+
+} // namespace
+
+SelectionList::SelectionList(QWidget* myParent) : QListWidget(myParent)
+{
+    setUniformItemSizes(true);
+}
+
+int SelectionList::SelectedRow() const
+{
+    const QList<QListWidgetItem*> mySelected = selectedItems();
+    return mySelected.isEmpty() ? -1 : row(mySelected.front());
+}
+
+QItemSelectionModel::SelectionFlags SelectionList::selectionCommand(const QModelIndex& myIndex, const QEvent*) const
+{
+    return myIndex.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
+void SelectionList::focusInEvent(QFocusEvent* myEvent)
+{
+    QListWidget::focusInEvent(myEvent);
+    if (SelectedRow() == -1)
+    {
+        selectionModel()->clearCurrentIndex();
+    }
+}
+
+void SelectionList::mouseDoubleClickEvent(QMouseEvent* myEvent)
+{
+    QListWidget::mouseDoubleClickEvent(myEvent);
+    if (myEvent->button() == Qt::LeftButton && DoubleClicked)
+    {
+        DoubleClicked();
+    }
+}
+
+ClickLabel::ClickLabel(QWidget* myParent) : QAbstractButton(myParent)
+{
+    setFocusPolicy(Qt::TabFocus);
+}
+
+void ClickLabel::paintEvent(QPaintEvent*)
+{
+    QPainter myPainter(this);
+    myPainter.fillRect(rect(), palette().color(QPalette::Base));
+    myPainter.setPen(palette().color(QPalette::Text));
+    myPainter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, text());
+    if (hasFocus())
+    {
+        QStyleOptionFocusRect myOption;
+        myOption.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &myOption, &myPainter, this);
+    }
+}
+
+DateField::DateField(QWidget* myParent)
+    : QWidget(myParent), mySwitch(this), myDay(this), myDate(ToDate(QDate::currentDate()))
+{
+    myDay.setTimeSpec(Qt::UTC); // no day without a midnight
+    myDay.setDateRange(FirstDay, LastDay);
+    myDay.setDisplayFormat("dd/MM/yyyy");
+    myDay.setCalendarPopup(true);
+    myDay.setDate(QDate::currentDate());
+    myDay.setEnabled(false);
+    connect(&mySwitch, &QCheckBox::toggled, &myDay, &QWidget::setEnabled);
+    connect(&myDay, &QDateEdit::dateChanged, this, [this](QDate myNewDay) { myDate = ToDate(myNewDay); });
+    setFocusProxy(&mySwitch);
+}
+
+std::optional<Date> DateField::Value() const
+{
+    return mySwitch.isChecked() ? std::optional(myDate) : std::nullopt;
+}
+
+void DateField::SetValue(std::optional<Date> myNewDate)
+{
+    if (myNewDate)
+    {
+        const CalendarDay myNewDay = DayOfDate(*myNewDate);
+        const QDate myShown(myNewDay.Year, myNewDay.Month, myNewDay.Day);
+        if (myShown < FirstDay || myShown > LastDay)
+        {
+            Raise(ErrorNumber::InvalidArgument);
+        }
+        const QSignalBlocker myBlocker(myDay);
+        myDay.setDate(myShown);
+        myDate = *myNewDate;
+    }
+    mySwitch.setChecked(myNewDate.has_value());
+}
+
+void DateField::resizeEvent(QResizeEvent*)
+{
+    mySwitch.setGeometry(SwitchInset, 0, SwitchWidth - SwitchInset, height());
+    myDay.setGeometry(SwitchWidth, 0, width() - SwitchWidth, height());
+}
+
+PictureFrame::PictureFrame(QWidget* myParent) : QLabel(myParent)
+{
+    setFrameStyle(static_cast<int>(QFrame::WinPanel) | static_cast<int>(QFrame::Sunken));
+    setLineWidth(BorderWidth);
+    setBackgroundRole(QPalette::Base);
+    setAutoFillBackground(true);
+}
+
+void PictureFrame::Clear()
+{
+    setPixmap(QPixmap());
+}
+
+void PictureFrame::Paint(const QImage& myPicture, QPoint myCorner)
+{
+    QImage theCanvas = Canvas();
+    QPainter(&theCanvas).drawImage(myCorner, myPicture);
+    setPixmap(QPixmap::fromImage(theCanvas));
+}
+
+QImage PictureFrame::Canvas() const
+{
+    QImage theCanvas(InnerSize(), QImage::Format_RGB32);
+    theCanvas.fill(Qt::white);
+    if (const QPixmap myPainted = pixmap(); !myPainted.isNull())
+    {
+        QPainter(&theCanvas).drawPixmap(0, 0, myPainted);
+    }
+    return theCanvas;
+}
+
+} // namespace qel
