@@ -19,11 +19,6 @@ namespace
 
 constexpr std::string_view Magic = "qelarchive1.0";
 
-constexpr bool IsSeparator(char16_t myCharacter)
-{
-    return myCharacter == u'\\' || myCharacter == u'/';
-}
-
 /// The text without one such character at its end, if it is there; and the same at its start.
 TextView WithoutEnd(TextView myText, char16_t myCharacter)
 {
@@ -46,18 +41,17 @@ bool IsHostilePart(TextView myPart)
     return myLeadsUp || myIsDrive;
 }
 
-/// True when a name would not stay below the folder that it is joined to, links aside.
+/// True when a name would not stay below the folder that it is joined to, links aside. A "/" separates folders on some
+/// systems and is no part of a file's name on any, so it can only hide where a name leads.
 bool LeavesFolder(TextView myName)
 {
-    const bool myIsAbsolute =
-        myName.starts_with(u'/') || (myName.size() >= 2 && IsSeparator(myName[0]) && IsSeparator(myName[1]));
-    if (myIsAbsolute || myName.find(u'\0') != TextView::npos)
+    if (myName.starts_with(u"\\\\") || myName.find(u'/') != TextView::npos || myName.find(u'\0') != TextView::npos)
     {
         return true;
     }
     for (size_t myStart = 0; myStart <= myName.size();)
     {
-        const size_t myEnd = std::min(myName.find_first_of(u"\\/", myStart), myName.size());
+        const size_t myEnd = std::min(myName.find(u'\\', myStart), myName.size());
         if (IsHostilePart(myName.substr(myStart, myEnd - myStart)))
         {
             return true;
@@ -142,22 +136,31 @@ Text ReadName(InputFile& myInputFile)
     return FromAnsi(myCharacters);
 }
 
-/// Runs an operation; any failure in it is the result False.
+/// Runs an operation; any failure in it is the result False, and its number is kept.
 template <class Operation>
-bool Succeeds(Operation myOperation)
+bool Succeeds(Operation myOperation, int32_t& theFailureNumber)
 {
     try
     {
+        theFailureNumber = 0;
         return myOperation();
     }
-    catch (const Error&)
+    catch (const Error& e)
     {
-        return false;
+        theFailureNumber = e.Number;
     }
     catch (const std::bad_alloc&)
     {
-        return false;
+        theFailureNumber = ErrorNumber::OutOfMemory;
     }
+    return false;
+}
+
+template <class Operation>
+bool Succeeds(Operation myOperation)
+{
+    int32_t myIgnored = 0;
+    return Succeeds(myOperation, myIgnored);
 }
 
 } // namespace
@@ -184,7 +187,8 @@ bool classArchive::PackArchive()
                 DeleteFile(myArchiveFilename);
             }
             return !myCancel;
-        });
+        },
+        myFailureNumber);
 }
 
 /// Lists the files of a folder, and then those of its subfolders. `myFolder` is a path below the base folder.

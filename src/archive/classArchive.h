@@ -5,9 +5,9 @@
 /// failures are the result False. Entries count from 1. An object is used on the thread of its port.
 ///
 /// On names that would leave BaseFolder, and on damaged files: such an archive ends the run with False. A name leaves
-/// the folder by "..", by a drive, by standing for an absolute path, or where a folder below BaseFolder is a link.
-/// Damaged are a NameLength or Size that is negative or runs past the end, and a missing end marker. Bytes behind the
-/// end marker are ignored.
+/// the folder by "..", by a drive, by "/", by standing for an absolute path, or where a folder below BaseFolder is a
+/// link. Damaged are a NameLength or Size that is negative or runs past the end, and a missing end marker. Bytes behind
+/// the end marker are ignored.
 #pragma once
 
 #include "platform/Files.h"
@@ -20,6 +20,8 @@
 
 namespace qel
 {
+
+class ListView;
 
 /// One line of the table of contents.
 struct ArchiveEntry
@@ -63,6 +65,9 @@ public:
     /// and on a file of 2 GiB or more.
     bool PackArchive();
 
+    /// The number of the error that made the last PackArchive fail; 0 when it gave True or was cancelled.
+    int32_t FailureNumber() const { return myFailureNumber; }
+
     /// Fills the table of contents from the archive. False: it cannot be read whole, and the table is empty.
     bool ReadArchive();
 
@@ -72,6 +77,18 @@ public:
 
     /// The sizes of all entries of the table of contents, added up.
     double TotalSize() const;
+
+    /// Shows the table of contents: the list is emptied, then takes one item for each entry, with file name, size,
+    /// folder, an icon and a colour by the file's extension, and the whole name as its tag. Throws what the list
+    /// throws.
+    void FillList(ListView& myListView) const;
+
+    /// The number of entries, in plain digits.
+    Text FileCount() const;
+
+    /// A line about the table of contents: its size in kilobytes and the number of files, grouped as the user's locale
+    /// has it. Error 6: the sizes add up to 2 GiB or more.
+    Text Status() const;
 
     /// Both joined with one "\"; one "\" is cut off at each side of the seam.
     static Text Concat(TextView myFirst, TextView mySecond);
@@ -100,6 +117,7 @@ private:
     Text myBaseFolder;
     Text myArchiveFilename;
     bool mySmallFilenames = false;
+    int32_t myFailureNumber = 0;
     std::vector<ArchiveEntry> myFiles;
     std::array<std::byte, BlockSize> myBlock{};
 };

@@ -73,7 +73,6 @@ void FormMain::ResetSettings()
     mySettings.myPlayMIDI = true;
 }
 
-/// Deletes the plain files of the temporary folder; its subfolders stay.
 void FormMain::ClearTempFolder()
 {
     myPorts.files.DemandOwnFolder(myTempFolder);

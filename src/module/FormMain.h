@@ -30,8 +30,10 @@ public:
     std::unique_ptr<BuildHelper> myBuildHelper;
     std::unique_ptr<Database> myDatabase;
 
-    /// How the dialog ended: 0 never opened, 2 not confirmed, 1 confirmed.
+    /// How the dialog ended; 0 when it was never opened.
     int32_t ExitButton = 0;
+    static constexpr int32_t Confirmed = 1;
+    static constexpr int32_t NotConfirmed = 2;
 
     /// The script of the settings in hand. No error.
     Text Script() const;
@@ -53,10 +55,30 @@ public:
     /// a failure it is "[Error de plug-in]", and ErrorText tells the reason.
     Text Output();
 
+    // What follows is for the window half of the form, which edits the record in hand.
+
+    ModuleSettings& Settings() { return mySettings; }
+
+    /// The folder of imported files, the same for all modules, with a closing "\".
+    const Text& TempFolder() const { return myTempFolder; }
+
+    /// The copy of a tune that the dialog plays.
+    const Text& TempMIDI() const { return myTempMIDI; }
+
+    /// Deletes the plain files of the temporary folder; its subfolders stay.
+    /// Error 75: the folder is not this user's own. Errors of Files::List and Files::Delete.
+    void ClearTempFolder();
+
+    /// Unpacks the module's archive, if it has one, into the temporary folder. False: it cannot be unpacked whole.
+    /// Throws what the host throws.
+    bool UnPackModule();
+
+    /// The host's services. Error 91: the host has not handed them in.
+    BuildHelper& Helper() const;
+    Database& Records() const;
+
 private:
     void ResetSettings();
-    void ClearTempFolder();
-    void UnPackModule();
     std::optional<Text> PageText();
     Text PeriodText(int32_t myTemplate, Date myDay);
     std::optional<Text> ImageText();
@@ -66,8 +88,6 @@ private:
     Text FilledTemplate(int32_t myTemplate);
     Text SourcePath(TextView myFolder, TextView myName) const;
     Text TargetName(TextView myPrefix, TextView myName) const;
-    BuildHelper& Helper() const;
-    Database& Records() const;
 
     const Platform& myPorts;
     const localConstants& myLocalConstants;

@@ -64,7 +64,7 @@ Text FormMain::Output()
 std::optional<Text> FormMain::PageText()
 {
     ClearTempFolder();
-    UnPackModule();
+    UnPackModule(); // an archive that is missing or damaged shows up when one of its files is copied
     Text theResult = MakeScriptTag().append(LineEnd);
     theResult.append(FilledTemplate(900)).append(LineEnd);
     if (DateIsSet(mySettings.myFrom))
@@ -91,17 +91,16 @@ std::optional<Text> FormMain::PageText()
     return theResult.append(MakeClosingTag(u"script")).append(LineEnd);
 }
 
-/// Unpacks the module's archive into the temporary folder. An archive that is missing or damaged shows up when one of
-/// its files is copied.
-void FormMain::UnPackModule()
+bool FormMain::UnPackModule()
 {
-    if (!mySettings.myFilename.empty())
+    if (mySettings.myFilename.empty())
     {
-        classArchive myArchive(myPorts.files);
-        myArchive.BaseFolder(myTempFolder);
-        myArchive.ArchiveFilename(Records().DataFolder() + mySettings.myFilename);
-        myArchive.UnPackArchive();
+        return true;
     }
+    classArchive myArchive(myPorts.files);
+    myArchive.BaseFolder(myTempFolder);
+    myArchive.ArchiveFilename(Records().DataFolder() + mySettings.myFilename);
+    return myArchive.UnPackArchive();
 }
 
 Text FormMain::PeriodText(int32_t myTemplate, Date myDay)

@@ -20,6 +20,8 @@ inline constexpr TextView UserMarker = u"(USER)";
 inline constexpr TextView ImagePrefix = u"qelspr";
 inline constexpr TextView TunePrefix = u"qelmid";
 
+inline constexpr TextView GifExtension = u".gif";
+inline constexpr TextView JpegExtension = u".jpg";
 inline constexpr TextView TuneExtension = u".mid";
 
 /// The length of ".gif", ".jpg" and ".mid".

@@ -1,6 +1,8 @@
 #include "plugin/Apartment.h"
 
 #include "com/ComHostServices.h"
+#include "dialog/FormMainDialog.h"
+#include "text/errors.h"
 
 #include <mutex>
 #include <vector>
@@ -67,6 +69,28 @@ FormMain& Apartment::Form()
         myFormMain = std::make_unique<FormMain>(Ports(), myConstants, myFormLead);
     }
     return *myFormMain;
+}
+
+bool Apartment::ShowDialog()
+{
+    FormMain& theForm = Form();
+    if (myDialogIsOpen)
+    {
+        throw Error{ErrorNumber::InvalidArgument, u"El cuadro de diálogo ya está abierto"};
+    }
+    struct Opening
+    {
+        explicit Opening(bool& theFlag) : myFlag(theFlag) { myFlag = true; }
+        Opening(const Opening&) = delete;
+        Opening& operator=(const Opening&) = delete;
+        ~Opening() { myFlag = false; }
+        bool& myFlag;
+    };
+    Ports().windows.DemandDisplay();
+    const Opening myOpening(myDialogIsOpen);
+    const std::unique_ptr<FormMainWindow> myWindow = Ports().windows.MakeFormMain();
+    FormMainDialog(Ports(), myConstants, myFormLead, theForm, *myWindow).Show();
+    return theForm.ExitButton == FormMain::Confirmed;
 }
 
 } // namespace qel

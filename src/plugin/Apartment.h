@@ -35,10 +35,15 @@ public:
     /// The one record of the thread, made at the first call.
     FormMain& Form();
 
+    /// Opens the settings dialog and returns when it is closed. True: it was confirmed. Errors of
+    /// Windows::DemandDisplay, with nothing touched; those of FormMainDialog::Show; 5: the dialog is open already.
+    bool ShowDialog();
+
 private:
     std::unique_ptr<SystemPlatform> mySystem;
     FormLead myFormLead;
     std::unique_ptr<FormMain> myFormMain;
+    bool myDialogIsOpen = false;
 };
 
 } // namespace qel

@@ -28,16 +28,24 @@ HRESULT KeepService(std::unique_ptr<Port> FormMain::*myField, Service** myServic
                   { Form().*myField = myObject ? std::make_unique<Adapter>(myObject) : nullptr; });
 }
 
-[[noreturn]] void RaiseWithoutWindows()
+/// Such as 1.0.19.
+Text VersionText()
 {
-    throw Error{ErrorNumber::FileNotFound, u"Esta versión del componente no contiene el módulo de ventanas"};
+    return NumberText(int64_t{ComponentVersion.Major}) + u"." + NumberText(int64_t{ComponentVersion.Minor}) + u"." +
+           NumberText(int64_t{ComponentVersion.Revision});
 }
 
-/// Shows the settings dialog. True: it was confirmed.
-bool ShowDialog()
+/// What the box about the component says.
+Text AboutText()
 {
-    Form();
-    RaiseWithoutWindows();
+    constexpr TextView EmptyLine = u"\r\n\r\n";
+    return Text(ComponentVersion.Title)
+        .append(u" ")
+        .append(VersionText())
+        .append(EmptyLine)
+        .append(ComponentVersion.FileDescription)
+        .append(EmptyLine)
+        .append(ComponentVersion.Copyright);
 }
 
 } // namespace
@@ -140,7 +148,9 @@ HRESULT Main::get_LogoFilename(BSTR* theName)
 
 HRESULT Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)
 {
-    return myLink == nullptr ? E_POINTER : Answer(theAnswer, [&] { return *myLink == 0 && ShowDialog(); });
+    return myLink == nullptr
+               ? E_POINTER
+               : Answer(theAnswer, [&] { return *myLink == 0 && Apartment::OfThisThread().ShowDialog(); });
 }
 
 HRESULT Main::put_Script(BSTR* myScript)
@@ -175,18 +185,12 @@ HRESULT Main::get_RequiresPHP(VARIANT_BOOL* theAnswer)
 
 HRESULT Main::About()
 {
-    return Guarded([] { RaiseWithoutWindows(); });
+    return Guarded([] { Apartment::OfThisThread().Ports().windows.MsgBox(AboutText(), InformationStyle); });
 }
 
 HRESULT Main::get_Version(BSTR* theText)
 {
-    return Answer(theText,
-                  []
-                  {
-                      return NumberText(int64_t{ComponentVersion.Major}) + u"." +
-                             NumberText(int64_t{ComponentVersion.Minor}) + u"." +
-                             NumberText(int64_t{ComponentVersion.Revision});
-                  });
+    return Answer(theText, VersionText);
 }
 
 } // namespace qel

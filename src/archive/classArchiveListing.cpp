@@ -1,0 +1,93 @@
+#include "archive/classArchive.h"
+#include "platform/ListView.h"
+#include "platform/Locale.h"
+#include "text/dates.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+namespace qel
+{
+namespace
+{
+
+constexpr int32_t Black = 0;
+constexpr int32_t Grey = 6710886;
+
+/// How files of some extensions look in a list.
+struct FileClass
+{
+    std::array<TextView, 4> Extensions;
+    int32_t SmallIcon;
+    int32_t ForeColor;
+};
+
+constexpr FileClass FileClasses[] = {
+    {{u"html", u"htm"}, 2, Black},
+    {{u"php", u"php3", u"phtml"}, 3, Black},
+    {{u"gif", u"jpeg", u"jpg", u"png"}, 4, Grey},
+};
+constexpr FileClass AnyFile = {{}, 1, Grey};
+
+/// The name behind its last "\", or all of it.
+TextView FileOfName(TextView myFilename)
+{
+    return myFilename.substr(myFilename.rfind(u'\\') + 1);
+}
+
+/// What stands behind the last ".", or the whole name, in lower case.
+Text ExtensionOfName(TextView myFilename)
+{
+    return LowerCase(myFilename.substr(myFilename.rfind(u'.') + 1));
+}
+
+const FileClass& ClassOfName(TextView myFilename)
+{
+    const Text myExtension = ExtensionOfName(myFilename);
+    const auto* myFound =
+        std::find_if(std::begin(FileClasses), std::end(FileClasses),
+                     [&](const FileClass& c) {
+                         return std::find(c.Extensions.begin(), c.Extensions.end(), myExtension) != c.Extensions.end();
+                     });
+    return myFound != std::end(FileClasses) && !myExtension.empty() ? *myFound : AnyFile;
+}
+
+/// Whole kilobytes, at least one.
+Text SizeText(int32_t mySize)
+{
+    return GroupedNumberText(mySize / 1024 + 1) + u" KB";
+}
+
+} // namespace
+
+void classArchive::FillList(ListView& myListView) const
+{
+    myListView.Clear();
+    for (const ArchiveEntry& myEntry : myFiles)
+    {
+        const FileClass& myClass = ClassOfName(myEntry.Name);
+        myListView.Add({Text(FileOfName(myEntry.Name)),
+                        myClass.SmallIcon,
+                        myClass.ForeColor,
+                        {SizeText(myEntry.Size), Text(FolderOfName(myEntry.Name))},
+                        myEntry.Name});
+    }
+}
+
+Text classArchive::FileCount() const
+{
+    return NumberText(static_cast<int64_t>(myFiles.size()));
+}
+
+Text classArchive::Status() const
+{
+    if (myFiles.empty())
+    {
+        return u"Es wurden keine Dateien geladen";
+    }
+    const Text myStatus = ReplaceAll(u"%1 in %2 Dateien", u"%1", SizeText(RoundToWhole(TotalSize())));
+    return ReplaceAll(myStatus, u"%2", GroupedNumberText(static_cast<int64_t>(myFiles.size())));
+}
+
+} // namespace qel

@@ -1,0 +1,30 @@
+/// Failures that pass without a word.
+#pragma once
+
+#include "text/errors.h"
+
+#include <new>
+
+namespace qel
+{
+
+/// Runs an operation. False: it has failed; why, nobody asks.
+template <class Operation>
+bool Succeeds(Operation myOperation)
+{
+    try
+    {
+        myOperation();
+        return true;
+    }
+    catch (const Error&)
+    {
+        return false;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return false;
+    }
+}
+
+} // namespace qel
