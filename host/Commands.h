@@ -1,0 +1,56 @@
+/// The commands of qelhost: each group adds its own to the command line.
+///
+/// A command runs while the command line is read, on the calling thread, and throws Failure when it fails.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace qel::host
+{
+
+/// What the command line gives. One command runs in a program, so they all share one record.
+struct Arguments
+{
+    std::optional<std::filesystem::path> Plugin;
+    std::filesystem::path Site;
+    std::filesystem::path File;
+    std::string Page;
+    int64_t Id = 0;
+    int64_t Position = 0;
+    std::string Kind;
+    std::optional<std::string> Name;
+    std::optional<std::string> Title;
+    std::optional<std::string> OtherPage;
+    std::optional<std::string> Place;
+    std::optional<std::string> Address;
+    std::optional<std::filesystem::path> OptionalFile;
+    std::optional<std::filesystem::path> Archive;
+    bool WithModules = false;
+};
+
+// What they add outlives neither the application nor the arguments.
+void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddPageCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments);
+
+/// Adds a command that works on a site, which is its first argument.
+CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,
+                         Arguments& theArguments);
+
+/// Adds a group of commands, one of which has to be given.
+CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp);
+
+/// Writes rows to the standard output, their columns one below the other; the first row is the heading.
+void PrintTable(const std::vector<std::vector<std::string>>& myRows);
+
+/// True when what is shown on the standard output may hold escapes: it is a terminal, and $NO_COLOR is not set.
+bool WantsEscapes();
+
+} // namespace qel::host

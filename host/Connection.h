@@ -1,0 +1,113 @@
+/// SQLite in three small classes. A failure of the database is a Failure that says what to do.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace qel::host
+{
+
+/// Bytes that are not text.
+struct Blob
+{
+    std::string_view Bytes;
+};
+
+/// What is bound to a parameter of a statement; std::monostate is NULL.
+using Value = std::variant<std::monostate, int64_t, std::string_view, Blob>;
+
+/// An open database: foreign keys are enforced, and it waits some seconds for other programs that hold it.
+class Connection
+{
+public:
+    enum class Mode
+    {
+        Existing,
+        Create
+    };
+
+    Connection(const std::filesystem::path& myFilename, Mode myMode);
+
+    /// Runs one statement to its end.
+    void Run(std::string_view mySQL, std::initializer_list<Value> myValues = {});
+
+    /// Runs several statements without parameters.
+    void RunAll(const std::string& mySQL);
+
+    /// The number in the first column of the first row; 0 when there is no row.
+    int64_t Number(std::string_view mySQL, std::initializer_list<Value> myValues = {});
+
+    /// The key of the row that was inserted last.
+    int64_t LastKey() const;
+
+private:
+    friend class Statement;
+
+    struct Closer
+    {
+        void operator()(sqlite3* myHandle) const;
+    };
+
+    [[noreturn]] void Fail(int myCode) const;
+
+    std::filesystem::path myFilename;
+    std::unique_ptr<sqlite3, Closer> myHandle;
+};
+
+/// A prepared statement with its values. Order of calls: Next, and while it gives true the columns, from 0.
+class Statement
+{
+public:
+    Statement(const Connection& myConnection, std::string_view mySQL, std::initializer_list<Value> myValues = {});
+
+    /// Starts the statement again with other values.
+    void Bind(std::initializer_list<Value> myValues);
+
+    /// Goes to the next row; false when there is none.
+    bool Next();
+
+    int64_t Number(int myColumn) const;
+    /// Text or bytes; the empty text for NULL.
+    std::string Text(int myColumn) const;
+
+private:
+    struct Finisher
+    {
+        void operator()(sqlite3_stmt* myHandle) const;
+    };
+
+    const Connection& myConnection;
+    std::unique_ptr<sqlite3_stmt, Finisher> myHandle;
+};
+
+/// What runs between its making and Commit happens together or, without Commit, not at all.
+class Transaction
+{
+public:
+    enum class Kind
+    {
+        Reading, ///< sees one state of the database throughout
+        Writing  ///< has the right to write from the start
+    };
+
+    Transaction(Connection& myConnection, Kind myKind);
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    ~Transaction();
+
+    void Commit();
+
+private:
+    Connection& myConnection;
+    bool myIsOpen = true;
+};
+
+} // namespace qel::host

@@ -1,0 +1,176 @@
+#include "PageText.h"
+
+#include "Failure.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace qel::host
+{
+
+namespace
+{
+
+std::string CharacterReference(uint32_t myCode)
+{
+    return "&#" + std::to_string(myCode) + ";";
+}
+
+/// True when a text begins with the two halves of one character.
+bool IsPair(TextView myText)
+{
+    return myText.size() > 1 && (myText[0] & 0xFC00) == 0xD800 && (myText[1] & 0xFC00) == 0xDC00;
+}
+
+uint32_t CodeOf(TextView myCharacter)
+{
+    return IsPair(myCharacter) ? 0x10000 + ((myCharacter[0] & 0x3FFU) << 10) + (myCharacter[1] & 0x3FFU)
+                               : myCharacter.front();
+}
+
+/// Where the unnamed place is in a page that does not show it.
+std::size_t DefaultPlace(std::string_view myContent)
+{
+    constexpr std::string_view myTag = "</body";
+    const std::string_view::iterator myEnd =
+        std::find_end(myContent.begin(), myContent.end(), myTag.begin(), myTag.end(),
+                      [](char myLeft, char myRight) { return (myLeft | 0x20) == (myRight | 0x20); });
+    return static_cast<std::size_t>(myEnd - myContent.begin());
+}
+
+} // namespace
+
+PageText::PageText(std::string theContent) : myContent(std::move(theContent))
+{
+    const bool myIsAscii = std::all_of(myContent.begin(), myContent.end(),
+                                       [](char myByte) { return static_cast<signed char>(myByte) >= 0; });
+    myEncoding = myIsAscii ? Encoding::Ascii : FromUtf8Exactly(myContent) ? Encoding::Utf8 : Encoding::Windows1252;
+    constexpr std::string_view myOpening = "<!--";
+    constexpr std::string_view myClosing = "-->";
+    std::size_t myEnd = 0;
+    for (std::size_t myStart = 0; (myStart = myContent.find(myOpening, myEnd)) != std::string::npos;)
+    {
+        myEnd = myContent.find(myClosing, myStart + myOpening.size());
+        if (myEnd == std::string::npos)
+        {
+            break;
+        }
+        myEnd += myClosing.size();
+        ReadPlace(myStart, myEnd);
+    }
+    if (!HasPlace(""))
+    {
+        const std::size_t myDefault = DefaultPlace(myContent);
+        const auto myNext = std::find_if(myPlaces.begin(), myPlaces.end(),
+                                         [&](const Place& myPlace) { return myPlace.Start >= myDefault; });
+        myPlaces.insert(myNext, {myDefault, myDefault, PlaceKind::Modules, {}, true});
+    }
+}
+
+void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
+{
+    std::istringstream myWords(myContent.substr(myStart + 4, myEnd - myStart - 7));
+    std::string myWord;
+    std::string myName;
+    std::string mySurplus;
+    myWords >> myWord >> myName >> mySurplus;
+    if (!mySurplus.empty())
+    {
+        return;
+    }
+    if (myWord == "qel:modules")
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Modules, myName, !HasPlace(myName)});
+    }
+    else if (myWord == "qel:title" && myName.empty())
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Title, {}, true});
+    }
+    else if (myWord == "qel:menu" && myName.empty())
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Menu, {}, true});
+    }
+}
+
+bool PageText::HasPlace(std::string_view myName) const
+{
+    return std::any_of(myPlaces.begin(), myPlaces.end(),
+                       [&](const Place& myPlace)
+                       { return myPlace.Kind == PlaceKind::Modules && myPlace.Name == myName; });
+}
+
+bool PageText::HasMenu() const
+{
+    return std::any_of(myPlaces.begin(), myPlaces.end(),
+                       [](const Place& myPlace) { return myPlace.Kind == PlaceKind::Menu; });
+}
+
+std::string PageText::Filled(const std::map<std::string, Text>& myModules, TextView myTitle, TextView myMenu) const
+{
+    std::string thePage;
+    std::size_t myDone = 0;
+    for (const Place& myPlace : myPlaces)
+    {
+        thePage.append(myContent, myDone, myPlace.Start - myDone);
+        myDone = myPlace.End;
+        if (myPlace.Kind == PlaceKind::Title)
+        {
+            thePage += Encoded(myTitle);
+        }
+        else if (myPlace.Kind == PlaceKind::Menu)
+        {
+            thePage += Encoded(myMenu);
+        }
+        else if (const auto myFound = myModules.find(myPlace.Name); myFound != myModules.end() && myPlace.IsFirst)
+        {
+            thePage += Encoded(myFound->second);
+        }
+    }
+    return thePage.append(myContent, myDone);
+}
+
+std::string PageText::Encoded(TextView myText) const
+{
+    if (myEncoding == Encoding::Utf8)
+    {
+        return ToUtf8(myText);
+    }
+    std::string theBytes;
+    while (!myText.empty())
+    {
+        const TextView::iterator myRun =
+            std::find_if(myText.begin(), myText.end(), [](char16_t myUnit) { return myUnit >= 0x80; });
+        theBytes.append(myText.begin(), myRun);
+        myText.remove_prefix(static_cast<std::size_t>(myRun - myText.begin()));
+        const TextView myCharacter = myText.substr(0, IsPair(myText) ? 2 : 1);
+        const auto myAnsi = myEncoding == Encoding::Ascii ? std::nullopt : ToAnsi(myCharacter);
+        theBytes += myAnsi ? *myAnsi : myCharacter.empty() ? "" : CharacterReference(CodeOf(myCharacter));
+        myText.remove_prefix(myCharacter.size());
+    }
+    return theBytes;
+}
+
+void DemandPageContent(std::string_view myContent)
+{
+    if (myContent.find('\0') != std::string_view::npos || myContent.starts_with("\xFF\xFE") ||
+        myContent.starts_with("\xFE\xFF"))
+    {
+        throw Failure("the page is not HTML text that can be worked on; save it as UTF-8");
+    }
+}
+
+std::string EscapedForHtml(std::string_view myText)
+{
+    constexpr std::string_view mySpecial = "&<>\"'\\%";
+    std::string theText;
+    for (const char myCharacter : myText)
+    {
+        const auto myCode = static_cast<unsigned char>(myCharacter);
+        const bool myIsPlain = myCode >= 0x20 && mySpecial.find(myCharacter) == std::string_view::npos;
+        theText += myIsPlain ? std::string(1, myCharacter) : CharacterReference(myCode);
+    }
+    return theText;
+}
+
+} // namespace qel::host

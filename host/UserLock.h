@@ -1,0 +1,23 @@
+/// Keeps two programs of one user from working with the component at the same time: it works in one temporary folder
+/// per user.
+#pragma once
+
+#include "platform/linux/Descriptor.h"
+
+#include <ostream>
+
+namespace qel::host
+{
+
+/// Holds the user's lock for as long as it lives. The system lets it go if the program dies.
+class UserLock
+{
+public:
+    /// Waits for the lock, and says so if it has to. Failure: there is no place for the lock.
+    explicit UserLock(std::ostream& theMessages);
+
+private:
+    Descriptor myFile;
+};
+
+} // namespace qel::host

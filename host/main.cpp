@@ -1,0 +1,85 @@
+/// qelhost: makes and keeps small web sites whose pages hold modules of the component, and builds them.
+///
+/// The program ends with 0 when all went well, 1 when something failed, 2 when the command was not understood.
+
+#include "Commands.h"
+#include "Failure.h"
+#include "text/encodings.h"
+#include "text/errors.h"
+
+#include <exception>
+#include <iostream>
+
+namespace
+{
+
+using namespace qel::host;
+
+constexpr int myFailed = 1;
+constexpr int myMisused = 2;
+
+int Run(int myCount, char** myTexts)
+{
+    CLI::App myApplication("Makes small web sites whose pages hold animation modules, and builds them.", "qelhost");
+    myApplication.footer("A first site:\n"
+                         "  qelhost init mysite --title \"My site\"\n"
+                         "  qelhost page add mysite index.html\n"
+                         "  qelhost module add mysite index.html --script module.txt\n"
+                         "  qelhost build mysite\n"
+                         "qelhost COMMAND --help tells more about a command.");
+    myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);
+    myApplication.require_subcommand(1);
+    myApplication.fallthrough();
+    Arguments myArguments;
+    myApplication
+        .add_option("--plugin", myArguments.Plugin,
+                    "The component's file; without it the registered component, or the one beside this program")
+        ->type_name("FILE");
+    AddSiteCommands(myApplication, myArguments);
+    AddPageCommands(myApplication, myArguments);
+    AddRecordCommands(myApplication, myArguments);
+    AddModuleCommands(myApplication, myArguments);
+    AddComponentCommands(myApplication, myArguments);
+    try
+    {
+        myApplication.parse(myCount, myTexts);
+        std::cout.flush();
+        return std::cout ? 0 : throw Failure("the standard output cannot be written");
+    }
+    catch (const CLI::RuntimeError& myEnd) // a command that has reported what failed
+    {
+        return myEnd.get_exit_code();
+    }
+    catch (const CLI::ParseError& myError)
+    {
+        return myApplication.exit(myError) == 0 ? 0 : myMisused;
+    }
+}
+
+int Fail(const std::string& myText, int myCode)
+{
+    std::cerr << "qelhost: " << myText << "." << std::endl;
+    return myCode;
+}
+
+} // namespace
+
+int main(int myCount, char** myTexts)
+{
+    try
+    {
+        return Run(myCount, myTexts);
+    }
+    catch (const UsageFailure& myFailure)
+    {
+        return Fail(myFailure.what(), myMisused);
+    }
+    catch (const qel::Error& myError)
+    {
+        return Fail(qel::ToUtf8(myError.Description), myFailed);
+    }
+    catch (const std::exception& myError)
+    {
+        return Fail(myError.what(), myFailed);
+    }
+}
