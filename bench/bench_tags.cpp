@@ -1,0 +1,192 @@
+/// Scanning a script of tags and reading the two attributes of each, against an XML parser on the same tags.
+#include "compare.h"
+#include "module/ModuleScript.h"
+#include "platform/Platform.h"
+#include "tags/classScript.h"
+#include "text/encodings.h"
+
+#include <cstring>
+#include <malloc.h>
+#include <pugixml.hpp>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace qel;
+using namespace qel::bench;
+
+constexpr size_t Megabyte = size_t{1} << 20;
+
+class IdleQueue : public MessageQueue
+{
+    void ProcessPending() override {}
+};
+
+/// Scripts of real modules, one behind the other: twelve or thirteen tags each, some values with escapes.
+Text MakeScript(size_t myLength)
+{
+    ModuleSettings myMotif;
+    myMotif.myImage = u"Árbol de Navidad.gif";
+    myMotif.myImageFolder = u"Navidad";
+    myMotif.myMIDI = u"Villancico.mid";
+    myMotif.myMIDIFolder = u"Música";
+    myMotif.myShowImage = myMotif.myPlayMIDI = true;
+    myMotif.myFrom = 38353;
+    myMotif.myTo = 38383;
+    myMotif.myLink = u"URL:http://www.example.org/tienda.asp?seccion=12&orden=\"precio\"";
+    ModuleSettings myImport;
+    myImport.myImage = u"qelspr.gif";
+    myImport.myImageFolder = u"(USER)";
+    myImport.myImageMode = ImageMode::Gif;
+    myImport.myShowImage = true;
+    myImport.myFilename = u"archivo7.dat";
+    myImport.myLink = u"UID:4711";
+
+    const Text myPair = WriteScript(myMotif) + WriteScript(myImport);
+    Text theResult;
+    while (theResult.size() < myLength)
+    {
+        theResult += myPair;
+    }
+    return theResult;
+}
+
+/// The same tags as elements below one root. Every ">" in a value is escaped, so a line's end is a tag's end.
+std::string MakeXml(TextView myScript)
+{
+    return "<pg>\r\n" + ToUtf8(ReplaceAll(myScript, u">\r\n", u"/>\r\n")) + "</pg>\r\n";
+}
+
+/// Calls `mySink` with the two attributes of each tag.
+template <class Sink>
+void ReadScriptTags(TextView myScript, Sink mySink)
+{
+    IdleQueue myMessages;
+    classScript myScanner(myMessages);
+    myScanner.Prefix(u"pg.");
+    myScanner.Script(myScript);
+    for (myScanner.GetNextTag(); myScanner.TagType() != TokenType::None; myScanner.GetNextTag())
+    {
+        const bool myIsParam = myScanner.BaseTag() == u"param";
+        mySink(myScanner.QueryAttribute(myIsParam ? u"name" : u"uid"));
+        mySink(myScanner.QueryAttribute(myIsParam ? u"value" : u"version"));
+    }
+}
+
+template <class Sink>
+void ReadXmlTags(const std::string& myXml, Sink mySink)
+{
+    pugi::xml_document myDocument;
+    myDocument.load_buffer(myXml.data(), myXml.size(), pugi::parse_default, pugi::encoding_utf8);
+    for (const pugi::xml_node myTag : myDocument.document_element().children())
+    {
+        const bool myIsParam = std::strcmp(myTag.name(), "pg.param") == 0;
+        mySink(std::string_view(myTag.attribute(myIsParam ? "name" : "uid").value()));
+        mySink(std::string_view(myTag.attribute(myIsParam ? "value" : "version").value()));
+    }
+}
+
+/// Needs every value, its length and its ends, without being what takes the time.
+struct Checksum
+{
+    uint32_t& theSum;
+
+    template <class Value>
+    void operator()(const Value& myValue) const
+    {
+        theSum += static_cast<uint32_t>(myValue.size());
+        if (!myValue.empty())
+        {
+            theSum = 31 * theSum + static_cast<uint32_t>(myValue.front()) + static_cast<uint32_t>(myValue.back());
+        }
+    }
+};
+
+uint32_t SumOfScript(TextView myScript)
+{
+    uint32_t theResult = 0;
+    ReadScriptTags(myScript, Checksum{theResult});
+    return theResult;
+}
+
+uint32_t SumOfXml(const std::string& myXml)
+{
+    uint32_t theResult = 0;
+    ReadXmlTags(myXml, Checksum{theResult});
+    return theResult;
+}
+
+void RequireSameValues(TextView myScript, const std::string& myXml)
+{
+    std::vector<std::string> myOurs;
+    std::vector<std::string> myPeers;
+    ReadScriptTags(myScript, [&](TextView v) { myOurs.push_back(ToUtf8(v)); });
+    ReadXmlTags(myXml, [&](std::string_view v) { myPeers.emplace_back(v); });
+    Require(!myOurs.empty() && myOurs == myPeers, "both parsers read the same values");
+}
+
+void CompareAll(const Bench& myBench, const std::string& myAllocator)
+{
+    const Text myScript = MakeScript(4 * Megabyte);
+    const std::string myXml = MakeXml(myScript);
+    RequireSameValues(myScript, myXml);
+    myBench.Compare("tags: 4 MB against pugixml, " + myAllocator + " allocator", 0.5,
+                    {[&]
+                     {
+                         Keep(SumOfScript(myScript));
+                     }},
+                    {[&]
+                     {
+                         Keep(SumOfXml(myXml));
+                     }});
+
+    for (const size_t myTimes : {size_t{4}, size_t{16}})
+    {
+        const Text myLongScript = MakeScript(4 * Megabyte * myTimes);
+        const auto ReadRepeatedly = [&]
+        {
+            for (size_t i = 0; i < myTimes; ++i)
+            {
+                Keep(SumOfScript(myScript));
+            }
+        };
+        myBench.Compare("tags: " + std::to_string(4 * myTimes) + " MB against " + std::to_string(myTimes) +
+                            " times 4 MB, " + myAllocator + " allocator",
+                        1.2,
+                        {[&]
+                         {
+                             Keep(SumOfScript(myLongScript));
+                         }},
+                        {ReadRepeatedly});
+    }
+}
+
+/// An allocator keeps its settings and its habits for the life of a process, so each setting has one of its own.
+void RunInChild(const std::function<void()>& myWork)
+{
+    const pid_t myChild = fork();
+    if (myChild == 0)
+    {
+        myWork();
+        std::exit(0);
+    }
+    int myStatus = 0;
+    Require(myChild > 0 && waitpid(myChild, &myStatus, 0) == myChild && myStatus == 0, "a child that ends well");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Bench myBench(argc, argv);
+    RunInChild([&] { CompareAll(myBench, "stock"); });
+    RunInChild(
+        [&]
+        {
+            mallopt(M_TRIM_THRESHOLD, 1 << 30);
+            mallopt(M_MMAP_THRESHOLD, 1 << 30);
+            CompareAll(myBench, "raised");
+        });
+}

@@ -1,0 +1,157 @@
+/// Compares two ways of doing the same work, ours and that of a peer that a user could pick instead.
+///
+/// Both run in turn within one process, so that whatever slows the machine down slows both. What counts is the ratio of
+/// their times; the times themselves are printed for orientation and never judged. A program first proves with Require
+/// that both sides give the same result, then calls Compare for each comparison and returns.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qel::bench
+{
+
+/// Ends the program with 1 unless something holds that every comparison below leans on.
+inline void Require(bool myCondition, std::string_view myMeaning)
+{
+    if (!myCondition)
+    {
+        std::fprintf(stderr, "wrong result: %.*s\n", static_cast<int>(myMeaning.size()), myMeaning.data());
+        std::exit(1);
+    }
+}
+
+/// Hides from the compiler that a value is not needed.
+template <class Value>
+void Keep(const Value& myValue)
+{
+    asm volatile("" : : "r"(&myValue) : "memory");
+}
+
+inline double Median(std::vector<double> myValues)
+{
+    const auto myMiddle = myValues.begin() + static_cast<std::ptrdiff_t>(myValues.size() / 2);
+    std::nth_element(myValues.begin(), myMiddle, myValues.end());
+    return *myMiddle;
+}
+
+/// One of the two: the work that is timed, and what has to be made ready before each time without being timed.
+struct Side
+{
+    std::function<void()> Run;
+    std::function<void()> Prepare = [] {
+    };
+};
+
+class Bench
+{
+public:
+    /// Understands --json (one object per line instead of a table) and --runs N (at least 11, odd by rounding up).
+    Bench(int myArgumentCount, char** myArguments)
+    {
+        for (int i = 1; i < myArgumentCount; ++i)
+        {
+            const std::string_view myArgument = myArguments[i];
+            if (myArgument == "--json")
+            {
+                myIsJson = true;
+            }
+            else if (myArgument == "--runs" && i + 1 < myArgumentCount)
+            {
+                myRuns = std::max(11, std::atoi(myArguments[++i])) | 1;
+            }
+        }
+    }
+
+    /// Times both sides in turn, after one run of each that does not count. `myTarget` is the ratio aimed at.
+    void Compare(const std::string& myName, double myTarget, const Side& myOurs, const Side& myPeer) const
+    {
+        std::vector<double> myOursTimes;
+        std::vector<double> myPeerTimes;
+        std::vector<double> myRatios;
+        for (int i = -1; i < myRuns; ++i)
+        {
+            const double myOursTime = Time(myOurs);
+            const double myPeerTime = Time(myPeer);
+            if (i >= 0)
+            {
+                myOursTimes.push_back(myOursTime);
+                myPeerTimes.push_back(myPeerTime);
+                myRatios.push_back(myOursTime / myPeerTime);
+            }
+        }
+        Report(myName, Median(myOursTimes), Median(myPeerTimes), Median(myRatios), myTarget);
+    }
+
+    /// Reports a single figure that has no peer; `myAim` is 0 where there is none.
+    void Record(const std::string& myName, double myValue, const char* myUnit, double myAim = 0) const
+    {
+        const char* const myForm = myIsJson ? "{\"name\": \"%s\", \"value\": %.4f, \"unit\": \"%s\", \"aim\": %.4f}\n"
+                                            : "%-62s %10.3f %-3s                     aim   %5.2f\n";
+        std::printf(myForm, myName.c_str(), myValue, myUnit, myAim);
+        std::fflush(stdout);
+    }
+
+private:
+    static double Time(const Side& mySide)
+    {
+        mySide.Prepare();
+        const auto myStart = std::chrono::steady_clock::now();
+        mySide.Run();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - myStart).count();
+    }
+
+    void Report(const std::string& myName, double myOurs, double myPeer, double myRatio, double myTarget) const
+    {
+        const char* const myForm =
+            myIsJson ? "{\"name\": \"%s\", \"ours_ms\": %.4f, \"peer_ms\": %.4f, \"ratio\": %.4f, \"target\": %.2f}\n"
+                     : "%-62s %10.3f ms %10.3f ms  ratio %6.3f  target %5.2f\n";
+        std::printf(myForm, myName.c_str(), myOurs, myPeer, myRatio, myTarget);
+        std::fflush(stdout);
+    }
+
+    bool myIsJson = false;
+    int myRuns = 21;
+};
+
+/// A fresh folder in memory that goes with the object; in the temporary folder, said on stderr, where there is no such
+/// file system.
+class WorkFolder
+{
+public:
+    WorkFolder()
+    {
+        const std::filesystem::path myMemory = "/dev/shm";
+        const bool myIsInMemory = std::filesystem::is_directory(myMemory);
+        myPath = myIsInMemory ? myMemory : std::filesystem::temp_directory_path();
+        if (!myIsInMemory)
+        {
+            std::fprintf(stderr, "not in memory: working in %s\n", myPath.c_str());
+        }
+        std::string myTemplate = (myPath / "qel-bench-XXXXXX").string();
+        Require(mkdtemp(myTemplate.data()) != nullptr, "a folder to work in");
+        myPath = myTemplate;
+    }
+    ~WorkFolder()
+    {
+        std::error_code myIgnored;
+        std::filesystem::remove_all(myPath, myIgnored);
+    }
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return myPath; }
+    std::filesystem::path operator/(std::string_view myName) const { return myPath / myName; }
+
+private:
+    std::filesystem::path myPath;
+};
+
+} // namespace qel::bench

@@ -1,0 +1,251 @@
+/// A host with a user: opens the component's dialog, and works in its windows as a person does.
+#pragma once
+
+#include "com/Bstr.h"
+#include "com/CountedObject.h"
+#include "com/Failure.h"
+#include "com/InterfaceTables.h"
+#include "text/encodings.h"
+
+#include <deque>
+#include <dlfcn.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QFileDialog>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
+#include <string>
+
+namespace qel
+{
+
+/// The host's two services: what a test sets is what they answer.
+class DialogHelper final : public CountedObject<QelBuildHelper>
+{
+public:
+    HRESULT get_UniqueName(BSTR*) override { return E_FAIL; }
+    HRESULT get_InstanceNumber(int32_t*) override { return E_FAIL; }
+    HRESULT get_MediaFolder(BSTR*) override { return E_FAIL; }
+    HRESULT get_MediaURL(BSTR*) override { return E_FAIL; }
+    HRESULT get_ImageFolder(BSTR*) override { return E_FAIL; }
+    HRESULT get_ImageURL(BSTR*) override { return E_FAIL; }
+    HRESULT get_FileFolder(BSTR*) override { return E_FAIL; }
+    HRESULT get_FileURL(BSTR*) override { return E_FAIL; }
+    HRESULT get_ArchiveName(BSTR* theName) override
+    {
+        Give(theName, u"m7.dat");
+        return S_OK;
+    }
+};
+
+class DialogDatabase final : public CountedObject<QelDatabase>
+{
+public:
+    HRESULT get_RecordType(int32_t*) override { return E_FAIL; }
+    HRESULT get_EOF(VARIANT_BOOL*) override { return E_FAIL; }
+    HRESULT get_RecordFilename(BSTR*) override { return E_FAIL; }
+    HRESULT SeekUID(BSTR*, int32_t*, int32_t*) override { return E_FAIL; }
+    HRESULT get_RecordURL(BSTR*) override { return E_FAIL; }
+    HRESULT get_DataFolder(BSTR* theFolder) override
+    {
+        Give(theFolder, DataFolder);
+        return S_OK;
+    }
+    HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
+    {
+        PresentLink = TextOfBstr(*myPresentLink);
+        Give(theLink, Link);
+        return LinkResult;
+    }
+
+    Text DataFolder;
+    Text PresentLink;
+    Text Link;
+    HRESULT LinkResult = S_OK;
+};
+
+/// What a user does in one window, which has to be in front by then.
+struct Step
+{
+    QString Window;
+    std::function<void()> Action;
+};
+
+/// Takes the steps one after the other, each as soon as its window waits for the user.
+class DialogUser : public QObject
+{
+public:
+    explicit DialogUser(std::deque<Step> mySteps) : myPlan(std::move(mySteps))
+    {
+        // There need not be an application before the window opens, and so no timer.
+        QMetaObject::invokeMethod(
+            this, [this] { startTimer(1); }, Qt::QueuedConnection);
+    }
+    ~DialogUser() override { EXPECT_TRUE(myPlan.empty()) << myPlan.size() << " steps were not taken"; }
+
+    /// The window that waits for the user.
+    static QWidget* Front() { return QApplication::activeModalWidget(); }
+
+protected:
+    void timerEvent(QTimerEvent*) override
+    {
+        QWidget* const myFront = Front();
+        if (myFront == nullptr)
+        {
+            return;
+        }
+        if (!myPlan.empty() && myFront->objectName() == myPlan.front().Window)
+        {
+            myWaits = 0;
+            const std::function<void()> myAction = std::move(myPlan.front().Action);
+            myPlan.pop_front();
+            myAction();
+        }
+        else if (++myWaits > LongestWait)
+        {
+            ADD_FAILURE() << "unexpected or left open: " << myFront->objectName().toStdString();
+            myPlan.clear();
+            static_cast<QDialog*>(myFront)->reject();
+        }
+    }
+
+private:
+    static constexpr int LongestWait = 2000;
+    std::deque<Step> myPlan;
+    int myWaits = 0;
+};
+
+/// A control of the dialog.
+template <class Widget = QWidget>
+Widget& Control(const char* myName)
+{
+    return *DialogUser::Front()->findChild<Widget*>(myName);
+}
+
+inline void Click(const char* myName)
+{
+    QTest::mouseClick(&Control(myName), Qt::LeftButton);
+}
+
+inline void Key(Qt::Key myKey)
+{
+    QWidget* const myFocus = QApplication::focusWidget();
+    QTest::keyClick(myFocus != nullptr ? myFocus : DialogUser::Front(), myKey);
+}
+
+/// Picks an entry of a combo box or list as the arrow keys do.
+inline void Pick(const char* myName, const QString& myEntry)
+{
+    if (auto* const myCombo = qobject_cast<QComboBox*>(&Control(myName)))
+    {
+        myCombo->setCurrentIndex(myCombo->findText(myEntry));
+        EXPECT_EQ(myCombo->currentText(), myEntry);
+        return;
+    }
+    auto& myList = Control<QListWidget>(myName);
+    const QList<QListWidgetItem*> myFound = myList.findItems(myEntry, Qt::MatchExactly);
+    ASSERT_EQ(myFound.size(), 1);
+    QTest::mouseClick(myList.viewport(), Qt::LeftButton, {}, myList.visualItemRect(myFound.front()).center());
+}
+
+/// A step in the settings dialog.
+inline Step Dialog(std::function<void()> myAction)
+{
+    return {"FormMain", std::move(myAction)};
+}
+
+/// A message: what it has to say, and the button that is pressed.
+inline Step Message(Text myText, QMessageBox::StandardButton myButton = QMessageBox::Ok,
+                    QMessageBox::Icon myIcon = QMessageBox::Information)
+{
+    return {"MsgBox", [=]
+            {
+                auto& myBox = *static_cast<QMessageBox*>(DialogUser::Front());
+                EXPECT_EQ(myBox.text().toStdU16String(), myText);
+                EXPECT_EQ(myBox.icon(), myIcon);
+                myBox.button(myButton)->click();
+            }};
+}
+
+/// Types a file's name into the dialog for opening one; the empty name cancels.
+inline Step File(const std::string& myPath)
+{
+    return {"CommonDialog", [=]
+            {
+                auto& myDialog = *static_cast<QFileDialog*>(DialogUser::Front());
+                if (myPath.empty())
+                {
+                    myDialog.reject();
+                    return;
+                }
+                auto& myEdit = *myDialog.findChild<QLineEdit*>("fileNameEdit");
+                myEdit.setText(QString::fromStdString(myPath));
+                QTest::keyClick(&myEdit, Qt::Key_Return);
+            }};
+}
+
+/// The component, opened through its entry points, with one plug-in object that has the services.
+class DialogHost
+{
+public:
+    explicit DialogHost(const std::string& myComponent) : myLibrary(dlopen(myComponent.c_str(), RTLD_NOW | RTLD_LOCAL))
+    {
+        EXPECT_NE(myLibrary, nullptr) << dlerror();
+        const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
+        void* myObject = nullptr;
+        EXPECT_EQ(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject), S_OK);
+        const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
+        EXPECT_EQ(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), S_OK);
+        Plugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
+        QelBuildHelper* myHelper = Helper.Get();
+        QelDatabase* myDatabase = Records.Get();
+        Plugin->putref_QelBuildHelper(&myHelper);
+        Plugin->putref_QelDatabase(&myDatabase);
+    }
+    DialogHost(const DialogHost&) = delete;
+    DialogHost& operator=(const DialogHost&) = delete;
+    ~DialogHost()
+    {
+        Plugin.Reset();
+        dlclose(myLibrary);
+    }
+
+    void Script(TextView myScript) const
+    {
+        Bstr myText(myScript);
+        EXPECT_EQ(Plugin->put_Script(myText.Pointer()), S_OK);
+    }
+
+    Text Script() const
+    {
+        Bstr theText;
+        EXPECT_EQ(Plugin->get_Script(theText.Pointer()), S_OK);
+        return theText.Value();
+    }
+
+    /// Opens the dialog for a user. True: it was confirmed; a failed call is reported by its result.
+    bool CallBack(std::deque<Step> mySteps, HRESULT myResult = S_OK) const
+    {
+        const DialogUser myUser(std::move(mySteps));
+        int32_t myLink = 0;
+        VARIANT_BOOL theAnswer = VARIANT_TRUE;
+        EXPECT_EQ(Plugin->CallBack(&myLink, &theAnswer), myResult);
+        return theAnswer == VARIANT_TRUE;
+    }
+
+    ComPtr<DialogHelper> Helper = MakeCounted<DialogHelper>();
+    ComPtr<DialogDatabase> Records = MakeCounted<DialogDatabase>();
+    ComPtr<QelPlugin> Plugin;
+
+private:
+    void* myLibrary;
+};
+
+} // namespace qel

@@ -1,0 +1,69 @@
+/// A fresh folder of a test's own, removed with all that lies in it.
+#pragma once
+
+#include "platform/linux/NativePath.h"
+#include "text/text.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace qel
+{
+
+/// Names are relative to the folder and in the system's form, but for Logical, which takes the logic's.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder() : myPath((std::filesystem::temp_directory_path() / "qeltest-XXXXXX").string())
+    {
+        if (mkdtemp(myPath.data()) == nullptr)
+        {
+            throw std::runtime_error("no temporary folder: " + myPath);
+        }
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder()
+    {
+        std::error_code myIgnored;
+        std::filesystem::remove_all(myPath, myIgnored);
+    }
+
+    /// The absolute path of a name, or of the folder itself.
+    std::string Native(std::string_view myName = {}) const
+    {
+        return myName.empty() ? myPath : myPath + "/" + std::string(myName);
+    }
+
+    /// The same as the logic writes it; the folder itself ends in "\".
+    Text Logical(TextView myName = {}) const { return LogicalPath(myPath).value() + u"\\" + Text(myName); }
+
+    /// Writes a file anew, and makes the folders that lead to it.
+    void Write(std::string_view myName, std::string_view myContent) const
+    {
+        std::filesystem::create_directories(std::filesystem::path(Native(myName)).parent_path());
+        std::filesystem::remove(Native(myName)); // to empty an old file would make some file systems wait for the disk
+        std::ofstream(Native(myName), std::ios::binary)
+            .write(myContent.data(), static_cast<std::streamsize>(myContent.size()));
+    }
+
+    std::string Read(std::string_view myName) const
+    {
+        std::ifstream myFile(Native(myName), std::ios::binary);
+        return {std::istreambuf_iterator<char>(myFile), {}};
+    }
+
+    bool Exists(std::string_view myName) const { return std::filesystem::exists(Native(myName)); }
+
+    void MakeFolder(std::string_view myName) const { std::filesystem::create_directories(Native(myName)); }
+
+private:
+    std::string myPath;
+};
+
+} // namespace qel

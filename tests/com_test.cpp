@@ -1,0 +1,743 @@
+/// The component object model: texts, variants, failures, the class registry, and late binding from both sides.
+#include "com/ComHostServices.h"
+#include "com/CountedObject.h"
+#include "com/Failure.h"
+#include "com/InterfaceTables.h"
+#include "ErrorOf.h"
+#include "text/encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+namespace qel
+{
+
+const char16_t* const ErrorSource = u"com_test";
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// A variant that frees what it holds.
+struct Value : VARIANT
+{
+    Value() : VARIANT{} { VariantInit(this); }
+    Value(int32_t myNumber) : Value() { Set(VT_I4)->lVal = myNumber; }
+    Value(double myNumber) : Value() { Set(VT_R8)->dblVal = myNumber; }
+    Value(const char16_t* myText) : Value() { Set(VT_BSTR)->bstrVal = SysAllocString(myText); }
+    Value(const Value& myOther) : VARIANT(myOther)
+    {
+        if (vt == VT_BSTR)
+        {
+            bstrVal = NewBstr(TextOfBstr(bstrVal));
+        }
+        else if ((vt == VT_DISPATCH || vt == VT_UNKNOWN) && punkVal != nullptr)
+        {
+            punkVal->AddRef();
+        }
+    }
+    Value& operator=(const Value&) = delete;
+    ~Value() { VariantClear(this); }
+
+    static Value Of(VARTYPE myType, void* myReference = nullptr)
+    {
+        Value theValue;
+        theValue.Set(myType)->byref = myReference;
+        return theValue;
+    }
+    static Value Object(IDispatch* myObject) { return Of(VT_DISPATCH, ComPtr(myObject).Detach()); }
+    static Value Bool(bool myAnswer)
+    {
+        Value theValue;
+        theValue.Set(VT_BOOL)->boolVal = myAnswer ? VARIANT_TRUE : VARIANT_FALSE;
+        return theValue;
+    }
+
+private:
+    Value* Set(VARTYPE myType)
+    {
+        vt = myType;
+        return this;
+    }
+};
+
+std::string Show(HRESULT myResult)
+{
+    static const std::map<HRESULT, std::string> myNames = {
+        {S_OK, "ok"},
+        {E_POINTER, "pointer"},
+        {DISP_E_TYPEMISMATCH, "type"},
+        {DISP_E_OVERFLOW, "overflow"},
+        {DISP_E_BADVARTYPE, "badtype"},
+        {DISP_E_MEMBERNOTFOUND, "notfound"},
+        {DISP_E_BADPARAMCOUNT, "count"},
+        {DISP_E_NONAMEDARGS, "named"},
+        {DISP_E_PARAMNOTOPTIONAL, "unnamed"},
+        {DISP_E_EXCEPTION, "exception"},
+    };
+    const auto myName = myNames.find(myResult);
+    return myName == myNames.end() ? std::to_string(myResult) : myName->second;
+}
+
+std::string Show(const VARIANT& myValue)
+{
+    switch (myValue.vt)
+    {
+    case VT_EMPTY:
+        return "empty";
+    case VT_I2:
+        return "I2 " + std::to_string(myValue.iVal);
+    case VT_I4:
+        return "I4 " + std::to_string(myValue.lVal);
+    case VT_R8:
+        return "R8 " + std::to_string(myValue.dblVal);
+    case VT_BOOL:
+        return "BOOL " + std::to_string(myValue.boolVal);
+    case VT_BSTR:
+        return "BSTR " + ToUtf8(TextOfBstr(myValue.bstrVal));
+    default:
+        return "type " + std::to_string(myValue.vt);
+    }
+}
+
+/// A host's database: some members answer, each other one fails in a way of its own.
+class TestDatabase final : public CountedObject<QelDatabase>
+{
+public:
+    explicit TestDatabase(bool* theLife = nullptr) : myLife(theLife) { Live(true); }
+    ~TestDatabase() override { Live(false); }
+
+    HRESULT get_RecordType(int32_t* theType) override
+    {
+        return Answer(theType, [] { return 4; });
+    }
+    HRESULT get_EOF(VARIANT_BOOL* theEnd) override
+    {
+        return Answer(theEnd, [] { return true; });
+    }
+    HRESULT get_RecordFilename(BSTR* /*theFilename*/) override { return E_ACCESSDENIED; }
+    HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override
+    {
+        mySeeks.push_back(ToUtf8(TextOfBstr(*myUID)) + " " + std::to_string(*myFirst) + " " +
+                          std::to_string(*mySecond));
+        *myFirst += 100;
+        return S_OK;
+    }
+    HRESULT get_RecordURL(BSTR* theURL) override
+    {
+        return Answer(theURL, []() -> Text { throw Error{53, u"No está"}; });
+    }
+    HRESULT get_DataFolder(BSTR* /*theFolder*/) override { return QEL_RESULT(0x800A0035U); }
+    HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
+    {
+        if (myWhileChoosing)
+        {
+            myWhileChoosing();
+        }
+        return Answer(theLink, [&] { return u"UID:" + TextOfBstr(*myPresentLink); });
+    }
+
+    std::vector<std::string> mySeeks;
+    std::function<void()> myWhileChoosing;
+
+private:
+    void Live(bool isAlive)
+    {
+        if (myLife != nullptr)
+        {
+            *myLife = isAlive;
+        }
+    }
+
+    bool* myLife;
+};
+
+/// Calls a member as a script client does, the arguments in the order of the call. Gives the result, then what is left:
+/// the value, the place of a wrong argument, or the exception.
+std::string Call(IDispatch& myObject, DISPID myMember, uint16_t myFlags, const std::vector<Value>& myArguments = {},
+                 std::vector<DISPID> myNames = {})
+{
+    std::vector<Value> myReversed(myArguments.rbegin(), myArguments.rend());
+    DISPPARAMS myParams{myReversed.data(), myNames.data(), static_cast<uint32_t>(myReversed.size()),
+                        static_cast<uint32_t>(myNames.size())};
+    Value theResult;
+    EXCEPINFO theException{};
+    uint32_t theArgument = 99;
+    const HRESULT myResult =
+        myObject.Invoke(myMember, &GUID_NULL, 0, myFlags, &myParams, &theResult, &theException, &theArgument);
+    std::string theAnswer = Show(myResult);
+    if (myResult == S_OK)
+    {
+        theAnswer += ", " + Show(theResult);
+    }
+    else if (myResult == DISP_E_EXCEPTION)
+    {
+        theAnswer += ", " + std::to_string(theException.scode & 0xFFFF) + " " +
+                     ToUtf8(TextOfBstr(theException.bstrSource)) + " " +
+                     ToUtf8(TextOfBstr(theException.bstrDescription));
+        SysFreeString(theException.bstrSource);
+        SysFreeString(theException.bstrDescription);
+    }
+    else if (theArgument != 99)
+    {
+        theAnswer += ", argument " + std::to_string(theArgument);
+    }
+    return theAnswer;
+}
+
+DISPID NumberOf(IDispatch& myObject, Text myName)
+{
+    DISPID theNumber = 0;
+    char16_t* myNames[] = {myName.data()};
+    const HRESULT myResult = myObject.GetIDsOfNames(&GUID_NULL, myNames, 1, 0, &theNumber);
+    EXPECT_EQ(myResult, theNumber == DISPID_UNKNOWN ? DISP_E_UNKNOWNNAME : S_OK);
+    return theNumber;
+}
+
+/// The description in this thread's error information, which is taken away; "-" without one.
+std::string TakenDescription()
+{
+    ComPtr<IErrorInfo> myInfo;
+    if (GetErrorInfo(0, myInfo.Receive()) != S_OK)
+    {
+        return "-";
+    }
+    Bstr theText;
+    EXPECT_EQ(myInfo->GetDescription(theText.Pointer()), S_OK);
+    return ToUtf8(theText.Value());
+}
+
+TEST(Texts, CarryTheirLengthInFrontAndAZeroBehind)
+{
+    for (const TextView myText : {TextView(u""), TextView(u"a\0b", 3), TextView(u"ñ")})
+    {
+        const BSTR myBstr = NewBstr(myText);
+        ASSERT_NE(myBstr, nullptr);
+        uint32_t myByteCount = 0;
+        std::memcpy(&myByteCount, reinterpret_cast<char*>(myBstr) - 4, 4);
+        EXPECT_EQ(myByteCount, 2 * myText.size());
+        EXPECT_EQ(SysStringLen(myBstr), myText.size());
+        EXPECT_EQ(myBstr[myText.size()], 0);
+        EXPECT_EQ(TextOfBstr(myBstr), myText);
+        SysFreeString(myBstr);
+    }
+    EXPECT_EQ(SysAllocString(nullptr), nullptr);
+    EXPECT_EQ(SysStringLen(nullptr), 0U);
+    EXPECT_EQ(TextOfBstr(nullptr), u"");
+    SysFreeString(nullptr);
+    // Lengths whose number of bytes does not fit the 32 bits before the text.
+    EXPECT_EQ(SysAllocStringLen(nullptr, 0x80000000U), nullptr);
+    EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr);
+}
+
+TEST(Variants, ConvertByValueAndByReference)
+{
+    int16_t mySmall = 7;
+    Value myInner = Value::Of(VT_BYREF | VT_I2, &mySmall);
+    Value myOuter = Value::Of(VT_BYREF | VT_VARIANT, &myInner);
+    const struct
+    {
+        Value Source;
+        VARTYPE Type;
+        std::string Outcome;
+    } myCases[] = {
+        {Value(), VT_I4, "I4 0"},
+        {Value(), VT_BSTR, "BSTR "},
+        {Value(), VT_BOOL, "BOOL 0"},
+        {Value(5), VT_BSTR, "BSTR 5"},
+        {Value(-70000), VT_I2, "overflow"},
+        {Value(32767), VT_I2, "I2 32767"},
+        {Value(2.5), VT_I4, "I4 2"},
+        {Value(3.5), VT_I4, "I4 4"},
+        {Value(-2147483648.0), VT_I4, "I4 -2147483648"},
+        {Value(2147483647.5), VT_I4, "overflow"},
+        {Value(-1e300), VT_I4, "overflow"},
+        {Value(std::nan("")), VT_I4, "overflow"},
+        {Value(1e300), VT_R4, "overflow"},
+        {Value(0.1), VT_BSTR, "BSTR 0.1"},
+        {Value(100000.0), VT_BSTR, "BSTR 100000"},
+        {Value::Bool(true), VT_I4, "I4 -1"},
+        {Value(2), VT_BOOL, "BOOL -1"},
+        {Value(u" +12.5 "), VT_R8, "R8 12.500000"},
+        {Value(u"-3"), VT_I4, "I4 -3"},
+        {Value(u"1e400"), VT_R8, "overflow"},
+        {Value(u"1,5"), VT_R8, "type"},
+        {Value(u"12x"), VT_I4, "type"},
+        {Value(u"inf"), VT_R8, "type"},
+        {Value(u"+-1"), VT_R8, "type"},
+        {Value(u""), VT_I4, "type"},
+        {Value(u"tRUE"), VT_BOOL, "BOOL -1"},
+        {Value(u"0"), VT_BOOL, "BOOL 0"},
+        {Value(u"true"), VT_I4, "type"},
+        {Value::Of(VT_NULL), VT_BSTR, "type"},
+        {Value(5), VT_NULL, "type"},
+        {Value::Object(nullptr), VT_UNKNOWN, "type 13"},
+        {Value::Object(nullptr), VT_I4, "type"},
+        {myOuter, VT_I4, "I4 7"},
+        {Value::Of(VT_BYREF | VT_VARIANT, &myOuter), VT_I4, "badtype"},
+        {Value::Of(VT_BYREF | VT_VARIANT), VT_I4, "pointer"},
+        {Value::Of(VT_BYREF | VT_I4), VT_I4, "pointer"},
+        {Value::Of(999), VT_I4, "badtype"},
+        {Value(5), VT_BYREF | VT_I4, "badtype"},
+        {Value(5), VT_VARIANT, "badtype"},
+    };
+    for (const auto& myCase : myCases)
+    {
+        SCOPED_TRACE(Show(myCase.Source) + " to " + std::to_string(myCase.Type));
+        Value theTarget(u"untouched");
+        const HRESULT myResult = VariantChangeType(&theTarget, &myCase.Source, 0, myCase.Type);
+        EXPECT_EQ(FAILED(myResult) ? Show(myResult) : Show(theTarget), myCase.Outcome);
+        EXPECT_EQ(FAILED(myResult), Show(theTarget) == "BSTR untouched");
+    }
+    Value mySame(u"41");
+    EXPECT_EQ(VariantChangeType(&mySame, &mySame, 0, VT_I4), S_OK);
+    EXPECT_EQ(Show(mySame), "I4 41");
+}
+
+TEST(Variants, HoldAReferenceOfTheirOwnToAnObject)
+{
+    bool isAlive = false;
+    auto myObject = MakeCounted<TestDatabase>(&isAlive);
+    Value myHolder = Value::Object(myObject.Get());
+    Value myOther;
+    EXPECT_EQ(VariantChangeType(&myOther, &myHolder, 0, VT_UNKNOWN), S_OK);
+    myObject.Reset();
+    VariantClear(&myHolder);
+    EXPECT_TRUE(isAlive);
+    Value myReference = Value::Of(VT_BYREF | VT_UNKNOWN, &myOther.punkVal);
+    EXPECT_EQ(VariantClear(&myReference), S_OK);
+    EXPECT_TRUE(isAlive) << "a reference owns nothing";
+    VariantClear(&myOther);
+    EXPECT_FALSE(isAlive);
+}
+
+TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
+{
+    ASSERT_EQ(Guarded([] { throw Error{6, u"mío"}; }), QEL_RESULT(0x800A0006U));
+    std::string myOther = "not run";
+    std::thread(
+        [&]
+        {
+            myOther = TakenDescription();
+            Guarded([] { throw Error{6, u"left behind when the thread ends"}; });
+        })
+        .join();
+    EXPECT_EQ(myOther, "-");
+    EXPECT_EQ(TakenDescription(), "mío");
+    EXPECT_EQ(TakenDescription(), "-") << "it is taken away";
+}
+
+TEST(Failures, OfEveryKindBecomeAResultAndAnErrorInformation)
+{
+    const struct
+    {
+        std::function<void()> Operation;
+        uint32_t Result;
+        std::string Description;
+    } myCases[] = {
+        {[] {}, 0, "-"},
+        {[] {
+             throw Error{53, u"No está"};
+         },
+         0x800A0035U, "No está"},
+        {[] {
+             throw Error{0, u"cero"};
+         },
+         0x800A0000U, "cero"},
+        {[] {
+             throw Error{E_ACCESSDENIED, u"del anfitrión"};
+         },
+         0x80070005U, "del anfitrión"},
+        {[] {
+             throw Error{0x10000, u"demasiado"};
+         },
+         0x800A0005U, "demasiado"},
+        {[] { throw std::bad_alloc(); }, 0x800A0007U, "Memoria insuficiente"},
+        {[] { throw 1; }, 0x800A0005U, "Llamada a procedimiento o argumento no válidos"},
+    };
+    for (const auto& myCase : myCases)
+    {
+        SetErrorInfo(0, nullptr);
+        EXPECT_EQ(Guarded(myCase.Operation), QEL_RESULT(myCase.Result)) << myCase.Description;
+        EXPECT_EQ(TakenDescription(), myCase.Description);
+    }
+}
+
+TEST(HostCalls, KeepTheHostsNumberAndItsTextOrAGeneralOne)
+{
+    const auto myHost = MakeCounted<TestDatabase>();
+    ComDatabase myDatabase(myHost.Get());
+    EXPECT_EQ(myDatabase.RecordType(), 4);
+    EXPECT_TRUE(myDatabase.AtEnd());
+    EXPECT_EQ(myDatabase.ChooseLink(u"1"), u"UID:1");
+    myDatabase.SeekUID(u"4711");
+    EXPECT_EQ(myHost->mySeeks.back(), "4711 0 0");
+
+    const struct
+    {
+        std::function<void()> Call;
+        int32_t Number;
+        Text Description;
+    } myCases[] = {
+        {[&] { myDatabase.RecordURL(); }, 53, u"No está"},
+        {[&] { myDatabase.DataFolder(); }, 53, u"No se encuentra el archivo"},
+        {[&] { myDatabase.RecordFilename(); }, E_ACCESSDENIED,
+         u"Una llamada al programa anfitrión ha fallado (0x80070005)"},
+    };
+    for (const auto& myCase : myCases)
+    {
+        Guarded([] { throw Error{6, u"older failure"}; });
+        try
+        {
+            myCase.Call();
+            FAIL() << "no error";
+        }
+        catch (const Error& e)
+        {
+            EXPECT_EQ(e.Number, myCase.Number);
+            EXPECT_EQ(e.Description, myCase.Description);
+        }
+    }
+    EXPECT_EQ(Guarded([&] { myDatabase.RecordFilename(); }), E_ACCESSDENIED) << "it passes through unchanged";
+}
+
+TEST(HostCalls, SurviveAHostThatTakesItsObjectBackMeanwhile)
+{
+    bool isAlive = false;
+    auto myHost = MakeCounted<TestDatabase>(&isAlive);
+    auto myDatabase = std::make_unique<ComDatabase>(myHost.Get());
+    myHost->myWhileChoosing = [&, myRaw = myHost.Get()]
+    {
+        myHost.Reset();
+        myDatabase.reset();
+        EXPECT_TRUE(isAlive) << myRaw;
+    };
+    EXPECT_EQ(myDatabase->ChooseLink(u"7"), u"UID:7");
+    EXPECT_FALSE(isAlive);
+}
+
+TEST(HostCalls, AreErrorsOnceTheObjectIsAbandonedWhichReleasesNothing)
+{
+    bool isAlive = false;
+    TestDatabase* const myHost = new TestDatabase(&isAlive);
+    {
+        ComDatabase myDatabase(myHost);
+        myDatabase.Abandon();
+        EXPECT_EQ(ErrorOf([&] { myDatabase.RecordType(); }), ErrorNumber::ObjectNotSet);
+    }
+    EXPECT_EQ(myHost->Release(), 1U);
+    EXPECT_EQ(myHost->Release(), 0U);
+    EXPECT_FALSE(isAlive);
+}
+
+TEST(LateBinding, FindsMembersByNameWithoutRegardToCase)
+{
+    const auto myObject = MakeCounted<TestDatabase>();
+    const std::pair<const char16_t*, DISPID> myCases[] = {
+        {u"RecordType", 1}, {u"eof", 2}, {u"CHOOSELINK", 7}, {u"Record", DISPID_UNKNOWN}, {u"", DISPID_UNKNOWN}};
+    for (const auto& [myName, myNumber] : myCases)
+    {
+        EXPECT_EQ(NumberOf(*myObject.Get(), myName), myNumber) << ToUtf8(myName);
+    }
+    Text myMember = u"SeekUID";
+    Text myParameter = u"myUID";
+    char16_t* myNames[] = {myMember.data(), myParameter.data()};
+    DISPID theNumbers[] = {0, 0};
+    EXPECT_EQ(myObject->GetIDsOfNames(&GUID_NULL, myNames, 2, 0, theNumbers), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(theNumbers[0], 4);
+    EXPECT_EQ(theNumbers[1], DISPID_UNKNOWN);
+    EXPECT_EQ(myObject->GetIDsOfNames(&IID_IUnknown, myNames, 1, 0, theNumbers), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(myObject->GetIDsOfNames(&GUID_NULL, nullptr, 1, 0, theNumbers), E_POINTER);
+}
+
+TEST(LateBinding, AnswersCallsAsDocumented)
+{
+    const auto myHost = MakeCounted<TestDatabase>();
+    int32_t myNumber = 1;
+    int16_t mySmall = 2;
+    const Value myUid(u"uid");
+    const Value myTwo(2.0);
+    const Value myText(u"x");
+    Value myInner = Value::Of(VT_BYREF | VT_I4, &myNumber);
+    const Value myByReference = Value::Of(VT_BYREF | VT_VARIANT, &myInner);
+    const Value myOtherType = Value::Of(VT_BYREF | VT_I2, &mySmall);
+    const Value myNothing = Value::Of(VT_BYREF | VT_I4);
+    constexpr uint16_t Get = DISPATCH_PROPERTYGET;
+    constexpr uint16_t Method = DISPATCH_METHOD;
+    const struct
+    {
+        DISPID Number;
+        uint16_t Flags;
+        std::vector<Value> Arguments;
+        std::vector<DISPID> Names;
+        std::string Outcome;
+    } myCases[] = {
+        {1, Get, {}, {}, "ok, I4 4"},
+        {1, Get | Method, {}, {}, "ok, I4 4"},
+        {2, Get, {}, {}, "ok, BOOL -1"},
+        {7, Method, {myText}, {}, "ok, BSTR UID:x"},
+        {4, Method, {myUid, myByReference, myOtherType}, {}, "ok, empty"},
+        {4, Method | Get, {myUid, myTwo, Value()}, {}, "ok, empty"},
+        {4, Method, {myUid, myText, myTwo}, {}, "type, argument 1"},
+        {4, Method, {myUid, myTwo, Value(1e10)}, {}, "overflow, argument 0"},
+        {4, Method, {myUid, myNothing, myTwo}, {}, "pointer, argument 1"},
+        {4, Method, {Value::Of(VT_NULL), myTwo, myTwo}, {}, "type, argument 2"},
+        {4, Method, {myUid, myTwo}, {}, "count"},
+        {1, Get, {myTwo}, {}, "count"},
+        {1, Get, {myTwo}, {DISPID_PROPERTYPUT}, "named"},
+        {1, Method, {}, {}, "notfound"},
+        {4, Get, {myUid, myTwo, myTwo}, {}, "notfound"},
+        {1, DISPATCH_PROPERTYPUT, {myTwo}, {DISPID_PROPERTYPUT}, "notfound"},
+        {0, Method | Get, {}, {}, "notfound"},
+        {8, Method | Get, {}, {}, "notfound"},
+        {5, Get, {}, {}, "exception, 53 com_test No está"},
+        {3, Get, {}, {}, "exception, 5  "},
+    };
+    for (const auto& myCase : myCases)
+    {
+        EXPECT_EQ(Call(*myHost.Get(), myCase.Number, myCase.Flags, myCase.Arguments, myCase.Names), myCase.Outcome)
+            << "member " << myCase.Number << ", " << myCase.Arguments.size() << " arguments";
+    }
+    EXPECT_EQ(myHost->mySeeks, (std::vector<std::string>{"uid 1 2", "uid 2 0"}));
+    EXPECT_EQ(myNumber, 101) << "the member works on the caller's variable";
+    EXPECT_EQ(mySmall, 2);
+
+    DISPPARAMS myNone{};
+    EXPECT_EQ(myHost->Invoke(5, &GUID_NULL, 0, Get, &myNone, nullptr, nullptr, nullptr), DISP_E_EXCEPTION);
+    EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
+    EXPECT_EQ(myHost->Invoke(7, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(myHost->Invoke(5, &IID_QelDatabase, 0, Get, &myNone, nullptr, nullptr, nullptr), DISP_E_UNKNOWNINTERFACE);
+}
+
+/// A registry of its own, for the user and for one package.
+class ClassRegistry : public testing::Test
+{
+public:
+    ClassRegistry()
+    {
+        setenv("XDG_DATA_HOME", (myRoot / "user").c_str(), 1);
+        setenv("XDG_DATA_DIRS", ("relative::" + (myRoot / "system").string()).c_str(), 1);
+        setenv("TMPDIR", myRoot.c_str(), 1);
+        fs::create_directories(mySystem);
+    }
+
+    ~ClassRegistry() override
+    {
+        for (const char* const myVariable : {"XDG_DATA_HOME", "XDG_DATA_DIRS", "TMPDIR"})
+        {
+            unsetenv(myVariable);
+        }
+        fs::remove_all(myRoot);
+    }
+
+protected:
+    static void Write(const fs::path& myPath, const std::string& myBytes)
+    {
+        std::ofstream(myPath, std::ios::binary) << myBytes;
+    }
+
+    /// What the loader says about the class, whose library does not exist; or the result.
+    static std::string ReasonNotLoaded(const CLSID& myClass)
+    {
+        void* theObject = &theObject;
+        const HRESULT myResult = CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject);
+        EXPECT_EQ(theObject, nullptr);
+        return myResult == CO_E_DLLNOTFOUND ? TakenDescription() : std::to_string(myResult);
+    }
+
+    static fs::path MakeFolder()
+    {
+        std::string theFolder = fs::temp_directory_path() / "com_test.XXXXXX";
+        return mkdtemp(theFolder.data());
+    }
+
+    const fs::path myRoot = MakeFolder();
+    const fs::path mySystem = myRoot / "system/qel/classes";
+    const fs::path myUser = myRoot / "user/qel/classes";
+    const std::string myFilename = "{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class"; // CLSID_Main
+};
+
+TEST_F(ClassRegistry, FindsWhatWasRegisteredUntilItIsRemoved)
+{
+    CLSID theClass{};
+    EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
+    ASSERT_EQ(QelRegisterClass(&CLSID_Main, u"Other.Main", "/none/older.so"), S_OK);
+    ASSERT_EQ(QelRegisterClass(&CLSID_Main, u"Año.Main", "/none/newer.so"), S_OK);
+    EXPECT_EQ(CLSIDFromProgID(u"aÑO.mAIN", &theClass), S_OK);
+    EXPECT_TRUE(SameId(theClass, CLSID_Main));
+    EXPECT_EQ(CLSIDFromProgID(u"Other.Main", &theClass), CO_E_CLASSSTRING);
+    EXPECT_NE(ReasonNotLoaded(CLSID_Main).find("/none/newer.so"), std::string::npos);
+    EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
+
+    EXPECT_EQ(QelUnregisterClass(&CLSID_Main), S_OK);
+    EXPECT_EQ(QelUnregisterClass(&CLSID_Main), S_FALSE);
+    EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
+    EXPECT_EQ(ReasonNotLoaded(CLSID_Main), std::to_string(REGDB_E_CLASSNOTREG));
+}
+
+TEST_F(ClassRegistry, PassesOverMalformedEntriesAndPrefersTheUsersOnes)
+{
+    Write(mySystem / myFilename, "Comment=1\r\nProgID=Package.Main\r\nLibrary=/none/system.so\r\n");
+    fs::create_directories(myUser);
+    const struct
+    {
+        std::string Bytes;
+        bool Counts;
+    } myCases[] = {
+        {"ProgID=User.Main\nLibrary=/none/user.so", true},
+        {"", false},
+        {"ProgID=User.Main\n", false},
+        {"ProgID=\nLibrary=/none/user.so\n", false},
+        {"Library=/none/user.so\nProgId=User.Main\n", false},
+        {"ProgID=User.Main\nLibrary=\n", false},
+        {"ProgID=\xFF\nLibrary=/none/user.so\n", false},
+        {"ProgID=User.Main\nLibrary=/none/user.so" + std::string(1, '\0'), false},
+        {"ProgID=User.Main\nLibrary=/none/user.so\n" + std::string(8192, '#'), false},
+    };
+    CLSID theClass{};
+    for (const auto& myCase : myCases)
+    {
+        SCOPED_TRACE(myCase.Bytes.substr(0, 60));
+        Write(myUser / myFilename, myCase.Bytes);
+        const std::string myReason = ReasonNotLoaded(CLSID_Main);
+        EXPECT_EQ(myReason.find("/none/user.so") != std::string::npos, myCase.Counts) << myReason;
+        EXPECT_EQ(CLSIDFromProgID(u"user.main", &theClass) == S_OK, myCase.Counts);
+        EXPECT_EQ(CLSIDFromProgID(u"package.main", &theClass) == S_OK, !myCase.Counts) << "hidden by the user's";
+    }
+    fs::remove(myUser / myFilename);
+    ASSERT_EQ(mkfifo((myUser / myFilename).c_str(), 0600), 0);
+    EXPECT_EQ(CLSIDFromProgID(u"package.main", &theClass), S_OK) << "a pipe does not block";
+    fs::remove(myUser / myFilename);
+    Write(myUser / "{4fcc59ca-c869-4963-a843-14d7c29afa23}.class", "ProgID=Lower.Main\nLibrary=/none/user.so\n");
+    EXPECT_EQ(CLSIDFromProgID(u"Lower.Main", &theClass), CO_E_CLASSSTRING);
+}
+
+TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
+{
+    const std::pair<const char16_t*, std::string> myCases[] = {{u"", "/none/a.so"},
+                                                               {u"A\nLibrary=/b.so", "/none/a.so"},
+                                                               {u"\xD800", "/none/a.so"},
+                                                               {u"A.Main", "relative/a.so"},
+                                                               {u"A.Main", "/none\n/a.so"},
+                                                               {u"A.Main", ""},
+                                                               {u"A.Main", "/" + std::string(8192, 'a')}};
+    for (const auto& [myName, myLibrary] : myCases)
+    {
+        EXPECT_EQ(QelRegisterClass(&CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
+    }
+    Write(myRoot / "file", "");
+    setenv("XDG_DATA_HOME", (myRoot / "file").c_str(), 1);
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
+}
+
+TEST_F(ClassRegistry, LiesBelowTheHomeFolderUnlessAnAbsoluteDataFolderIsNamed)
+{
+    const char* const myValue = std::getenv("HOME");
+    const std::string myHome = myValue == nullptr ? "" : myValue;
+    setenv("HOME", myRoot.c_str(), 1);
+    setenv("XDG_DATA_HOME", "relative", 1);
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
+    EXPECT_TRUE(fs::exists(myRoot / ".local/share/qel/classes" / myFilename));
+    setenv("HOME", myHome.c_str(), 1);
+}
+
+/// The component itself, registered by a package with a path from its own folder.
+class Component : public ClassRegistry
+{
+protected:
+    Component()
+    {
+        fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", mySystem / "../component.so");
+        Write(mySystem / myFilename, "ProgID=QelPluginAnimation.Main\nLibrary=../component.so\n");
+        CLSID myClass{};
+        EXPECT_EQ(CLSIDFromProgID(u"QelPluginAnimation.Main", &myClass), S_OK);
+        void* thePointer = nullptr;
+        EXPECT_EQ(CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IDispatch, &thePointer), S_OK)
+            << TakenDescription();
+        myMain = ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(thePointer));
+    }
+
+    static bool IsLoaded()
+    {
+        void* const myHandle = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_NOLOAD);
+        if (myHandle != nullptr)
+        {
+            dlclose(myHandle);
+        }
+        return myHandle != nullptr;
+    }
+
+    ComPtr<IDispatch> myMain;
+};
+
+TEST_F(Component, IsUnloadedWithItsLastObjectAndNotBefore)
+{
+    ASSERT_TRUE(myMain);
+    CoFreeUnusedLibraries();
+    EXPECT_TRUE(IsLoaded());
+    myMain.Reset();
+    EXPECT_TRUE(IsLoaded());
+    CoFreeUnusedLibraries();
+    EXPECT_FALSE(IsLoaded());
+}
+
+TEST_F(Component, TakesValuesAndObjectsFromAScriptClient)
+{
+    ASSERT_TRUE(myMain);
+    bool isAlive = false;
+    IDispatch* const myDatabase = MakeCounted<TestDatabase>(&isAlive).Detach();
+    IDispatch* myReferenced = myDatabase;
+    const Value myScript(u"<pg.param name=\"link\" value=\"x\">");
+    constexpr uint16_t Get = DISPATCH_PROPERTYGET;
+    constexpr uint16_t Put = DISPATCH_PROPERTYPUT;
+    constexpr uint16_t PutRef = DISPATCH_PROPERTYPUTREF;
+    const std::vector<DISPID> myPutName = {DISPID_PROPERTYPUT};
+    const struct
+    {
+        DISPID Number;
+        uint16_t Flags;
+        std::vector<Value> Arguments;
+        std::vector<DISPID> Names;
+        std::string Outcome;
+    } myCases[] = {
+        {16, DISPATCH_METHOD, {Value(u"1")}, {}, "ok, BOOL 0"},
+        {17, Put, {myScript}, myPutName, "ok, empty"},
+        {18, Put, {myScript}, myPutName, "ok, empty"},
+        {17, Put, {myScript}, {}, "unnamed"},
+        {17, Put, {myScript}, {0}, "named"},
+        {17, PutRef, {myScript}, myPutName, "notfound"},
+        {2, PutRef, {Value::Of(VT_BYREF | VT_DISPATCH, &myReferenced)}, myPutName, "ok, empty"},
+        {2, Put, {Value::Object(nullptr)}, myPutName, "ok, empty"},
+        {2, Put, {Value::Object(myDatabase)}, myPutName, "ok, empty"},
+        {4, PutRef, {Value::Object(myDatabase)}, myPutName, "type, argument 0"},
+        {4, PutRef, {Value(5)}, myPutName, "type, argument 0"},
+        {2, PutRef, {Value::Of(VT_BYREF | VT_DISPATCH)}, myPutName, "pointer, argument 0"},
+    };
+    for (const auto& myCase : myCases)
+    {
+        EXPECT_EQ(Call(*myMain.Get(), myCase.Number, myCase.Flags, myCase.Arguments, myCase.Names), myCase.Outcome)
+            << "member " << myCase.Number << ", flags " << myCase.Flags;
+    }
+    EXPECT_NE(Call(*myMain.Get(), 17, Get).find("name=\"link\" value=\"x\""), std::string::npos);
+    EXPECT_EQ(Call(*myMain.Get(), 17, Get), Call(*myMain.Get(), 18, Get | DISPATCH_METHOD));
+
+    EXPECT_EQ(myDatabase->AddRef(), 5U) << "the test holds it, twice in the table, and so does the component, once";
+    myDatabase->Release();
+    EXPECT_EQ(Call(*myMain.Get(), 2, PutRef, {Value::Object(nullptr)}, myPutName), "ok, empty");
+    EXPECT_EQ(myDatabase->Release(), 2U);
+}
+
+} // namespace
+} // namespace qel

@@ -1,0 +1,467 @@
+#include "platform/linux/LinuxFiles.h"
+
+#include "ErrorOf.h"
+#include "platform/Platform.h"
+#include "TemporaryFolder.h"
+#include "text/errors.h"
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <random>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+
+using namespace qel;
+using namespace qel::ErrorNumber;
+namespace fs = std::filesystem;
+
+namespace
+{
+
+std::string RandomBytes(size_t myCount)
+{
+    std::mt19937 myRandom(1);
+    std::string theBytes(myCount, '\0');
+    std::generate(theBytes.begin(), theBytes.end(), [&] { return static_cast<char>(myRandom()); });
+    return theBytes;
+}
+
+std::span<const std::byte> Bytes(std::string_view myText)
+{
+    return std::as_bytes(std::span(myText));
+}
+
+std::string ReadBytes(InputFile& myFile, size_t myCount)
+{
+    std::string theText(myCount, '\0');
+    myFile.Read(std::as_writable_bytes(std::span(theText)));
+    return theText;
+}
+
+/// Runs operations on names in a folder, for their errors or for what they give.
+class FilesTest : public testing::Test
+{
+protected:
+    Text In(TextView myName) const { return myFolder.Logical(myName); }
+    void Mode(std::string_view myName, mode_t myMode) { fs::permissions(myFolder.Native(myName), fs::perms(myMode)); }
+    unsigned Mode(std::string_view myName) { return unsigned(fs::status(myFolder.Native(myName)).permissions()); }
+    void Link(std::string_view myTarget, std::string_view myName)
+    {
+        fs::create_symlink(myTarget, myFolder.Native(myName));
+    }
+    void Pipe(std::string_view myName) { ASSERT_EQ(mkfifo(myFolder.Native(myName).c_str(), 0600), 0); }
+
+    /// The number of the error that an operation ends in, given names in the folder.
+    template <class Result, class... Views>
+    int32_t Try(Result (Files::*myOperation)(Views...), std::type_identity_t<Views>... myNames)
+    {
+        return ErrorOf([&] { (myFiles.*myOperation)(In(myNames)...); });
+    }
+
+    std::string ReadAll(TextView myName)
+    {
+        const auto myFile = myFiles.OpenForReading(In(myName));
+        return ReadBytes(*myFile, static_cast<size_t>(myFile->Length()));
+    }
+
+    void WriteAll(TextView myName, std::string_view myText)
+    {
+        const auto myFile = myFiles.OpenForWriting(In(myName));
+        myFile->Write(Bytes(myText));
+        myFile->Close();
+    }
+
+    TemporaryFolder myFolder;
+    LinuxFiles myFiles;
+};
+
+TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
+{
+    for (const char* const myName :
+         {"Img/Logo.GIF", "Img/\xC3\x81rbol.txt", "\xC4\xB0.txt", "\xFF.gif", "twin.txt", "Twin.txt", "TWin.tXt"})
+    {
+        myFolder.Write(myName, myName);
+    }
+    const auto myCheckAll = [&]
+    {
+        for (const auto& [myAsked, myFound] : {std::pair<TextView, const char*>(u"Img\\Logo.GIF", "Img/Logo.GIF"),
+                                               {u"img\\\\..\\.\\IMG/LOGO.gif", "Img/Logo.GIF"},
+                                               {u"IMG/áRBOL.TXT", "Img/\xC3\x81rbol.txt"},
+                                               {u"i.TXT", "\xC4\xB0.txt"}, // fewer bytes in lower case
+                                               {u"twin.txt", "twin.txt"},
+                                               {u"Twin.txt", "Twin.txt"},
+                                               {u"TWIN.TXT", "TWin.tXt"}})
+        {
+            EXPECT_EQ(ReadAll(myAsked), myFound) << testing::PrintToString(myAsked);
+        }
+        EXPECT_EQ(Try(&Files::OpenForReading, u"im\\logo.gif"), PathNotFound);
+        EXPECT_EQ(Try(&Files::OpenForReading, u"img\\logo.gi"), FileNotFound);
+        EXPECT_EQ(Try(&Files::OpenForReading, u"img\\logo.gif\\"), PathNotFound);
+    };
+    myCheckAll();
+    const auto myMemory = myFiles.RememberFolders();
+    myCheckAll();
+}
+
+TEST_F(FilesTest, WritingReplacesWhatIsAlikeAndKeepsItsName)
+{
+    myFolder.Write("img/a.txt", "a long old content");
+    WriteAll(u"IMG\\A.TXT", "new");
+    EXPECT_EQ(myFolder.Read("img/a.txt"), "new");
+    WriteAll(u"IMG\\New.txt", "");
+    EXPECT_TRUE(myFolder.Exists("img/New.txt"));
+    EXPECT_FALSE(myFolder.Exists("img/A.TXT") || myFolder.Exists("IMG"));
+}
+
+TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
+{
+    myFolder.MakeFolder("Sub");
+    const auto myOuter = myFiles.RememberFolders();
+    {
+        const auto myInner = myFiles.RememberFolders();
+        WriteAll(u"SUB\\New.txt", "1");
+    }
+    WriteAll(u"sub\\NEW.TXT", "2"); // another way of writing the same folder
+    EXPECT_EQ(myFolder.Read("Sub/New.txt"), "2");
+    EXPECT_EQ(Try(&Files::Delete, u"Sub\\New.txt"), 0);
+    EXPECT_EQ(Try(&Files::OpenForReading, u"sUb\\new.txt"), FileNotFound);
+    WriteAll(u"SUB\\NEW.txt", "3");
+    EXPECT_EQ(myFolder.Read("Sub/NEW.txt"), "3");
+    EXPECT_EQ(Try(&Files::MakeFolder, u"sub\\Deep"), 0);
+    WriteAll(u"SUB\\DEEP\\x", "4");
+    EXPECT_EQ(myFolder.Read("Sub/Deep/x"), "4");
+
+    // What others do meanwhile is not lost on the way either.
+    myFolder.Write("Sub/others.txt", "longer than what follows");
+    WriteAll(u"sub\\others.txt", "5");
+    EXPECT_EQ(myFolder.Read("Sub/others.txt"), "5");
+    fs::remove(myFolder.Native("Sub/NEW.txt"));
+    WriteAll(u"sub\\NEW.txt", "6");
+    EXPECT_EQ(myFolder.Read("Sub/NEW.txt"), "6");
+}
+
+TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
+{
+    myFolder.Write("file", "");
+    myFolder.MakeFolder("folder");
+    Pipe("lonely");
+    Pipe("pipe");
+    const Descriptor myOtherEnd(open(myFolder.Native("pipe").c_str(), O_RDWR | O_CLOEXEC));
+    Link("nowhere/at all", "dangling");
+    Link("loop", "loop");
+    const struct
+    {
+        int32_t Reading;
+        int32_t Writing;
+        std::vector<Text> Names;
+    } myCases[] = {{PathNotFound, PathNotFound, {u"none\\x", u"file\\x"}},
+                   {FileNotFound, PathNotFound, {u"dangling"}},
+                   {PathAccess, PathAccess, {u"folder", u"pipe", u"lonely", u"loop"}},
+                   {BadFileName, BadFileName, {Text(u"a\0b", 3), Text(u"a\xD800"), Text(256, u'x')}},
+                   {BadFileName, BadFileName, {Text(100'000, u'\\') + u"x\\" + Text(100'000, u'y')}},
+                   {FileNotFound, 0, {u"none"}}};
+    for (const bool myRemembers : {false, true})
+    {
+        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
+        for (const auto& [myReading, myWriting, myNames] : myCases)
+        {
+            for (const Text& myName : myNames)
+            {
+                SCOPED_TRACE(testing::PrintToString(myName.substr(0, 20)));
+                EXPECT_EQ(Try(&Files::OpenForReading, myName), myReading);
+                EXPECT_EQ(Try(&Files::Length, myName), myReading);
+                EXPECT_EQ(myFiles.IsFolder(In(myName)), myName == u"folder");
+                EXPECT_EQ(Try(&Files::OpenForWriting, myName), myWriting);
+            }
+        }
+        EXPECT_EQ(Try(&Files::Delete, u"none"), 0);
+    }
+}
+
+TEST_F(FilesTest, LocksKeepOthersOut)
+{
+    WriteAll(u"a", "content");
+    Mode("a", 0444); // locking needs no right to write
+    {
+        const auto myExclusive = myFiles.OpenForReading(In(u"a"));
+        EXPECT_EQ(Try(&Files::OpenForReading, u"a"), PermissionDenied);
+        EXPECT_EQ(Try(&Files::OpenShared, u"a"), PermissionDenied);
+        EXPECT_EQ(Try(&Files::Copy, u"a", u"copy"), PermissionDenied);
+        EXPECT_FALSE(myFolder.Exists("copy"));
+    }
+    Mode("a", 0644);
+    const auto myShared = myFiles.OpenShared(In(u"a"));
+    EXPECT_EQ(Try(&Files::OpenForReading, u"a"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"a"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::Copy, u"a", u"copy"), 0);
+    EXPECT_EQ(myFolder.Read("a"), "content"); // not emptied before it was locked
+    const auto myWriter = myFiles.OpenForWriting(In(u"copy"));
+    EXPECT_EQ(Try(&Files::Copy, u"a", u"copy"), PermissionDenied);
+}
+
+TEST_F(FilesTest, ReadingAndWritingInAnyStepsGiveTheSameBytes)
+{
+    const std::string myContent = RandomBytes(1'000'000);
+    constexpr size_t Sizes[] = {0, 1, 4, 13, 4095, 4096, 8192, 32000, 70000};
+    std::mt19937 myRandom(2);
+    {
+        const auto myFile = myFiles.OpenForWriting(In(u"a"));
+        for (size_t i = 0; i < myContent.size();)
+        {
+            const auto myPart = std::string_view(myContent).substr(i, Sizes[myRandom() % std::size(Sizes)]);
+            myFile->Write(Bytes(myPart));
+            i += myPart.size();
+        }
+    } // closed in silence, but whole
+    EXPECT_TRUE(myFolder.Read("a") == myContent);
+
+    const auto myFile = myFiles.OpenForReading(In(u"a"));
+    int64_t myLeft = myFile->Length();
+    for (size_t myCount = 0; static_cast<int64_t>(myCount) <= myLeft; myCount = Sizes[myRandom() % std::size(Sizes)])
+    {
+        const auto myAt = static_cast<size_t>(myFile->Position());
+        ASSERT_EQ(myAt, myContent.size() - static_cast<size_t>(myLeft));
+        if (myRandom() % 3 == 0)
+        {
+            myFile->Skip(static_cast<int64_t>(myCount));
+        }
+        else
+        {
+            ASSERT_EQ(ReadBytes(*myFile, myCount), myContent.substr(myAt, myCount));
+        }
+        myLeft -= static_cast<int64_t>(myCount);
+    }
+    EXPECT_EQ(ErrorOf([&] { myFile->Skip(-1); }), InvalidArgument);
+    EXPECT_EQ(ErrorOf([&] { myFile->Skip(myLeft + 1); }), InputPastEnd);
+    EXPECT_EQ(ErrorOf([&] { myFile->Skip(INT64_MAX); }), InputPastEnd);
+    myFile->Skip(myLeft);
+    EXPECT_EQ(myFile->Position(), myFile->Length());
+    EXPECT_EQ(ErrorOf([&] { ReadBytes(*myFile, 1); }), InputPastEnd);
+}
+
+TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
+{
+    myFolder.Write("long", std::string(300'000, 'x'));
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit myOldLimit = {};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &myOldLimit), 0);
+    const rlimit myLimit = {10'000, myOldLimit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &myLimit), 0);
+    const auto myLarge = myFiles.OpenForWriting(In(u"large"));
+    const auto mySmall = myFiles.OpenForWriting(In(u"small"));
+    const std::string myBlock(20'000, 'x');
+    const int32_t myWritingLarge = ErrorOf([&] { myLarge->Write(Bytes(myBlock)); });
+    for (size_t i = 0; i < myBlock.size(); i += 1000)
+    {
+        mySmall->Write(Bytes(myBlock).subspan(i, 1000));
+    }
+    const int32_t myClosing = ErrorOf([&] { mySmall->Close(); });
+    const int32_t myCopying = Try(&Files::Copy, u"long", u"copy");
+    setrlimit(RLIMIT_FSIZE, &myOldLimit);
+    EXPECT_EQ((std::array{myWritingLarge, myClosing, myCopying}), (std::array{DiskFull, DiskFull, DiskFull}));
+    EXPECT_EQ(myFolder.Read("large").size(), 10'000U);   // what has been written stays
+    EXPECT_EQ(Try(&Files::OpenForReading, u"small"), 0); // and nothing stays locked
+}
+
+TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
+{
+    const std::string myContent = RandomBytes(3'000'000);
+    myFolder.Write("a", myContent);
+    myFolder.Write("old", std::string(4'000'000, 'x'));
+    Mode("a", 0500);
+    EXPECT_EQ(Try(&Files::Copy, u"A", u"new"), 0);
+    EXPECT_EQ(Try(&Files::Copy, u"a", u"OLD"), 0);
+    EXPECT_TRUE(myFolder.Read("new") == myContent && myFolder.Read("old") == myContent);
+    const mode_t myMask = umask(0);
+    umask(myMask);
+    EXPECT_EQ(Mode("new"), 0666U & ~myMask);
+    myFiles.Copy(u"\\proc\\version", In(u"version")); // its length reads as 0
+    EXPECT_EQ(myFolder.Read("version").substr(0, 5), "Linux");
+    EXPECT_EQ(Try(&Files::Copy, u"none", u"x"), FileNotFound);
+    EXPECT_FALSE(myFolder.Exists("x"));
+
+    fs::create_hard_link(myFolder.Native("a"), myFolder.Native("hard"));
+    Link("a", "soft");
+    Mode("a", 0600);
+    for (const TextView myTarget : {u"a", u"A", u"hard", u"soft"})
+    {
+        EXPECT_EQ(Try(&Files::Copy, u"a", myTarget), PermissionDenied); // onto itself
+    }
+    EXPECT_TRUE(myFolder.Read("a") == myContent);
+}
+
+TEST_F(FilesTest, AListingYieldsWhatMatches)
+{
+    for (const char* const myName :
+         {"a.gif", "B.GIF", "c", "d.gift", ".hidden.gif", "Sub/x.gif", "\xFF.gif", "b\\c.gif", "\xC3\x91.gif"})
+    {
+        myFolder.Write(myName, "");
+    }
+    Pipe("pipe.gif");
+    Link("a.gif", "link.gif");
+    Link("Sub", "sublink");
+    Link("nowhere", "dangling.gif");
+    using Names = std::vector<Text>;
+    const std::tuple<TextView, Listing, Names> myCases[] = {
+        {u"*.*", Listing::PlainFiles, {u"B.GIF", u"a.gif", u"c", u"d.gift", u"link.gif", u"Ñ.gif"}},
+        {u"*",
+         Listing::FilesAndFolders,
+         {u".", u"..", u"B.GIF", u"Sub", u"a.gif", u"c", u"d.gift", u"link.gif", u"sublink", u"Ñ.gif"}},
+        {u"*.Gif", Listing::FilesAndFolders, {u"B.GIF", u"a.gif", u"link.gif", u"Ñ.gif"}},
+        {u"?.gif", Listing::PlainFiles, {u"B.GIF", u"a.gif", u"Ñ.gif"}},
+        {u"ñ*", Listing::PlainFiles, {u"Ñ.gif"}},
+        {u"*i*.*t", Listing::PlainFiles, {}},
+        {u"*.*f*", Listing::PlainFiles, {u"B.GIF", u"a.gif", u"d.gift", u"link.gif", u"Ñ.gif"}},
+        {u"A.GIF", Listing::PlainFiles, {u"a.gif"}},
+        {u"SUBLINK/*", Listing::FilesAndFolders, {u".", u"..", u"x.gif"}},
+        {u"none\\none\\*", Listing::FilesAndFolders, {}},
+        {u"c\\*.*", Listing::FilesAndFolders, {}}};
+    for (const auto& [myPattern, myListing, myExpected] : myCases)
+    {
+        Names myNames = myFiles.List(In(myPattern), myListing);
+        std::sort(myNames.begin(), myNames.end());
+        EXPECT_EQ(myNames, myExpected) << testing::PrintToString(myPattern);
+    }
+}
+
+TEST_F(FilesTest, FoldersAndLinksAreToldApart)
+{
+    myFolder.Write("Sub/x", "");
+    Link("Sub", "link");
+    EXPECT_TRUE(myFiles.IsFolder(In(u"LINK\\")) && myFiles.IsLink(In(u"LINK\\"))); // a separator hides no link
+    EXPECT_FALSE(myFiles.IsLink(In(u"Sub")) || myFiles.IsFolder(In(u"sub\\x")));
+    EXPECT_EQ(Try(&Files::MakeFolder, u"SUB\\"), PathAccess);
+    EXPECT_EQ(Try(&Files::MakeFolder, u"Sub\\X"), PathAccess);
+    EXPECT_EQ(Try(&Files::MakeFolder, u"none\\x"), PathNotFound);
+    EXPECT_EQ(Try(&Files::MakeFolder, u"SUB\\New\\"), 0);
+    EXPECT_TRUE(myFolder.Exists("Sub/New"));
+    EXPECT_EQ(Try(&Files::Delete, u"sub\\new"), PathAccess);
+    EXPECT_EQ(Try(&Files::Delete, u"sub\\y"), FileNotFound);
+    EXPECT_EQ(Try(&Files::Delete, u"Link"), 0);
+    EXPECT_TRUE(myFolder.Exists("Sub/x") && !myFolder.Exists("link"));
+}
+
+TEST_F(FilesTest, ASystemThatRefusesIsReported)
+{
+    myFolder.Write("locked/a", "");
+    const uid_t myUser = geteuid();
+    if (myUser == 0) // who may do everything
+    {
+        constexpr uid_t Nobody = 65534;
+        ASSERT_EQ(chown(myFolder.Native().c_str(), Nobody, Nobody), 0);
+        ASSERT_EQ(chown(myFolder.Native("locked").c_str(), Nobody, Nobody), 0);
+        ASSERT_EQ(seteuid(Nobody), 0);
+    }
+    Mode("locked", 0500);
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"locked\\b"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::MakeFolder, u"locked\\b"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::Delete, u"locked\\a"), PermissionDenied);
+    Mode("locked", 0300); // names can be used, but not read
+    EXPECT_EQ(ErrorOf([&] { myFiles.List(In(u"locked\\*"), Listing::PlainFiles); }), PathAccess);
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"locked\\b"), 0);
+    Mode("locked/b", 0);
+    EXPECT_EQ(Try(&Files::OpenShared, u"locked\\b"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::Length, u"locked\\b"), 0);
+    EXPECT_EQ(Try(&Files::OpenShared, u"locked\\B"), FileNotFound);
+    EXPECT_EQ(ErrorOf([&] { myFiles.DemandOwnFolder(u"\\proc"); }), PathAccess); // someone else's
+    EXPECT_EQ(seteuid(myUser), 0);
+    Mode("locked", 0700);
+}
+
+TEST_F(FilesTest, OnlyAFolderOfThisUserAloneIsSafe)
+{
+    myFolder.Write("file", "");
+    myFolder.MakeFolder("own");
+    myFolder.MakeFolder("shared");
+    Mode("shared", 0770);
+    Link("own", "link");
+    for (const TextView mySafe : {u"own", u"OWN\\", u"none\\", u"none\\none"})
+    {
+        EXPECT_EQ(Try(&Files::DemandOwnFolder, mySafe), 0) << testing::PrintToString(mySafe);
+    }
+    for (const TextView myUnsafe : {u"link", u"Link\\\\", u"file", u"shared\\"})
+    {
+        EXPECT_EQ(Try(&Files::DemandOwnFolder, myUnsafe), PathAccess) << testing::PrintToString(myUnsafe);
+    }
+}
+
+TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
+{
+    for (const char* const myName : {"good", "runtime", "open", "back\\slash"})
+    {
+        myFolder.MakeFolder(myName);
+        Mode(myName, 0700);
+    }
+    Mode("open", 0711);
+    Link("good", "link");
+    const auto myChosen = [&](const std::string& myTemporary, const std::string& myRuntime)
+    {
+        setenv("TMPDIR", myTemporary.c_str(), 1);
+        setenv("XDG_RUNTIME_DIR", myRuntime.c_str(), 1);
+        const Text thePath = myFiles.TemporaryPath();
+        unsetenv("TMPDIR");
+        return thePath;
+    };
+    const std::string myRuntime = myFolder.Native("runtime");
+    EXPECT_EQ(myChosen(myFolder.Native("good//"), myRuntime), In(u"good\\"));
+    for (const char* const myUnsafe : {"open", "link", "link/", "none", "back\\slash"})
+    {
+        EXPECT_EQ(myChosen(myFolder.Native(myUnsafe), myRuntime), In(u"runtime\\")) << myUnsafe;
+    }
+    EXPECT_EQ(myChosen("/tmp", myRuntime), In(u"runtime\\"));
+    setenv("XDG_CACHE_HOME", myFolder.Native("cache/deep").c_str(), 1);
+    EXPECT_EQ(myChosen("relative", "/tmp"), In(u"cache\\deep\\qel\\"));
+    EXPECT_EQ(Mode("cache/deep/qel"), 0700U);
+    unsetenv("XDG_CACHE_HOME");
+    setenv("HOME", myFolder.Native().c_str(), 1);
+    EXPECT_EQ(myChosen("", "/"), In(u".cache\\qel\\"));
+    Mode(".cache/qel", 0750);
+    EXPECT_EQ(myChosen("/tmp", "/tmp"), u"");
+}
+
+TEST(SystemPlatform, KnowsItsOwnFile)
+{
+    const auto myPlatform = MakeSystemPlatform();
+    const fs::path myProgram = fs::read_symlink("/proc/self/exe");
+    EXPECT_EQ(myPlatform->ComponentFile(), myProgram.string());
+    EXPECT_EQ(myPlatform->Ports().componentFolder, LogicalPath(myProgram.parent_path().string()));
+}
+
+TEST(SystemPlatform, KnowsItsOwnFileUnderARelativeNameToo)
+{
+    const pid_t myChild = fork();
+    if (myChild == 0)
+    {
+        execl("/proc/self/exe", "files_test", "--gtest_filter=SystemPlatform.KnowsItsOwnFile", nullptr);
+        _exit(127);
+    }
+    int myStatus = -1;
+    ASSERT_EQ(waitpid(myChild, &myStatus, 0), myChild);
+    EXPECT_EQ(myStatus, 0);
+}
+
+TEST(HelpViewer, ShowsTheTopicBesideTheHelpFileAndLeavesNoChild)
+{
+    const TemporaryFolder myFolder;
+    const std::string myResult = myFolder.Native("result");
+    myFolder.Write("help/100.html", "");
+    myFolder.Write("xdg-open", "#!/bin/sh\necho \"$@\" > " + myResult + ".part\nmv " + myResult + ".part " + myResult);
+    fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
+    setenv("PATH", (myFolder.Native() + ":/usr/bin:/bin").c_str(), 1);
+    const auto myPlatform = MakeSystemPlatform();
+    HelpViewer& myHelp = myPlatform->Ports().help;
+    myHelp.ShowContext(myFolder.Logical(u"Some.chm"), 101); // no such topic
+    myHelp.ShowContext(Text(u"\xD800\\Some.chm"), 100);
+    myHelp.ShowContext(myFolder.Logical(u"Some.chm"), 100);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    for (int i = 0; i < 1000 && !myFolder.Exists("result"); ++i)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(myFolder.Read("result"), fs::canonical(myFolder.Native("help/100.html")).string() + "\n");
+}
+
+} // namespace

@@ -1,0 +1,421 @@
+"""Tests of qelhost, the real program with the real component, in folders of their own.
+
+    python3 host_test.py STAGE [TEST...]    STAGE is the folder that holds qelhost and the component
+"""
+import contextlib
+import fcntl
+import os
+import pty
+import re
+import shutil
+import sqlite3
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+STAGE = Path(sys.argv.pop(1)).resolve()
+DESIGNS = STAGE / "QelPluginAnimationDesigns"
+GLOBO = (DESIGNS / "Fiestas" / "Globo.gif").read_bytes()
+ERROR = "[Error de plug-in]"
+PAGE = "<html><body><!-- qel:modules --></body></html>"
+
+
+def script(image="Globo.gif", folder="Fiestas", link="", archive=None, **params):
+    params = {"image": image, "imagefolder": folder, "playmidi": "0", "link": link, **params}
+    lines = ['<pg.plugin uid="QelPluginAnimation" version="1.0">']
+    lines += [f'<pg.file filename="{archive}">'] if archive else []
+    lines += [f'<pg.param name="{name}" value="{value}">' for name, value in params.items() if value is not None]
+    return "\r\n".join(lines) + "\r\n"
+
+
+def archive_of(name, data):
+    name = b"\\" + name.encode("cp1252")
+    return b"qelarchive1.0" + struct.pack("<i", len(name)) + name + struct.pack("<i", len(data)) + data + bytes(4)
+
+
+def tree(folder):
+    return {path.relative_to(folder).as_posix(): path.read_bytes() for path in folder.rglob("*") if path.is_file()}
+
+
+class HostTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="qelhost "))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.site = self.folder / "mi sitio ñ"
+        (self.folder / "temp").mkdir(mode=0o700)
+        self.environment = {key: value for key, value in os.environ.items() if key != "NO_COLOR"}
+        self.environment |= {"HOME": str(self.folder), "XDG_DATA_HOME": str(self.folder / "share"),
+                             "XDG_DATA_DIRS": str(self.folder), "TMPDIR": str(self.folder / "temp")}
+
+    def host(self, *arguments, expect=0, stdin="", program=STAGE / "qelhost", text=True, **options):
+        """Runs the program and gives what it wrote to its standard output; with `expect` 1 or 2 to the error output."""
+        run = subprocess.run([program, *map(str, arguments)], input=stdin, capture_output=True, text=text, timeout=60,
+                             errors="replace" if text else None,
+                             env=self.environment, **options)
+        self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
+        return run.stderr if expect else run.stdout
+
+    def file(self, name, content=b""):
+        path = self.folder / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+    def make_site(self, *pages):
+        self.host("init", self.site)
+        for name in pages:
+            self.add_page(name)
+
+    def add_page(self, name, content=PAGE):
+        self.host("page", "add", self.site, self.file("page", content), "--name", name)
+
+    def add_module(self, page, text, *options):
+        return int(self.host("module", "add", self.site, page, "--script", "-", *options, stdin=text).split()[1])
+
+    def add_record(self, *options, expect=0):
+        return self.host("record", "add", self.site, *options, expect=expect).strip()
+
+    def page(self, name):
+        return (self.site / "build" / name).read_bytes().decode()
+
+    def rows(self, *command):
+        """A list's rows below its heading, its columns joined by one blank."""
+        return [" ".join(line.split()) for line in self.host(*command, "list", self.site).splitlines()[1:]]
+
+
+class BuildTest(HostTest):
+    def test_links_of_every_kind_lead_where_they_should(self):
+        self.make_site("index.html", "otra página.html")
+        picture = self.file("Foto \"del\" año.jpg", b"picture")
+        cases = [
+            (["--kind", "1", "--page", "otra página.html"], "otra página.html"),
+            (["--kind", "page", "--address", "https://example.org/?a=1&b='2'"],
+             "https://example.org/?a=1&#38;b=&#39;2&#39;"),
+            (["--kind", "section", "--page", "index.html", "--address", "#top"], "index.html#top"),
+            (["--kind", "3", "--address", 'http://x/%31%3A%5B\\"</script>ñ'],
+             "http://x/&#37;31&#37;3A&#37;5B&#92;&#34;&#60;/script&#62;ñ"),
+            (["--kind", "picture", "--file", picture], "images/Foto _del_ año.jpg"),
+            (["--kind", "5", "--file", self.file("l'été 100%.pdf", b"paper")], "files/l_été 100_.pdf"),
+            (["--kind", "mail", "--address", "me@example.org"], "mailto:me@example.org"),
+        ]
+        links = [(self.add_record(*options), href) for options, href in cases]
+        links.append(("URL:http://example.org/", "http://example.org/"))
+        expected = {self.add_module("index.html", script(link=link)): href for link, href in links}
+        self.host("page", "set", self.site, "index.html", self.file("p", PAGE.replace("<html>", "<html lang='ñ'>")))
+        self.host("build", self.site)
+        found = re.findall(r'"qelanimsprite(\d+)" style.*?<a href="(.*?)"><img', self.page("index.html"))
+        self.assertEqual({int(number): href for number, href in found}, expected)
+        self.assertEqual((self.site / "build/images/Foto _del_ año.jpg").read_bytes(), b"picture")
+        self.assertEqual((self.site / "build/files/l_été 100_.pdf").read_bytes(), b"paper")
+
+    def test_failed_modules_are_told_and_do_not_stop_the_build(self):
+        self.make_site("a.html", "b.html")
+        record = self.add_record("--kind", "none", "--title", "a")
+        gone = self.add_record("--kind", "3", "--address", "x")
+        self.host("record", "remove", self.site, gone[4:])
+        there = self.add_record("--kind", "3", "--address", "x")
+        reasons = {
+            self.add_module("a.html", script(link=record)): "El vínculo no funciona.",
+            self.add_module("a.html", script(link=gone)): "El vínculo no funciona.",
+            self.add_module("a.html", script(link=there.replace(":", ":0"))): "El vínculo no funciona.",
+            self.add_module("a.html", script(image="Nada.gif")): 'El plug-in "Orvenal" ha provocado el error "53: ',
+            self.add_module("a.html", script(image=None)): "No se ha seleccionado ningún motivo.",
+        }
+        good = self.add_module("b.html", script())
+        lines = self.host("build", self.site, expect=1).splitlines()
+        self.assertEqual(len(lines), len(reasons), lines)
+        for line, (module, reason) in zip(lines, reasons.items()):
+            self.assertTrue(line.startswith(f"a.html, module {module}: {reason}"), line)
+        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", ERROR * 4))
+        self.assertIn(f"qelspr{good}.gif", self.page("b.html"))
+        self.assertEqual((self.site / f"build/images/qelspr{good}.gif").read_bytes(), GLOBO)
+
+    def test_modules_go_to_their_places(self):
+        pages = {
+            "<body>x</Body ><p></body></html>": "<body>x</Body ><p>12</body></html>",
+            "<p>x": "<p>x12",
+            "a<!--qel:modules-->b<!-- qel:modules -->c</body>": "a12bc</body>",
+            "<!-- qel:modules b --><!-- qel:modules a --></body>": "43" + "12</body>",
+            "<!-- qel:title -->|<!-- note --><!-- qel:modules a b --><!-- qel:x -->":
+                "R&#38;D &#60;1&#62;|<!-- note --><!-- qel:modules a b --><!-- qel:x -->12",
+            "<!-- qel:menu --><!-- qel:modules": '<ul><li><a href="p.html" aria-current="page">&#34;P&#34;</a></li>'
+                                                 '<li><a href="q.html">q</a></li></ul><!-- qel:modules12',
+        }
+        self.host("init", self.site, "--title", "R&D <1>")
+        for name, content in {"p.html": "<!-- qel:modules a --><!-- qel:modules b -->", "q.html": PAGE}.items():
+            self.add_page(name, content)
+        self.host("page", "set", self.site, "p.html", "--title", '"P"')
+        empty = script(showimage="0")
+        for place in ("", "", "a", "b"):
+            self.add_module("p.html", empty, "--place", place)
+        for content, expected in pages.items():
+            self.host("page", "set", self.site, "p.html", self.file("page", content))
+            self.host("build", self.site, expect=0 if "modules a -->" in content else 1)
+            text = re.sub(r"<script.*?var showme(\d).*?</script>\r\n", r"\1", self.page("p.html"), flags=re.DOTALL)
+            self.assertEqual(text, expected)
+        self.assertIn('no place "b"', self.host("build", self.site, expect=1))
+
+    def test_module_text_is_written_in_the_encoding_of_the_page(self):
+        self.make_site()
+        link = self.add_record("--kind", "file", "--file", self.file("año € 日 😀.txt", b"x"))
+        pages = {"ascii.html": (b"<p>", b"a&#241;o &#8364; &#26085; &#128512;.txt"),
+                 "utf.html": ("<p>ü".encode(), "año € 日 😀.txt".encode()),
+                 "ansi.html": (b"<p>\xfc", b"a\xf1o \x80 &#26085; &#128512;.txt")}
+        for name, (content, _) in pages.items():
+            self.add_page(name, content)
+            self.add_module(name, script(link=link))
+        self.host("build", self.site)
+        for name, (content, expected) in pages.items():
+            built = (self.site / "build" / name).read_bytes()
+            self.assertTrue(built.startswith(content), name)
+            self.assertIn(b'<a href="files/' + expected + b'">', built)
+
+    def test_imported_picture_comes_from_the_modules_archive(self):
+        self.make_site("index.html")
+        imported = {"image": "qelspr.gif", "folder": "(USER)", "imagemode": "gif"}
+        first = self.add_module("index.html", script(**imported, archive="module1.dat"), "--archive",
+                                self.file("mine.dat", archive_of("qelspr.gif", GLOBO)))
+        second = self.add_module("index.html", script(**imported, archive="module2.dat"))
+        self.assertIn(f"module {second}:", self.host("build", self.site, expect=1))
+        other = (DESIGNS / "Animales" / "Pez.gif").read_bytes()
+        self.host("module", "archive", self.site, second, self.file("b", archive_of("qelspr.gif", other)))
+        self.host("build", self.site)
+        self.assertEqual((self.site / f"build/images/qelspr{first}.gif").read_bytes(), GLOBO)
+        self.assertEqual((self.site / f"build/images/qelspr{second}.gif").read_bytes(), other)
+        self.host("module", "remove", self.site, first)
+        self.assertEqual([path.name for path in (self.site / "data").iterdir()], ["module2.dat"])
+
+    def test_build_again_gives_the_same_bytes_and_nothing_stale(self):
+        self.make_site("a.html", "b.html", "c.html")
+        record = self.add_record("--kind", "file", "--file", self.file("n.txt", b"old"))
+        self.add_module("a.html", script(link=record, midi="Vals.mid", midifolder="Fiestas", playmidi="1"))
+        self.add_module("b.html", script(link=record))
+        self.host("build", self.site)
+        first = tree(self.site / "build")
+        self.assertIn("media/qelmid1.mid", first)
+        self.host("build", self.site)
+        self.assertEqual(tree(self.site / "build"), first)
+        self.host("record", "set", self.site, record[4:], "--file", self.file("n.txt", b"new"))
+        self.host("page", "set", self.site, "b.html", self.file("page", PAGE + "changed"))
+        self.host("page", "set", self.site, "a.html", self.file("page", PAGE + "changed"))
+        self.host("build", self.site, "--only", "B.html")
+        second = tree(self.site / "build")
+        changed = {name for name in first if second[name] != first[name]}
+        self.assertEqual((second.keys(), changed), (first.keys(), {"b.html", "files/n.txt"}))
+        self.host("record", "set", self.site, record[4:], "--file", self.file("m.txt", b"new"))
+        self.host("page", "remove", self.site, "c.html")
+        self.host("build", self.site)
+        self.assertEqual(tree(self.site / "build").keys(), first.keys() - {"c.html", "files/n.txt"} | {"files/m.txt"})
+
+    def test_build_touches_nothing_that_is_not_its_own(self):
+        self.make_site("index.html")
+        build = self.site / "build"
+        mine = self.folder / "mine"
+        mine.mkdir()
+        (mine / "precious").touch()
+        build.mkdir()
+        (build / "index.html").write_text("mine")
+        self.assertIn("did not make", self.host("build", self.site, expect=1))
+        (build / "index.html").unlink()
+        self.host("build", self.site)
+        (build / "notes.html").write_text("mine")
+        (build / ".qelhost").write_text("../../mine/precious\nindex.html\n")
+        for name in ("images", "media", "files"):
+            shutil.rmtree(build / name)
+            (build / name).symlink_to(mine)
+            self.assertIn("it is a link", self.host("build", self.site, expect=1))
+            (build / name).unlink()
+            (build / name / "mine").mkdir(parents=True)
+            (build / name / "kept").touch()
+            self.assertIn("did not make this folder", self.host("build", self.site, expect=1))
+            self.assertTrue((build / name / "kept").exists())
+            shutil.rmtree(build / name)
+        (build / "index.html").unlink()
+        (build / "index.html").symlink_to(mine / "precious")
+        self.host("build", self.site)
+        self.assertEqual((build / "notes.html").read_text(), "mine")
+        self.assertEqual((mine / "precious").read_bytes(), b"")
+        self.assertEqual(self.page("index.html"), PAGE.replace("<!-- qel:modules -->", ""))
+        self.assertFalse([name for name in os.listdir(build) if name.endswith(".new")])
+
+    def test_second_build_of_a_user_waits_for_the_first(self):
+        self.make_site("index.html")
+        self.add_module("index.html", script())
+        with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            with subprocess.Popen([STAGE / "qelhost", "build", self.site], stderr=subprocess.PIPE, text=True,
+                                  stdout=subprocess.DEVNULL, env=self.environment) as waiting:
+                self.assertIn("waiting", waiting.stderr.readline())
+                self.assertFalse((self.site / "build").exists())
+                fcntl.flock(lock, fcntl.LOCK_UN)
+                waiting.communicate(timeout=60)
+        self.assertEqual(waiting.returncode, 0)
+        self.assertIn("qelspr1.gif", self.page("index.html"))
+
+
+class SiteTest(HostTest):
+    def test_positions_stay_dense(self):
+        self.make_site("a.html", "b.html", "c.html")
+        self.add_page("d.html", PAGE + "<!-- qel:modules x -->")
+        self.host("page", "move", self.site, "d.html", 1)
+        self.host("page", "move", self.site, "a.html", 4)
+        self.host("page", "remove", self.site, "b.html")
+        self.assertEqual(self.rows("page"), ["1 d.html 0 d", "2 c.html 0 c", "3 a.html 0 a"])
+        for page in ("a.html", "a.html", "a.html", "d.html"):
+            self.host("module", "add", self.site, page)
+        self.host("module", "move", self.site, 3, 1)
+        self.host("module", "move", self.site, 1, 3)
+        self.host("module", "move", self.site, 2, 1, "--page", "d.html", "--place", "x")
+        self.host("module", "move", self.site, 4, 2, "--place", "x")
+        self.assertEqual(self.rows("module"), ["2 d.html x 1", "4 d.html x 2", "3 a.html - 1", "1 a.html - 2"])
+        for wrong in (["module", "move", self.site, 3, 0], ["module", "move", self.site, 3, 3],
+                      ["module", "move", self.site, 3, 1, "--page", "d.html", "--place", "y"],
+                      ["page", "move", self.site, "a.html", 4]):
+            self.assertRegex(self.host(*wrong, expect=1), "give one from 1 to|has no place")
+        self.host("module", "remove", self.site, 2)
+        self.host("module", "add", self.site, "d.html", "--place", "x")
+        self.assertEqual(self.rows("module"), ["4 d.html x 1", "5 d.html x 2", "3 a.html - 1", "1 a.html - 2"])
+
+    def test_pages_in_use_are_not_removed_unasked(self):
+        self.make_site("a.html", "b.html")
+        self.add_module("a.html", script(), "--archive", self.file("x", archive_of("a", b"")))
+        record = self.add_record("--kind", "page", "--page", "a.html")
+        self.assertIn("record 1 leads to", self.host("page", "remove", self.site, "a.html", expect=1))
+        self.host("record", "set", self.site, record[4:], "--page", "b.html")
+        self.assertIn("--with-modules", self.host("page", "remove", self.site, "a.html", expect=1))
+        self.assertEqual(self.rows("module"), ["1 a.html - 1"])
+        self.host("page", "remove", self.site, "a.html", "--with-modules")
+        self.assertEqual((self.rows("module"), list((self.site / "data").iterdir())), ([], []))
+
+    def test_names_that_would_do_harm_are_refused(self):
+        self.make_site("index.html")
+        for name in ("../x.html", "a/b.html", "..html", ".x.html", "a\\b.html", "a%3.html", "a#.html", "x.txt", "a\n.html",
+                     b"\xff.html", "INDEX.html", "x'.html"):
+            self.assertRegex(self.host("page", "add", self.site, "-", "--name", os.fsdecode(name), expect=1),
+                             "cannot be the name|has a page")
+        self.assertIn("save it as UTF-8", self.host("page", "add", self.site, "-", "--name", "w.html", expect=1, text=False,
+                                                    stdin="\ufeff<p>".encode("utf-16")).decode())
+        self.add_record("--kind", "file", "--file", self.file("Lista.txt", b"1"))
+        for name in ("LISTA.TXT", "qelspr7.gif", "QELMID.mid", "module1.dat"):
+            self.assertRegex(self.add_record("--kind", "picture", "--file", self.file(name), expect=1), "another name")
+        self.assertEqual(tree(self.site / "data"), {"Lista.txt": b"1"})
+
+    def test_records_take_what_suits_their_kind(self):
+        self.make_site("index.html")
+        for options in (["--kind", "7"], ["--kind", "mail"], ["--kind", "none", "--address", "x"], ["--kind", "picture"],
+                        ["--kind", "file", "--address", "x"], ["--kind", "3", "--page", "index.html"], ["--title", "x"]):
+            self.add_record(*options, expect=2)
+        self.add_record("--kind", "page", "--page", "none.html", expect=1)
+        self.add_record("--kind", "file", "--file", self.folder / "missing", expect=1)
+        self.assertEqual(self.add_record("--kind", "2", "--address", "#x", "--title", "Sección"), "UID:1")
+        self.host("record", "set", self.site, 1, "--page", "index.html")
+        self.host("record", "set", self.site, 1, "--file", self.file("x"), expect=2)
+        self.add_record("--kind", "file", "--file", self.file("x", b"x"))
+        self.host("record", "set", self.site, 2, "--file", self.file("y", b"y"), "--title", "T")
+        self.assertEqual(self.rows("record"), ["1 section index.html#x Sección", "2 file y T"])
+        self.assertEqual(tree(self.site / "data"), {"y": b"y"})
+        self.host("record", "remove", self.site, 2)
+        self.assertEqual((self.add_record("--kind", "none"), tree(self.site / "data")), ("UID:3", {}))
+
+    def test_scripts_are_kept_to_the_byte_once_the_component_took_them(self):
+        self.make_site("index.html")
+        self.host("module", "add", self.site, "index.html")
+        self.assertEqual(self.host("module", "script", self.site, 1), '<pg.plugin uid="QelPluginAnimation" version="1.0">')
+        odd = (script(link="URL:ñ😀") + "free text\n\t<unknown>").encode()
+        self.host("module", "script", self.site, 1, "-", stdin=odd, text=False)
+        for wrong in (script(**{"from": "1e300"}).encode(), b"\xff"):
+            self.host("module", "script", self.site, 1, "-", stdin=wrong, text=False, expect=1)
+            self.assertEqual(self.host("module", "script", self.site, 1, text=False), odd)
+        self.assertIn("has no module 2", self.host("module", "script", self.site, 2, expect=1))
+
+    def test_summaries_are_rendered_for_a_terminal_only(self):
+        self.make_site("index.html")
+        new = self.host("module", "add", self.site, "index.html").split()[1]
+        sun = self.add_module("index.html", script("S\x1b[2Jl.gif"))
+        old = self.add_module("index.html", script().replace('version="1.0"', 'version="9"'))
+        plain = "⚠ Aún no ha seleccionado ningún motivo que representar. Haga clic aquí para seleccionar un motivo y una música.\n"
+        self.assertEqual(self.host("module", "show", self.site, new), plain)
+        self.assertEqual(self.host("module", "show", self.site, old), plain + "⚠ No se ha seleccionado ningún motivo.\n")
+        self.assertIn("Haga clic \x1b[4maquí\x1b[24m para", self.terminal("module", "show", self.site, new))
+        self.assertIn('\x1b[1m"S?[2Jl"\x1b[22m.', self.terminal("module", "show", self.site, sun))
+        self.assertIn("\r\x1b[K[1/1] index.html", self.terminal("build", self.site))
+        self.environment["NO_COLOR"] = "1"
+        self.assertIn("Haga clic aquí para", self.terminal("module", "show", self.site, new))
+
+    def terminal(self, *arguments):
+        """What the program shows on a terminal."""
+        controller, terminal = pty.openpty()
+        with subprocess.Popen([STAGE / "qelhost", *map(str, arguments)], stdout=terminal, stderr=terminal,
+                              env=self.environment):
+            os.close(terminal)
+            shown = b""
+            with contextlib.suppress(OSError):  # the terminal is gone
+                while part := os.read(controller, 4096):
+                    shown += part
+        os.close(controller)
+        return shown.decode()
+
+    def test_programs_at_the_same_time_do_not_lose_each_others_work(self):
+        self.make_site("index.html")
+        adding = [subprocess.Popen([STAGE / "qelhost", "module", "add", self.site, "index.html"], env=self.environment,
+                                   stdout=subprocess.PIPE) for _ in range(8)]
+        modules = sorted(run.communicate(timeout=60)[0].decode() for run in adding)
+        self.assertEqual(modules, [f"module {number}\n" for number in range(1, 9)])
+        self.assertEqual(sorted(row.split()[-1] for row in self.rows("module")), list("12345678"))
+
+    def test_databases_that_are_none_of_its_own_are_refused(self):
+        self.assertIn("run qelhost init", self.host("page", "list", self.folder, expect=1))
+        self.make_site()
+        self.assertIn("is a site already", self.host("init", self.site, expect=1))
+        database = self.site / "site.db"
+        with contextlib.closing(sqlite3.connect(database)) as connection:
+            connection.execute("PRAGMA user_version = 99")
+        self.assertIn("newer", self.host("build", self.site, expect=1))
+        database.write_bytes(b"no database at all" * 100)
+        self.assertIn("damaged", self.host("build", self.site, expect=1))
+        database.unlink()
+        with contextlib.closing(sqlite3.connect(database)) as connection:
+            connection.execute("CREATE TABLE page (name)")
+        self.assertIn("was not made by qelhost", self.host("build", self.site, expect=1))
+        (self.folder / "other" / "data").mkdir(parents=True)
+        self.assertIn("there already", self.host("init", self.folder / "other", expect=1))
+
+
+class CommandLineTest(HostTest):
+    def test_every_command_helps(self):
+        def commands_of(words):
+            text = self.host(*words, "--help")
+            self.assertGreater(len(text), 150, words)
+            for name in re.findall(r"^  (\w+)  ", text.partition("Subcommands:")[2], re.MULTILINE):
+                yield from commands_of([*words, name])
+            yield " ".join(words)
+
+        commands = set(commands_of([]))
+        self.assertEqual(len(commands), 25, commands)
+
+    def test_misuse_ends_with_2_and_points_to_the_help(self):
+        for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],
+                          ["module", "move", "site", "one", "1"]):
+            self.assertIn("--help", self.host(*arguments, expect=2))
+
+    def test_the_component_is_found_by_option_registry_or_place(self):
+        self.assertIn("Mueve objetos gráficos", self.host("info"))
+        (self.folder / "bin").mkdir()
+        for name in ("qelhost", "libqelcom.so"):
+            shutil.copy(STAGE / name, self.folder / "bin")
+        lone = self.folder / "bin" / "qelhost"
+        component = STAGE / "QelPluginAnimation.so"
+        self.assertIn("--plugin", self.host("info", program=lone, expect=1))
+        self.assertIn("not a component", self.host("info", "--plugin", "libqelcom.so", program=lone, expect=1,
+                                                   cwd=self.folder / "bin"))
+        self.assertIn("1.0.19", self.host("info", "--plugin", component, program=lone))
+        self.host("register", component, program=lone)
+        self.assertIn("1.0.19", self.host("info", program=lone))
+        self.host("unregister", component, program=lone)
+        self.host("info", program=lone, expect=1)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,165 @@
+/// Text, encodings, dates, errors and the string table.
+#include "ErrorOf.h"
+#include "resources/stringTable.h"
+#include "text/dates.h"
+#include "text/encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <cfenv>
+#include <clocale>
+#include <cmath>
+#include <fstream>
+#include <locale>
+
+namespace qel
+{
+namespace
+{
+
+TEST(Text, LowerCaseIsTheSimpleOneOfEachUnit)
+{
+    const TextView myUnits = u"AZ@[zÑ×ßĀāİŸǄǅΣЀႠᎠᲐẞⒶＡῼϴ\u2126\u212A\u212B";
+    const TextView myLower = u"az@[zñ×ßāāiÿǆǆσѐⴀꭰაßⓐａῳθωkå";
+    EXPECT_EQ(LowerCase(myUnits), myLower);
+    EXPECT_TRUE(EqualInLowerCase(myUnits, myLower));
+    EXPECT_FALSE(EqualInLowerCase(u"árbol", u"arbol") || EqualInLowerCase(u"árbol", u"árbole"));
+    for (uint32_t u = 0; u <= 0xFFFF; ++u)
+    {
+        const char16_t myOne = LowerCase(static_cast<char16_t>(u));
+        EXPECT_EQ(LowerCase(myOne), myOne) << std::hex << u;
+        EXPECT_TRUE(u < 0xD800 || u > 0xDFFF || u == myOne) << "half a pair has no lower case";
+    }
+}
+
+TEST(Text, BlankIsThatOneCharacterAndReplacedTextIsNotSearched)
+{
+    EXPECT_EQ(TrimBlanks(u"  a b "), u"a b");
+    EXPECT_EQ(TrimBlanks(u" \t\u00A0 "), u"\t\u00A0");
+    EXPECT_EQ(TrimBlanks(u"   "), u"");
+    EXPECT_EQ(ReplaceAll(u"aaa", u"aa", u"a"), u"aa");
+    EXPECT_EQ(ReplaceAll(u"\n\n", u"\n", u"\r\n"), u"\r\n\r\n");
+    EXPECT_EQ(ReplaceAll(u"abc", u"", u"x"), u"abc");
+}
+
+/// A decimal comma, which no script has.
+struct CommaNumbers : std::numpunct<char>
+{
+    char do_decimal_point() const override { return ','; }
+};
+
+TEST(Text, NumbersAreReadAndWrittenWithoutALocale)
+{
+    const std::pair<TextView, double> myCases[] = {
+        {u"", 0},        {u"38353x", 38353}, {u"  +7", 7},        {u"-1.25abc", -1.25}, {u".5", 0.5},    {u"5.", 5},
+        {u"1.5.5", 1.5}, {u"1,5", 1},        {u"12.345", 12.345}, {u"--1", 0},          {u"+-1", 0},     {u".", 0},
+        {u"-", 0},       {u"e5", 0},         {u"1e3", 1000},      {u"1E+2z", 100},      {u"25e-1", 2.5}, {u"1e", 1},
+        {u"1e+", 1},     {u"inf", 0},        {u"-INFINITY", 0},   {u"nan", 0},          {u"0x1F", 0},    {u"1e-999", 0},
+        {u"0e999", 0},   {u"x1", 0},         {u"\u0661", 0},      {u"0.00001e6", 10},   {u"00012", 12},
+    };
+    for (const bool myHasComma : {false, true})
+    {
+        std::locale::global(myHasComma ? std::locale(std::locale(), new CommaNumbers) : std::locale::classic());
+        std::setlocale(LC_ALL, myHasComma ? "es_ES.UTF-8" : "C");
+        for (const auto& [myText, myNumber] : myCases)
+        {
+            EXPECT_EQ(NumericPrefix(myText), myNumber) << ToUtf8(myText);
+        }
+        for (const Text& myText : {Text(u"1e999"), Text(u"-1e309"), Text(400, u'9'), Text(u"0.0001e999")})
+        {
+            EXPECT_EQ(ErrorOf([&] { NumericPrefix(myText); }), ErrorNumber::Overflow) << ToUtf8(myText);
+        }
+        EXPECT_EQ(NumericPrefix(u"0." + Text(400, u'0') + u"1"), 0);
+        EXPECT_EQ(NumberText(int64_t{INT64_MIN}), u"-9223372036854775808");
+        EXPECT_EQ(NumberText(120.0F) + NumberText(0.1F) + NumberText(16777216.0F), u"1200.116777216");
+    }
+    std::locale::global(std::locale::classic());
+}
+
+TEST(Dates, RoundHalvesToTheEvenNeighbourInAnyRoundingMode)
+{
+    const std::pair<double, int32_t> myCases[] = {
+        {0.5, 0},  {1.5, 2},   {2.5, 2},    {38352.5, 38352}, {0.49999999999999994, 0},  {0.51, 1},
+        {-0.5, 0}, {-1.5, -2}, {-0.51, -1}, {38353.5, 38354}, {2147483647.4, INT32_MAX}, {-2147483648.5, INT32_MIN},
+    };
+    for (const int myMode : {FE_UPWARD, FE_DOWNWARD, FE_TONEAREST})
+    {
+        std::fesetround(myMode);
+        for (const auto& [myNumber, myWhole] : myCases)
+        {
+            EXPECT_EQ(RoundToWhole(myNumber), myWhole) << myNumber;
+            EXPECT_EQ(DateIsSet(myNumber), myWhole != 0) << myNumber;
+        }
+    }
+    EXPECT_EQ(ErrorOf([&] { RoundToWhole(2147483647.5); }), ErrorNumber::Overflow);
+    EXPECT_EQ(ErrorOf([&] { RoundToWhole(std::nan("")); }), ErrorNumber::Overflow);
+}
+
+TEST(Dates, DayIsTheDateCutDown)
+{
+    const std::tuple<Date, int, int, int> myCases[] = {
+        {0.6, 1899, 12, 30},       {60, 1900, 2, 28},      {61, 1900, 3, 1},
+        {36585, 2000, 2, 29},      {38353, 2005, 1, 1},    {38383.99, 2005, 1, 31},
+        {2958465.9, 9999, 12, 31}, {-657434.9, 100, 1, 1}, {-1.75, 1899, 12, 29},
+    };
+    for (const auto& [myDate, myYear, myMonth, myDay] : myCases)
+    {
+        const CalendarDay myFound = DayOfDate(CheckedDate(myDate));
+        EXPECT_EQ(std::tuple(myFound.Year, myFound.Month, myFound.Day), std::tuple(myYear, myMonth, myDay)) << myDate;
+    }
+    for (const double myDays : {-657435.0, 2958466.0, 1e300, std::nan("")})
+    {
+        EXPECT_EQ(ErrorOf([&] { CheckedDate(myDays); }), ErrorNumber::Overflow) << myDays;
+    }
+}
+
+TEST(Encodings, BrokenUtf8IsToldAndReplacedByteByByte)
+{
+    for (const std::string_view myBroken : {"\xC0\x80", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
+                                            "\xF4\x90\x80\x80", "\xE2\x82", "\xC3", "\x80\xFF", "\xF8\x88\x80\x80\x80"})
+    {
+        EXPECT_EQ(FromUtf8("a" + std::string(myBroken) + "z"), u"a" + Text(myBroken.size(), 0xFFFD) + u"z");
+        EXPECT_EQ(FromUtf8Exactly(myBroken), std::nullopt);
+    }
+    const std::string myBytes = "a\xC3\xB1\xE2\x82\xAC\xEF\xBB\xBF\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF";
+    EXPECT_EQ(FromUtf8Exactly(myBytes), u"añ€\uFEFF\U0001F600\U0010FFFF");
+    EXPECT_EQ(ToUtf8Exactly(u"añ€\uFEFF\U0001F600\U0010FFFF"), myBytes);
+    EXPECT_EQ(ToUtf8(Text{0xDE00, 0xD83D, 0xD83D, 0xDE00, 0xD83D}),
+              "\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD");
+    EXPECT_EQ(ToUtf8Exactly(Text{u'x', 0xD83D}), std::nullopt);
+    EXPECT_EQ(ToUtf8Exactly(Text{0xDE00, u'x'}), std::nullopt);
+}
+
+TEST(Encodings, EveryAnsiByteIsOneCharacterAndComesBack)
+{
+    for (int b = 0; b < 256; ++b)
+    {
+        const std::string myByte(1, static_cast<char>(b));
+        EXPECT_EQ(ToAnsi(FromAnsi(myByte)), myByte) << b;
+    }
+    EXPECT_EQ(FromAnsi("\x80\x8E\x99\x9F\xA0\xFF\x81\x9D"), u"€Ž™Ÿ\u00A0ÿ\x81\x9D");
+    for (const Text& myOther : {Text{0x80}, Text{0x9F}, Text(u"Ā"), Text(u"a\U0001F600")})
+    {
+        EXPECT_EQ(ToAnsi(myOther), std::nullopt) << ToUtf8(myOther);
+    }
+}
+
+/// Each line of the file is a number, a blank and the text of that number. The long templates are proved by page.html.
+TEST(StringTable, HoldsEveryTextToTheCharacter)
+{
+    std::ifstream myFile(QEL_TEST_DATA "/strings.txt", std::ios::binary);
+    int myCount = 0;
+    int myBlankEnds = 0;
+    for (std::string myLine; std::getline(myFile, myLine); ++myCount)
+    {
+        EXPECT_EQ(ToUtf8(LoadResString(std::stoi(myLine))), myLine.substr(myLine.find(' ') + 1));
+        myBlankEnds += myLine.ends_with(' ') ? 1 : 0;
+    }
+    EXPECT_EQ(myCount, 32);
+    EXPECT_EQ(myBlankEnds, 5) << "the file has lost the blanks that texts end in";
+    EXPECT_EQ(ErrorOf([&] { LoadResString(523); }), ErrorNumber::InvalidArgument);
+    EXPECT_EQ(ErrorOf([&] { LoadResString(1011); }), ErrorNumber::InvalidArgument);
+}
+
+} // namespace
+} // namespace qel
