@@ -31,6 +31,8 @@ struct Arguments
     std::optional<std::filesystem::path> OptionalFile;
     std::optional<std::filesystem::path> Archive;
     bool WithModules = false;
+    std::filesystem::path Folder;
+    bool Force = false;
 };
 
 // What they add outlives neither the application nor the arguments.
@@ -38,6 +40,7 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddPageCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments);
 
 /// Adds a command that works on a site, which is its first argument.

@@ -39,6 +39,7 @@ int Run(int myCount, char** myTexts)
     AddPageCommands(myApplication, myArguments);
     AddRecordCommands(myApplication, myArguments);
     AddModuleCommands(myApplication, myArguments);
+    AddArchiveCommands(myApplication, myArguments);
     AddComponentCommands(myApplication, myArguments);
     try
     {

@@ -14,9 +14,11 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QDialog>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QTest>
@@ -101,12 +103,17 @@ protected:
         {
             return;
         }
-        if (!myPlan.empty() && myFront->objectName() == myPlan.front().Window)
+        const bool myIsActive = QApplication::activeWindow() == myFront;
+        if (!myIsActive)
         {
-            myWaits = 0;
-            const std::function<void()> myAction = std::move(myPlan.front().Action);
+            myFront->activateWindow(); // there is no window manager that would
+        }
+        if (myIsActive && !myPlan.empty() && myFront->objectName() == myPlan.front().Window)
+        {
+            // Not from here: a timer does not run again in the loop of a window that the step opens.
+            QMetaObject::invokeMethod(this, std::move(myPlan.front().Action), Qt::QueuedConnection);
             myPlan.pop_front();
-            myAction();
+            myWaits = 0;
         }
         else if (++myWaits > LongestWait)
         {

@@ -148,6 +148,23 @@ protected:
     fs::path myFolder;
 };
 
+// First, before another test loads what this one must not find.
+TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
+{
+    const Component myComponent;
+    const auto myPlugin = myComponent.Plugin();
+    Read(*myPlugin.Get(), &QelPlugin::get_TextSettings);
+    Write(*myPlugin.Get(), u"<pg.param name=image value=a.gif>");
+    Read(*myPlugin.Get(), &QelPlugin::get_Output);
+    std::ifstream myMaps("/proc/self/maps");
+    const std::string myMapped((std::istreambuf_iterator<char>(myMaps)), {});
+    EXPECT_NE(myMapped.find("QelPluginAnimation.so"), std::string::npos);
+    for (const char* myLibrary : {"libQt", "libfluidsynth", "libX11", "libxcb", "libasound", "libpulse"})
+    {
+        EXPECT_EQ(myMapped.find(myLibrary), std::string::npos) << myLibrary;
+    }
+}
+
 TEST_F(ComponentTest, ExportsItsFourEntryPointsAndNothingElse)
 {
     const std::string myCommand = "nm -D --defined-only --format=just-symbols '" + ComponentPath.string() + "'";
@@ -446,22 +463,6 @@ TEST_F(ComponentTest, RegistersBothClassesAndTakesThemBack)
         CoFreeUnusedLibraries();
     }
     fs::current_path(myWorkingFolder);
-}
-
-TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
-{
-    const Component myComponent;
-    const auto myPlugin = myComponent.Plugin();
-    Read(*myPlugin.Get(), &QelPlugin::get_TextSettings);
-    Write(*myPlugin.Get(), u"<pg.param name=image value=a.gif>");
-    Read(*myPlugin.Get(), &QelPlugin::get_Output);
-    std::ifstream myMaps("/proc/self/maps");
-    const std::string myMapped((std::istreambuf_iterator<char>(myMaps)), {});
-    EXPECT_NE(myMapped.find("QelPluginAnimation.so"), std::string::npos);
-    for (const char* myLibrary : {"libQt", "libfluidsynth", "libX11", "libxcb", "libasound", "libpulse"})
-    {
-        EXPECT_EQ(myMapped.find(myLibrary), std::string::npos) << myLibrary;
-    }
 }
 
 } // namespace

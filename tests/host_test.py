@@ -383,6 +383,34 @@ class SiteTest(HostTest):
         self.assertIn("there already", self.host("init", self.folder / "other", expect=1))
 
 
+class ArchiveTest(HostTest):
+    def test_a_folder_goes_into_an_archive_and_out_again(self):
+        source = self.folder / "in"
+        (source / "Img").mkdir(parents=True)
+        self.file("in/a.txt", b"abc")
+        self.file("in/Img/ñ.gif", bytes(2000))
+        (source / "link").symlink_to("/etc")
+        archive = self.folder / "a.dat"
+        self.host("archive", "pack", archive, source)
+        listed = self.host("archive", "list", archive)
+        self.assertRegex(listed, r"1 KB +\\ +a.txt\n2 KB +\\Img\\ +ñ.gif\n2 files, 2003 bytes")
+        self.host("archive", "unpack", archive, self.folder / "out")
+        self.assertEqual(tree(self.folder / "out"), {"a.txt": b"abc", "Img/ñ.gif": bytes(2000)})
+        before = archive.read_bytes()
+        for arguments, reason in ((["unpack", archive, self.folder / "out"], "--force"),
+                                  (["pack", archive, source], "--force"),
+                                  (["pack", archive, self.folder / "none"], "no folder"),
+                                  (["list", self.file("b.dat", before[:-1])], "cannot be read"),
+                                  (["unpack", self.folder / "none", source], "cannot be read")):
+            self.assertIn(reason, self.host("archive", *arguments, expect=1))
+        self.host("archive", "pack", source / "a.dat", source, expect=2)
+        self.assertEqual(archive.read_bytes(), before)
+        self.host("archive", "unpack", archive, self.folder / "out", "--force")
+        hostile = self.file("hostile.dat", archive_of("..\\evil", b"x"))
+        self.assertIn("leads out", self.host("archive", "unpack", hostile, self.folder / "out", expect=1))
+        self.assertFalse((self.folder / "evil").exists())
+
+
 class CommandLineTest(HostTest):
     def test_every_command_helps(self):
         def commands_of(words):
@@ -393,7 +421,7 @@ class CommandLineTest(HostTest):
             yield " ".join(words)
 
         commands = set(commands_of([]))
-        self.assertEqual(len(commands), 25, commands)
+        self.assertEqual(len(commands), 29, commands)
 
     def test_misuse_ends_with_2_and_points_to_the_help(self):
         for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],

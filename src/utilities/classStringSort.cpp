@@ -40,17 +40,14 @@ void classStringSort::Sort()
     QuickSort(1, myValueCount, 2 * std::bit_width(static_cast<uint32_t>(myValueCount)));
 }
 
-/// Partitions around a middle value and goes down the smaller side first. A range that is still there after `myDepth`
-/// partitions goes to the standard library, so that no order of the values is a bad case.
+/// Partitions around a middle value and goes down the smaller side first. A short range goes to the standard library,
+/// and so does one that is still there when `myDepth` is used up, so that no order of the values is a bad case. A
+/// partition that takes off next to nothing uses up as much of it as ten others.
 void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth)
 {
-    for (; myFirst < myLast; --myDepth)
+    constexpr int32_t ShortRange = 16;
+    while (myLast - myFirst >= ShortRange && myDepth > 0)
     {
-        if (myDepth == 0)
-        {
-            std::sort(&At(myFirst), &At(myLast) + 1);
-            return;
-        }
         int32_t i = myFirst;
         int32_t j = myLast;
         const Text myPivot = At(myFirst / 2 + myLast / 2);
@@ -70,17 +67,20 @@ void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth
             }
         } while (i <= j);
 
+        const int32_t mySmaller = std::min(j - myFirst, myLast - i);
+        myDepth -= mySmaller < (myLast - myFirst) / 64 ? 10 : 1;
         if (j - myFirst < myLast - i)
         {
-            QuickSort(myFirst, j, myDepth - 1);
+            QuickSort(myFirst, j, myDepth);
             myFirst = i;
         }
         else
         {
-            QuickSort(i, myLast, myDepth - 1);
+            QuickSort(i, myLast, myDepth);
             myLast = j;
         }
     }
+    std::sort(myValues.begin() + myFirst, myValues.begin() + myLast + 1);
 }
 
 } // namespace qel

@@ -13,22 +13,16 @@ namespace qel
 namespace
 {
 
-/// Writes both parts whole, one behind the other.
-void WriteAll(const Descriptor& myFile, std::span<const std::byte> myFirst, std::span<const std::byte> mySecond)
+void WriteAll(const Descriptor& myFile, std::span<const std::byte> myBytes)
 {
-    while (!myFirst.empty() || !mySecond.empty())
+    while (!myBytes.empty())
     {
-        // The system's record has no constant pointer, though writing changes nothing.
-        const std::array<iovec, 2> myParts = {iovec{const_cast<std::byte*>(myFirst.data()), myFirst.size()},
-                                              iovec{const_cast<std::byte*>(mySecond.data()), mySecond.size()}};
-        const ssize_t myWritten = Retrying([&] { return writev(myFile.Handle(), myParts.data(), 2); });
+        const ssize_t myWritten = Retrying([&] { return write(myFile.Handle(), myBytes.data(), myBytes.size()); });
         if (myWritten == -1)
         {
             RaiseSystemError(errno);
         }
-        const size_t myOfFirst = std::min(static_cast<size_t>(myWritten), myFirst.size());
-        myFirst = myFirst.subspan(myOfFirst);
-        mySecond = mySecond.subspan(static_cast<size_t>(myWritten) - myOfFirst);
+        myBytes = myBytes.subspan(static_cast<size_t>(myWritten));
     }
 }
 
@@ -91,7 +85,7 @@ void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t
         {
             Raise(ErrorNumber::DeviceError);
         }
-        WriteAll(myTarget, {myBlock.get(), static_cast<size_t>(myCount)}, {});
+        WriteAll(myTarget, {myBlock.get(), static_cast<size_t>(myCount)});
     }
 }
 
@@ -179,7 +173,7 @@ PlainOutputFile::~PlainOutputFile()
 {
     try
     {
-        WriteThrough({});
+        Flush();
     }
     catch (const Error&)
     {
@@ -189,34 +183,46 @@ PlainOutputFile::~PlainOutputFile()
 
 void PlainOutputFile::Write(std::span<const std::byte> myBytes)
 {
-    if (myPending == 0 ? myBytes.size() >= SmallWrite : myBytes.size() > Capacity - myPending)
+    if (myOffset == 0 && myPending == 0 && myBytes.size() >= LargePiece)
     {
-        WriteThrough(myBytes);
+        WriteAll(myFile, myBytes);
+        myOffset = myBytes.size();
         return;
     }
     if (!myBuffer)
     {
-        myBuffer = std::make_unique_for_overwrite<std::byte[]>(Capacity);
+        myBuffer = std::make_unique_for_overwrite<std::byte[]>(BlockSize);
     }
-    std::copy(myBytes.begin(), myBytes.end(), &myBuffer[myPending]);
-    myPending += myBytes.size();
+    while (!myBytes.empty())
+    {
+        const size_t myRoom = BlockSize - myOffset % BlockSize - myPending;
+        const size_t myCount = std::min(myBytes.size(), myRoom);
+        std::memcpy(&myBuffer[myPending], myBytes.data(), myCount);
+        myPending += myCount;
+        myBytes = myBytes.subspan(myCount);
+        if (myCount == myRoom)
+        {
+            Flush();
+        }
+    }
 }
 
 void PlainOutputFile::Close()
 {
     Descriptor myLast = std::move(myFile);
-    WriteAll(myLast, {myBuffer.get(), std::exchange(myPending, 0)}, {});
+    WriteAll(myLast, {myBuffer.get(), std::exchange(myPending, 0)});
     if (const int mySystemError = myLast.Close(); mySystemError != 0)
     {
         RaiseSystemError(mySystemError);
     }
 }
 
-/// Writes what has been collected and then the bytes. What has failed once is not tried again.
-void PlainOutputFile::WriteThrough(std::span<const std::byte> myBytes)
+/// Writes what has been collected. What has failed once is not tried again.
+void PlainOutputFile::Flush()
 {
-    const size_t myCollected = std::exchange(myPending, 0);
-    WriteAll(myFile, {myBuffer.get(), myCollected}, myBytes);
+    const size_t myCount = std::exchange(myPending, 0);
+    myOffset += myCount;
+    WriteAll(myFile, {myBuffer.get(), myCount});
 }
 
 } // namespace qel

@@ -140,11 +140,11 @@ QWidgetList FocusPlaces(QWidget& myControl)
 void SkipTaskBar(const QWidget& myWindow)
 {
     auto* const mySystem = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (mySystem == nullptr)
+    xcb_connection_t* const myConnection = mySystem == nullptr ? nullptr : mySystem->connection();
+    if (myConnection == nullptr)
     {
         return;
     }
-    xcb_connection_t* const myConnection = mySystem->connection();
     const auto myAtom = [myConnection](std::string_view myName)
     {
         const xcb_intern_atom_cookie_t myRequest =

@@ -91,7 +91,15 @@ DateField::DateField(QWidget* myParent)
     myDay.setDate(QDate::currentDate());
     myDay.setEnabled(false);
     connect(&mySwitch, &QCheckBox::toggled, &myDay, &QWidget::setEnabled);
-    connect(&myDay, &QDateEdit::dateChanged, this, [this](QDate myNewDay) { myDate = ToDate(myNewDay); });
+    connect(&myDay, &QDateEdit::dateChanged, this,
+            [this](QDate myNewDay)
+            {
+                // Enter alone tells of a change too.
+                if (ToDate(myNewDay) != std::trunc(myDate))
+                {
+                    myDate = ToDate(myNewDay);
+                }
+            });
     setFocusProxy(&mySwitch);
 }
 
