@@ -1,6 +1,7 @@
 #include "archive/classArchive.h"
 #include "Commands.h"
 #include "Failure.h"
+#include "Markup.h"
 #include "platform/linux/NativePath.h"
 #include "platform/ListView.h"
 #include "platform/Platform.h"
@@ -36,7 +37,7 @@ public:
 
 Text LogicalName(const fs::path& myPath)
 {
-    const std::optional<Text> theName = LogicalPath(fs::absolute(myPath).lexically_normal().string());
+    const std::optional<Text> theName = LogicalPath(fs::weakly_canonical(fs::absolute(myPath)).string());
     if (!theName)
     {
         throw UsageFailure(myPath.string() + " cannot be named to the component: use a path without \"\\\", in UTF-8");
@@ -90,6 +91,20 @@ private:
     bool myIsTerminal = isatty(STDERR_FILENO) != 0;
 };
 
+/// True when writing a file would replace something, which is found without regard to case as the writing does.
+bool IsInTheWay(const Text& myFilename, Files& theFiles)
+{
+    try
+    {
+        theFiles.Length(myFilename);
+        return true;
+    }
+    catch (const Error& e)
+    {
+        return e.Number != ErrorNumber::FileNotFound && e.Number != ErrorNumber::PathNotFound;
+    }
+}
+
 void List(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
@@ -104,21 +119,21 @@ void Pack(const Arguments& myArguments)
     {
         throw Failure("there is no folder " + myArguments.Folder.string() + " to pack");
     }
-    if (fs::exists(myArguments.File) && !myArguments.Force)
-    {
-        throw Failure(myArguments.File.string() + " is there already; --force replaces it");
-    }
     const auto myWay = fs::weakly_canonical(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
     if (!myWay.empty() && *myWay.begin() != "..")
     {
         throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
     }
     OpenArchive myArchive(myArguments.File);
+    if (IsInTheWay(LogicalName(myArguments.File), myArchive.System->Ports().files) && !myArguments.Force)
+    {
+        throw Failure(myArguments.File.string() + " is there already; --force replaces it");
+    }
     const ProgressLine myLine;
     myArchive.Archive.BaseFolder(LogicalName(myArguments.Folder));
     myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
     {
-        myLine.Show(std::to_string(myPercent) + " % " + ToUtf8(myName));
+        myLine.Show(std::to_string(myPercent) + " % " + Tamed(ToUtf8(myName)));
     };
     if (!myArchive.Archive.PackArchive())
     {
@@ -133,14 +148,9 @@ fs::path FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder, F
     for (const Text& myName : myNames)
     {
         const Text myTarget = classArchive::Concat(myFolder, myName);
-        try
+        if (IsInTheWay(myTarget, theFiles))
         {
-            theFiles.Length(myTarget); // finds it without regard to case, as unpacking does
             return NativePath(myTarget);
-        }
-        catch (const Error&)
-        {
-            continue;
         }
     }
     return {};
@@ -163,11 +173,11 @@ void Unpack(const Arguments& myArguments)
     myArchive.Archive.BaseFolder(myFolder);
     myArchive.Archive.ProgessUnpack = [&](const Text& myName, bool& /*myCancel*/)
     {
-        myLine.Show(std::to_string(++myCount) + "/" + std::to_string(myNames.size()) + " " + ToUtf8(myName));
+        myLine.Show(std::to_string(++myCount) + "/" + std::to_string(myNames.size()) + " " + Tamed(ToUtf8(myName)));
     };
     if (!myArchive.Archive.UnPackArchive())
     {
-        const std::string myPlace = myCount < myNames.size() ? ToUtf8(myNames[myCount]) : "its end";
+        const std::string myPlace = myCount < myNames.size() ? Tamed(ToUtf8(myNames[myCount])) : "its end";
         throw Failure("unpacking failed at " + myPlace +
                       ": its name leads out of the folder, or the folder cannot be written. What came before it stays");
     }

@@ -1,6 +1,7 @@
 #include "Builder.h"
 
 #include "Failure.h"
+#include "Markup.h"
 #include "PageText.h"
 #include "text/encodings.h"
 
@@ -99,7 +100,7 @@ void Builder::Report(const Module& myModule, const std::string& myReason)
 {
     ++myResult.Failures;
     ShowProgress("");
-    myMessages << myModule.Page << ", module " << myModule.Id << ": " << myReason << std::endl;
+    myMessages << myModule.Page << ", module " << myModule.Id << ": " << Tamed(myReason) << std::endl;
 }
 
 void Builder::ShowProgress(const std::string& myText)

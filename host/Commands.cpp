@@ -77,7 +77,7 @@ void PrintTable(const std::vector<std::vector<std::string>>& myRows)
     {
         for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
         {
-            myWidths[myColumn] = std::max(myWidths[myColumn], WidthOf(myRow[myColumn]));
+            myWidths[myColumn] = std::max(myWidths[myColumn], WidthOf(Tamed(myRow[myColumn])));
         }
     }
     for (const auto& myRow : myRows)
@@ -85,7 +85,8 @@ void PrintTable(const std::vector<std::vector<std::string>>& myRows)
         std::string myLine;
         for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
         {
-            myLine += myRow[myColumn] + std::string(myWidths[myColumn] - WidthOf(myRow[myColumn]) + 2, ' ');
+            myLine +=
+                Tamed(myRow[myColumn]) + std::string(myWidths[myColumn] - WidthOf(Tamed(myRow[myColumn])) + 2, ' ');
         }
         std::cout << myLine.substr(0, myLine.find_last_not_of(' ') + 1) << "\n";
     }

@@ -96,6 +96,18 @@ Component::Component(const std::optional<std::filesystem::path>& myFile)
     myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
 }
 
+namespace
+{
+
+/// False while something of a component is in use, or when it cannot tell.
+bool CanUnload(void* myLibrary)
+{
+    const auto myFunction = reinterpret_cast<DllCanUnloadNowFunction>(dlsym(myLibrary, "DllCanUnloadNow"));
+    return myFunction != nullptr && myFunction() == S_OK;
+}
+
+} // namespace
+
 Component::~Component()
 {
     if (myBuildService)
@@ -107,7 +119,7 @@ Component::~Component()
     }
     myPlugin.Reset();
     CoFreeUnusedLibraries();
-    if (myLibrary && EntryPoint<DllCanUnloadNowFunction>(myLibrary.get(), "DllCanUnloadNow")() != S_OK)
+    if (myLibrary && !CanUnload(myLibrary.get()))
     {
         static_cast<void>(myLibrary.release()); // something of it is still in use
     }

@@ -74,6 +74,10 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
     }
     sqlite3_busy_timeout(myHandle.get(), myWaitInMilliseconds);
     Run("PRAGMA foreign_keys = ON");
+    if (myMode == Mode::Create)
+    {
+        Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
+    }
 }
 
 void Connection::Run(std::string_view mySQL, std::initializer_list<Value> myValues)

@@ -12,4 +12,7 @@ namespace qel::host
 /// control characters, which could steer the terminal, become "?".
 std::string RenderedMarkup(std::string_view myText, bool myWithEscapes);
 
+/// A name or text of others on one line: every control character becomes "?".
+std::string Tamed(std::string_view myText);
+
 } // namespace qel::host

@@ -3,6 +3,7 @@
 #include "com/CountedObject.h"
 #include "com/Failure.h"
 #include "com/InterfaceTables.h"
+#include "text/encodings.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
@@ -68,6 +69,10 @@ private:
     void* myLibrary;
 };
 
+/// A module with a motif and a tune of the library that ships.
+constexpr TextView LibraryModule = u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
+                                   u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>";
+
 Text Read(QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(BSTR*))
 {
     Bstr theText;
@@ -96,31 +101,48 @@ Text FailureText()
     return mySource.Value() + u"/" + myDescription.Value();
 }
 
-/// A host's build service whose members all fail, with or without a text.
-class FailingHelper final : public CountedObject<QelBuildHelper>
+/// A host's build service with one folder for everything, which can be made to fail in all its members.
+class TestHelper final : public CountedObject<QelBuildHelper>
 {
 public:
-    HRESULT get_UniqueName(BSTR* theName) override { return Fail(theName); }
-    HRESULT get_InstanceNumber(int32_t* /*theNumber*/) override { return Fail(nullptr); }
-    HRESULT get_MediaFolder(BSTR* theFolder) override { return Fail(theFolder); }
-    HRESULT get_MediaURL(BSTR* theURL) override { return Fail(theURL); }
-    HRESULT get_ImageFolder(BSTR* theFolder) override { return Fail(theFolder); }
-    HRESULT get_ImageURL(BSTR* theURL) override { return Fail(theURL); }
-    HRESULT get_FileFolder(BSTR* theFolder) override { return Fail(theFolder); }
-    HRESULT get_FileURL(BSTR* theURL) override { return Fail(theURL); }
-    HRESULT get_ArchiveName(BSTR* theName) override { return Fail(theName); }
+    HRESULT get_UniqueName(BSTR* theName) override
+    {
+        if (InUniqueName)
+        {
+            InUniqueName();
+        }
+        return Answered(theName, u"1");
+    }
+    HRESULT get_InstanceNumber(int32_t* theNumber) override
+    {
+        *theNumber = 1;
+        return Answered(nullptr, {});
+    }
+    HRESULT get_MediaFolder(BSTR* theFolder) override { return Answered(theFolder, Folder); }
+    HRESULT get_MediaURL(BSTR* theURL) override { return Answered(theURL, u"./"); }
+    HRESULT get_ImageFolder(BSTR* theFolder) override { return Answered(theFolder, Folder); }
+    HRESULT get_ImageURL(BSTR* theURL) override { return Answered(theURL, u"./"); }
+    HRESULT get_FileFolder(BSTR* theFolder) override { return Answered(theFolder, Folder); }
+    HRESULT get_FileURL(BSTR* theURL) override { return Answered(theURL, u"./"); }
+    HRESULT get_ArchiveName(BSTR* theName) override { return Answered(theName, u"1.dat"); }
 
-    HRESULT Result = E_FAIL;
+    Text Folder;
+    std::function<void()> InUniqueName;
+    HRESULT Result = S_OK;
     Text Description;
 
 private:
-    HRESULT Fail(BSTR* /*theText*/) const
+    HRESULT Answered(BSTR* theText, TextView myText) const
     {
         ComPtr<ICreateErrorInfo> myInfo;
         if (!Description.empty() && SUCCEEDED(CreateErrorInfo(myInfo.Receive())))
         {
             myInfo->SetDescription(Description.c_str());
             SetErrorInfo(0, myInfo.Query<IErrorInfo>().Get());
+        }
+        if (SUCCEEDED(Result) && theText != nullptr)
+        {
+            *theText = NewBstr(myText);
         }
         return Result;
     }
@@ -136,6 +158,11 @@ protected:
         myFolder = mkdtemp(myPattern.data());
         setenv("TMPDIR", myFolder.c_str(), 1);
         setenv("XDG_DATA_HOME", (myFolder / "data").c_str(), 1);
+        setenv("XDG_DATA_DIRS", myFolder.c_str(), 1);
+        for (const char* myDisplay : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        {
+            unsetenv(myDisplay); // no window may come up
+        }
     }
     ~ComponentTest() override
     {
@@ -153,9 +180,13 @@ TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
 {
     const Component myComponent;
     const auto myPlugin = myComponent.Plugin();
-    Read(*myPlugin.Get(), &QelPlugin::get_TextSettings);
-    Write(*myPlugin.Get(), u"<pg.param name=image value=a.gif>");
-    Read(*myPlugin.Get(), &QelPlugin::get_Output);
+    const auto myHelper = MakeCounted<TestHelper>();
+    myHelper->Folder = FromUtf8((myFolder / "").string());
+    QelBuildHelper* myService = myHelper.Get();
+    ASSERT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
+    Write(*myPlugin.Get(), LibraryModule);
+    EXPECT_TRUE(Read(*myPlugin.Get(), &QelPlugin::get_TextSettings).starts_with(u"Se muestra"));
+    EXPECT_TRUE(Read(*myPlugin.Get(), &QelPlugin::get_Output).starts_with(u"<script"));
     std::ifstream myMaps("/proc/self/maps");
     const std::string myMapped((std::istreambuf_iterator<char>(myMaps)), {});
     EXPECT_NE(myMapped.find("QelPluginAnimation.so"), std::string::npos);
@@ -194,13 +225,14 @@ TEST_F(ComponentTest, RefusesWhatItDoesNotHave)
     EXPECT_EQ(myFactory->CreateInstance(nullptr, &IID_QelPlugin, nullptr), E_POINTER);
 
     const auto myPlugin = myComponent.Plugin();
-    VARIANT_BOOL myAnswer = 0;
+    VARIANT_BOOL myAnswer = VARIANT_TRUE;
     EXPECT_EQ(myPlugin->get_Output(nullptr), E_POINTER);
     EXPECT_EQ(myPlugin->put_Script(nullptr), E_POINTER);
     EXPECT_EQ(myPlugin->putref_QelDatabase(nullptr), E_POINTER);
     EXPECT_EQ(myPlugin->putref_QelTopic(nullptr), E_POINTER);
     EXPECT_EQ(myPlugin->ShowHelp(nullptr), E_POINTER);
     EXPECT_EQ(myPlugin->CallBack(nullptr, &myAnswer), E_POINTER);
+    EXPECT_EQ(myAnswer, VARIANT_FALSE);
 }
 
 TEST_F(ComponentTest, HasOneIdentityWhicheverInterfaceItIsAskedOf)
@@ -235,7 +267,7 @@ TEST_F(ComponentTest, StaysLoadedWhileAnObjectOrALockIsLeft)
 
 TEST_F(ComponentTest, IsUnloadedWithoutACallIntoTheHost)
 {
-    const auto myHelper = MakeCounted<FailingHelper>();
+    const auto myHelper = MakeCounted<TestHelper>();
     for (int i = 0; i < 2; ++i) // the second time everything is made anew
     {
         const Component myComponent;
@@ -359,9 +391,6 @@ TEST_F(ComponentTest, ReportsAFailureWithNumberDescriptionAndSource)
     Write(*myPlugin.Get(), u"<pg.param name=image value=abc>");
     EXPECT_EQ(myPlugin->get_TextSettings(myText.Pointer()), QEL_RESULT(0x800A0005U));
     EXPECT_EQ(FailureText(), u"QelPluginAnimation/Llamada a procedimiento o argumento no válidos");
-    unsetenv("DISPLAY");
-    unsetenv("WAYLAND_DISPLAY");
-    unsetenv("QT_QPA_PLATFORM");
     EXPECT_EQ(myPlugin.Query<QelInfo>()->About(), QEL_RESULT(0x800A0039U)); // no display
     EXPECT_TRUE(FailureText().starts_with(u"QelPluginAnimation/"));
 
@@ -374,7 +403,7 @@ TEST_F(ComponentTest, TellsTheHostsOwnFailureInTheErrorText)
 {
     const Component myComponent;
     const auto myPlugin = myComponent.Plugin();
-    const auto myHelper = MakeCounted<FailingHelper>();
+    const auto myHelper = MakeCounted<TestHelper>();
     QelBuildHelper* myService = myHelper.Get();
     const auto Reason = [&]
     {
@@ -399,6 +428,22 @@ TEST_F(ComponentTest, TellsTheHostsOwnFailureInTheErrorText)
     EXPECT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
     EXPECT_EQ(myHelper->AddRef(), 2U);
     myHelper->Release();
+}
+
+TEST_F(ComponentTest, SurvivesAHostThatPutsAnotherModuleInHandInTheMiddleOfAnOutput)
+{
+    const Component myComponent;
+    const auto myPlugin = myComponent.Plugin();
+    const auto myHelper = MakeCounted<TestHelper>();
+    myHelper->Folder = FromUtf8((myFolder / "").string());
+    myHelper->InUniqueName = [&]
+    {
+        Write(*myPlugin.Get(), u"");
+    };
+    QelBuildHelper* myService = myHelper.Get();
+    ASSERT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
+    Write(*myPlugin.Get(), LibraryModule);
+    EXPECT_NE(Read(*myPlugin.Get(), &QelPlugin::get_Output).find(u"qelspr1.gif"), Text::npos);
 }
 
 TEST_F(ComponentTest, AnswersTheNamesOfBothInterfacesLateBound)

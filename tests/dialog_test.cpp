@@ -95,7 +95,7 @@ protected:
     }
 
     /// What the script stores of the settings named, "|" between them; "file" is the archive's name.
-    QString Stored(const QString& myNames) const
+    std::string Stored(const QString& myNames) const
     {
         QStringList theValues;
         const QString myScript = QString::fromStdU16String(myHost->Script());
@@ -104,10 +104,10 @@ protected:
             const QString myMark = myName == "file" ? "filename=\"" : "name=\"" + myName + "\" value=\"";
             theValues << (myScript.contains(myMark) ? myScript.section(myMark, 1).section('"', 0, 0) : "");
         }
-        return theValues.join('|');
+        return theValues.join('|').toStdString();
     }
 
-    static QString Entries(const char* myName)
+    static std::string Entries(const char* myName)
     {
         QStringList theEntries;
         const auto* const myCombo = qobject_cast<const QComboBox*>(&Control(myName));
@@ -116,7 +116,7 @@ protected:
         {
             theEntries << myModel.index(i, 0).data().toString();
         }
-        return theEntries.join('|');
+        return theEntries.join('|').toStdString();
     }
 
     /// The colour of a pixel of the preview, counted inside its border.
@@ -170,7 +170,7 @@ TEST_F(DialogTest, ANewModuleConfirmedAtOnceHasTheFirstMotifAndTheFirstTune)
     EXPECT_TRUE(myHost->CallBack({Dialog(
         [&]
         {
-            const QString myFolders = "Fiestas|Solo tonos|animales|leame.txt|(personalizado)";
+            const std::string myFolders = "Fiestas|Solo tonos|animales|leame.txt|(personalizado)";
             EXPECT_EQ(Entries("cmbImageFolder"), myFolders);
             EXPECT_EQ(Entries("cmbMIDIFolder"), myFolders);
             EXPECT_EQ(Entries("lstImage"), "Globo|Vela.azul|globo");
@@ -210,7 +210,8 @@ TEST_F(DialogTest, SelectsTheLastNameThatMatchesWithoutRegardToCaseElseTheFirst)
             [&]
             {
                 const auto& myList = Control<QListWidget>("lstImage");
-                EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText(), myCase.Folder) << myCase.Settings;
+                EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText().toStdString(), myCase.Folder)
+                    << myCase.Settings;
                 EXPECT_EQ(myList.selectedItems().isEmpty() ? -1 : myList.row(myList.selectedItems()[0]), myCase.Row);
                 Click("cmdCancel");
             })});
@@ -303,7 +304,7 @@ TEST_F(DialogTest, StagesAnImportByItsSizeAndTheLettersOfItsEnding)
                 Click("cmdCancel");
             }));
         EXPECT_FALSE(myHost->CallBack(std::move(mySteps)));
-        EXPECT_EQ(Stored("imagemode|image"), QString(myCase.Mode) + "|");
+        EXPECT_EQ(Stored("imagemode|image"), std::string(myCase.Mode) + "|");
         const QImage myImage(QString::fromStdString(myFolder.Native(myStaged)));
         EXPECT_EQ(myImage.size(), myCase.Width == 0 ? myImage.size() : QSize(myCase.Width, myCase.Height));
         EXPECT_EQ(myFolder.Read(myStaged) == myCase.Content, myCase.Width == 0 && myCase.Mode != std::string("none"));
@@ -357,7 +358,7 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
     // The other way round: a library selection drops nothing, and what was imported is packed again.
     const auto IsBack = [](bool myIsThere)
     {
-        EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText(), "(personalizado)");
+        EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText().toStdString(), "(personalizado)");
         EXPECT_EQ(PreviewIsEmpty(), !myIsThere);
         const QString myStart = myIsThere ? "Haga clic" : "Ning";
         EXPECT_TRUE(Control<QAbstractButton>("lblImage").text().startsWith(myStart));
@@ -521,27 +522,29 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
         File(myFolder.Native("mine.mid")),
         Dialog([] { Key(Qt::Key_Return); }),
     }));
-    EXPECT_EQ(myPlaces.join(' '), "cmbMIDIFolder chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch DateFromDay "
-                                  "DateToSwitch cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2 lblImage lblMIDI");
+    EXPECT_EQ(myPlaces.join(' ').toStdString(),
+              "cmbMIDIFolder chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch DateFromDay "
+
+              "DateToSwitch cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2 lblImage lblMIDI");
     EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
     EXPECT_NE(Stored("from"), "0");
 }
 
 TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)
 {
-    const auto Open = [&](int myTimes)
+    const auto BytesAfterAHundred = [&]
     {
-        for (int i = 0; i < myTimes; ++i)
+        for (int i = 0; i < 100; ++i)
         {
             myHost->CallBack({Dialog([] { Click("cmdCancel"); })});
         }
         return static_cast<int64_t>(mallinfo2().uordblks);
     };
-    const int64_t myBefore = Open(20);
+    const int64_t myBefore = BytesAfterAHundred(); // the toolkit's memory of what it has drawn is full by then
     const auto myWidgets = QApplication::allWidgets().size();
-    const int64_t myAfter = Open(100);
+    const int64_t myAfter = BytesAfterAHundred();
     EXPECT_EQ(QApplication::allWidgets().size(), myWidgets);
-    EXPECT_LT(myAfter - myBefore, 100 * 500); // a dialog takes more than that many bytes
+    EXPECT_LT(myAfter - myBefore, 100 * 500); // any widget takes more than 500 bytes
 }
 
 TEST_F(DialogTest, TellsAboutItself)

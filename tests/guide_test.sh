@@ -5,7 +5,7 @@ stage=$1
 host=$2
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-export XDG_DATA_HOME="$folder/data" TMPDIR="$folder"
+export XDG_DATA_HOME="$folder/data" XDG_DATA_DIRS="$folder" TMPDIR="$folder"
 mkdir "$folder/site"
 
 if "$host" "$folder/site/" 2>"$folder/errors"; then

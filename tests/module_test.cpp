@@ -105,6 +105,7 @@ protected:
         myFolder.Write("Designs/Fiestas/Roto.gif", "GIF89a");
         myFolder.Write("Designs/Fiestas/Vals.mid", "MThd");
         myHost.Folder = myFolder.Logical();
+        myPorts.componentFolder = myFolder.Logical(u"component");
         Restart();
     }
     ~Module() override { unsetenv("TMPDIR"); }
@@ -129,8 +130,7 @@ protected:
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     Files& myFiles = mySystem->Ports().files;
     TemporaryFolder myFolder;
-    Platform myPorts{myFiles, mySystem->Ports().messages, mySystem->Ports().help, MakeImagingControl,
-                     myFolder.Logical(u"component"), mySystem->Ports().windows};
+    Platform myPorts{mySystem->Ports()};
     localConstants myConstants{myFolder.Logical(u"Designs\\"), {}};
     FormLead myLead{myPorts};
     Host myHost;
@@ -306,6 +306,7 @@ TEST_F(Module, TemporaryFolderIsOneOfItsOwn)
     setenv("XDG_CACHE_HOME", "/dev/null", 1);
     Restart();
     EXPECT_TRUE(myFolder.Exists("component/qelpluginanimtemp"));
+    EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));
 }
 
 TEST_F(Module, ScriptComesOutInItsOrderAndResetKeepsTheLinkAlone)

@@ -19,6 +19,9 @@ namespace
 
 constexpr std::string_view Magic = "qelarchive1.0";
 
+/// More characters than a path takes on any system.
+constexpr int32_t LongestName = 32767;
+
 /// The text without one such character at its end, if it is there; and the same at its start.
 TextView WithoutEnd(TextView myText, char16_t myCharacter)
 {
@@ -128,10 +131,15 @@ int32_t ReadLength(InputFile& myInputFile)
 }
 
 /// Reads the name at the head of an entry, whose length the rest of the file must hold; the empty text for the end
-/// marker.
+/// marker. Error 52: it is longer than any path can be.
 Text ReadName(InputFile& myInputFile)
 {
-    std::string myCharacters(static_cast<size_t>(ReadLength(myInputFile)), '\0');
+    const int32_t myLength = ReadLength(myInputFile);
+    if (myLength > LongestName)
+    {
+        Raise(ErrorNumber::BadFileName);
+    }
+    std::string myCharacters(static_cast<size_t>(myLength), '\0');
     myInputFile.Read(std::as_writable_bytes(std::span(myCharacters)));
     return FromAnsi(myCharacters);
 }
@@ -152,6 +160,10 @@ bool Succeeds(Operation myOperation, int32_t& theFailureNumber)
     catch (const std::bad_alloc&)
     {
         theFailureNumber = ErrorNumber::OutOfMemory;
+    }
+    catch (...) // a subscriber's
+    {
+        theFailureNumber = ErrorNumber::InvalidArgument;
     }
     return false;
 }
@@ -388,6 +400,7 @@ bool classArchive::MakeFolders(TextView myFolder)
         });
 }
 
+/// Asks for the folder itself: a listing that yields anything would say the same, at the cost of its length.
 bool classArchive::FolderExists(TextView myFolder)
 {
     return !myFolder.empty() && myFilePort.IsFolder(myFolder);

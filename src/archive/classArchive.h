@@ -1,8 +1,9 @@
 /// Reads, unpacks and packs design archives: one flat file that holds the files of a folder tree.
 ///
 /// An object serves one operation: set BaseFolder and ArchiveFilename, subscribe to the event if wanted, call
-/// ReadArchive, UnPackArchive or PackArchive. None of them raises anything to its caller but what a subscriber throws;
-/// failures are the result False. Entries count from 1. An object is used on the thread of its port.
+/// ReadArchive, UnPackArchive or PackArchive. None of them raises anything to its caller:
+/// failures are the result False, what a subscriber throws among them. Entries count from 1. An object is used on the
+/// thread of its port.
 ///
 /// On names that would leave BaseFolder, and on damaged files: such an archive ends the run with False. A name leaves
 /// the folder by "..", by a drive, by "/", by standing for an absolute path, or where a folder below BaseFolder is a

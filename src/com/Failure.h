@@ -71,6 +71,17 @@ HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
     return Guarded([&] { Give(theValue, myOperation()); });
 }
 
+/// A member with one argument by reference and a result. E_POINTER; on failure the value is empty.
+template <class Value, class Result, class Operation>
+HRESULT AnswerTo(const Value* myValue, Result* theResult, Operation&& myOperation) noexcept
+{
+    if (myValue == nullptr && theResult != nullptr)
+    {
+        *theResult = Result{};
+    }
+    return myValue == nullptr ? E_POINTER : Answer(theResult, [&] { return myOperation(*myValue); });
+}
+
 /// A member with one argument by reference: the operation takes a text as Text, anything else as it is. E_POINTER.
 template <class Value, class Operation>
 HRESULT Accept(const Value* myValue, Operation&& myOperation) noexcept

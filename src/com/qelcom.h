@@ -383,7 +383,8 @@ QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID*
  * cannot be loaded, and the error information says why. E_POINTER. Else what the component answers. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext,
                                                  const IID* myInterface, void** theObject);
-/* Unloads the components loaded by CoCreateInstance that have no object any more: DllCanUnloadNow gives S_OK. */
+/* Unloads the components loaded by CoCreateInstance that have no object any more: DllCanUnloadNow gives S_OK. To be
+ * called while no other thread is inside a component, not even in its last Release. */
 QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
 
 #endif

@@ -83,7 +83,7 @@ private:
     Text PeriodText(int32_t myTemplate, Date myDay);
     std::optional<Text> ImageText();
     Text TuneText();
-    Text ResolveLink(TextView myLinkText);
+    Text ResolveLink(const Text& myLinkText);
     Text StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*myURL)());
     Text FilledTemplate(int32_t myTemplate);
     Text SourcePath(TextView myFolder, TextView myName) const;

@@ -54,6 +54,10 @@ Text FormMain::Output()
     {
         myFailure = {ErrorNumber::OutOfMemory, Text(ErrorDescription(ErrorNumber::OutOfMemory))};
     }
+    catch (const std::exception&)
+    {
+        myFailure = {ErrorNumber::InvalidArgument, Text(ErrorDescription(ErrorNumber::InvalidArgument))};
+    }
     const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
     myError = ReplaceAll(LoadResString(710), u"%1", myReason);
     return Text(LoadResString(700));
@@ -126,7 +130,7 @@ std::optional<Text> FormMain::ImageText()
     Text myLinkEnd;
     if (!mySettings.myLink.empty())
     {
-        const Text myAddress = ResolveLink(mySettings.myLink);
+        const Text myAddress = ResolveLink(Text(mySettings.myLink));
         if (myAddress == UnresolvedLink)
         {
             return std::nullopt;
@@ -156,7 +160,7 @@ Text FormMain::TuneText()
 
 /// The address that a link text leads to: the text itself, or that of a record, whose file is staged first if it has
 /// one. Empty for a text that is no link and for a kind of record that has no address.
-Text FormMain::ResolveLink(TextView myLinkText)
+Text FormMain::ResolveLink(const Text& myLinkText)
 {
     if (myLinkText.starts_with(u"URL:"))
     {
@@ -166,7 +170,7 @@ Text FormMain::ResolveLink(TextView myLinkText)
     {
         return {};
     }
-    Records().SeekUID(myLinkText.substr(4));
+    Records().SeekUID(TextView(myLinkText).substr(4));
     if (Records().AtEnd())
     {
         return Text(UnresolvedLink);
@@ -221,7 +225,8 @@ Text FormMain::SourcePath(TextView myFolder, TextView myName) const
 
 Text FormMain::TargetName(TextView myPrefix, TextView myName) const
 {
-    return Text(myPrefix).append(Helper().UniqueName()).append(ExtensionOf(myName));
+    const Text myExtension(ExtensionOf(myName)); // a host that writes a script in the next call takes `myName` away
+    return Text(myPrefix).append(Helper().UniqueName()).append(myExtension);
 }
 
 BuildHelper& FormMain::Helper() const

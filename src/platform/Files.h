@@ -107,7 +107,7 @@ public:
     /// Error 75: the folder cannot be read.
     virtual std::vector<Text> List(TextView myPattern, Listing myListing) = 0;
 
-    /// Passes when the folder is missing, or belongs to this user alone and is not a link. Error 75: it is not safe.
+    /// Passes when the folder is missing, or belongs to this user and is not a link. Error 75: it is not safe.
     virtual void DemandOwnFolder(TextView myFolder) = 0;
 
     /// The system's temporary path, a folder of this user alone, with a closing "\"; the empty text when the system

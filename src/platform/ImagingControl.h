@@ -23,7 +23,7 @@ public:
 
     /// Makes the first page of a file the current picture. The format is told by the content, never by the name.
     /// The numbers are always 24, 1, 1.
-    /// Error 481: not a picture, a broken or truncated one, or one of more than 64 megapixels; then there is no
+    /// Error 481: not a picture, a broken one, a truncated GIF, or one of more than 64 megapixels; then there is no
     /// current picture. Errors of Files::OpenShared.
     virtual void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) = 0;
 

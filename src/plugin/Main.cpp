@@ -148,9 +148,8 @@ HRESULT Main::get_LogoFilename(BSTR* theName)
 
 HRESULT Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)
 {
-    return myLink == nullptr
-               ? E_POINTER
-               : Answer(theAnswer, [&] { return *myLink == 0 && Apartment::OfThisThread().ShowDialog(); });
+    return AnswerTo(myLink, theAnswer,
+                    [](int32_t myNumber) { return myNumber == 0 && Apartment::OfThisThread().ShowDialog(); });
 }
 
 HRESULT Main::put_Script(BSTR* myScript)

@@ -26,7 +26,7 @@ HRESULT StringSortObject::AddValue(BSTR* myString)
 
 HRESULT StringSortObject::get_Value(int32_t* myIndex, BSTR* theValue)
 {
-    return myIndex == nullptr ? E_POINTER : Answer(theValue, [&] { return TextView(mySort.Value(*myIndex)); });
+    return AnswerTo(myIndex, theValue, [&](int32_t i) { return TextView(mySort.Value(i)); });
 }
 
 HRESULT StringSortObject::get_ValueCount(int32_t* theCount)

@@ -1,6 +1,7 @@
 #include "tags/classScript.h"
 
 #include "platform/Platform.h"
+#include "text/errors.h"
 
 #include <algorithm>
 
@@ -13,6 +14,11 @@ void classScript::Script(TextView theScript)
     myPosition = 0;
     myLine = 1;
     myScanState = ScanState::PlainText;
+}
+
+void classScript::GetBufferedTag(int32_t /*num*/)
+{
+    Raise(ErrorNumber::SubscriptOutOfRange);
 }
 
 void classScript::GetNextTag()

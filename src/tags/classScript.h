@@ -1,8 +1,8 @@
 /// Walks a tag script one token at a time.
 ///
 /// Order of calls: Prefix, Script, GetNextTag; then, while TagType is not TokenType::None, read the token and call
-/// GetNextTag. No text is an error: malformed input has a defined reading. There is no table of buffered tags: a script
-/// is walked once, forward. An object is used by one thread at a time.
+/// GetNextTag. No text is an error: malformed input has a defined reading. A script is walked once, forward. An object
+/// is used by one thread at a time.
 #pragma once
 
 #include "tags/classTag.h"
@@ -44,6 +44,13 @@ public:
 
     /// The script, to be walked from its start. The current token stays until GetNextTag.
     void Script(TextView theScript);
+
+    /// Makes a tag that was kept in advance the current token. Error 9: there is none of that number, as no operation
+    /// of this class keeps any.
+    [[noreturn]] void GetBufferedTag(int32_t num);
+
+    /// The number of tags that were kept in advance: 0.
+    int32_t TagCount() const { return 0; }
 
     /// Makes the next token the current one, then lets pending window messages run once.
     void GetNextTag();

@@ -196,22 +196,21 @@ Descriptor LinuxFiles::OpenOrMake(const std::string& myPath, bool& theFileIsNew)
         }
     }
     const Place myPlace = myFinder.Find(myPath);
-    if (myPlace.What == Missing::Name)
+    if (myPlace.What == Missing::Nothing)
     {
-        Descriptor theFile = Open(myPlace.Path, O_WRONLY | O_CREAT | O_EXCL);
-        if (theFile.IsOpen())
-        {
-            theFileIsNew = true;
-            myFinder.Made(myPlace.Path);
-            return theFile;
-        }
-        if (errno != EEXIST)
-        {
-            return theFile;
-        }
+        return Open(myPlace.Path, O_WRONLY | O_CREAT);
     }
-    // Someone else may have made it or taken it away since the folder was read.
-    return Open(myPlace.Path, O_WRONLY | O_CREAT);
+    Descriptor theFile = Open(myPlace.Path, O_WRONLY | O_CREAT | O_EXCL);
+    theFileIsNew = theFile.IsOpen();
+    if (theFileIsNew)
+    {
+        myFinder.Made(myPlace.Path);
+    }
+    else if (errno == EEXIST) // someone else has made it since the folder was read; it may not lead elsewhere
+    {
+        theFile = Open(myPlace.Path, O_WRONLY | O_NOFOLLOW);
+    }
+    return theFile;
 }
 
 int64_t LinuxFiles::Length(TextView myFilename)
@@ -252,6 +251,10 @@ void LinuxFiles::Delete(TextView myFilename)
 /// Gives 0, or the errno value that tells why nothing was deleted.
 int LinuxFiles::TryDelete(const std::string& myPath)
 {
+    if (myFinder.Remembers(myPath) && myFinder.Find(myPath).What == Missing::Name)
+    {
+        return ENOENT;
+    }
     std::string myDeleted;
     const auto myUnlink = [&](const std::string& myTried)
     {
@@ -349,7 +352,7 @@ void LinuxFiles::DemandOwnFolder(TextView myFolder)
         }
         Raise(ErrorNumber::PathAccess);
     }
-    if (!S_ISDIR(myFacts.st_mode) || myFacts.st_uid != geteuid() || (myFacts.st_mode & (S_IWGRP | S_IWOTH)) != 0)
+    if (!S_ISDIR(myFacts.st_mode) || myFacts.st_uid != geteuid())
     {
         Raise(ErrorNumber::PathAccess);
     }

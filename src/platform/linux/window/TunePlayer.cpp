@@ -14,7 +14,7 @@ namespace
 {
 
 /// How long the end of the process is held up for the sound to end properly.
-constexpr std::chrono::seconds LongestFarewell{2};
+constexpr std::chrono::seconds LongestFarewell{1};
 
 } // namespace
 

@@ -5,6 +5,7 @@
 #include "resources/pictures.h"
 
 #include <algorithm>
+#include <map>
 #include <QApplication>
 #include <QImage>
 #include <QLocale>
@@ -28,6 +29,19 @@ QRgb ColourOf(char mySign)
 {
     const auto* const myColour = std::ranges::find(PixelColours, mySign, &PixelColour::Sign);
     return myColour == PixelColours.end() ? qRgba(0, 0, 0, 0) : 0xFF000000U | myColour->Colour;
+}
+
+QPixmap Drawn(std::span<const std::string_view> myRows)
+{
+    QImage theImage(static_cast<int>(myRows.front().size()), static_cast<int>(myRows.size()), QImage::Format_ARGB32);
+    for (int myTop = 0; myTop < theImage.height(); ++myTop)
+    {
+        for (int myLeft = 0; myLeft < theImage.width(); ++myLeft)
+        {
+            theImage.setPixel(myLeft, myTop, ColourOf(myRows[static_cast<size_t>(myTop)][static_cast<size_t>(myLeft)]));
+        }
+    }
+    return QPixmap::fromImage(theImage);
 }
 
 } // namespace
@@ -60,15 +74,15 @@ void Dress(QWidget& theWindow)
 
 QPixmap PixmapOf(std::span<const std::string_view> myRows)
 {
-    QImage theImage(static_cast<int>(myRows.front().size()), static_cast<int>(myRows.size()), QImage::Format_ARGB32);
-    for (int myTop = 0; myTop < theImage.height(); ++myTop)
+    // Each is drawn once: the toolkit keeps what it makes of an icon, and would do so for every new one. Never deleted,
+    // as the application is not.
+    static auto& thePixmaps = *new std::map<const std::string_view*, QPixmap>;
+    QPixmap& thePixmap = thePixmaps[myRows.data()];
+    if (thePixmap.isNull())
     {
-        for (int myLeft = 0; myLeft < theImage.width(); ++myLeft)
-        {
-            theImage.setPixel(myLeft, myTop, ColourOf(myRows[static_cast<size_t>(myTop)][static_cast<size_t>(myLeft)]));
-        }
+        thePixmap = Drawn(myRows);
     }
-    return QPixmap::fromImage(theImage);
+    return thePixmap;
 }
 
 } // namespace qel

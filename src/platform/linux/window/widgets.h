@@ -44,6 +44,16 @@ protected:
     void paintEvent(QPaintEvent* myEvent) override;
 };
 
+/// A day that is one stop on the way of the tab key, and not one for each of its parts.
+class DayEdit final : public QDateEdit
+{
+public:
+    using QDateEdit::QDateEdit;
+
+protected:
+    bool focusNextPrevChild(bool myForward) override { return QWidget::focusNextPrevChild(myForward); }
+};
+
 /// A date beside the check box that switches it on.
 class DateField final : public QWidget
 {
@@ -63,7 +73,7 @@ protected:
 
 private:
     QCheckBox mySwitch;
-    QDateEdit myDay;
+    DayEdit myDay;
     Date myDate;
 };
 
