@@ -1,5 +1,6 @@
 #include "Markup.h"
 
+#include <algorithm>
 #include <array>
 
 namespace qel::host
