@@ -1,0 +1,150 @@
+/// The page text of a module with a picture of 350 by 250, against the codec's own decode and one copy of the file.
+#include "compare.h"
+#include "module/FormMain.h"
+#include "platform/linux/GifFile.h"
+#include "platform/linux/NativePath.h"
+#include "platform/linux/PaletteReduction.h"
+
+#include <cmath>
+#include <fcntl.h>
+#include <fstream>
+#include <gif_lib.h>
+#include <random>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace
+{
+
+using namespace qel;
+using namespace qel::bench;
+
+constexpr int32_t Width = 350;
+constexpr int32_t Height = 250;
+constexpr int Repetitions = 50;
+
+class PageHost : public BuildHelper
+{
+public:
+    explicit PageHost(Text myBuildFolder) : myFolder(std::move(myBuildFolder)) {}
+
+    Text UniqueName() override { return u"17"; }
+    int32_t InstanceNumber() override { return 3; }
+    Text MediaFolder() override { return myFolder; }
+    Text MediaURL() override { return u"media/"; }
+    Text ImageFolder() override { return myFolder; }
+    Text ImageURL() override { return u"images/"; }
+    Text FileFolder() override { return myFolder; }
+    Text FileURL() override { return u"files/"; }
+    Text ArchiveName() override { return {}; }
+
+private:
+    Text myFolder;
+};
+
+/// A ball with a shine, some grain and a shadow, transparent around: about what a scanner or a painter gives.
+std::vector<uint8_t> MakeGif()
+{
+    PixelPicture thePicture{Width, Height, std::vector<uint8_t>(size_t{Width} * Height * 4)};
+    std::mt19937 myGrain(1);
+    for (int32_t y = 0; y < Height; ++y)
+    {
+        for (int32_t x = 0; x < Width; ++x)
+        {
+            const double myDistance = std::hypot((x - 175) / 160.0, (y - 120) / 110.0);
+            const double myShine = std::exp(-8 * std::hypot((x - 120) / 160.0, (y - 70) / 110.0));
+            const double myLight = 1 - 0.7 * myDistance + static_cast<double>(myGrain() % 16) / 255;
+            uint8_t* const myPixel = &thePicture.Pixels[(static_cast<size_t>(y) * Width + static_cast<size_t>(x)) * 4];
+            myPixel[0] = static_cast<uint8_t>(std::clamp(220 * myLight + 255 * myShine, 0.0, 255.0));
+            myPixel[1] = static_cast<uint8_t>(std::clamp(90 * myLight + 255 * myShine, 0.0, 255.0));
+            myPixel[2] = static_cast<uint8_t>(std::clamp(60 * myLight + 200 * myShine + y / 10.0, 0.0, 255.0));
+            myPixel[3] = myDistance < 1 ? 255 : 0;
+        }
+    }
+    return WriteGif(*ReduceToPalette(thePicture, false));
+}
+
+void WriteFile(const std::filesystem::path& myFile, const std::vector<uint8_t>& myBytes)
+{
+    std::ofstream(myFile, std::ios::binary)
+        .write(reinterpret_cast<const char*>(myBytes.data()), static_cast<std::streamsize>(myBytes.size()));
+}
+
+std::string ReadFile(const std::filesystem::path& myFile)
+{
+    std::ifstream myStream(myFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myStream), {}};
+}
+
+/// Decodes every image of a file with the codec's own reader and gives the size of the screen.
+std::pair<int, int> Decode(const std::filesystem::path& myFile)
+{
+    GifFileType* const myGif = DGifOpenFileName(myFile.c_str(), nullptr);
+    Require(myGif != nullptr && DGifSlurp(myGif) == GIF_OK, "the codec decodes the picture");
+    const std::pair theSize(myGif->SWidth, myGif->SHeight);
+    DGifCloseFile(myGif, nullptr);
+    return theSize;
+}
+
+void Copy(const std::filesystem::path& mySource, const std::filesystem::path& myTarget)
+{
+    const int myInput = open(mySource.c_str(), O_RDONLY);
+    const int myOutput = open(myTarget.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    struct stat myFacts = {};
+    Require(fstat(myInput, &myFacts) == 0, "a file to copy");
+    for (off_t myLeft = myFacts.st_size; myLeft > 0;)
+    {
+        const ssize_t myCopied = copy_file_range(myInput, nullptr, myOutput, nullptr, static_cast<size_t>(myLeft), 0);
+        Require(myCopied > 0, "a copy by the kernel");
+        myLeft -= myCopied;
+    }
+    close(myInput);
+    close(myOutput);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Bench myBench(argc, argv);
+    const WorkFolder myFolder;
+    setenv("TMPDIR", myFolder.Path().c_str(), 1);
+    std::filesystem::create_directories(myFolder / "designs/Fiestas");
+    std::filesystem::create_directories(myFolder / "ours");
+    std::filesystem::create_directories(myFolder / "peer");
+    const std::filesystem::path myPicture = myFolder / "designs/Fiestas/Globo.gif";
+    WriteFile(myPicture, MakeGif());
+
+    const std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
+    const localConstants myConstants{*LogicalPath((myFolder / "designs/").string()), {}};
+    FormLead myLead(mySystem->Ports());
+    FormMain myForm(mySystem->Ports(), myConstants, myLead);
+    myForm.myBuildHelper = std::make_unique<PageHost>(*LogicalPath((myFolder / "ours/").string()));
+    myForm.Script(u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n"
+                  u"<pg.param name=\"image\" value=\"Globo.gif\">\r\n"
+                  u"<pg.param name=\"imagefolder\" value=\"Fiestas\">\r\n"
+                  u"<pg.param name=\"playmidi\" value=\"0\">\r\n");
+
+    const Text myPage = myForm.Output();
+    Copy(myPicture, myFolder / "peer/qelspr17.gif");
+    Require(myPage.find(u"width=\"350\" height=\"250\"") != Text::npos, "the page tells the picture's size");
+    Require(Decode(myPicture) == std::pair<int, int>(Width, Height), "the codec tells the same size");
+    Require(ReadFile(myFolder / "ours/qelspr17.gif") == ReadFile(myFolder / "peer/qelspr17.gif"), "the same copy");
+
+    const auto RunOurs = [&]
+    {
+        for (int i = 0; i < Repetitions; ++i)
+        {
+            Keep(myForm.Output());
+        }
+    };
+    const auto RunPeer = [&]
+    {
+        for (int i = 0; i < Repetitions; ++i)
+        {
+            Decode(myPicture);
+            Copy(myPicture, myFolder / "peer/qelspr17.gif");
+        }
+    };
+    myBench.Compare("output: 50 pages with a picture against giflib and a copy", 1.2, {RunOurs}, {RunPeer});
+}

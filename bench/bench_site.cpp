@@ -1,0 +1,182 @@
+// A site of 1,000 pages built by qelhost, against a plain program that writes the same pages and copies the same files;
+// and how long opening the component takes. Arguments: STAGE, then those of every comparison.
+#include "com/qelcom.h"
+#include "com/QelHelperInterfaces.h"
+#include "compare.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <map>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using namespace qel;
+
+constexpr int Pages = 1000;
+
+void Run(const std::string& myCommand)
+{
+    bench::Require(std::system((myCommand + " >/dev/null").c_str()) == 0, myCommand);
+}
+
+void Write(const fs::path& myFile, const std::string& myText)
+{
+    std::ofstream(myFile, std::ios::binary) << myText;
+}
+
+/// A page of some 4 KB with a place for its module.
+std::string PageText(int myNumber)
+{
+    std::string theText = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + std::to_string(myNumber) +
+                          "</title></head><body>\n";
+    for (int i = 0; i < 40; ++i)
+    {
+        theText += "<p>Un párrafo de la página, con palabras bastantes para llenar una línea entera de texto.</p>\n";
+    }
+    return theText + "<!-- qel:modules --></body></html>\n";
+}
+
+void MakeSite(const std::string& myHost, const fs::path& myFolder)
+{
+    const std::string mySite = "'" + (myFolder / "site").string() + "'";
+    const fs::path myScript = myFolder / "script";
+    Write(myScript,
+          "<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n"
+          "<pg.param name=\"image\" value=\"Globo.gif\">\r\n<pg.param name=\"imagefolder\" value=\"Fiestas\">\r\n"
+          "<pg.param name=\"midi\" value=\"Vals.mid\">\r\n<pg.param name=\"midifolder\" value=\"Fiestas\">\r\n");
+    Run(myHost + " init " + mySite);
+    for (int i = 0; i < Pages; ++i)
+    {
+        const std::string myName = "page" + std::to_string(i) + ".html";
+        Write(myFolder / myName, PageText(i));
+        Run(myHost + " page add " + mySite + " '" + (myFolder / myName).string() + "'");
+        Run(myHost + " module add " + mySite + " " + myName + " --script '" + myScript.string() + "'");
+    }
+}
+
+/// What the plain program has to bring about: pages in memory, and files with where they come from.
+struct Work
+{
+    std::map<fs::path, std::string> Pages;
+    std::map<fs::path, fs::path> Copies;
+};
+
+Work WorkOf(const fs::path& myBuild, const fs::path& myLibrary)
+{
+    Work theWork;
+    for (const auto& myEntry : fs::recursive_directory_iterator(myBuild))
+    {
+        const fs::path myName = myEntry.path().lexically_relative(myBuild);
+        if (myEntry.path().extension() == ".html")
+        {
+            std::ifstream myFile(myEntry.path(), std::ios::binary);
+            theWork.Pages[myName] = std::string(std::istreambuf_iterator<char>(myFile), {});
+        }
+        else if (myEntry.is_regular_file())
+        {
+            theWork.Copies[myName] = myLibrary / (myName.extension() == ".gif" ? "Globo.gif" : "Vals.mid");
+        }
+    }
+    return theWork;
+}
+
+void Do(const Work& myWork, const fs::path& myTarget)
+{
+    for (const char* myFolder : {"images", "media", "files"})
+    {
+        fs::create_directories(myTarget / myFolder);
+    }
+    for (const auto& [myName, myText] : myWork.Pages)
+    {
+        const int myFile = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        bench::Require(write(myFile, myText.data(), myText.size()) == static_cast<ssize_t>(myText.size()), "a page");
+        close(myFile);
+    }
+    for (const auto& [myName, mySource] : myWork.Copies)
+    {
+        fs::copy_file(mySource, myTarget / myName, fs::copy_options::overwrite_existing);
+    }
+}
+
+/// Opens the component in this process, reads one text, and gives the milliseconds that took.
+double OpenComponent(const fs::path& myFile)
+{
+    const auto myStart = std::chrono::steady_clock::now();
+    void* myLibrary = dlopen(myFile.c_str(), RTLD_NOW | RTLD_LOCAL);
+    bench::Require(myLibrary != nullptr, "the component loads");
+    const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
+    void* myObject = nullptr;
+    bench::Require(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject) == S_OK, "it has its class");
+    auto* myFactory = static_cast<IClassFactory*>(myObject);
+    bench::Require(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject) == S_OK, "it makes its object");
+    BSTR myText = nullptr;
+    bench::Require(static_cast<QelPlugin*>(myObject)->get_TextSettings(&myText) == S_OK, "it gives its text");
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - myStart).count();
+}
+
+/// The same in a fresh process.
+double OpenInAProcess(const fs::path& myFile)
+{
+    int myEnds[2] = {};
+    bench::Require(pipe(myEnds) == 0, "a pipe");
+    const pid_t myChild = fork();
+    if (myChild == 0)
+    {
+        const double myTime = OpenComponent(myFile);
+        _exit(write(myEnds[1], &myTime, sizeof myTime) == sizeof myTime ? 0 : 1);
+    }
+    double theTime = 0;
+    bench::Require(read(myEnds[0], &theTime, sizeof theTime) == sizeof theTime, "the child's time");
+    close(myEnds[0]);
+    close(myEnds[1]);
+    waitpid(myChild, nullptr, 0);
+    return theTime;
+}
+
+} // namespace
+
+int main(int myCount, char** myArguments)
+{
+    bench::Require(myCount > 1, "usage: bench_site STAGE [--json] [--runs N]");
+    const bench::Bench myBench(myCount - 1, myArguments + 1);
+    const fs::path myStage = fs::absolute(myArguments[1]);
+    const bench::WorkFolder myFolder;
+    fs::create_directory(myFolder / "tmp");
+    fs::permissions(myFolder / "tmp", fs::perms::owner_all);
+    setenv("TMPDIR", (myFolder / "tmp").c_str(), 1);
+
+    const fs::path myComponent = myStage / "QelPluginAnimation.so";
+    std::vector<double> myTimes;
+    for (int i = 0; i < 21; ++i)
+    {
+        myTimes.push_back(OpenInAProcess(myComponent));
+    }
+    myBench.Record("opening the component and reading a text", bench::Median(myTimes), "ms", 3);
+
+    const std::string myHost = "'" + (myStage / "qelhost").string() + "' --plugin '" + myComponent.string() + "'";
+    MakeSite(myHost, myFolder.Path());
+    const fs::path myBuild = myFolder / "site/build";
+    const std::string myCommand = myHost + " build '" + (myFolder / "site").string() + "'";
+    Run(myCommand);
+    const Work myWork = WorkOf(myBuild, myStage / "QelPluginAnimationDesigns/Fiestas");
+    const fs::path myPlain = myFolder / "plain";
+    Do(myWork, myPlain);
+    Run("diff -r '" + myBuild.string() + "' '" + myPlain.string() + "'");
+    myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0,
+                    {[&]
+                     {
+                         Run(myCommand);
+                     }},
+                    {[&] { Do(myWork, myPlain); },
+                     [&]
+                     {
+                         fs::remove_all(myPlain);
+                     }});
+}
