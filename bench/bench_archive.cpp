@@ -203,19 +203,14 @@ void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
 /// The most memory that a process has held which packs and unpacks once, in MiB.
 double PeakMemory(const Case& myCase)
 {
-    const pid_t myChild = fork();
-    if (myChild == 0)
-    {
-        const auto mySystem = MakeSystemPlatform();
-        fs::create_directories(myCase.Folder / "ours");
-        PackOurs(mySystem->Ports().files, myCase);
-        UnpackOurs(mySystem->Ports().files, myCase);
-        _exit(0);
-    }
-    int myStatus = 0;
-    rusage myUsage = {};
-    wait4(myChild, &myStatus, 0, &myUsage);
-    bench::Require(myStatus == 0, "the child packs and unpacks");
+    const rusage myUsage = bench::RunInChild(
+        [&]
+        {
+            const auto mySystem = MakeSystemPlatform();
+            fs::create_directories(myCase.Folder / "ours");
+            PackOurs(mySystem->Ports().files, myCase);
+            UnpackOurs(mySystem->Ports().files, myCase);
+        });
     return static_cast<double>(myUsage.ru_maxrss) / 1024;
 }
 

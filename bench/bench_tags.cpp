@@ -8,8 +8,6 @@
 #include <cstring>
 #include <malloc.h>
 #include <pugixml.hpp>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
@@ -76,16 +74,22 @@ void ReadScriptTags(TextView myScript, Sink mySink)
 }
 
 template <class Sink>
-void ReadXmlTags(const std::string& myXml, Sink mySink)
+void ForEachValue(const pugi::xml_document& myDocument, Sink mySink)
 {
-    pugi::xml_document myDocument;
-    myDocument.load_buffer(myXml.data(), myXml.size(), pugi::parse_default, pugi::encoding_utf8);
     for (const pugi::xml_node myTag : myDocument.document_element().children())
     {
         const bool myIsParam = std::strcmp(myTag.name(), "pg.param") == 0;
         mySink(std::string_view(myTag.attribute(myIsParam ? "name" : "uid").value()));
         mySink(std::string_view(myTag.attribute(myIsParam ? "value" : "version").value()));
     }
+}
+
+template <class Sink>
+void ReadXmlTags(const std::string& myXml, Sink mySink)
+{
+    pugi::xml_document myDocument;
+    myDocument.load_buffer(myXml.data(), myXml.size(), pugi::parse_default, pugi::encoding_utf8);
+    ForEachValue(myDocument, mySink);
 }
 
 /// Needs every value, its length and its ends, without being what takes the time.
@@ -104,76 +108,73 @@ struct Checksum
     }
 };
 
-uint32_t SumOfScript(TextView myScript)
+template <class Reader>
+uint32_t SumOf(Reader myReader)
 {
     uint32_t theResult = 0;
-    ReadScriptTags(myScript, Checksum{theResult});
+    myReader(Checksum{theResult});
     return theResult;
 }
 
-uint32_t SumOfXml(const std::string& myXml)
+/// The peer on a script as this component has it at hand, in UTF-16, with values in UTF-16 for whoever asked.
+template <class Sink>
+void ReadWideXmlTags(TextView myXml, Sink mySink)
 {
-    uint32_t theResult = 0;
-    ReadXmlTags(myXml, Checksum{theResult});
-    return theResult;
+    pugi::xml_document myDocument;
+    myDocument.load_buffer(myXml.data(), myXml.size() * sizeof(char16_t), pugi::parse_default, pugi::encoding_utf16);
+    ForEachValue(myDocument, [&](std::string_view v) { mySink(FromUtf8(v)); });
 }
 
 void RequireSameValues(TextView myScript, const std::string& myXml)
 {
     std::vector<std::string> myOurs;
     std::vector<std::string> myPeers;
+    std::vector<std::string> myWidePeers;
     ReadScriptTags(myScript, [&](TextView v) { myOurs.push_back(ToUtf8(v)); });
     ReadXmlTags(myXml, [&](std::string_view v) { myPeers.emplace_back(v); });
-    Require(!myOurs.empty() && myOurs == myPeers, "both parsers read the same values");
+    ReadWideXmlTags(FromUtf8(myXml), [&](TextView v) { myWidePeers.push_back(ToUtf8(v)); });
+    Require(!myOurs.empty() && myOurs == myPeers && myOurs == myWidePeers, "both parsers read the same values");
 }
 
 void CompareAll(const Bench& myBench, const std::string& myAllocator)
 {
     const Text myScript = MakeScript(4 * Megabyte);
     const std::string myXml = MakeXml(myScript);
+    const Text myWideXml = FromUtf8(myXml);
     RequireSameValues(myScript, myXml);
-    myBench.Compare("tags: 4 MB against pugixml, " + myAllocator + " allocator", 0.5,
-                    {[&]
-                     {
-                         Keep(SumOfScript(myScript));
-                     }},
-                    {[&]
-                     {
-                         Keep(SumOfXml(myXml));
-                     }});
+    const auto RunOurs = [&]
+    {
+        Keep(SumOf([&](Checksum c) { ReadScriptTags(myScript, c); }));
+    };
+    const auto RunPeer = [&]
+    {
+        Keep(SumOf([&](Checksum c) { ReadXmlTags(myXml, c); }));
+    };
+    const auto RunWidePeer = [&]
+    {
+        Keep(SumOf([&](Checksum c) { ReadWideXmlTags(myWideXml, c); }));
+    };
+    myBench.Compare("tags: 4 MB against pugixml, " + myAllocator + " allocator", 0.5, {RunOurs}, {RunPeer});
+    myBench.Compare("tags: the same, UTF-16 to UTF-16 on both sides", 0.5, {RunOurs}, {RunWidePeer});
 
     for (const size_t myTimes : {size_t{4}, size_t{16}})
     {
         const Text myLongScript = MakeScript(4 * Megabyte * myTimes);
-        const auto ReadRepeatedly = [&]
+        const auto RunLong = [&]
+        {
+            Keep(SumOf([&](Checksum c) { ReadScriptTags(myLongScript, c); }));
+        };
+        const auto RunRepeatedly = [&]
         {
             for (size_t i = 0; i < myTimes; ++i)
             {
-                Keep(SumOfScript(myScript));
+                RunOurs();
             }
         };
         myBench.Compare("tags: " + std::to_string(4 * myTimes) + " MB against " + std::to_string(myTimes) +
                             " times 4 MB, " + myAllocator + " allocator",
-                        1.2,
-                        {[&]
-                         {
-                             Keep(SumOfScript(myLongScript));
-                         }},
-                        {ReadRepeatedly});
+                        1.2, {RunLong}, {RunRepeatedly});
     }
-}
-
-/// An allocator keeps its settings and its habits for the life of a process, so each setting has one of its own.
-void RunInChild(const std::function<void()>& myWork)
-{
-    const pid_t myChild = fork();
-    if (myChild == 0)
-    {
-        myWork();
-        std::exit(0);
-    }
-    int myStatus = 0;
-    Require(myChild > 0 && waitpid(myChild, &myStatus, 0) == myChild && myStatus == 0, "a child that ends well");
 }
 
 } // namespace
@@ -181,6 +182,7 @@ void RunInChild(const std::function<void()>& myWork)
 int main(int argc, char** argv)
 {
     const Bench myBench(argc, argv);
+    // An allocator keeps its settings and its habits for the life of a process, so each setting has one of its own.
     RunInChild([&] { CompareAll(myBench, "stock"); });
     RunInChild(
         [&]

@@ -13,6 +13,9 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 namespace qel::bench
@@ -93,9 +96,16 @@ public:
     /// Reports a single figure that has no peer; `myAim` is 0 where there is none.
     void Record(const std::string& myName, double myValue, const char* myUnit, double myAim = 0) const
     {
-        const char* const myForm = myIsJson ? "{\"name\": \"%s\", \"value\": %.4f, \"unit\": \"%s\", \"aim\": %.4f}\n"
-                                            : "%-62s %10.3f %-3s                     aim   %5.2f\n";
-        std::printf(myForm, myName.c_str(), myValue, myUnit, myAim);
+        if (myIsJson)
+        {
+            std::printf("{\"name\": \"%s\", \"value\": %.4f, \"unit\": \"%s\", \"aim\": %.2f}\n", myName.c_str(),
+                        myValue, myUnit, myAim);
+        }
+        else
+        {
+            std::printf("%-62s %10.3f %-3s", myName.c_str(), myValue, myUnit);
+            std::printf(myAim > 0 ? "                     aim    %5.2f\n" : "\n", myAim);
+        }
         std::fflush(stdout);
     }
 
@@ -153,5 +163,22 @@ public:
 private:
     std::filesystem::path myPath;
 };
+
+/// Runs some work in a process of its own, which ends this one if it fails, and gives what the system tells about it.
+inline rusage RunInChild(const std::function<void()>& myWork)
+{
+    std::fflush(nullptr);
+    const pid_t myChild = fork();
+    if (myChild == 0)
+    {
+        myWork();
+        std::exit(0);
+    }
+    int myStatus = 0;
+    rusage theUsage = {};
+    Require(myChild > 0 && wait4(myChild, &myStatus, 0, &theUsage) == myChild && myStatus == 0,
+            "a child that ends well");
+    return theUsage;
+}
 
 } // namespace qel::bench

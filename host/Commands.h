@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qel::host
 {
@@ -33,6 +34,10 @@ struct Arguments
     bool WithModules = false;
     std::filesystem::path Folder;
     bool Force = false;
+    std::vector<std::string> Checks;
+    double Seconds = 10;
+    bool List = false;
+    bool Json = false;
 };
 
 // What they add outlives neither the application nor the arguments.
@@ -42,6 +47,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments);
+void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments);
 
 /// Adds a command that works on a site, which is its first argument.
 CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,

@@ -41,6 +41,7 @@ int Run(int myCount, char** myTexts)
     AddModuleCommands(myApplication, myArguments);
     AddArchiveCommands(myApplication, myArguments);
     AddComponentCommands(myApplication, myArguments);
+    AddCheckCommands(myApplication, myArguments);
     try
     {
         myApplication.parse(myCount, myTexts);

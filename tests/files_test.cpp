@@ -141,6 +141,8 @@ TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
     fs::remove(myFolder.Native("Sub/NEW.txt"));
     WriteAll(u"sub\\NEW.txt", "6");
     EXPECT_EQ(myFolder.Read("Sub/NEW.txt"), "6");
+    Link("../outside", "Sub/link");
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"sub\\link"), PathAccess); // a link is not followed out, though
 }
 
 TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)

@@ -2,11 +2,16 @@
 
 #include "ErrorOf.h"
 #include "platform/linux/GifFile.h"
+#include "platform/linux/JpegFile.h"
 #include "platform/linux/LinuxFiles.h"
+#include "platform/linux/PaletteReduction.h"
+#include "platform/linux/Resampling.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
 #include <gif_lib.h>
 #include <gtest/gtest.h>
 #include <turbojpeg.h>
@@ -86,10 +91,14 @@ FileBytes MakeGif(const GifPlan& myPlan)
     return theFile;
 }
 
-FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySubsampling = TJSAMP_420, int myFlags = 0)
+FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySubsampling = TJSAMP_420, int myFlags = 0,
+                   FileBytes myPixels = {})
 {
-    FileBytes myPixels(static_cast<size_t>(myWidth * myHeight * tjPixelSize[myFormat]));
-    std::generate(myPixels.begin(), myPixels.end(), [i = 0]() mutable { return static_cast<uint8_t>(i += 37); });
+    if (myPixels.empty())
+    {
+        myPixels.resize(static_cast<size_t>(myWidth * myHeight * tjPixelSize[myFormat]));
+        std::generate(myPixels.begin(), myPixels.end(), [i = 0]() mutable { return static_cast<uint8_t>(i += 37); });
+    }
     const tjhandle myEncoder = tjInitCompress();
     unsigned char* myBuffer = nullptr;
     unsigned long mySize = 0;
@@ -221,7 +230,7 @@ TEST_F(PicturesTest, WhatIsNoPictureOrTooLargeIsRefused)
     for (const FileBytes& myFile :
          {FileBytes(), myText("GIF"), myText("GIF88a and so on"), myText("BM, a bitmap"), myText("\xFF\xD8\xFF"),
           myWith(myGif, myScreen, 4, 0xFF), myWith(myGif, myImage, 4, 0xFF), myWith(myGif, myImage, 2, 0),
-          MakeGif({.HasScreenColours = false}), MakeGif({.Images = 0}), myWith(myJpeg, myFrame, 4, 0xFF),
+          MakeGif({.HasScreenColours = false}), MakeGif({.Images = 0}), myWith(myJpeg, myFrame, 4, 0x40),
           myWith(myJpeg, myFrame + 2, 2, 0)})
     {
         ExpectSize(myJpeg, 40, 30);
@@ -238,6 +247,153 @@ TEST_F(PicturesTest, LoadReportsWhatTheFilesReport)
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 8, 1, 1); }), ErrorNumber::InvalidArgument);
     const auto myHolder = myFiles.OpenForReading(myName);
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), ErrorNumber::PermissionDenied);
+}
+
+/// A picture of smooth colours, the left of it transparent and fading in.
+PixelPicture Gradient(int myWidth, int myHeight, int myFade)
+{
+    PixelPicture thePicture{myWidth, myHeight, {}};
+    for (int y = 0; y < myHeight; ++y)
+    {
+        for (int x = 0; x < myWidth; ++x)
+        {
+            const int myPixel[] = {255 * x / myWidth, 255 * y / myHeight, 255 - 255 * x / myWidth,
+                                   myFade == 0 ? 255 : std::min(255, 255 * x / myFade)};
+            thePicture.Pixels.insert(thePicture.Pixels.end(), std::begin(myPixel), std::end(myPixel));
+        }
+    }
+    return thePicture;
+}
+
+/// The likeness of two pictures of one size in decibels, where both are opaque.
+double Likeness(const PixelPicture& myFirst, const PixelPicture& mySecond)
+{
+    double mySum = 0;
+    double myCount = 0;
+    EXPECT_EQ(myFirst.Pixels.size(), mySecond.Pixels.size());
+    for (size_t i = 0; i < myFirst.Pixels.size(); ++i)
+    {
+        if (myFirst.Pixels[i | 3] == 255 && mySecond.Pixels[i | 3] == 255 && i % 4 != 3)
+        {
+            mySum += std::pow(myFirst.Pixels[i] - mySecond.Pixels[i], 2);
+            ++myCount;
+        }
+    }
+    return 10 * std::log10(255 * 255 * myCount / mySum);
+}
+
+TEST_F(PicturesTest, AShrunkGifKeepsTransparencyColoursAndItsAnimatedMark)
+{
+    const auto mySource = ReduceToPalette(Gradient(400, 300, 200), false);
+    FileBytes myFile = WriteGif(*mySource);
+    const size_t myImages = 13 + 256 * 3; // behind the colours: a second image like the first
+    const FileBytes myImage(myFile.begin() + myImages, myFile.end());
+    myFile.pop_back();
+    myFile.insert(myFile.end(), myImage.begin(), myImage.end());
+    ExpectSize(myFile, 400, 300);
+    EXPECT_TRUE(myControl->IsAnimated());
+    myControl->Resize(199.5F, 150.5F, 4);
+    EXPECT_EQ(myControl->BitmapWidth(), 200.0F);
+    EXPECT_EQ(myControl->BitmapHeight(), 150.0F);
+    EXPECT_TRUE(myControl->IsAnimated());
+    const PixelPicture myShrunk = myControl->CurrentPicture();
+    EXPECT_GT(Likeness(myShrunk, Gradient(200, 150, 100)), 33);
+    const Text myOutput = myFolder.Logical(u"out.gif");
+    EXPECT_EQ(ErrorOf([&] { myControl->Save(myOutput, GifFormat, 8, 0, false); }), ErrorNumber::InvalidArgument);
+    myControl->ReduceColors(8, 2, 0, 0);
+    EXPECT_TRUE(myControl->IsAnimated());
+    myControl->Save(myOutput, GifFormat, 8, 0, false);
+
+    myControl->Load(myOutput, 24, 1, 1);
+    EXPECT_FALSE(myControl->IsAnimated());
+    const PixelPicture mySaved = myControl->CurrentPicture();
+    EXPECT_GT(Likeness(myShrunk, mySaved), 33);
+    for (size_t i = 3; i < mySaved.Pixels.size(); i += 4)
+    {
+        ASSERT_EQ(mySaved.Pixels[i], myShrunk.Pixels[i] < 128 ? 0 : 255);
+    }
+}
+
+TEST_F(PicturesTest, WhatIsTransparentLendsItsColourToNobody)
+{
+    // Black where it is transparent, red where it is not: no edge may come out darker.
+    PixelPicture myPicture{90, 90, std::vector<uint8_t>(90 * 90 * 4)};
+    for (size_t i = 0; i < myPicture.Pixels.size(); i += 4)
+    {
+        myPicture.Pixels[i] = myPicture.Pixels[i + 3] = (i / 4 % 90) > 40 ? 255 : 0;
+    }
+    const PixelPicture mySmall = Resample(myPicture, 20, 20);
+    for (size_t i = 0; i < mySmall.Pixels.size(); i += 4)
+    {
+        ASSERT_TRUE(mySmall.Pixels[i + 3] == 0 || mySmall.Pixels[i] > 250) << i / 4 % 20;
+    }
+}
+
+TEST_F(PicturesTest, AGifOfManyColoursIsAsGoodAsItsPaletteAllows)
+{
+    const PixelPicture myMany = Gradient(350, 262, 0);
+    const auto myReduced = ReduceToPalette(myMany, false);
+    EXPECT_GT(Likeness(myMany, myReduced->Pixels(350, 262)), 34.5); // 255 equal patches would have 34.9
+    EXPECT_EQ(myReduced->FirstImage().TransparentIndex, GifImage::NotTransparent);
+    const PixelPicture myFew =
+        ReadGif(MakeGif({.Interlaced = true, .HasImageColours = true, .Transparent = 7}))->Pixels(20, 20);
+    EXPECT_EQ(ReduceToPalette(myFew, false)->Pixels(20, 20).Pixels, myFew.Pixels);
+    const PixelPicture myNothing{2, 1, std::vector<uint8_t>(8)};
+    EXPECT_EQ(ReduceToPalette(myNothing, false)->Pixels(2, 1).Pixels, myNothing.Pixels);
+}
+
+TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
+{
+    for (const auto& [myWidth, myHeight] : {std::pair(1600, 1200), std::pair(3600, 900), std::pair(360, 270)})
+    {
+        const PixelPicture myLarge = Gradient(myWidth, myHeight, 0);
+        ExpectSize(WriteJpeg(myLarge, 95), myWidth, myHeight);
+        EXPECT_GT(Likeness(myControl->CurrentPicture(), myLarge), 40);
+        myControl->Resize(240, 180, 4);
+        myControl->Save(myFolder.Logical(u"out.jpg"), JpegFormat, 24, 20, false);
+        const std::string myBytes = myFolder.Read("out.jpg");
+        ExpectSize(FileBytes(myBytes.begin(), myBytes.end()), 240, 180);
+        EXPECT_GT(Likeness(myControl->CurrentPicture(), Gradient(240, 180, 0)), 33);
+    }
+    ExpectSize(WriteJpeg({1, 1, {0, 0, 0, 51}}, 95), 1, 1);
+    EXPECT_NEAR(myControl->CurrentPicture().Pixels[0], 204, 2);
+}
+
+TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)
+{
+    // Such a file holds how much light each ink lets through: here half of it, in the last one alone.
+    FileBytes myInks(16 * 16 * 4, 255);
+    FileBytes myGrey(myInks);
+    for (size_t i = 0; i < myInks.size(); ++i)
+    {
+        (i % 4 == 3 ? myInks : myGrey)[i] = 128;
+    }
+    ExpectSize(MakeJpeg(16, 16, TJPF_CMYK, TJSAMP_444, 0, myInks), 16, 16);
+    EXPECT_EQ(myControl->CurrentPicture().Pixels, myGrey);
+}
+
+TEST_F(PicturesTest, SizesAndSettingsThatMakeNoSenseAreRefusedAndChangeNothing)
+{
+    ExpectSize(MakeJpeg(40, 30), 40, 30);
+    const Text myOutput = myFolder.Logical(u"out");
+    const std::function<void()> myCalls[] = {
+        [&] { myControl->Resize(350, 0.5F, 4); },
+        [&] { myControl->Resize(-1, 10, 4); },
+        [&] { myControl->Resize(65536, 65536, 4); },
+        [&] { myControl->Resize(10, 10, 2); },
+        [&] { myControl->ReduceColors(8, 2, 1, 0); },
+        [&] { myControl->Save(myOutput, JpegFormat, 24, 2, false); },
+        [&] { myControl->Save(myOutput, JpegFormat, 24, 20, true); },
+        [&] { myControl->Save(myOutput, GifFormat, 8, 0, false); },
+    };
+    for (const auto& myCall : myCalls)
+    {
+        EXPECT_EQ(ErrorOf(myCall), ErrorNumber::InvalidArgument);
+    }
+    EXPECT_EQ(myControl->BitmapWidth(), 40.0F);
+    EXPECT_FALSE(myFolder.Exists("out"));
+    EXPECT_EQ(ErrorOf([&] { myControl->Save(myFolder.Logical(u"gone\\out"), JpegFormat, 24, 20, false); }),
+              ErrorNumber::PathNotFound);
 }
 
 } // namespace

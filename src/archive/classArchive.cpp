@@ -14,6 +14,18 @@
 
 namespace qel
 {
+
+/// An archive that is open for reading. Nobody else can write to it, so its length is asked once.
+struct ArchiveInput
+{
+    explicit ArchiveInput(std::unique_ptr<InputFile> theOpenFile) : File(std::move(theOpenFile)), Length(File->Length())
+    {
+    }
+
+    std::unique_ptr<InputFile> File;
+    int64_t Length;
+};
+
 namespace
 {
 
@@ -120,10 +132,10 @@ int32_t ReadInteger(InputFile& myInputFile)
 }
 
 /// Reads a length that the rest of the file must hold. Error 62: it does not, or the length is negative.
-int32_t ReadLength(InputFile& myInputFile)
+int32_t ReadLength(ArchiveInput& theInput)
 {
-    const int32_t theResult = ReadInteger(myInputFile);
-    if (theResult < 0 || theResult > myInputFile.Length() - myInputFile.Position())
+    const int32_t theResult = ReadInteger(*theInput.File);
+    if (theResult < 0 || theResult > theInput.Length - theInput.File->Position())
     {
         Raise(ErrorNumber::InputPastEnd);
     }
@@ -132,15 +144,15 @@ int32_t ReadLength(InputFile& myInputFile)
 
 /// Reads the name at the head of an entry, whose length the rest of the file must hold; the empty text for the end
 /// marker. Error 52: it is longer than any path can be.
-Text ReadName(InputFile& myInputFile)
+Text ReadName(ArchiveInput& theInput)
 {
-    const int32_t myLength = ReadLength(myInputFile);
+    const int32_t myLength = ReadLength(theInput);
     if (myLength > LongestName)
     {
         Raise(ErrorNumber::BadFileName);
     }
     std::string myCharacters(static_cast<size_t>(myLength), '\0');
-    myInputFile.Read(std::as_writable_bytes(std::span(myCharacters)));
+    theInput.File->Read(std::as_writable_bytes(std::span(myCharacters)));
     return FromAnsi(myCharacters);
 }
 
@@ -294,15 +306,15 @@ bool classArchive::ReadArchive()
         [&]
         {
             myFiles.clear();
-            const auto myInputFile = myFilePort.OpenForReading(myArchiveFilename);
-            if (!ReadMagic(*myInputFile))
+            ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
+            if (!ReadMagic(*myInput.File))
             {
                 return false;
             }
-            for (Text myName = ReadName(*myInputFile); !myName.empty(); myName = ReadName(*myInputFile))
+            for (Text myName = ReadName(myInput); !myName.empty(); myName = ReadName(myInput))
             {
-                const int32_t mySize = ReadLength(*myInputFile);
-                myInputFile->Skip(mySize);
+                const int32_t mySize = ReadLength(myInput);
+                myInput.File->Skip(mySize);
                 myFiles.push_back({std::move(myName), mySize});
             }
             return true;
@@ -320,8 +332,8 @@ bool classArchive::UnPackArchive()
         [&]
         {
             const auto myMemory = myFilePort.RememberFolders();
-            const auto myInputFile = myFilePort.OpenForReading(myArchiveFilename);
-            if (!ReadMagic(*myInputFile))
+            ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
+            if (!ReadMagic(*myInput.File))
             {
                 return false;
             }
@@ -329,12 +341,12 @@ bool classArchive::UnPackArchive()
             Text myFolder;
             while (!myCancel)
             {
-                const Text myName = ReadName(*myInputFile);
+                const Text myName = ReadName(myInput);
                 if (myName.empty())
                 {
                     break;
                 }
-                if (!UnPackEntry(*myInputFile, myName, myFolder, myCancel))
+                if (!UnPackEntry(myInput, myName, myFolder, myCancel))
                 {
                     return false;
                 }
@@ -345,7 +357,7 @@ bool classArchive::UnPackArchive()
 
 /// Unpacks one entry, whose name has been read. `theFolder` is the folder of the entry before, and then of this one:
 /// its levels are looked at only when it changes.
-bool classArchive::UnPackEntry(InputFile& myInputFile, const Text& myName, Text& theFolder, bool& theCancel)
+bool classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel)
 {
     if (LeavesFolder(myName))
     {
@@ -361,13 +373,13 @@ bool classArchive::UnPackEntry(InputFile& myInputFile, const Text& myName, Text&
         theFolder = myFolder;
     }
     const Text myFilename = Concat(myBaseFolder, myName);
-    DeleteFile(myFilename);
-    if (myFilePort.IsLink(myFilename))
+    // Where something was in the way there may be a link still, one that is alike or that cannot be deleted.
+    if (DeleteFile(myFilename) && myFilePort.IsLink(myFilename))
     {
         return false;
     }
     const auto myOutputFile = myFilePort.OpenForWriting(myFilename);
-    CopyBytes(myInputFile, *myOutputFile, ReadLength(myInputFile));
+    CopyBytes(*theInput.File, *myOutputFile, ReadLength(theInput));
     myOutputFile->Close();
     if (ProgessUnpack)
     {
@@ -406,14 +418,18 @@ bool classArchive::FolderExists(TextView myFolder)
     return !myFolder.empty() && myFilePort.IsFolder(myFolder);
 }
 
-void classArchive::DeleteFile(TextView myFilename)
+/// False: there was nothing of that name.
+bool classArchive::DeleteFile(TextView myFilename)
 {
+    int32_t myFailure = 0;
     Succeeds(
         [&]
         {
             myFilePort.Delete(myFilename);
             return true;
-        });
+        },
+        myFailure);
+    return myFailure != ErrorNumber::FileNotFound && myFailure != ErrorNumber::PathNotFound;
 }
 
 void classArchive::CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount)

@@ -22,6 +22,7 @@
 namespace qel
 {
 
+struct ArchiveInput;
 class ListView;
 
 /// One line of the table of contents.
@@ -106,10 +107,10 @@ private:
     void WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry);
     void RaiseCreate(const Text& myFilename, int32_t myPercent, bool& theCancel) const;
 
-    bool UnPackEntry(InputFile& myInputFile, const Text& myName, Text& theFolder, bool& theCancel);
+    bool UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel);
     bool MakeFolders(TextView myFolder);
     bool FolderExists(TextView myFolder);
-    void DeleteFile(TextView myFilename);
+    bool DeleteFile(TextView myFilename);
     void CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount);
 
     static TextView FolderOfName(TextView myFilename);

@@ -218,9 +218,9 @@ public:
     /// Shows a message over no window. Gives PressedOK or PressedCancel. Errors of DemandDisplay.
     virtual int32_t MsgBox(TextView myText, int32_t myStyle) = 0;
 
-    /// Sends one command to the multimedia service, in the ANSI code page, and does not wait for a tune to end:
-    /// `open "FILE" type sequencer alias NAME`, `play NAME `, `stop NAME `, `close NAME `. A command that fails has no
-    /// effect. No error.
+    /// Sends one command to the multimedia service, in the ANSI code page where that takes bytes, and does not wait
+    /// for a tune to end: `open "FILE" type sequencer alias NAME`, `play NAME `, `stop NAME `, `close NAME `. A command
+    /// that fails has no effect. No error.
     virtual void SendMultimediaCommand(TextView myCommand) = 0;
 };
 

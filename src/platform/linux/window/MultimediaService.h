@@ -6,6 +6,8 @@
 #include "text/text.h"
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace qel
 {
@@ -16,7 +18,10 @@ namespace qel
 class MultimediaService
 {
 public:
-    explicit MultimediaService(std::vector<AudioOutput> myOutputs = UsualAudioOutputs()) : myPlayer(myOutputs) {}
+    explicit MultimediaService(std::vector<AudioOutput> myOutputs = UsualAudioOutputs())
+        : myPlayer(std::move(myOutputs))
+    {
+    }
 
     /// A command that fails has no effect. No error.
     void Send(TextView myCommand);

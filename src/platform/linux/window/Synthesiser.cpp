@@ -20,8 +20,8 @@ Function* Find(void* myLibrary, const char* myName)
     return myLibrary == nullptr ? nullptr : reinterpret_cast<Function*>(dlsym(myLibrary, myName));
 }
 
-/// The sound card's library prints its failures unless someone takes them. It can be told so for one thread, which
-/// leaves the host alone.
+/// The sound card's library prints its failures unless someone takes them. It is told so for this thread alone, which
+/// leaves the host as it is.
 void SilenceSoundCard()
 {
     using Listener = void(const char*, int, const char*, int, const char*, va_list);
@@ -57,27 +57,25 @@ struct Library
     QEL_CALL(DeleteDriver, delete_fluid_audio_driver);
 #undef QEL_CALL
 
+    Library();
+
     /// Null where it is not installed.
     static const Library* Get();
 };
 
+Library::Library()
+{
+    for (int myLevel = 0; Handle != nullptr && myLevel < LAST_LOG_LEVEL; ++myLevel)
+    {
+        SetLogFunction(
+            myLevel, [](int, const char*, void*) {}, nullptr);
+    }
+}
+
 const Library* Library::Get()
 {
     static const Library theLibrary;
-    static const bool theIsSilent = []
-    {
-        if (theLibrary.Handle != nullptr)
-        {
-            for (int myLevel = 0; myLevel < LAST_LOG_LEVEL; ++myLevel)
-            {
-                theLibrary.SetLogFunction(
-                    myLevel, [](int, const char*, void*) {}, nullptr);
-            }
-            SilenceSoundCard();
-        }
-        return theLibrary.Handle != nullptr;
-    }();
-    return theIsSilent ? &theLibrary : nullptr;
+    return theLibrary.Handle == nullptr ? nullptr : &theLibrary;
 }
 
 template <class Object>
@@ -161,6 +159,7 @@ std::unique_ptr<Performance> Perform(const std::vector<std::byte>& myTune,
     {
         if (const Library* const myLibrary = Library::Get())
         {
+            SilenceSoundCard();
             auto thePerformance = std::make_unique<SynthesiserPerformance>(*myLibrary);
             if (thePerformance->Begin(myTune, myOutputs))
             {

@@ -14,7 +14,7 @@ public:
 };
 
 /// Begins to play a tune through the first of the outputs that works. Null: there is none, or no synthesiser, or no
-/// sound font. Prints nothing. May wait for a sound server without end; always to be called on the same thread.
+/// sound font. Prints nothing. May wait for a sound server without end.
 std::unique_ptr<Performance> Perform(const std::vector<std::byte>& myTune,
                                      const std::vector<AudioOutput>& myOutputs) noexcept;
 

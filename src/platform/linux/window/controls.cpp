@@ -86,7 +86,7 @@ void ToolkitListBox::Clear()
 
 void ToolkitPreviewBox::PaintPicture(const PixelPicture& myPicture, int32_t myLeft, int32_t myTop)
 {
-    const QImage myImage(myPicture.Pixels.data(), myPicture.Width, myPicture.Height, myPicture.Width * 4,
+    const QImage myImage(myPicture.Pixels.data(), myPicture.Width, myPicture.Height, qsizetype{4} * myPicture.Width,
                          QImage::Format_RGBA8888);
     myWidget.Paint(myImage, {myLeft, myTop});
 }

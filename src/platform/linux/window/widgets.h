@@ -51,6 +51,7 @@ public:
     using QDateEdit::QDateEdit;
 
 protected:
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the class in between is the one that stops at every part
     bool focusNextPrevChild(bool myForward) override { return QWidget::focusNextPrevChild(myForward); }
 };
 

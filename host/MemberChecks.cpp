@@ -1,0 +1,430 @@
+// Checks of every member, through the table of its interface and late-bound.
+#include "CheckSupport.h"
+
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <array>
+#include <regex>
+
+namespace qel::host
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using TextMember = HRESULT (QelPlugin::*)(BSTR*);
+
+constexpr struct
+{
+    TextView Name;
+    TextMember Read;
+    TextView Value;
+} FixedTexts[] = {
+    {u"InitialScript", &QelPlugin::get_InitialScript, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">"},
+    {u"TextFunction", &QelPlugin::get_TextFunction,
+     u"Este plug-in coloca objetos gráficos animados en su sitio web. Si desea obtener más detalles, consulte la "
+     u"<help type=\"plugin\" id=\"100\" caption=\"Ayuda del plug-in\">."},
+    {u"TextRequirementsServer", &QelPlugin::get_TextRequirementsServer,
+     u"Este plug-in no exige <b>ninguna</b> característica especial para el servidor web utilizado."},
+    {u"TextRequirementsClient", &QelPlugin::get_TextRequirementsClient,
+     u"El plug-in requiere que su navegador web sea capaz de ejecutar <b>JavaScript</b>."},
+    {u"TextConfig", &QelPlugin::get_TextConfig,
+     u"Haga clic <callback type=0 icon=1 caption=\"aquí\"> para seleccionar un motivo y una música."},
+    {u"Description", &QelPlugin::get_Description, u"Mueve objetos gráficos animados en su sitio web."},
+    {u"PreviewImageFilename", &QelPlugin::get_PreviewImageFilename, u"QelPluginAnimationPreview.bmp"},
+    {u"LogoFilename", &QelPlugin::get_LogoFilename, u"QelPluginAnimationLogo.bmp"},
+};
+
+void ReadsFixedTexts(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myPlugin = myComponent.Plugin();
+    for (const auto& myText : FixedTexts)
+    {
+        ExpectText(ToUtf8(myText.Name), myText.Value, Read(*myPlugin.Get(), myText.Read));
+    }
+}
+
+/// Reads a truth value, which may fill its 16 bits and no more.
+void ExpectAnswer(const std::string& myWhat, VARIANT_BOOL myExpected, const std::function<HRESULT(VARIANT_BOOL*)>& Ask)
+{
+    std::array<VARIANT_BOOL, 2> myAnswer{7, 7};
+    ExpectResult(myWhat, S_OK, Ask(myAnswer.data()));
+    ExpectNumber(myWhat, myExpected, myAnswer[0]);
+    ExpectNumber("what lies behind the answer of " + myWhat, 7, myAnswer[1]);
+}
+
+void Answers(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myPlugin = myComponent.Plugin();
+    ExpectAnswer("IsConfigurable", VARIANT_TRUE,
+                 [&](VARIANT_BOOL* theAnswer) { return myPlugin->get_IsConfigurable(theAnswer); });
+    ExpectAnswer("RequiresPHP", VARIANT_FALSE,
+                 [&](VARIANT_BOOL* theAnswer) { return myPlugin->get_RequiresPHP(theAnswer); });
+    for (int32_t myLink : {1, -1, INT32_MAX, INT32_MIN})
+    {
+        ExpectAnswer("CallBack of " + std::to_string(myLink), VARIANT_FALSE,
+                     [&](VARIANT_BOOL* theAnswer) { return myPlugin->CallBack(&myLink, theAnswer); });
+    }
+    int32_t myTopic = INT32_MAX;
+    ExpectResult("ShowHelp of a topic that is not there", S_OK, myPlugin->ShowHelp(&myTopic));
+    ExpectNumber("the topic after ShowHelp", INT32_MAX, myTopic);
+}
+
+void Version(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    Bstr theText;
+    ExpectResult("Version", S_OK, myComponent.Create<QelInfo>(CLSID_Main)->get_Version(theText.Pointer()));
+    const std::string myVersion = ToUtf8(theText.Value());
+    const std::regex myForm(R"((0|[1-9]\d*)\.(0|[1-9]\d*)\.(0|[1-9]\d*))");
+    if (!std::regex_match(myVersion, myForm))
+    {
+        FailCheck("three numbers without leading zeros, such as 1.0.19", myVersion);
+    }
+}
+
+template <class Interface, class... Values>
+void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const char* myName)
+{
+    ExpectResult(std::string(myName) + " of a null pointer", E_POINTER,
+                 (myObject.*myMember)(static_cast<Values*>(nullptr)...));
+}
+
+void NullPointers(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myHeld = myComponent.Plugin();
+    QelPlugin& myPlugin = *myHeld.Get();
+    for (const auto& myText : FixedTexts)
+    {
+        RefuseNull(myPlugin, myText.Read, ToUtf8(myText.Name).c_str());
+    }
+    RefuseNull(myPlugin, &QelPlugin::get_Output, "Output");
+    RefuseNull(myPlugin, &QelPlugin::get_TextSettings, "TextSettings");
+    RefuseNull(myPlugin, &QelPlugin::get_Script, "Script");
+    RefuseNull(myPlugin, &QelPlugin::get_ErrorText, "ErrorText");
+    RefuseNull(myPlugin, &QelPlugin::get_IsConfigurable, "IsConfigurable");
+    RefuseNull(myPlugin, &QelPlugin::get_RequiresPHP, "RequiresPHP");
+    RefuseNull(myPlugin, &QelPlugin::CallBack, "CallBack");
+    RefuseNull(myPlugin, &QelPlugin::ShowHelp, "ShowHelp");
+    RefuseNull(myPlugin, &QelPlugin::put_Script, "writing Script");
+    RefuseNull(myPlugin, &QelPlugin::putref_QelThumbnails, "QelThumbnails");
+    RefuseNull(myPlugin, &QelPlugin::putref_QelDatabase, "QelDatabase");
+    RefuseNull(myPlugin, &QelPlugin::putref_QelTopic, "QelTopic");
+    RefuseNull(myPlugin, &QelPlugin::putref_QelBuildHelper, "QelBuildHelper");
+    RefuseNull(*myHeld.Query<QelInfo>().Get(), &QelInfo::get_Version, "Version");
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    RefuseNull(*mySort.Get(), &QelStringSort::AddValue, "AddValue");
+    RefuseNull(*mySort.Get(), &QelStringSort::get_Value, "Value");
+    RefuseNull(*mySort.Get(), &QelStringSort::get_ValueCount, "ValueCount");
+    int32_t myLink = 1;
+    ExpectResult("CallBack without a place", E_POINTER, myPlugin.CallBack(&myLink, nullptr));
+}
+
+void Bitmaps(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myPlugin = myComponent.Plugin();
+    for (const TextMember myMember : {&QelPlugin::get_PreviewImageFilename, &QelPlugin::get_LogoFilename})
+    {
+        const Text myName = Read(*myPlugin.Get(), myMember);
+        Expect("a bitmap's name has no folder: " + Shown(myName),
+               !myName.empty() && myName.find_first_of(u"/\\") == Text::npos);
+        const fs::path myFile = myTrial.File.parent_path() / ToUtf8(myName);
+        if (!fs::is_regular_file(myFile))
+        {
+            throw Outcome{CheckResult::Warned, "a file " + myFile.string(), "there is none"};
+        }
+    }
+}
+
+Text ValuesOf(QelStringSort& mySort)
+{
+    int32_t theCount = 0;
+    Text theValues;
+    ExpectResult("ValueCount", S_OK, mySort.get_ValueCount(&theCount));
+    for (int32_t i = 1; i <= theCount; ++i)
+    {
+        Bstr theValue;
+        ExpectResult("Value", S_OK, mySort.get_Value(&i, theValue.Pointer()));
+        theValues += theValue.Value() + u"|";
+    }
+    return theValues;
+}
+
+void StringSort(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myHeld = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    QelStringSort& mySort = *myHeld.Get();
+    const auto Add = [&](TextView myText)
+    {
+        Bstr myValue(myText);
+        ExpectResult("AddValue", S_OK, mySort.AddValue(myValue.Pointer()));
+    };
+    ExpectResult("Sort of nothing", S_OK, mySort.Sort());
+    for (const TextView myText : {u"b", u"Zebra", u"apple", u"", u"b", u"B"})
+    {
+        Add(myText);
+    }
+    ExpectText("the values before Sort", u"b|Zebra|apple||b|B|", ValuesOf(mySort));
+    ExpectResult("Sort", S_OK, mySort.Sort());
+    ExpectText("the values after Sort", u"|B|Zebra|apple|b|b|", ValuesOf(mySort));
+    Add(u"A");
+    ExpectText("a value added after Sort", u"|B|Zebra|apple|b|b|A|", ValuesOf(mySort));
+    for (int32_t myIndex : {-1, 1000})
+    {
+        Bstr theValue;
+        ExpectResult("Value " + std::to_string(myIndex), QEL_RESULT(0x800A0009U),
+                     mySort.get_Value(&myIndex, theValue.Pointer()));
+    }
+    ExpectResult("Clear", S_OK, mySort.Clear());
+    ExpectText("the values after Clear", u"", ValuesOf(mySort));
+}
+
+// ---- Late binding ------------------------------------------------------------------------------------------------
+
+constexpr uint16_t Method = DISPATCH_METHOD;
+constexpr uint16_t Get = DISPATCH_PROPERTYGET;
+constexpr uint16_t Put = DISPATCH_PROPERTYPUT;
+constexpr uint16_t PutReference = DISPATCH_PROPERTYPUTREF;
+constexpr uint16_t PutObject = Put | PutReference;
+constexpr uint16_t MethodOrGet = Method | Get;
+
+struct NamedMember
+{
+    TextView Name;
+    DISPID Number;
+    uint16_t Kinds; ///< that it answers to
+};
+
+constexpr NamedMember PluginNames[] = {
+    {u"QelThumbnails", 1, PutObject},
+    {u"QelDatabase", 2, PutObject},
+    {u"QelTopic", 3, PutObject},
+    {u"QelBuildHelper", 4, PutObject},
+    {u"InitialScript", 5, Get},
+    {u"Output", 6, Get},
+    {u"TextFunction", 7, Get},
+    {u"TextRequirementsServer", 8, Get},
+    {u"TextRequirementsClient", 9, Get},
+    {u"TextSettings", 10, Get},
+    {u"TextConfig", 11, Get},
+    {u"IsConfigurable", 12, Get},
+    {u"Description", 13, Get},
+    {u"PreviewImageFilename", 14, Get},
+    {u"LogoFilename", 15, Get},
+    {u"CallBack", 16, Method},
+    {u"Script", 17, Get | Put},
+    {u"ErrorText", 19, Get},
+    {u"ShowHelp", 20, Method},
+    {u"RequiresPHP", 21, Get},
+};
+constexpr NamedMember InfoNames[] = {{u"About", 1, Method}, {u"Version", 2, Get}};
+constexpr NamedMember MainNames[] = {{u"About", 22, Method}, {u"Version", 23, Get}};
+constexpr NamedMember SortNames[] = {
+    {u"Clear", 1, Method}, {u"AddValue", 2, Method}, {u"Value", 3, Get}, {u"ValueCount", 4, Get}, {u"Sort", 5, Method},
+};
+
+/// Hands each dual interface to the operation, with its members. The default interface of Main has two lists.
+void ForEachTable(const OpenedComponent& myComponent,
+                  const std::function<void(IDispatch& myObject, std::span<const NamedMember> myMembers)>& myOperation)
+{
+    myOperation(*myComponent.Create<QelPlugin>(CLSID_Main).Get(), PluginNames);
+    myOperation(*myComponent.Create<QelInfo>(CLSID_Main).Get(), InfoNames);
+    myOperation(*myComponent.Create<QelPluginAnimationMain>(CLSID_Main).Get(), PluginNames);
+    myOperation(*myComponent.Create<QelPluginAnimationMain>(CLSID_Main).Get(), MainNames);
+    myOperation(*myComponent.Create<QelStringSort>(CLSID_classStringSort).Get(), SortNames);
+}
+
+void Names(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto ExpectNamed = [](IDispatch& myObject, Text myName, HRESULT myResult, DISPID myNumber)
+    {
+        char16_t* myNames = myName.data();
+        DISPID theNumber = 0;
+        const std::string myWhat = "GetIDsOfNames of " + ToUtf8(myName);
+        ExpectResult(myWhat, myResult, myObject.GetIDsOfNames(&GUID_NULL, &myNames, 1, 0, &theNumber));
+        ExpectNumber(myWhat, myNumber, theNumber);
+    };
+    ForEachTable(myComponent,
+                 [&](IDispatch& myObject, std::span<const NamedMember> myMembers)
+                 {
+                     for (const NamedMember& myMember : myMembers)
+                     {
+                         ExpectNamed(myObject, Text(myMember.Name), S_OK, myMember.Number);
+                         ExpectNamed(myObject, LowerCase(myMember.Name), S_OK, myMember.Number);
+                     }
+                     ExpectNamed(myObject, u"Nothing", DISP_E_UNKNOWNNAME, DISPID_UNKNOWN);
+                     uint32_t theCount = 7;
+                     ExpectResult("GetTypeInfoCount", S_OK, myObject.GetTypeInfoCount(&theCount));
+                 });
+}
+
+struct LateCall
+{
+    HRESULT Invoke(IDispatch& myObject, DISPID myNumber, uint16_t myKinds)
+    {
+        DISPID myPut = DISPID_PROPERTYPUT;
+        const bool isPut = (myKinds & PutObject) != 0;
+        DISPPARAMS myParams{Arguments.data(), isPut ? &myPut : nullptr, static_cast<uint32_t>(Arguments.size()),
+                            isPut ? 1U : 0U};
+        return myObject.Invoke(myNumber, &GUID_NULL, 0, myKinds, &myParams, &Result, &Exception, &Position);
+    }
+    LateCall() = default;
+    LateCall(const LateCall&) = delete;
+    LateCall& operator=(const LateCall&) = delete;
+    ~LateCall()
+    {
+        VariantClear(&Result);
+        SysFreeString(Exception.bstrSource);
+        SysFreeString(Exception.bstrDescription);
+        SysFreeString(Exception.bstrHelpFile);
+    }
+
+    std::vector<VARIANT> Arguments; ///< the last one first; not freed
+    VARIANT Result{};
+    EXCEPINFO Exception{};
+    uint32_t Position = 99;
+};
+
+VARIANT NumberVariant(int32_t myNumber)
+{
+    VARIANT theVariant{};
+    theVariant.vt = VT_I4;
+    theVariant.lVal = myNumber;
+    return theVariant;
+}
+
+void Kinds(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto ExpectKinds = [](IDispatch& myObject, DISPID myNumber, uint16_t myOwn)
+    {
+        for (const uint16_t myKinds : {Method, Get, Put, PutReference, MethodOrGet})
+        {
+            LateCall myCall; // with arguments that no member takes, so that none is called
+            myCall.Arguments.resize(6);
+            ExpectResult("Invoke of member " + std::to_string(myNumber) + " as kind " + std::to_string(myKinds),
+                         (myKinds & myOwn) != 0 ? DISP_E_BADPARAMCOUNT : DISP_E_MEMBERNOTFOUND,
+                         myCall.Invoke(myObject, myNumber, myKinds));
+        }
+    };
+    ForEachTable(myComponent,
+                 [&](IDispatch& myObject, std::span<const NamedMember> myMembers)
+                 {
+                     for (const NamedMember& myMember : myMembers)
+                     {
+                         ExpectKinds(myObject, myMember.Number, myMember.Kinds);
+                     }
+                     ExpectKinds(myObject, 0, 0);
+                     ExpectKinds(myObject, 24, 0);
+                 });
+    ExpectKinds(*myComponent.Plugin().Get(), 18, Get | Put); // the other slot of Script
+}
+
+void ExpectValue(IDispatch& myObject, DISPID myNumber, VARTYPE myType, const std::string& myValue)
+{
+    const std::string myWhat = "Invoke of member " + std::to_string(myNumber);
+    LateCall myCall;
+    ExpectResult(myWhat, S_OK, myCall.Invoke(myObject, myNumber, Get));
+    ExpectNumber("the type that it gives", myType, myCall.Result.vt);
+    const Text theValue = myType == VT_BSTR   ? TextOfBstr(myCall.Result.bstrVal)
+                          : myType == VT_BOOL ? NumberText(int64_t{myCall.Result.boolVal})
+                                              : NumberText(int64_t{myCall.Result.lVal});
+    ExpectText(myWhat, FromUtf8(myValue), theValue);
+}
+
+void LateValues(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto myHeld = myComponent.Create<QelPluginAnimationMain>(CLSID_Main);
+    IDispatch& myMain = *myHeld.Get();
+    for (const auto& myText : FixedTexts)
+    {
+        const auto* const myNamed = std::ranges::find(PluginNames, myText.Name, &NamedMember::Name);
+        ExpectValue(myMain, myNamed->Number, VT_BSTR, ToUtf8(myText.Value));
+    }
+    ExpectValue(myMain, 12, VT_BOOL, "-1");
+    ExpectValue(myMain, 21, VT_BOOL, "0");
+    Bstr myScript(u"<pg.param name=\"link\" value=\"URL:a\">");
+    VARIANT myByValue{};
+    myByValue.vt = VT_BSTR;
+    myByValue.bstrVal = *myScript.Pointer();
+    VARIANT myByReference{};
+    myByReference.vt = VT_BSTR | VT_BYREF;
+    myByReference.pbstrVal = myScript.Pointer();
+    for (const VARIANT& myArgument : {myByValue, myByReference})
+    {
+        LateCall myPut;
+        myPut.Arguments = {myArgument};
+        ExpectResult("writing Script late-bound", S_OK, myPut.Invoke(myMain, 17, Put));
+        LateCall myGet;
+        ExpectResult("reading Script late-bound", S_OK, myGet.Invoke(myMain, 17, Get));
+        ExpectPart("Script", u"value=\"URL:a\"", TextOfBstr(myGet.Result.bstrVal));
+    }
+    LateCall myBack;
+    myBack.Arguments = {NumberVariant(7)};
+    ExpectResult("CallBack late-bound", S_OK, myBack.Invoke(myMain, 16, Method));
+    ExpectNumber("the type that CallBack gives", VT_BOOL, myBack.Result.vt);
+    ExpectNumber("CallBack of 7", VARIANT_FALSE, myBack.Result.boolVal);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    LateCall myAdd;
+    myAdd.Arguments = {myByValue};
+    ExpectResult("AddValue late-bound", S_OK, myAdd.Invoke(*mySort.Get(), 2, Method));
+    ExpectValue(*mySort.Get(), 4, VT_I4, "1");
+}
+
+void LateFailures(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    LateCall myOutside;
+    myOutside.Arguments = {NumberVariant(1000)};
+    ExpectResult("Value of 1000 late-bound", DISP_E_EXCEPTION, myOutside.Invoke(*mySort.Get(), 3, Get));
+    ExpectResult("what the exception tells", QEL_RESULT(0x800A0009U), myOutside.Exception.scode);
+    ExpectText("its source", u"QelPluginAnimation", TextOfBstr(myOutside.Exception.bstrSource));
+    Expect("the exception has a description", SysStringLen(myOutside.Exception.bstrDescription) > 0);
+    const auto myPlugin = myComponent.Plugin();
+    LateCall myNoObject;
+    myNoObject.Arguments = {NumberVariant(1)};
+    ExpectResult("a number for QelDatabase", DISP_E_TYPEMISMATCH, myNoObject.Invoke(*myPlugin.Get(), 2, PutObject));
+    ExpectNumber("the place of the wrong argument", 0, myNoObject.Position);
+    DISPPARAMS myNone{};
+    ExpectResult("writing without the name of a put", DISP_E_PARAMNOTOPTIONAL,
+                 myPlugin->Invoke(17, &GUID_NULL, 0, Put, &myNone, nullptr, nullptr, nullptr));
+    ExpectResult("Invoke with a reserved identifier", DISP_E_UNKNOWNINTERFACE,
+                 myPlugin->Invoke(5, &IID_IUnknown, 0, Get, &myNone, nullptr, nullptr, nullptr));
+    ExpectResult("Invoke without arguments' record", E_POINTER,
+                 myPlugin->Invoke(5, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr));
+    ExpectResult("Invoke without a place for the result", S_OK,
+                 myPlugin->Invoke(5, &GUID_NULL, 0, Get, &myNone, nullptr, nullptr, nullptr));
+}
+
+constexpr Check Checks[] = {
+    {"members.fixed-texts", "The fixed texts are those of the plug-in, each in its slot", ReadsFixedTexts},
+    {"members.answers", "Truth values are -1 and 0 in 16 bits, and CallBack of another number than 0 gives false",
+     Answers},
+    {"members.version", "The version is three numbers without leading zeros", Version},
+    {"members.null-pointers", "Every member refuses null pointers", NullPointers},
+    {"members.bitmaps", "The two bitmaps are named without a folder and lie beside the component", Bitmaps},
+    {"members.string-sort", "The list of texts keeps its values and sorts them by character code", StringSort},
+    {"late.names", "Every member is found by its name, whatever the case, and nothing else is", Names},
+    {"late.kinds", "Every member answers to its own kind of call and to no other", Kinds},
+    {"late.values", "Late-bound calls take and give the same values in variants of the right type", LateValues},
+    {"late.failures", "A late-bound call that fails says why, and where", LateFailures},
+};
+
+} // namespace
+
+std::span<const Check> MemberChecks()
+{
+    return Checks;
+}
+
+} // namespace qel::host

@@ -1,0 +1,163 @@
+"""Tests of qelhost check: it passes the component, and each of its checks finds a component that lacks what it asks for.
+
+    python3 check_test.py STAGE FOLDER [TEST...]    FOLDER holds the broken components
+"""
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import uuid
+from pathlib import Path
+
+STAGE = Path(sys.argv.pop(1)).resolve()
+BROKEN = Path(sys.argv.pop(1)).resolve()
+REAL = STAGE / "QelPluginAnimation.so"
+
+# What each check finds: faults of the broken component (see broken_component.cpp), or None for one export too many.
+FAULTS = {
+    "entry.exports": None,
+    "entry.unknown-class": "any-class",
+    "entry.unknown-interface": "wild-pointer",
+    "entry.null-pointers": "no-null-test",
+    "entry.aggregation": "aggregates",
+    "entry.unload-count": "unloads-any-time",
+    "entry.registration": "stays-registered",
+    "entry.unloading": "last-word",
+    "identity.unknown": "wrong-identity",
+    "identity.query": "one-way-query",
+    "identity.counts": "query-keeps-reference",
+    "identity.error-info": "no-error-info",
+    "members.fixed-texts": "swapped-requirements",
+    "members.answers": "true-is-one",
+    "members.version": "zeros-in-version",
+    "members.null-pointers": "takes-null",
+    "members.bitmaps": "bitmap-with-folder",
+    "members.string-sort": "sorts-nothing",
+    "late.names": "exact-names",
+    "late.kinds": "any-kind",
+    "late.values": "numbers-for-booleans",
+    "late.failures": "no-exception",
+    "script.initial": "other-initial-script",
+    "script.round-trip": "half-escaped",
+    "script.other-version": "any-version",
+    "script.random": "crash-on-surrogate",
+    "script.huge": "short-scripts",
+    "output.period": "ends-a-day-early",
+    "output.staging": "width-for-height",
+    "output.links": "no-empty-link",
+    "output.library": "library-fails",
+    "host.call-order": "asks-twice",
+    "host.failing-calls": "other-number",
+    "host.no-services": "no-reason",
+    "host.references": "keeps-topic",
+    "dialog.no-display": "confirms-unseen",
+    "threads.records": "one-record",
+    "leaks.texts": "leaks-text",
+    "leaks.objects": "query-keeps-reference",
+    "leaks.pages": "leaks-page",
+}
+
+
+class CheckTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="check test "))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.temporary = self.folder / "temp"
+        self.temporary.mkdir(mode=0o700)
+        self.mark = f"QEL_MARK={uuid.uuid4()}"
+        self.environment = {**os.environ, "TMPDIR": str(self.temporary), "QEL_REAL": str(REAL),
+                            "XDG_DATA_HOME": str(self.folder), "XDG_DATA_DIRS": str(self.folder),
+                            "HOME": str(self.folder), **dict([self.mark.split("=")])}
+        for name in ("QelPluginAnimationDesigns", "QelPluginAnimationLogo.bmp", "QelPluginAnimationPreview.bmp"):
+            (self.folder / name).symlink_to(STAGE / name)
+
+    def run_host(self, *arguments, fault="", expect=0):
+        run = subprocess.run([STAGE / "qelhost", *map(str, arguments)], capture_output=True, text=True, timeout=120,
+                             env={**self.environment, "QEL_FAULT": fault})
+        self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
+        return run.stderr if expect == 2 else run.stdout
+
+    def check(self, *arguments, **options):
+        """The results by the names of the checks. Nothing may be left behind, neither a file nor a process."""
+        document = json.loads(self.run_host("check", "--json", *arguments, **options))
+        self.assertEqual(list(self.temporary.iterdir()), [])
+        self.assertEqual(self.marked_processes(), [])
+        results = [check["result"] for check in document["checks"]]
+        self.assertEqual({result: document[result] for result in ("passed", "failed", "warned", "skipped")},
+                         {result: results.count(result) for result in ("passed", "failed", "warned", "skipped")})
+        return {check["name"]: check for check in document["checks"]}
+
+    def marked_processes(self):
+        found = []
+        for place in Path("/proc").glob("[0-9]*"):
+            try:
+                if place.name != str(os.getpid()) and self.mark.encode() in (place / "environ").read_bytes():
+                    found.append(place.name)
+            except OSError:
+                continue
+        return found
+
+    def broken(self, name="broken_component.so"):
+        """The broken component, with the library and the bitmaps beside it."""
+        return shutil.copy(BROKEN / name, self.folder)
+
+    def results(self, checks):
+        return {name: check["result"] for name, check in checks.items()}
+
+    def test_the_component_passes_every_check(self):
+        names = [line.split()[0] for line in self.run_host("check", "--list").splitlines()[1:]]
+        self.assertEqual(names, list(FAULTS))  # each is proved below
+        passed = dict.fromkeys(names, "passed")
+        self.assertEqual(self.results(self.check()), passed)
+        self.assertEqual(self.results(self.check(self.broken())), passed)  # it has no fault but the one chosen
+
+    def test_each_check_finds_its_fault(self):
+        component = self.broken()
+        for name, fault in FAULTS.items():
+            with self.subTest(check=name, fault=fault):
+                file = component if fault else self.broken("one_more_export.so")
+                found = self.check(file, "--only", name, fault=fault or "", expect=1)
+                self.assertEqual(self.results(found), {name: "failed"})
+                self.assertTrue(found[name]["expected"] and found[name]["got"], found)
+
+    def test_a_fault_fails_no_check_that_it_does_not_concern(self):
+        found = self.results(self.check(self.broken(), fault="swapped-requirements", expect=1))
+        self.assertEqual({name for name, result in found.items() if result == "failed"}, {"members.fixed-texts"})
+
+    def test_a_crash_is_one_failed_check_and_a_hang_is_ended(self):
+        two = ["--only", "entry.unknown-class", "--only", "entry.exports"]
+        found = self.check(self.broken(), *two, fault="crash", expect=1)
+        self.assertEqual(self.results(found), {"entry.exports": "passed", "entry.unknown-class": "failed"})
+        found = self.check(self.broken(), "--only", "script.initial", "--timeout", "0.5", fault="hangs", expect=1)
+        self.assertIn("no end within 0.5 seconds", found["script.initial"]["got"])
+
+    def test_what_is_not_beside_the_component_is_told(self):
+        bare = self.folder / "bare"
+        bare.mkdir()
+        component = shutil.copy(self.broken(), bare)
+        found = self.check(component, "--only", "members.bitmaps", "--only", "output.library")
+        self.assertEqual(self.results(found), {"members.bitmaps": "warned", "output.library": "skipped"})
+
+    def test_the_component_is_found_as_by_the_other_commands(self):
+        only = ["check", "--only", "entry.unknown-class"]
+        component = self.broken()
+        self.run_host(*only, component, fault="any-class", expect=1)
+        self.run_host("--plugin", component, *only, fault="any-class", expect=1)
+        self.run_host(*only, fault="any-class")  # the one beside the program
+        copy = shutil.copy(REAL, self.folder)
+        self.run_host("register", copy)
+        document = json.loads(self.run_host(*only, "--json"))
+        self.assertEqual(document["component"], str(copy))
+        self.assertIn("passed   entry.unknown-class\n1 checks, 1 passed", self.run_host(*only))
+
+    def test_wrong_use_is_told(self):
+        self.assertIn("qelhost check --list", self.run_host("check", "--only", "entry.nothing", expect=2))
+        self.run_host("check", "--timeout", "0", expect=2)
+        self.run_host("check", self.folder / "none.so", expect=1)
+
+
+if __name__ == "__main__":
+    unittest.main()
