@@ -104,7 +104,11 @@ public:
         else
         {
             std::printf("%-62s %10.3f %-3s", myName.c_str(), myValue, myUnit);
-            std::printf(myAim > 0 ? "                     aim    %5.2f\n" : "\n", myAim);
+            if (myAim > 0)
+            {
+                std::printf("                      aim    %5.2f", myAim);
+            }
+            std::printf("\n");
         }
         std::fflush(stdout);
     }

@@ -2,6 +2,7 @@
 #include "CheckSupport.h"
 #include "Commands.h"
 #include "Failure.h"
+#include "text/encodings.h"
 
 #include <algorithm>
 #include <array>
@@ -90,7 +91,7 @@ fs::path FileToCheck(const Arguments& myArguments)
 std::string Json(std::string_view myText)
 {
     std::string theText = "\"";
-    for (const char myByte : myText)
+    for (const char myByte : ToUtf8(FromUtf8(myText))) // names of files need not be valid
     {
         std::array<char, 8> myEscape{};
         std::snprintf(myEscape.data(), myEscape.size(), "\\u%04x", static_cast<unsigned char>(myByte));
@@ -143,12 +144,10 @@ public:
     /// Ends the report. False: something failed.
     bool End() const
     {
-        std::cout << (myJson ? "\n]" : std::to_string(myCount) + " checks");
+        std::cout << (myJson ? "\n]" : "Checks: " + std::to_string(myCount));
         for (size_t i = 0; i < ResultNames.size(); ++i)
         {
-            std::cout << ", ";
-            myJson ? std::cout << Json(ResultNames[i]) << ": " << myCounts[i]
-                   : std::cout << myCounts[i] << " " << ResultNames[i];
+            std::cout << ", " << (myJson ? Json(ResultNames[i]) : ResultNames[i]) << ": " << myCounts[i];
         }
         std::cout << (myJson ? "}\n" : ".\n");
         return myCounts[static_cast<size_t>(CheckResult::Failed)] == 0;

@@ -113,7 +113,7 @@ std::string Shown(TextView myText)
     return theText + (myText.size() > ShownLength ? "\"..." : "\"");
 }
 
-FailureTexts::FailureTexts() : Description(u"none")
+FailureTexts::FailureTexts()
 {
     ComPtr<IErrorInfo> myInfo;
     if (GetErrorInfo(0, myInfo.Receive()) == S_OK)

@@ -30,7 +30,7 @@ void Expect(const std::string& myWhat, bool myHolds);
 /// A text in UTF-8, shortened, with escapes for what does not show.
 std::string Shown(TextView myText);
 
-/// The source and the description of the thread's last failure, which is taken away; "none" without one.
+/// The source and the description of the thread's last failure, which is taken away; empty without one.
 struct FailureTexts
 {
     FailureTexts();

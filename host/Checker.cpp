@@ -40,7 +40,7 @@ int ReportPipe = -1;
 void Tell(char myKind, const std::string& myText)
 {
     // Without zeros, and in one piece as long as it is short: two threads may note their steps.
-    const std::string myMessage = myKind + std::string(myText.c_str()) + '\0';
+    const std::string myMessage = myKind + myText.substr(0, myText.find('\0')) + '\0';
     for (size_t myDone = 0; myDone < myMessage.size();)
     {
         const ssize_t myCount =

@@ -151,7 +151,7 @@ class CheckTest(unittest.TestCase):
         self.run_host("register", copy)
         document = json.loads(self.run_host(*only, "--json"))
         self.assertEqual(document["component"], str(copy))
-        self.assertIn("passed   entry.unknown-class\n1 checks, 1 passed", self.run_host(*only))
+        self.assertIn("passed   entry.unknown-class\nChecks: 1, passed: 1,", self.run_host(*only))
 
     def test_wrong_use_is_told(self):
         self.assertIn("qelhost check --list", self.run_host("check", "--only", "entry.nothing", expect=2))

@@ -438,7 +438,7 @@ TEST_F(ComponentTest, SurvivesAHostThatPutsAnotherModuleInHandInTheMiddleOfAnOut
     myHelper->Folder = FromUtf8((myFolder / "").string());
     myHelper->InUniqueName = [&]
     {
-        Write(*myPlugin.Get(), u"");
+        Write(*myPlugin.Get(), u"<pg.param name=playmidi value=0>");
     };
     QelBuildHelper* myService = myHelper.Get();
     ASSERT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
