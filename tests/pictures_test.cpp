@@ -96,7 +96,7 @@ FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySub
 {
     if (myPixels.empty())
     {
-        myPixels.resize(static_cast<size_t>(myWidth * myHeight * tjPixelSize[myFormat]));
+        myPixels.resize(static_cast<size_t>(myWidth) * static_cast<size_t>(myHeight * tjPixelSize[myFormat]));
         std::generate(myPixels.begin(), myPixels.end(), [i = 0]() mutable { return static_cast<uint8_t>(i += 37); });
     }
     const tjhandle myEncoder = tjInitCompress();
