@@ -142,6 +142,14 @@ void Component::PutInHand(int64_t myModule, std::string_view myScript)
     Check(myPlugin->put_Script(myText.Pointer()), "the component does not take the script");
 }
 
+bool Component::Edit() const
+{
+    int32_t mySettingsDialog = 0; // the one window that the component has
+    VARIANT_BOOL theAnswer = VARIANT_FALSE;
+    Check(myPlugin->CallBack(&mySettingsDialog, &theAnswer), "the settings dialog failed");
+    return theAnswer != VARIANT_FALSE;
+}
+
 Text Component::Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const
 {
     Bstr theText;

@@ -50,6 +50,12 @@ public:
     /// The reason of the last failure since it was put in hand, or the empty text.
     Text ErrorText() const { return Read(&QelPlugin::get_ErrorText); }
 
+    /// Opens its settings dialog and gives true once the author has confirmed it; the module in hand has new settings
+    /// then. False: the author has cancelled it.
+    bool Edit() const;
+    /// Its settings, to be stored.
+    Text Script() const { return Read(&QelPlugin::get_Script); }
+
     // ---- About the component ----
 
     /// Any other text of the plug-in.

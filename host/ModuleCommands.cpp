@@ -5,6 +5,7 @@
 #include "Site.h"
 #include "SiteFiles.h"
 #include "text/encodings.h"
+#include "UserLock.h"
 
 #include <iostream>
 
@@ -66,6 +67,17 @@ void PrintOrSetScript(const Arguments& myArguments)
     mySite.SetScript(myArguments.Id, myScript);
 }
 
+/// Prints what the module in hand will do.
+void PrintSummary(const Component& myComponent)
+{
+    const bool myWithEscapes = WantsEscapes();
+    std::cout << RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) << "\n";
+    if (const Text myReason = myComponent.ErrorText(); !myReason.empty())
+    {
+        std::cout << RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) << "\n";
+    }
+}
+
 void Show(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
@@ -73,12 +85,24 @@ void Show(const Arguments& myArguments)
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
     myComponent.PutInHand(myModule.Id, myModule.Script);
-    const bool myWithEscapes = WantsEscapes();
-    std::cout << RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) << "\n";
-    if (const Text myReason = myComponent.ErrorText(); !myReason.empty())
+    PrintSummary(myComponent);
+}
+
+void Edit(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    const UserLock myLock(std::cerr);
+    // Read only now: whoever held the lock may have changed it.
+    TryScript(myComponent, myArguments.Id, mySite.ModuleOf(myArguments.Id).Script);
+    if (!myComponent.Edit())
     {
-        std::cout << RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) << "\n";
+        std::cout << "module " << myArguments.Id << " is unchanged: the dialog was cancelled" << std::endl;
+        return;
     }
+    mySite.SetScript(myArguments.Id, ToUtf8(myComponent.Script()));
+    PrintSummary(myComponent);
 }
 
 void List(const Arguments& myArguments)
@@ -129,6 +153,11 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
             Site(theArguments.Site)
                 .MoveModule(theArguments.Id, theArguments.Position, theArguments.OtherPage, theArguments.Place);
         });
+
+    CLI::App* const myEdit = AddModuleCommand("edit", "Opens a module's settings dialog, and stores what it confirms");
+    myEdit->footer("The dialog needs a display. Its button for links opens a window with the site's records.\n"
+                   "Where the dialog is cancelled the module stays as it is.");
+    myEdit->callback([&theArguments] { Edit(theArguments); });
 
     AddModuleCommand("remove", "Removes a module and its archive")
         ->callback([&theArguments] { Site(theArguments.Site).RemoveModule(theArguments.Id); });

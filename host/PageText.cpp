@@ -4,6 +4,8 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <sstream>
 
 namespace qel::host
@@ -169,6 +171,45 @@ std::string EscapedForHtml(std::string_view myText)
         const auto myCode = static_cast<unsigned char>(myCharacter);
         const bool myIsPlain = myCode >= 0x20 && mySpecial.find(myCharacter) == std::string_view::npos;
         theText += myIsPlain ? std::string(1, myCharacter) : CharacterReference(myCode);
+    }
+    return theText;
+}
+
+namespace
+{
+
+/// The character of ASCII that a reference, such as "&#38;" or "&amp;", stands for; 0 if it is none.
+char ReferredCharacter(std::string_view myReference)
+{
+    constexpr std::array<std::pair<std::string_view, char>, 4> myNames{
+        {{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}}};
+    const auto* const myName = std::ranges::find(myNames, myReference, &std::pair<std::string_view, char>::first);
+    if (myName != myNames.end())
+    {
+        return myName->second;
+    }
+    int theCode = 0;
+    if (myReference.starts_with("&#"))
+    {
+        const char* const myEnd = myReference.data() + myReference.size() - 1;
+        const auto myParsed = std::from_chars(myReference.data() + 2, myEnd, theCode);
+        theCode = myParsed.ptr == myEnd && theCode > 0 && theCode < 0x80 ? theCode : 0;
+    }
+    return static_cast<char>(theCode);
+}
+
+} // namespace
+
+std::string UnescapedFromHtml(std::string_view myText)
+{
+    constexpr std::size_t myLongest = 6; // "&quot;" and "&#127;"
+    std::string theText;
+    while (!myText.empty())
+    {
+        const std::string_view myReference = myText.substr(0, myText.substr(0, myLongest).find(';') + 1);
+        const char myCharacter = ReferredCharacter(myReference);
+        theText += myCharacter == 0 ? myText.front() : myCharacter;
+        myText.remove_prefix(myCharacter == 0 ? 1 : myReference.size());
     }
     return theText;
 }

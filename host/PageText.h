@@ -73,4 +73,7 @@ void DemandPageContent(std::string_view myContent);
 /// text, or to the component's templates.
 std::string EscapedForHtml(std::string_view myText);
 
+/// The text that was escaped so, or as authors write it: what stands for a character of ASCII becomes that character.
+std::string UnescapedFromHtml(std::string_view myText);
+
 } // namespace qel::host

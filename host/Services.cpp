@@ -2,6 +2,7 @@
 
 #include "com/Failure.h"
 #include "Failure.h"
+#include "LinkWindow.h"
 #include "PageText.h"
 #include "text/encodings.h"
 
@@ -40,6 +41,20 @@ std::optional<Record> FindByText(Site& theSite, const std::string& myUID)
     return std::to_string(myNumber) == myUID ? theSite.FindRecord(myNumber) : std::nullopt;
 }
 
+/// What an operation on the site gives; a failure goes to the component as one of a device.
+template <class Operation>
+auto AskedOfSite(Operation myOperation)
+{
+    try
+    {
+        return myOperation();
+    }
+    catch (const Failure& myFailure)
+    {
+        throw Error{ErrorNumber::DeviceError, FromUtf8(myFailure.what())};
+    }
+}
+
 } // namespace
 
 BuildService::BuildService(const Site& mySite) : myOutput(FolderText(mySite.BuildFolder())) {}
@@ -48,29 +63,24 @@ DatabaseService::DatabaseService(Site& theSite) : mySite(theSite), myDataFolder(
 
 HRESULT DatabaseService::SeekUID(BSTR* myUID, int32_t* /*myFirst*/, int32_t* /*mySecond*/)
 {
-    return Accept(myUID,
-                  [&](const Text& myText)
-                  {
-                      try
-                      {
-                          myRecord = FindByText(mySite, ToUtf8(myText));
-                      }
-                      catch (const Failure& myFailure)
-                      {
-                          throw Error{ErrorNumber::DeviceError, FromUtf8(myFailure.what())};
-                      }
-                  });
+    return Accept(myUID, [&](const Text& myText)
+                  { myRecord = AskedOfSite([&] { return FindByText(mySite, ToUtf8(myText)); }); });
 }
 
-HRESULT DatabaseService::ChooseLink(BSTR* /*myPresentLink*/, BSTR* theLink)
+HRESULT DatabaseService::ChooseLink(BSTR* myPresentLink, BSTR* theLink)
 {
-    return Answer(theLink,
-                  []() -> Text
-                  {
-                      throw Error{
-                          ErrorNumber::InvalidArgument,
-                          u"qelhost no tiene ventana para elegir un vínculo; escríbalo en el script del módulo"};
-                  });
+    return AnswerTo(myPresentLink, theLink,
+                    [&](BSTR myPresent)
+                    {
+                        const Text myPresentText = TextOfBstr(myPresent);
+                        const LinkChoice myOffer =
+                            OfferedLinks(AskedOfSite([&] { return mySite.Records(); }), myPresentText);
+                        LinkChoice theChoice = myOffer;
+                        const bool myIsConfirmed = ShowLinkWindow(theChoice);
+                        const Text myNewText = LinkOf(theChoice);
+                        // A link that the author leaves as it is stays so to the letter.
+                        return myIsConfirmed && myNewText != LinkOf(myOffer) ? myNewText : myPresentText;
+                    });
 }
 
 } // namespace qel::host

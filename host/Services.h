@@ -82,7 +82,8 @@ public:
     {
         return Answer(theFolder, [&] { return myDataFolder; });
     }
-    /// Fails: this program has no window to choose in.
+    /// The author chooses in a window; the present link stays when it is cancelled. Failure: the window cannot be
+    /// opened.
     HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override;
 
 private:

@@ -24,7 +24,8 @@ UserLock::UserLock(std::ostream& theMessages)
     int myResult = myFile.IsOpen() ? flock(myFile.Handle(), LOCK_EX | LOCK_NB) : -1;
     if (myResult != 0 && errno == EWOULDBLOCK)
     {
-        theMessages << "Another qelhost of yours is building; waiting until it has finished." << std::endl;
+        theMessages << "Another qelhost of yours is building, or has a dialog open; waiting until it has finished."
+                    << std::endl;
         myResult = Retrying([&] { return flock(myFile.Handle(), LOCK_EX); });
     }
     if (myResult != 0)

@@ -24,7 +24,8 @@ int Run(int myCount, char** myTexts)
     myApplication.footer("A first site:\n"
                          "  qelhost init mysite --title \"My site\"\n"
                          "  qelhost page add mysite index.html\n"
-                         "  qelhost module add mysite index.html --script module.txt\n"
+                         "  qelhost module add mysite index.html\n"
+                         "  qelhost module edit mysite 1\n"
                          "  qelhost build mysite\n"
                          "qelhost COMMAND --help tells more about a command.");
     myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);

@@ -421,7 +421,7 @@ class CommandLineTest(HostTest):
             yield " ".join(words)
 
         commands = set(commands_of([]))
-        self.assertEqual(len(commands), 30, commands)
+        self.assertEqual(len(commands), 31, commands)
 
     def test_misuse_ends_with_2_and_points_to_the_help(self):
         for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],

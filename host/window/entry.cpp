@@ -1,0 +1,19 @@
+/// The entry point of the host's window module (see LinkWindow.h).
+#include "LinkDialog.h"
+#include "LinkWindow.h"
+#include "platform/linux/window/Application.h"
+
+#include <QApplication>
+
+extern "C" __attribute__((visibility("default"))) bool QelhostShowLinkWindow1(qel::host::LinkChoice& theChoice)
+{
+    qel::DemandApplication();
+    // The component's dialog is in front by now, and takes no click until this window is closed.
+    qel::host::LinkDialog myDialog(theChoice, QApplication::activeModalWidget());
+    const bool theAnswer = myDialog.exec() == QDialog::Accepted;
+    if (theAnswer)
+    {
+        myDialog.ReadInto(theChoice);
+    }
+    return theAnswer;
+}

@@ -1,0 +1,111 @@
+"""Tests of qelhost module edit: the real program, the component's dialog and the host's window, worked by keys.
+
+    python3 edit_test.py STAGE PLUGINS [TEST...]    PLUGINS is the folder with the toolkit's plug-in that presses the keys
+"""
+import contextlib
+import fcntl
+import re
+import shutil
+import sqlite3
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+PLUGINS = Path(sys.argv.pop(2)).resolve()
+sys.dont_write_bytecode = True  # leave the sources' folder as it is
+
+from host_test import STAGE, HostTest, script  # takes its own argument away
+
+NEW_MOTIF = ["FormMain type Fiestas", "FormMain key Tab", "FormMain key Tab", "FormMain type Globo"]
+CHOOSE_LINK = "FormMain key Alt+V"
+CHANGE_LINK = [CHOOSE_LINK, "FormMain key Space"]  # both buttons for links can be pressed now, and share their key
+CONFIRM = "FormMain key Alt+A"
+
+
+class EditTest(HostTest):
+    def setUp(self):
+        super().setUp()
+        self.make_site("index.html")
+        self.environment |= {"QT_QPA_PLATFORM": "offscreen", "QT_PLUGIN_PATH": str(PLUGINS),
+                             "QT_QPA_GENERIC_PLUGINS": f"dialogkeys:{self.folder / 'steps'}"}
+
+    def edit(self, module, *steps, **options):
+        self.file("steps", "\n".join(steps))
+        return self.host("module", "edit", self.site, module, **options)
+
+    def new_module(self):
+        return int(self.host("module", "add", self.site, "index.html").split()[1])
+
+    def script(self, module):
+        return self.host("module", "script", self.site, module)
+
+    def link_of(self, module):
+        return re.search('name="link" value="(.*?)"', self.script(module))[1]
+
+    def test_a_new_module_goes_from_the_keyboard_to_the_page(self):
+        self.add_record("--kind", "none")
+        record = self.add_record("--kind", "picture", "--file", self.file("Foto.jpg", b"picture"))
+        module = self.new_module()
+        shown = self.edit(module, *NEW_MOTIF, "FormMain key Tab", "FormMain key Tab", "FormMain key Tab",
+                          CHOOSE_LINK, "ChooseLink key Down", "ChooseLink key Down", "ChooseLink key Enter", CONFIRM)
+        self.assertIn('Se muestra el motivo "Globo"', shown)
+        self.assertEqual(shown, self.host("module", "show", self.site, module))
+        self.assertEqual(self.link_of(module), record)
+        self.host("build", self.site)
+        self.assertIn(f'<a href="images/Foto.jpg"><img src="images/qelspr{module}.gif"', self.page("index.html"))
+        self.assertEqual((self.site / "build/images/Foto.jpg").read_bytes(), b"picture")
+
+    def test_a_typed_address_reaches_the_page_whatever_it_holds(self):
+        module = self.add_module("index.html", script())
+        self.edit(module, CHOOSE_LINK, "ChooseLink type http://x/%20%37?a=1&b='\"<>\\", "ChooseLink key Enter", CONFIRM)
+        self.host("build", self.site)
+        page = self.page("index.html")
+        self.assertIn('<a href="http://x/&#37;20&#37;37?a=1&#38;b=&#39;&#34;&#60;&#62;&#92;"><img', page)
+        stored = self.script(module)
+        for steps in (["ChooseLink key Esc"], ["ChooseLink key Enter"]):
+            self.edit(module, *CHANGE_LINK, *steps, CONFIRM)
+            self.assertEqual(self.script(module), stored)
+
+    def test_a_cancelled_dialog_changes_nothing(self):
+        module = self.add_module("index.html", script(link="URL:old") + "kept to the byte")
+        before = self.script(module)
+        shown = self.edit(module, *CHANGE_LINK, "ChooseLink key Alt+A", "ChooseLink type new", "ChooseLink key Enter", "FormMain key Esc")
+        self.assertEqual(shown, f"module {module} is unchanged: the dialog was cancelled\n")
+        self.assertEqual(self.script(module), before)
+
+    def test_a_dialog_that_cannot_open_is_a_failure_with_its_reason(self):
+        module = self.new_module()
+        for name in ("QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"):
+            self.environment.pop(name, None)
+        self.assertIn("no hay ninguna pantalla", self.edit(module, expect=1))
+        self.assertIn("has no module 9", self.edit(9, expect=1))
+
+    def test_a_missing_window_for_links_leaves_the_dialog_open(self):
+        (self.folder / "bin").mkdir()
+        for name in ("qelhost", "libqelcom.so"):
+            shutil.copy(STAGE / name, self.folder / "bin")
+        module = self.add_module("index.html", script(link="URL:old"))
+        self.file("steps", "\n".join([*CHANGE_LINK, "MsgBox key Enter", CONFIRM]))
+        self.host("--plugin", STAGE / "QelPluginAnimation.so", "module", "edit", self.site, module,
+                  program=self.folder / "bin" / "qelhost")
+        self.assertEqual(self.link_of(module), "URL:old")
+
+    def test_the_dialog_waits_for_a_build_and_opens_what_is_stored_by_then(self):
+        module = self.add_module("index.html", script())
+        self.file("steps", CONFIRM)
+        with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            with subprocess.Popen([STAGE / "qelhost", "module", "edit", self.site, str(module)], text=True,
+                                  stderr=subprocess.PIPE, stdout=subprocess.PIPE, env=self.environment) as waiting:
+                self.assertIn("waiting", waiting.stderr.readline())
+                with contextlib.closing(sqlite3.connect(self.site / "site.db")) as connection, connection:
+                    connection.execute("UPDATE module SET script = ?", [script(link="URL:changed")])
+                fcntl.flock(lock, fcntl.LOCK_UN)
+                waiting.communicate(timeout=60)
+        self.assertEqual(waiting.returncode, 0)
+        self.assertEqual(self.link_of(module), "URL:changed")
+
+
+if __name__ == "__main__":
+    unittest.main()
