@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
+#include <cstdio>
 
 namespace qel::host
 {
@@ -80,8 +80,11 @@ void Version(const Trial& myTrial)
     Bstr theText;
     ExpectResult("Version", S_OK, myComponent.Create<QelInfo>(CLSID_Main)->get_Version(theText.Pointer()));
     const std::string myVersion = ToUtf8(theText.Value());
-    const std::regex myForm(R"((0|[1-9]\d*)\.(0|[1-9]\d*)\.(0|[1-9]\d*))");
-    if (!std::regex_match(myVersion, myForm))
+    std::array<unsigned, 3> myParts{};
+    const int myCount = std::sscanf(myVersion.c_str(), "%u.%u.%u", myParts.data(), &myParts[1], &myParts[2]);
+    const std::string myForm =
+        std::to_string(myParts[0]) + "." + std::to_string(myParts[1]) + "." + std::to_string(myParts[2]);
+    if (myCount != 3 || myVersion != myForm)
     {
         FailCheck("three numbers without leading zeros, such as 1.0.19", myVersion);
     }

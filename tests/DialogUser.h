@@ -211,15 +211,13 @@ public:
         const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
         EXPECT_EQ(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), S_OK);
         Plugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
-        QelBuildHelper* myHelper = Helper.Get();
-        QelDatabase* myDatabase = Records.Get();
-        Plugin->putref_QelBuildHelper(&myHelper);
-        Plugin->putref_QelDatabase(&myDatabase);
+        HandIn(Helper.Get(), Records.Get());
     }
     DialogHost(const DialogHost&) = delete;
     DialogHost& operator=(const DialogHost&) = delete;
     ~DialogHost()
     {
+        HandIn(nullptr, nullptr); // the component does not give back what it holds when it is unloaded
         Plugin.Reset();
         dlclose(myLibrary);
     }
@@ -252,6 +250,12 @@ public:
     ComPtr<QelPlugin> Plugin;
 
 private:
+    void HandIn(QelBuildHelper* myHelper, QelDatabase* myDatabase) const
+    {
+        EXPECT_EQ(Plugin->putref_QelBuildHelper(&myHelper), S_OK);
+        EXPECT_EQ(Plugin->putref_QelDatabase(&myDatabase), S_OK);
+    }
+
     void* myLibrary;
 };
 

@@ -148,6 +148,12 @@ private:
     }
 };
 
+void TakeBackHelper(QelPlugin& myPlugin)
+{
+    QelBuildHelper* myService = nullptr;
+    EXPECT_EQ(myPlugin.putref_QelBuildHelper(&myService), S_OK);
+}
+
 /// Each test has temporary files and a class registry of its own.
 class ComponentTest : public testing::Test
 {
@@ -194,6 +200,7 @@ TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
     {
         EXPECT_EQ(myMapped.find(myLibrary), std::string::npos) << myLibrary;
     }
+    TakeBackHelper(*myPlugin.Get());
 }
 
 TEST_F(ComponentTest, ExportsItsFourEntryPointsAndNothingElse)
@@ -424,8 +431,7 @@ TEST_F(ComponentTest, TellsTheHostsOwnFailureInTheErrorText)
     EXPECT_EQ(Reason(), Orvenal(u"-2147024891: Disk on fire"));
     myHelper->Description.clear(); // an old text must not stand for a new failure
     EXPECT_EQ(Reason().find(u"fire"), Text::npos);
-    myService = nullptr;
-    EXPECT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
+    TakeBackHelper(*myPlugin.Get());
     EXPECT_EQ(myHelper->AddRef(), 2U);
     myHelper->Release();
 }
@@ -444,6 +450,7 @@ TEST_F(ComponentTest, SurvivesAHostThatPutsAnotherModuleInHandInTheMiddleOfAnOut
     ASSERT_EQ(myPlugin->putref_QelBuildHelper(&myService), S_OK);
     Write(*myPlugin.Get(), LibraryModule);
     EXPECT_NE(Read(*myPlugin.Get(), &QelPlugin::get_Output).find(u"qelspr1.gif"), Text::npos);
+    TakeBackHelper(*myPlugin.Get());
 }
 
 TEST_F(ComponentTest, AnswersTheNamesOfBothInterfacesLateBound)
