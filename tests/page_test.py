@@ -1,0 +1,319 @@
+"""Tests of built pages in a real browser, Chromium without a window, from a server of their own on the loopback.
+What they find that a page does not expect of a browser stands in docs/browsers.md.
+
+    python3 page_test.py STAGE [TEST...]    STAGE is the folder that holds qelhost and the component
+
+A page whose address ends in ?now=MOMENT&seed=NUMBER sees a clock that stands at that moment of its own time zone, the
+random numbers of that seed, and timers that go off when Step() is called and never by themselves.
+"""
+import datetime
+import functools
+import http.client
+import http.server
+import itertools
+import json
+import os
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+import urllib.parse
+from pathlib import Path
+
+STAGE = Path(sys.argv.pop(1)).resolve()
+DESIGNS = STAGE / "QelPluginAnimationDesigns"
+GLOBO, VALS = "Fiestas/Globo.gif", "Fiestas/Vals.mid"
+DOCTYPE = "<!DOCTYPE html>"
+FILL = "<style>body{margin:0;min-height:100vh}</style>"
+POLICY = '<meta http-equiv="Content-Security-Policy" content="%s">'
+FURTHEST = 24  # pixels that a graphic may go past the left and the top
+
+IN_EVERY_PAGE = """(() => {
+    const asked = new URLSearchParams(location.search);
+    window.faults = [];
+    window.refused = [];
+    addEventListener("error", event => faults.push(event.message || "cannot load " + event.target.src), true);
+    addEventListener("securitypolicyviolation", event => refused.push(event.effectiveDirective));
+    window.Boxes = () => [...document.querySelectorAll("[id^=qelanimsprite]")].map(sprite => {
+        const box = sprite.getBoundingClientRect(), parent = sprite.offsetParent;
+        const origin = parent == document.body ? {left: -scrollX, top: -scrollY} : parent.getBoundingClientRect();
+        return [box.left - origin.left, box.top - origin.top, box.width, box.height];
+    });
+    if (!asked.has("now")) return;
+    const RealDate = Date, waiting = [];
+    window.Date = class extends RealDate {
+        constructor(...given) { super(...(given.length ? given : [asked.get("now")])); }
+    };
+    window.setTimeout = (code, delay) => waiting.push([code, delay]);
+    let state = Number(asked.get("seed"));
+    Math.random = () => (state = state * 16807 % 2147483647) / 2147483647;
+    window.Step = () => waiting.splice(0).map(([code, delay]) => ((0, eval)(code), delay));
+})()"""
+
+
+class Browser:
+    """One Chromium for all tests, driven through chromedriver. It keeps its files in `folder`."""
+
+    def __init__(self, folder):
+        programs = [shutil.which(name) for name in ("chromium", "chromedriver")]
+        if None in programs:
+            raise RuntimeError("the tests of pages need the packages chromium and chromium-driver")
+        driver = subprocess.Popen([programs[1], "--port=0"], stdout=subprocess.PIPE, text=True,
+                                  env={**os.environ, "HOME": str(folder), "TMPDIR": str(folder)})
+        unittest.addModuleCleanup(driver.communicate)
+        unittest.addModuleCleanup(driver.terminate)
+        port = next(line for line in driver.stdout if "successfully on port" in line).rstrip(".\n").split()[-1]
+        self.connection = http.client.HTTPConnection("127.0.0.1", int(port), timeout=60)
+        unittest.addModuleCleanup(self.connection.close)
+        arguments = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--no-proxy-server",
+                     f"--user-data-dir={folder / 'profile'}"]
+        options = {"goog:chromeOptions": {"binary": programs[0], "args": arguments}}
+        self.path = "/session"
+        self.path += "/" + self.call("", capabilities={"alwaysMatch": options})["sessionId"]
+        unittest.addModuleCleanup(self.call, "", "DELETE")
+        self.command("Browser.setDownloadBehavior", behavior="deny")
+        self.command("Page.addScriptToEvaluateOnNewDocument", source=IN_EVERY_PAGE)
+
+    def call(self, path, method="POST", **body):
+        self.connection.request(method, self.path + path, json.dumps(body), {"Content-Type": "application/json"})
+        answer = json.load(self.connection.getresponse())["value"]
+        if isinstance(answer, dict) and "error" in answer:
+            raise RuntimeError(f"{path}: {answer['message']}")
+        return answer
+
+    def command(self, name, **parameters):
+        return self.call("/goog/cdp/execute", cmd=name, params=parameters)
+
+    def window(self, width, height, scale=1, zone=""):
+        self.command("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=scale, mobile=False)
+        self.command("Emulation.setTimezoneOverride", timezoneId=zone)
+
+    def get(self, expression):
+        answer = self.command("Runtime.evaluate", expression=expression, returnByValue=True)
+        if "exceptionDetails" in answer:
+            raise RuntimeError(f"{expression}: {answer['exceptionDetails']}")
+        return answer["result"].get("value")
+
+    def click(self, selector):
+        """Clicks where the element is, as a visitor would; fails where something else lies above it."""
+        element = self.call("/element", using="css selector", value=selector)
+        self.call(f"/element/{next(iter(element.values()))}/click")
+
+
+def setUpModule():
+    global root, server, browser
+    root = Path(tempfile.mkdtemp(prefix="qelpage "))
+    unittest.addModuleCleanup(shutil.rmtree, root, ignore_errors=True)
+    handler = http.server.SimpleHTTPRequestHandler
+    handler.log_message = lambda *arguments: None
+    server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), functools.partial(handler, directory=root))
+    threading.Thread(target=server.serve_forever, daemon=True).start()
+    unittest.addModuleCleanup(server.server_close)
+    unittest.addModuleCleanup(server.shutdown)
+    browser = Browser(root)
+
+
+def script(design=GLOBO, link="", **params):
+    params |= dict(zip(("imagefolder", "image", "midifolder", "midi"), design.split("/") + VALS.split("/")), link=link)
+    tags = [f'<pg.param name="{name}" value="{value}">' for name, value in params.items()]
+    return "\r\n".join(['<pg.plugin uid="QelPluginAnimation" version="1.0">', *tags])
+
+
+def size_of(design):
+    return struct.unpack("<HH", (DESIGNS / design).read_bytes()[6:10])
+
+
+def day(text):
+    return (datetime.date.fromisoformat(text) - datetime.date(1899, 12, 30)).days if text else 0
+
+
+def wait_for(condition):
+    """Waits for something that the browser does in its own time; only a fault lets it wait to the end."""
+    for _ in range(600):
+        if condition():
+            return
+        time.sleep(0.05)
+    raise AssertionError("waited in vain")
+
+
+class PageTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="sitio ñ ", dir=root))
+        self.site = self.folder / "s"
+        self.host("init", self.site)
+        browser.window(800, 600)
+
+    def host(self, *arguments, stdin=""):
+        environment = {**os.environ, "HOME": str(root), "TMPDIR": str(self.folder), "XDG_DATA_HOME": str(root)}
+        run = subprocess.run([STAGE / "qelhost", *arguments], input=stdin.encode(), capture_output=True, timeout=60,
+                             env=environment)
+        self.assertEqual(run.returncode, 0, f"{arguments}: {run.stdout}{run.stderr}")
+        return run.stdout.decode().strip()
+
+    def add(self, name, content, *scripts):
+        (self.folder / "page").write_text(content, "cp1252" if "windows-1252" in content else "utf-8")
+        self.host("page", "add", self.site, self.folder / "page", "--name", name)
+        for text in scripts:
+            self.host("module", "add", self.site, name, "--script", "-", stdin=text)
+
+    def build(self, pages):
+        """Builds the site with further pages: the name of each, its text, the scripts of its modules."""
+        for page in pages:
+            self.add(*page)
+        self.host("build", self.site)
+
+    def address(self, name):
+        path = (self.site / "build" / name).relative_to(root).as_posix()
+        return f"http://127.0.0.1:{server.server_port}/{urllib.parse.quote(path)}"
+
+    def open(self, name, query="?now=2005-01-15T12:00&seed=1"):
+        browser.call("/url", url=self.address(name) + query)
+        self.assertEqual(browser.get("faults"), [])
+
+    def walk(self, steps=2000):
+        """Steps the open page and gives the boxes of each graphic, one for each step and one from before them."""
+        delays, boxes = browser.get(f"""(() => {{
+            const boxes = [Boxes()], delays = new Set();
+            for (let step = 0; step < {steps}; ++step) {{ Step().map(delay => delays.add(delay)); boxes.push(Boxes()); }}
+            return [[...delays], boxes];
+        }})()""")
+        self.assertEqual((browser.get("faults"), delays), ([], [50]))
+        return list(zip(*boxes))
+
+    def check_drift(self, boxes, picture, page):
+        """Moves at its speed at every step, turns back soon and stays on the page. Gives the edges that it came to."""
+        for (left, top, *size), (next_left, next_top, *_) in itertools.pairwise(boxes):
+            self.assertAlmostEqual(((next_left - left) / 6) ** 2 + ((next_top - top) / 4) ** 2, 1, delta=0.03)
+            self.assertEqual(tuple(size), picture)
+        right, bottom = page[0] - picture[0], page[1] - picture[1]
+        beyond = {"left": lambda x, y: x <= 5, "top": lambda x, y: y <= 5, "right": lambda x, y: x >= right - 45,
+                  "bottom": lambda x, y: y >= bottom - 25}
+        stays = {edge: [len(list(run)) for there, run in itertools.groupby(test(*box[:2]) for box in boxes) if there]
+                 for edge, test in beyond.items()}
+        self.assertLess(max(itertools.chain(*stays.values())), 20, stays)
+        for places, last in ([box[0] for box in boxes], right), ([box[1] for box in boxes], bottom):
+            self.assertGreaterEqual(min(places), -FURTHEST)
+            self.assertLessEqual(max(places), last)
+        return {edge for edge in stays if stays[edge]}
+
+    def test_graphic_drifts_and_turns_back_from_each_edge_of_the_page(self):
+        tall, box = '<p style="height:1000px;margin:0">', '<div style="position:relative;width:420px;height:400px">'
+        layouts = [  # page, window, scale of the screen, page as the graphic sees it
+            ("", (1024, 768), 1, (1008, 752)),
+            ("", (400, 400), 1, (384, 384)),
+            (tall, (640, 480), 1.5, (624, 1000)),
+            (DOCTYPE + tall, (640, 480), 1, (624, 1000)),
+            (DOCTYPE + FILL, (1600, 900), 2, (1600, 900)),
+            (DOCTYPE + '<body style="margin:0;height:352px">', (300, 300), 1, (300, 352)),
+            (box, (800, 600), 1, (420, 400)),
+            (DOCTYPE + box, (300, 300), 1.25, (420, 400)),
+        ]
+        self.build((f"{number}.html", content, script(playmidi=0)) for number, (content, *_) in enumerate(layouts))
+        for number, (content, window, scale, page) in enumerate(layouts):
+            with self.subTest(content=content, window=window):
+                browser.window(*window, scale)
+                reached = set()
+                for seed in (13, 29, 47):
+                    self.open(f"{number}.html", f"?now=2005-01-15&seed={seed}")
+                    reached |= self.check_drift(self.walk()[0], size_of(GLOBO), page)
+                self.assertEqual(reached, {"left", "top", "right", "bottom"})
+
+    def test_page_that_does_not_fill_its_window_confines_the_graphic_with_a_doctype_only(self):
+        short = '<p style="height:100px;margin:0">'
+        self.build([("plain.html", short, script()), ("doctype.html", DOCTYPE + short, script())])
+        self.open("plain.html")
+        self.assertGreater(max(box[1] for box in self.walk()[0]), 400)
+        self.open("doctype.html")
+        self.assertLessEqual(max(box[1] for box in self.walk()[0]), 5 + FURTHEST)
+
+    def test_period_is_counted_by_the_clock_of_the_visitor(self):
+        last, next_day = "T23:59:59.999", "T00:00:00.001"
+        cases = {  # from, to: moments within, moments without
+            ("2005-01-15", "2005-01-31"): (["2005-01-15T00:00", "2005-01-31" + last],
+                                           ["2005-01-14" + last, "2005-02-01" + next_day, "2004-01-20T12:00"]),
+            ("2004-12-31", "2004-12-31"): (["2004-12-31T00:00", "2004-12-31" + last],
+                                           ["2004-12-30" + last, "2005-01-01" + next_day]),
+            ("2005-10-09", ""): (["2005-10-09T01:00", "2095-01-01T00:00"], ["2005-10-08" + last, "1995-12-31T00:00"]),
+            ("", "2004-02-29"): (["2004-02-29" + last, "1995-12-31T00:00"], ["2004-03-01" + next_day, "2095-01-01T00:00"]),
+        }
+        self.build((f"{number}.html", DOCTYPE, script(**{"from": day(first), "to": day(final)}))
+                   for number, (first, final) in enumerate(cases))
+        for zone in ("Pacific/Kiritimati", "America/Santiago"):  # the latter has no midnight on 9 October 2005
+            browser.window(800, 600, zone=zone)
+            for number, (within, without) in enumerate(cases.values()):
+                for moment in within + without:
+                    with self.subTest(page=number, moment=moment, zone=zone):
+                        self.open(f"{number}.html", f"?now={moment}&seed=1")
+                        found = browser.get("[Boxes().length, document.embeds.length]")
+                        self.assertEqual(found, [1, 1] if moment in within else [0, 0])
+
+    def test_graphic_loads_its_picture_and_leads_where_its_link_says(self):
+        paper = self.folder / "año € 1.txt"
+        paper.write_bytes(b"x")
+        self.add("otra ñ.html", DOCTYPE)
+        page, file, web = (self.host("record", "add", self.site, "--kind", *options) for options in (
+            ["page", "--page", "otra ñ.html"], ["file", "--file", paper], ["3", "--address", "http://127.0.0.1:1/?a&b='2'"]))
+        cover = '<a href="#" style="position:absolute;left:0;top:0;width:100%;height:100%;z-index:49"></a>'
+        cases = {"page.html": (DOCTYPE + cover, page, self.address("otra ñ.html")),
+                 "file.html": ('<meta charset="windows-1252">ü' + cover, file, self.address("files/año € 1.txt")),
+                 "web.html": (DOCTYPE, web, "http://127.0.0.1:1/?a&b=%272%27"), "none.html": (DOCTYPE, "", None)}
+        self.build((name, content, script(link=link)) for name, (content, link, _) in cases.items())
+        for name, (content, _, href) in cases.items():
+            with self.subTest(page=name):
+                self.open(name)
+                self.assertEqual(self.walk(50)[0][-1][2:], list(size_of(GLOBO)))
+                found = browser.get("(({naturalWidth, naturalHeight, parentNode}) => [naturalWidth, naturalHeight, "
+                                    "parentNode.href])(document.querySelector('[id^=qelanimsprite] img'))")
+                self.assertEqual(found, [*size_of(GLOBO), href])
+                if cover in content:
+                    browser.click("[id^=qelanimsprite] img")
+                    self.assertEqual(browser.get("[location.href, document.readyState]"), [href, "complete"])
+
+    def test_modules_of_a_page_drift_beside_each_other(self):
+        designs = [path.relative_to(DESIGNS).as_posix() for path in sorted(DESIGNS.glob("[AEV]*/*.gif"))[:10]]
+        ten, off, gone = list(map(script, designs)), script(showimage=0), script(to=day("2004-12-31"))
+        self.build([("ten.html", "", *ten[:4], off, *ten[4:], gone), ("two.html", DOCTYPE + FILL, *ten[:2])])
+        for name, numbers, page in (("ten.html", [1, 2, 3, 4, 6, 7, 8, 9, 10, 11], (784, 584)),
+                                    ("two.html", [13, 14], (800, 600))):
+            self.open(name)
+            self.assertEqual(browser.get("[...document.querySelectorAll('[id^=qelanim]')].map(sprite => sprite.id)"),
+                             [f"qelanimsprite{number}" for number in numbers])
+            walks = self.walk()
+            self.assertEqual(len({str(boxes) for boxes in walks}), len(numbers))
+            reached = [self.check_drift(boxes, size_of(design), page) for design, boxes in zip(designs, walks)]
+            self.assertEqual(set.union(*reached), {"left", "top", "right", "bottom"})
+
+    def test_tune_is_an_element_without_size_which_the_browser_saves_as_a_file_unless_refused(self):
+        policies = {"refused.html": POLICY % "object-src 'none'", "saved.html": ""}
+        self.build((name, DOCTYPE + policy, script()) for name, policy in policies.items())
+        browser.command("Browser.setDownloadBehavior", behavior="allow", downloadPath=str(self.folder))
+        self.addCleanup(browser.command, "Browser.setDownloadBehavior", behavior="deny")
+        for number, (name, policy) in enumerate(policies.items(), 1):
+            self.open(name)
+            tune = browser.get("(tune => [tune.getAttribute('src'), tune.getAttribute('autostart'), tune.getAttribute('loop'), "
+                               "tune.offsetWidth, tune.offsetHeight])(document.embeds[0])")
+            self.assertEqual(tune, [f"media/qelmid{number}.mid", "true", "false", 0, 0])
+            self.assertEqual(browser.get("refused"), ["object-src"] if policy else [])
+        wait_for(lambda: (self.folder / "qelmid2.mid").exists())
+        self.assertEqual((self.folder / "qelmid2.mid").read_bytes(), (DESIGNS / VALS).read_bytes())
+
+    def test_page_runs_by_the_browsers_own_clock_unless_its_policy_refuses(self):
+        pages = {"plain.html": ("", 1, []), "doctype.html": (DOCTYPE, 1, []),
+                 "still.html": (DOCTYPE + POLICY % "script-src 'unsafe-inline'", 1, ["script-src"]),
+                 "none.html": (DOCTYPE + POLICY % "script-src 'self'", 0, ["script-src-elem"])}
+        self.build((name, content, script()) for name, (content, *_) in pages.items())
+        for name, (_, graphics, refused) in pages.items():
+            with self.subTest(page=name):
+                self.open(name, "")
+                first = browser.get("Boxes()")
+                self.assertEqual(len(first), graphics)
+                wait_for(lambda: browser.get("refused") == refused if refused else browser.get("Boxes()") != first)
+                self.assertEqual(browser.get("Boxes()") == first, bool(refused))
+
+
+if __name__ == "__main__":
+    unittest.main()
