@@ -24,10 +24,6 @@ void classScript::GetBufferedTag(int32_t /*num*/)
 void classScript::GetNextTag()
 {
     ScanToken();
-    if (IsTag())
-    {
-        myTagParser.Tag(myCurrentTag.Value);
-    }
     myMessageQueue.ProcessPending();
 }
 
@@ -53,7 +49,7 @@ bool classScript::ScanPlainText(size_t myStart)
 {
     size_t myMark = myStart;
     size_t myEnd = myStart;
-    while ((myMark = myScript.find(u'<', myMark)) != Text::npos)
+    while ((myMark = Find(myScript, u'<', myMark)) != Text::npos)
     {
         myScanState = MarkAt(myMark, myEnd);
         if (myScanState != ScanState::PlainText)
@@ -78,7 +74,7 @@ bool classScript::ScanPlainText(size_t myStart)
 /// Scans the tag whose inner text begins at `myStart` up to its ">". A tag without one is dropped with the rest.
 void classScript::ScanTag(size_t myStart)
 {
-    const size_t myEnd = myScript.find(u'>', myStart);
+    const size_t myEnd = Find(myScript, u'>', myStart);
     if (myEnd == Text::npos)
     {
         Consume(myScript.size());
@@ -123,16 +119,25 @@ bool classScript::PrefixStandsAt(size_t myStart) const
 
 void classScript::Consume(size_t myEnd)
 {
-    myLine += static_cast<int32_t>(std::count(myScript.begin() + static_cast<std::ptrdiff_t>(myPosition),
-                                              myScript.begin() + static_cast<std::ptrdiff_t>(myEnd), u'\r'));
-    myPosition = myEnd;
+    for (; myPosition < myEnd; ++myPosition)
+    {
+        myLine += myScript[myPosition] == u'\r' ? 1 : 0;
+    }
 }
 
 void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
 {
     myCurrentTag.Type = myType;
     myCurrentTag.Line = myType == TokenType::None ? 0 : myLine;
-    myCurrentTag.Value.assign(myScript, myStart, myEnd - myStart);
+    const TextView myText = TextView(myScript).substr(myStart, myEnd - myStart);
+    if (IsTag())
+    {
+        myTagParser.Tag(myText);
+    }
+    else
+    {
+        myCurrentTag.Value = myText;
+    }
 }
 
 Text classScript::PlainText() const

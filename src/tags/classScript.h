@@ -78,7 +78,7 @@ public:
     Text AttributeValue(int32_t num) const;
 
     /// The token's text: plain text, or a tag's inner text.
-    const Text& Tag() const { return myCurrentTag.Value; }
+    const Text& Tag() const { return IsTag() ? myTagParser.Tag() : myCurrentTag.Value; }
 
     /// QueryAttribute, unescaped.
     Text ResolveAttribute(TextView myAttributeName) const { return QueryAttribute(myAttributeName); }

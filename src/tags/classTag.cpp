@@ -31,43 +31,85 @@ size_t EndOfWord(TextView myText, size_t myPosition)
     return myPosition;
 }
 
+/// True for the characters that most names are made of, and which stay in them as they are.
+bool IsSmallLetter(char16_t myCharacter)
+{
+    return myCharacter >= u'a' && myCharacter <= u'z';
+}
+
+/// An attribute name as callers know it: in lower case, without what is dropped and without blanks at its ends.
+Text CleanName(TextView myName)
+{
+    Text theName;
+    for (const char16_t myCharacter : myName)
+    {
+        if (!IsDroppedInName(myCharacter))
+        {
+            theName += LowerCase(myCharacter);
+        }
+    }
+    return Text(TrimBlanks(theName));
+}
+
 constexpr std::pair<TextView, char16_t> Entities[] = {
     {u"&quot;", u'"'}, {u"&gt;", u'>'}, {u"&lt;", u'<'}, {u"&amp;", u'&'}};
 
 } // namespace
 
+TextView classTag::Part(TextView myText, Span mySpan)
+{
+    return myText.substr(mySpan.Start, mySpan.Length);
+}
+
 void classTag::Tag(TextView theTag)
 {
+    if (myAttributeCount > 0)
+    {
+        myTag.swap(myFormerTag);
+    }
     myTag = theTag;
-    ParseTag();
-}
-
-void classTag::ParseTag()
-{
-    myAttributeCount = 0;
     const size_t myNameEnd = EndOfWord(myTag, 0);
     myBaseTag.assign(myTag, 0, myNameEnd);
-    for (size_t myPosition = myNameEnd + 1; myPosition < myTag.size();)
+    ParseAttributes(myNameEnd + 1);
+    if (myAttributeCount > 0)
     {
-        myPosition = ParseAttribute(myPosition);
+        KeepEntryBehind(std::exchange(myTableCount, myAttributeCount));
     }
 }
 
-/// Reads a name, "=" and a value, and gives the position behind them. Without "=" there is no attribute, and the rest
-/// of the text is dropped.
-size_t classTag::ParseAttribute(size_t myPosition)
+/// Reads names, "=" and values. Without "=" there is no attribute, and the rest of the text is dropped.
+void classTag::ParseAttributes(size_t myPosition)
 {
-    const size_t myEquals = myTag.find(u'=', myPosition);
-    if (myEquals == Text::npos)
+    myAttributeCount = 0;
+    for (;;)
     {
-        return myTag.size();
+        while (myPosition < myTag.size() && myTag[myPosition] == u' ')
+        {
+            ++myPosition;
+        }
+        Attribute myAttribute;
+        size_t myEquals = myPosition;
+        while (myEquals < myTag.size() && myTag[myEquals] != u'=')
+        {
+            myAttribute.NameIsClean &= IsSmallLetter(myTag[myEquals]);
+            ++myEquals;
+        }
+        if (myEquals >= myTag.size())
+        {
+            return;
+        }
+        myAttribute.Name = {myPosition, myEquals - myPosition};
+        myPosition = ParseValue(myEquals + 1, myAttribute.Value);
+        if (myAttributeCount == myTable.size())
+        {
+            myTable.emplace_back();
+        }
+        myTable[myAttributeCount++] = myAttribute;
     }
-    AppendAttribute(TextView(myTag).substr(myPosition, myEquals - myPosition));
-    return ParseValue(myEquals + 1);
 }
 
-/// Reads the value of the last attribute. A quoted value without its closing mark stays empty.
-size_t classTag::ParseValue(size_t myPosition)
+/// Reads a value and gives the position behind it. A quoted value without its closing mark stays empty.
+size_t classTag::ParseValue(size_t myPosition, Span& theValue) const
 {
     myPosition = std::min(myTag.find_first_not_of(u' ', myPosition), myTag.size());
     if (myPosition == myTag.size())
@@ -82,36 +124,25 @@ size_t classTag::ParseValue(size_t myPosition)
     {
         return myTag.size();
     }
-    myAttributes[myAttributeCount - 1].Value.assign(myTag, myStart, myEnd - myStart);
+    theValue = {myStart, myEnd - myStart};
     return myEnd + 1;
 }
 
-/// The table ends one entry behind the new attribute. What an earlier tag left in that last entry stays, unless the
-/// table has been shorter since.
-void classTag::AppendAttribute(TextView myName)
+/// The table grows and shrinks with each attribute found, so that the entry behind them is new, unless the first one
+/// has cut the table down to itself and the entry behind. The table that was left had `myFormerCount` attributes in the
+/// former text.
+void classTag::KeepEntryBehind(size_t myFormerCount)
 {
-    ++myAttributeCount;
-    const size_t myNewSize = myAttributeCount + 1;
-    myAttributes.resize(std::max(myAttributes.size(), myNewSize));
-    for (; myTableSize < myNewSize; ++myTableSize)
+    if (myTableCount > 1)
     {
-        myAttributes[myTableSize].Name.clear();
-        myAttributes[myTableSize].Value.clear();
+        myNameBehind.clear();
+        myValueBehind.clear();
     }
-    myTableSize = myNewSize;
-
-    Attribute& myAttribute = myAttributes[myAttributeCount - 1];
-    myAttribute.Value.clear();
-    myAttribute.Name.clear();
-    for (const char16_t myCharacter : myName)
+    else if (myFormerCount > 1)
     {
-        const bool myIsLeadingBlank = myCharacter == u' ' && myAttribute.Name.empty();
-        if (!myIsLeadingBlank && !IsDroppedInName(myCharacter))
-        {
-            myAttribute.Name += LowerCase(myCharacter);
-        }
+        myNameBehind = CleanName(Part(myFormerTag, myTable[1].Name));
+        myValueBehind = Part(myFormerTag, myTable[1].Value);
     }
-    myAttribute.Name.resize(TrimBlanks(myAttribute.Name).size());
 }
 
 uint8_t classTag::AttributeCount() const
@@ -123,39 +154,49 @@ uint8_t classTag::AttributeCount() const
     return static_cast<uint8_t>(myAttributeCount);
 }
 
-const Text& classTag::AttributeName(int32_t num) const
+Text classTag::AttributeName(int32_t num) const
 {
-    return AttributeAt(num).Name;
+    const size_t myIndex = DemandEntry(num);
+    return myIndex == myTableCount ? myNameBehind : CleanName(Part(TableText(), myTable[myIndex].Name));
 }
 
-const Text& classTag::AttributeValue(int32_t num) const
+Text classTag::AttributeValue(int32_t num) const
 {
-    return AttributeAt(num).Value;
+    const size_t myIndex = DemandEntry(num);
+    return myIndex == myTableCount ? myValueBehind : Text(Part(TableText(), myTable[myIndex].Value));
 }
 
-const classTag::Attribute& classTag::AttributeAt(int32_t num) const
+size_t classTag::DemandEntry(int32_t num) const
 {
-    if (num < 0 || static_cast<size_t>(num) >= myTableSize)
+    if (num < 0 || myTableCount == 0 || static_cast<size_t>(num) > myTableCount)
     {
         Raise(ErrorNumber::SubscriptOutOfRange);
     }
-    return myAttributes[static_cast<size_t>(num)];
+    return static_cast<size_t>(num);
 }
 
 Text classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
 {
-    const auto HasName = [&](const Attribute& a)
+    for (size_t i = 0; i < myAttributeCount; ++i)
     {
-        return std::equal(theAttribute.begin(), theAttribute.end(), a.Name.begin(), a.Name.end(),
-                          [](char16_t w, char16_t n) { return LowerCase(w) == n; });
-    };
-    const auto myEnd = myAttributes.begin() + static_cast<std::ptrdiff_t>(myAttributeCount);
-    const auto myFound = std::find_if(myAttributes.begin(), myEnd, HasName);
-    if (myFound == myEnd)
-    {
-        return {};
+        if (IsNamed(myTable[i], theAttribute))
+        {
+            const TextView myValue = Part(myTag, myTable[i].Value);
+            return noUnquote || myValue.find(u'&') == TextView::npos ? Text(myValue) : UnQuote(myValue);
+        }
     }
-    return noUnquote ? myFound->Value : UnQuote(myFound->Value);
+    return {};
+}
+
+bool classTag::IsNamed(const Attribute& myAttribute, TextView myWanted) const
+{
+    const TextView myName = Part(myTag, myAttribute.Name);
+    if (!myAttribute.NameIsClean)
+    {
+        return CleanName(myName) == LowerCase(myWanted);
+    }
+    return std::equal(myWanted.begin(), myWanted.end(), myName.begin(), myName.end(),
+                      [](char16_t w, char16_t n) { return LowerCase(w) == n; });
 }
 
 Text classTag::UnQuote(TextView myText)

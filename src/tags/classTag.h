@@ -32,10 +32,10 @@ public:
     uint8_t AttributeCount() const;
 
     /// The name or the still escaped value of an attribute. `num` lies below AttributeCount; the entries behind are the
-    /// empty text or what an earlier tag left. Error 9: outside the tables, which end one entry behind the last
+    /// empty text or what an earlier tag left. Error 9: outside the table, which ends one entry behind the last
     /// attribute of the last tag that had any.
-    const Text& AttributeName(int32_t num) const;
-    const Text& AttributeValue(int32_t num) const;
+    Text AttributeName(int32_t num) const;
+    Text AttributeValue(int32_t num) const;
 
     /// The value of the first attribute of that name, found without regard to case; unescaped unless `noUnquote`. The
     /// empty text when there is none.
@@ -45,23 +45,38 @@ public:
     static Text UnQuote(TextView myText);
 
 private:
-    struct Attribute
+    /// Where a piece of a tag's text lies.
+    struct Span
     {
-        Text Name;
-        Text Value;
+        size_t Start = 0;
+        size_t Length = 0;
     };
 
-    void ParseTag();
-    size_t ParseAttribute(size_t myPosition);
-    size_t ParseValue(size_t myPosition);
-    void AppendAttribute(TextView myName);
-    const Attribute& AttributeAt(int32_t num) const;
+    /// An attribute as it was written.
+    struct Attribute
+    {
+        Span Name;
+        Span Value;
+        bool NameIsClean = true; ///< callers know the name just as it was written
+    };
+
+    static TextView Part(TextView myText, Span mySpan);
+    bool IsNamed(const Attribute& myAttribute, TextView myWanted) const;
+    void ParseAttributes(size_t myPosition);
+    size_t ParseValue(size_t myPosition, Span& theValue) const;
+    void KeepEntryBehind(size_t myFormerCount);
+    size_t DemandEntry(int32_t num) const;
+    TextView TableText() const { return myAttributeCount > 0 ? myTag : myFormerTag; }
 
     Text myTag;
     Text myBaseTag;
     size_t myAttributeCount = 0;
-    size_t myTableSize = 0;              ///< how many entries of the table a caller can reach
-    std::vector<Attribute> myAttributes; ///< may be longer than that: entries are kept for their memory
+    // The table that a caller can reach is that of the last tag with attributes, and one entry behind it.
+    Text myFormerTag; ///< the text that the table lies in when the tag has no attributes
+    std::vector<Attribute> myTable;
+    size_t myTableCount = 0; ///< how many entries the last tag with attributes filled
+    Text myNameBehind;
+    Text myValueBehind;
 };
 
 } // namespace qel

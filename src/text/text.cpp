@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -107,12 +108,8 @@ bool IsTooLarge(const std::string& myNumber)
 
 } // namespace
 
-char16_t LowerCase(char16_t myUnit)
+char16_t LowerCaseBeyondAscii(char16_t myUnit)
 {
-    if (myUnit < 0x80)
-    {
-        return myUnit >= u'A' && myUnit <= u'Z' ? static_cast<char16_t>(myUnit + 32) : myUnit;
-    }
     const auto* myRun = std::lower_bound(std::begin(LowerCaseRuns), std::end(LowerCaseRuns), myUnit,
                                          [](const LowerCaseRun& r, char16_t u) { return r.Last < u; });
     if (myRun == std::end(LowerCaseRuns) || myUnit < myRun->First || (myUnit - myRun->First) % myRun->Step != 0)
@@ -136,6 +133,23 @@ bool EqualInLowerCase(TextView myFirst, TextView mySecond)
 {
     return std::equal(myFirst.begin(), myFirst.end(), mySecond.begin(), mySecond.end(),
                       [](char16_t a, char16_t b) { return a == b || LowerCase(a) == LowerCase(b); });
+}
+
+size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
+{
+    // Four units at a time: a zero among them, once the wanted unit is taken away, borrows from the bit above it.
+    constexpr uint64_t myOnes = 0x0001'0001'0001'0001;
+    for (; myPosition + 4 <= myText.size(); myPosition += 4)
+    {
+        uint64_t myFour = 0;
+        std::memcpy(&myFour, myText.data() + myPosition, sizeof myFour);
+        myFour ^= myOnes * myUnit;
+        if (((myFour - myOnes) & ~myFour & (myOnes << 15)) != 0)
+        {
+            break;
+        }
+    }
+    return myText.find(myUnit, myPosition);
 }
 
 TextView TrimBlanks(TextView myText)

@@ -3,6 +3,7 @@
 /// All of them work on UTF-16 units, by character code and without a locale, and may be called on any thread.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,14 +14,27 @@ namespace qel
 using Text = std::u16string;
 using TextView = std::u16string_view;
 
+/// LowerCase for the units from 0x80 up; use that.
+char16_t LowerCaseBeyondAscii(char16_t myUnit);
+
 /// The simple Unicode lower case of one unit. A unit without one, halves of surrogate pairs included, is given back.
-char16_t LowerCase(char16_t myUnit);
+inline char16_t LowerCase(char16_t myUnit)
+{
+    if (myUnit < 0x80)
+    {
+        return myUnit >= u'A' && myUnit <= u'Z' ? static_cast<char16_t>(myUnit + 32) : myUnit;
+    }
+    return LowerCaseBeyondAscii(myUnit);
+}
 
 /// The same for each unit of a text; the length stays.
 Text LowerCase(TextView myText);
 
 /// True when both texts have the same lower case.
 bool EqualInLowerCase(TextView myFirst, TextView mySecond);
+
+/// Where a unit first stands at or behind a position; npos when it does not. Fast over long ways.
+size_t Find(TextView myText, char16_t myUnit, size_t myPosition);
 
 /// The text without the blanks (U+0020 alone) at both ends; a view into the argument.
 TextView TrimBlanks(TextView myText);
