@@ -84,7 +84,7 @@ void CompareOrder(const Bench& myBench, const std::string& myOrder, const std::v
                     {[&] { std::sort(myValues.begin(), myValues.end()); },
                      [&]
                      {
-                         myValues = myNames;
+                         myValues = std::vector<Text>(myNames); // new, as ours are
                      }});
 }
 

@@ -341,8 +341,9 @@ TEST_F(FilesTest, FoldersAndLinksAreToldApart)
     EXPECT_EQ(Try(&Files::MakeFolder, u"SUB\\New\\"), 0);
     EXPECT_TRUE(myFolder.Exists("Sub/New"));
     EXPECT_EQ(Try(&Files::Delete, u"sub\\new"), PathAccess);
-    EXPECT_EQ(Try(&Files::Delete, u"sub\\y"), FileNotFound);
-    EXPECT_EQ(Try(&Files::Delete, u"Link"), 0);
+    EXPECT_FALSE(myFiles.Delete(In(u"sub\\y")));
+    EXPECT_EQ(Try(&Files::Delete, u"sub\\none\\y"), PathNotFound);
+    EXPECT_TRUE(myFiles.Delete(In(u"Link")));
     EXPECT_TRUE(myFolder.Exists("Sub/x") && !myFolder.Exists("link"));
 }
 

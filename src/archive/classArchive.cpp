@@ -418,18 +418,12 @@ bool classArchive::FolderExists(TextView myFolder)
     return !myFolder.empty() && myFilePort.IsFolder(myFolder);
 }
 
-/// False: there was nothing of that name.
+/// False: there was nothing of that name. What cannot be deleted shows when the file is written.
 bool classArchive::DeleteFile(TextView myFilename)
 {
-    int32_t myFailure = 0;
-    Succeeds(
-        [&]
-        {
-            myFilePort.Delete(myFilename);
-            return true;
-        },
-        myFailure);
-    return myFailure != ErrorNumber::FileNotFound && myFailure != ErrorNumber::PathNotFound;
+    bool theResult = true;
+    Succeeds([&] { return theResult = myFilePort.Delete(myFilename); });
+    return theResult;
 }
 
 void classArchive::CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount)

@@ -89,8 +89,9 @@ public:
     /// 70: source and target are one file.
     virtual void Copy(TextView mySource, TextView myTarget) = 0;
 
-    /// Deletes a file, or a link and not what it leads to. Error 53, 76: not there. 70: no permission. 75: a folder.
-    virtual void Delete(TextView myFilename) = 0;
+    /// Deletes a file, or a link and not what it leads to. False: there was nothing of that name. Error 76: nor its
+    /// folder. 70: no permission. 75: a folder.
+    virtual bool Delete(TextView myFilename) = 0;
 
     /// Makes one folder. Error 75: something of that name is there. 76: its parent is not. 70: no permission.
     virtual void MakeFolder(TextView myFolder) = 0;

@@ -238,22 +238,12 @@ void LinuxFiles::Copy(TextView mySource, TextView myTarget)
     }
 }
 
-void LinuxFiles::Delete(TextView myFilename)
+bool LinuxFiles::Delete(TextView myFilename)
 {
-    // An archive deletes before it writes, so that most often there is nothing. The Error costs least from here, where
-    // there is nothing to tidy up on its way.
-    if (const int mySystemError = TryDelete(NativePath(myFilename)); mySystemError != 0)
-    {
-        RaiseSystemError(mySystemError);
-    }
-}
-
-/// Gives 0, or the errno value that tells why nothing was deleted.
-int LinuxFiles::TryDelete(const std::string& myPath)
-{
+    const std::string myPath = NativePath(myFilename);
     if (myFinder.Remembers(myPath) && myFinder.Find(myPath).What == Missing::Name)
     {
-        return ENOENT;
+        return false;
     }
     std::string myDeleted;
     const auto myUnlink = [&](const std::string& myTried)
@@ -263,10 +253,14 @@ int LinuxFiles::TryDelete(const std::string& myPath)
     };
     if (OnPath(myPath, myUnlink) != 0)
     {
-        return errno;
+        if (errno == ENOENT)
+        {
+            return false;
+        }
+        RaiseSystemError(errno);
     }
     myFinder.Deleted(myDeleted);
-    return 0;
+    return true;
 }
 
 void LinuxFiles::MakeFolder(TextView myFolder)

@@ -23,7 +23,7 @@ public:
     std::unique_ptr<OutputFile> OpenForWriting(TextView myFilename) override;
     int64_t Length(TextView myFilename) override;
     void Copy(TextView mySource, TextView myTarget) override;
-    void Delete(TextView myFilename) override;
+    bool Delete(TextView myFilename) override;
     void MakeFolder(TextView myFolder) override;
     bool IsFolder(TextView myPath) override;
     bool IsLink(TextView myPath) override;
@@ -44,7 +44,6 @@ private:
     bool GetFacts(const std::string& myPath, int myFlags, struct stat& theFacts);
     SourceFile OpenSource(TextView myFilename, Lock myLock);
     Descriptor OpenTarget(TextView myFilename, const struct stat* mySource);
-    int TryDelete(const std::string& myPath);
     Descriptor OpenOrMake(const std::string& myPath, bool& theFileIsNew);
 
     PathFinder myFinder;

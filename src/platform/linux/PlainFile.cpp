@@ -104,7 +104,7 @@ void PlainInputFile::Read(std::span<std::byte> myTarget)
     while (!myTarget.empty())
     {
         size_t myCount = 0;
-        if (myNext == myEnd && myTarget.size() >= myFill)
+        if (myNext == myEnd && myTarget.size() >= std::min(myFill, LargePiece))
         {
             myCount = ReadSome(myTarget);
         }

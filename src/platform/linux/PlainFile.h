@@ -45,6 +45,8 @@ private:
     /// next does not read what lies between.
     static constexpr size_t SmallestFill = 4096;
     static constexpr size_t LargestFill = 65536;
+    /// What is as long as this goes past the buffer.
+    static constexpr size_t LargePiece = 16384;
 
     Descriptor myFile;
     int64_t myOffset = 0; ///< of the first byte that the system has not been asked for
