@@ -42,7 +42,7 @@ void classStringSort::Sort()
 
 /// Partitions around a middle value and goes down the smaller side first. A short range goes to the standard library,
 /// and so does one that is still there when `myDepth` is used up, so that no order of the values is a bad case. A
-/// partition that takes off next to nothing uses up as much of it as ten others.
+/// partition that takes off next to nothing uses up as much of it as twenty others.
 void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth)
 {
     constexpr int32_t ShortRange = 16;
@@ -68,7 +68,7 @@ void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth
         } while (i <= j);
 
         const int32_t mySmaller = std::min(j - myFirst, myLast - i);
-        myDepth -= mySmaller < (myLast - myFirst) / 64 ? 10 : 1;
+        myDepth -= mySmaller < (myLast - myFirst) / 64 ? 20 : 1;
         if (j - myFirst < myLast - i)
         {
             QuickSort(myFirst, j, myDepth);
