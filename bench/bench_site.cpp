@@ -61,10 +61,11 @@ void MakeSite(const std::string& myHost, const fs::path& myFolder)
     }
 }
 
-/// What the plain program has to bring about: pages in memory, and files with where they come from.
+/// What the plain program has to bring about: pages in memory, with the host's mark of its folder, and files with where
+/// they come from.
 struct Work
 {
-    std::map<fs::path, std::string> Pages;
+    std::map<fs::path, std::string> Texts;
     std::map<fs::path, fs::path> Copies;
 };
 
@@ -74,14 +75,15 @@ Work WorkOf(const fs::path& myBuild, const fs::path& myLibrary)
     for (const auto& myEntry : fs::recursive_directory_iterator(myBuild))
     {
         const fs::path myName = myEntry.path().lexically_relative(myBuild);
-        if (myEntry.path().extension() == ".html")
+        const fs::path myEnding = myName.extension();
+        if (myEnding == ".gif" || myEnding == ".mid")
         {
-            std::ifstream myFile(myEntry.path(), std::ios::binary);
-            theWork.Pages[myName] = std::string(std::istreambuf_iterator<char>(myFile), {});
+            theWork.Copies[myName] = myLibrary / (myEnding == ".gif" ? "Globo.gif" : "Vals.mid");
         }
         else if (myEntry.is_regular_file())
         {
-            theWork.Copies[myName] = myLibrary / (myName.extension() == ".gif" ? "Globo.gif" : "Vals.mid");
+            std::ifstream myFile(myEntry.path(), std::ios::binary);
+            theWork.Texts[myName] = std::string(std::istreambuf_iterator<char>(myFile), {});
         }
     }
     return theWork;
@@ -93,7 +95,7 @@ void Do(const Work& myWork, const fs::path& myTarget)
     {
         fs::create_directories(myTarget / myFolder);
     }
-    for (const auto& [myName, myText] : myWork.Pages)
+    for (const auto& [myName, myText] : myWork.Texts)
     {
         const int myFile = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         bench::Require(write(myFile, myText.data(), myText.size()) == static_cast<ssize_t>(myText.size()), "a page");
