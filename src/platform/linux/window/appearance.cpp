@@ -28,42 +28,41 @@ QStyle& FormStyle()
 struct RoleColour
 {
     QPalette::ColorRole Role;
-    QRgb Colour;
-    QRgb Disabled;
+    QColor Colour;
+    QColor Disabled;
 };
 
-/// All of the toolkit's colours: those of its style follow the desktop, which may be a dark one.
-constexpr RoleColour FormColours[] = {
-    {QPalette::WindowText, MainFormLayout.ForeColour, 0xBEBEBE},
-    {QPalette::Window, MainFormLayout.BackColour, MainFormLayout.BackColour},
-    {QPalette::Text, MainFormLayout.ForeColour, 0xBEBEBE},
-    {QPalette::Base, White, MainFormLayout.BackColour},
-    {QPalette::AlternateBase, 0xF7F7F7, 0xF7F7F7},
-    {QPalette::PlaceholderText, 0x808080, 0xBEBEBE},
-    {QPalette::ButtonText, MainFormLayout.ForeColour, 0xBEBEBE},
-    {QPalette::Button, MainFormLayout.BackColour, MainFormLayout.BackColour},
-    {QPalette::Light, White, White},
-    {QPalette::Midlight, 0xCACACA, 0xCACACA},
-    {QPalette::Mid, 0xB8B8B8, 0xB8B8B8},
-    {QPalette::Dark, 0x9F9F9F, 0xBEBEBE},
-    {QPalette::Shadow, 0x767676, 0xB1B1B1},
-    {QPalette::BrightText, White, White},
-    {QPalette::Highlight, 0x308CC6, 0x919191},
-    {QPalette::HighlightedText, White, White},
-    {QPalette::Link, 0x0000FF, 0x0000FF},
-    {QPalette::LinkVisited, 0xFF00FF, 0xFF00FF},
-    {QPalette::ToolTipBase, 0xFFFFDC, 0xFFFFDC},
-    {QPalette::ToolTipText, Black, Black},
-};
-
+/// The light colours of the toolkit's style, to the last shade but our own: the style's follow the desktop, which may
+/// be a dark one. Where the application has the same, all windows share what the style has drawn in them.
 QPalette FormPalette()
 {
-    QPalette thePalette;
-    for (const RoleColour& myColour : FormColours)
+    const QColor myFore(MainFormLayout.ForeColour);
+    const QColor myFace(MainFormLayout.BackColour);
+    const QColor myPale(0xBEBEBE);
+    const QColor myWhite(White);
+    const QColor myMid = myFace.darker(130);
+    const QColor myDark = myFace.darker(150);
+    const QColor myShadow = myDark.darker(135);
+    QPalette thePalette(myFore, myFace, myFace.lighter(150), myDark, myMid, myFore, myWhite);
+    const RoleColour myColours[] = {
+        {QPalette::WindowText, myFore, myPale},
+        {QPalette::Text, myFore, myPale},
+        {QPalette::ButtonText, myFore, myPale},
+        {QPalette::Base, myWhite, myFace},
+        {QPalette::Midlight, myMid.lighter(110), myMid.lighter(110)},
+        {QPalette::Dark, myDark, QColor(0xD1D1D1).darker(110)},
+        {QPalette::Shadow, myShadow, myShadow.lighter(150)},
+        {QPalette::Highlight, QColor(0x308CC6), QColor(0x919191)},
+        {QPalette::HighlightedText, myWhite, myWhite},
+    };
+    for (const RoleColour& myColour : myColours)
     {
-        thePalette.setColor(myColour.Role, QColor(myColour.Colour));
-        thePalette.setColor(QPalette::Disabled, myColour.Role, QColor(myColour.Disabled));
+        thePalette.setColor(myColour.Role, myColour.Colour);
+        thePalette.setColor(QPalette::Disabled, myColour.Role, myColour.Disabled);
     }
+    QColor myFaint = myFore;
+    myFaint.setAlpha(128);
+    thePalette.setColor(QPalette::PlaceholderText, myFaint);
     return thePalette;
 }
 
@@ -100,7 +99,7 @@ QFont FormFont(int32_t myWeight)
     theFont.setUnderline(false);
     theFont.setOverline(false);
     theFont.setStrikeOut(false);
-    theFont.setStretch(QFont::Unstretched);
+    theFont.setStretch(QFont::AnyStretch); // a narrow family is one of another stretch
     theFont.setCapitalization(QFont::MixedCase);
     theFont.setLetterSpacing(QFont::AbsoluteSpacing, 0);
     theFont.setWordSpacing(0);
