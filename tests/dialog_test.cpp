@@ -2,10 +2,14 @@
 /// with mouse and keys.
 #include "DialogUser.h"
 #include "MadePictures.h"
+#include "resources/formLayout.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 
 #include <malloc.h>
+#include <QFontInfo>
+#include <QPushButton>
+#include <thread>
 
 namespace qel
 {
@@ -37,6 +41,9 @@ protected:
         fs::permissions(myFolder.Native("tmp"), fs::perms::owner_all);
         setenv("TMPDIR", myFolder.Native("tmp").c_str(), 1);
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
+        setenv("PULSE_SERVER", "unix:/nowhere", 1);
+        theStage.Write("help/100.html", "");
         FillLibrary();
         myHost = std::make_unique<DialogHost>(theStage.Native("QelPluginAnimation.so"));
         myHost->Records->DataFolder = FromUtf8(myFolder.Native("data/"));
@@ -119,7 +126,76 @@ TEST_F(DialogTest, FailsWithoutADisplayBeforeAnythingIsTouched)
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
     EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0039U)));
     EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(0x800A0039U));
+    for (const char* mySystem : {"nosuch", "nosuch:size=1;alsono"})
+    {
+        setenv("QT_QPA_PLATFORM", mySystem, 1);
+        EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0039U)));
+    }
     EXPECT_TRUE(myFolder.Exists("tmp/qelpluginanimtemp/stale"));
+}
+
+TEST_F(DialogTest, FailsWhereTheThreadOrTheProgramHasNoWindows)
+{
+    if (QCoreApplication::instance() != nullptr)
+    {
+        GTEST_SKIP() << "this process has an application by now";
+    }
+    static int theCount = 1;
+    static char theName[] = "host";
+    static char* theArguments[] = {theName, nullptr};
+    const QCoreApplication myApplication(theCount, theArguments);
+    const auto Opens = [&]
+    {
+        EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0005U)));
+        EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(0x800A0005U));
+        ComPtr<IErrorInfo> myInfo;
+        Bstr theText;
+        EXPECT_EQ(GetErrorInfo(0, myInfo.Receive()), S_OK);
+        EXPECT_EQ(myInfo->GetDescription(theText.Pointer()), S_OK);
+        return ToUtf8(theText.Value());
+    };
+    EXPECT_EQ(Opens(), "No se puede abrir la ventana porque este programa se ha iniciado sin ventanas");
+    std::thread([&] { EXPECT_NE(Opens().find("otro hilo"), std::string::npos); }).join();
+}
+
+/// Holds the controls against their table, and what shows against what lies beside it.
+void ExpectLayout()
+{
+    std::vector<std::pair<QWidget*, QRect>> myShown;
+    for (const ControlLayout& myRow : MainFormControls)
+    {
+        SCOPED_TRACE(ToUtf8(myRow.Name));
+        QWidget& myWidget = Control(ToUtf8(myRow.Name).c_str());
+        const QRect myPlace(myRow.Left / 15, myRow.Top / 15, myRow.Width / 15, myRow.Height / 15);
+        EXPECT_EQ(myWidget.geometry(), myPlace);
+        EXPECT_EQ(myWidget.accessibleName().toStdU16String(), myRow.AccessibleName);
+        EXPECT_EQ(myWidget.font().families().front(), "Tahoma");
+        EXPECT_EQ(QFontInfo(myWidget.font()).pixelSize(), 11);
+        EXPECT_EQ(myWidget.font().weight(), myRow.FontWeight);
+        EXPECT_FALSE(myWidget.font().italic());
+        if (!myWidget.isVisible())
+        {
+            continue;
+        }
+        const auto* const myLabel = qobject_cast<QLabel*>(&myWidget);
+        const QSize myNeeds(myWidget.sizeHint().width(), myWidget.fontMetrics().height());
+        const QRect myInk = myRow.Kind == ControlKind::DatePicker // which keeps a margin at its left
+                                ? myWidget.childrenRect().translated(myPlace.topLeft())
+                                : myLabel == nullptr || myLabel->text().isEmpty()
+                                      ? myPlace
+                                      : QStyle::alignedRect(Qt::LeftToRight, myLabel->alignment(), myNeeds, myPlace);
+        EXPECT_TRUE(myRow.Caption.empty() || myPlace.contains(QRect(myPlace.topLeft(), myNeeds)));
+        EXPECT_TRUE(myRow.Caption == u"**" || myWidget.property("text").toString().toStdU16String() == myRow.Caption);
+        EXPECT_NE(myWidget.property("text").toString(), "**");
+        for (const auto& [myOther, myOtherInk] : myShown)
+        {
+            EXPECT_FALSE(myOther->parent() == myWidget.parent() && myOtherInk.intersects(myInk))
+                << myOther->objectName().toStdString();
+        }
+        myShown.emplace_back(&myWidget, myInk);
+    }
+    EXPECT_EQ(Control("ToolbarPlay1").toolTip() + "|" + Control("ToolbarPlay2").toolTip(),
+              "Reproducir música|Detener música");
 }
 
 TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
@@ -133,7 +209,38 @@ TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
     static char* theArguments[] = {theName, nullptr};
     const auto* const myApplication = new QApplication(theCount, theArguments);
     const QStyle* const myStyle = QApplication::style();
-    EXPECT_FALSE(myHost->CallBack({Dialog([] { Click("cmdCancel"); })}));
+    QFont myFont("Serif", 20, QFont::Bold, true);
+    myFont.setUnderline(true);
+    QApplication::setFont(myFont);
+    QApplication::setPalette(QColor(Qt::darkGray));
+    EXPECT_FALSE(myHost->CallBack({
+        Dialog(
+            []
+            {
+                ExpectLayout();
+                Pick("cmbImageFolder", "(personalizado)");
+                Pick("cmbMIDIFolder", "(personalizado)");
+                ExpectLayout();
+                EXPECT_EQ(Control("lblImage").grab().toImage().pixelColor(150, 78), QColor(Qt::white));
+                EXPECT_EQ(Preview(200, 90), QColor(Qt::white));
+                Click("lblImage");
+            }),
+        {"CommonDialog",
+         []
+         {
+             EXPECT_EQ(DialogUser::Front()->windowTitle(), "Cargar motivo de animación");
+             EXPECT_EQ(Entries("fileTypeCombo"),
+                       "Todos los formatos de imágenes|archivos GIF (*.gif)| archivos JPEG (*.jpg)");
+             QString myWords = Control<QAbstractButton>("backButton").toolTip();
+             for (const auto* const myButton : DialogUser::Front()->findChildren<QPushButton*>())
+             {
+                 myWords += "|" + myButton->text().remove('&');
+             }
+             EXPECT_EQ(myWords, "Atrás|Abrir|Cancelar");
+             static_cast<QDialog*>(DialogUser::Front())->reject();
+         }},
+        Dialog([] { Click("cmdCancel"); }),
+    }));
     EXPECT_EQ(QCoreApplication::instance(), myApplication);
     EXPECT_EQ(QApplication::style(), myStyle);
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
@@ -209,6 +316,22 @@ TEST_F(DialogTest, BrowsingShowsListsBoxesAndPreview)
             EXPECT_EQ(Preview(96, 5), QColor(Qt::white));
             EXPECT_EQ(Preview(348, 183), QColor(Qt::white));
             EXPECT_TRUE(Control("lblAnimated").isVisible());
+
+            EventCount myCursors(*DialogUser::Front(), QEvent::CursorChange); // the hourglass comes and goes
+            Control("lstImage").setFocus();
+            Key(Qt::Key_Up);
+            const int myOneRepaint = std::exchange(myCursors.Count, 0);
+            Pick("lstImage", "Vela.azul");
+            EXPECT_EQ(myCursors.Count, myOneRepaint);
+            myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(40, 30, {0, 255, 0}, true, 0));
+            Pick("lstImage", "Vela.azul");
+            EXPECT_EQ(Preview(222, 94), QColor(Qt::white)); // as it is transparent by now
+            EXPECT_EQ(myCursors.Count, 2 * myOneRepaint);
+            Pick("cmbImageFolder", "Fiestas");
+            EXPECT_EQ(Preview(222, 94), QColor(255, 0, 0)); // the stored motif again, or the first
+            EXPECT_EQ(myCursors.Count, 3 * myOneRepaint);
+            myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(350, 250, {0, 0, 255}, true));
+            Pick("lstImage", "Vela.azul");
 
             Pick("cmbImageFolder", "Solo tonos"); // has no motif: what showed before stays
             EXPECT_EQ(Entries("lstImage"), "");
@@ -380,7 +503,7 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
 
 TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
 {
-    Script("link=URL:old|from=40000|to=0");
+    Script("link=URL:old|from=40000|to=0|midifolder=(USER)|midimode=1");
     myHost->Records->Link = u"URL:new";
     EXPECT_FALSE(myHost->CallBack({
         Dialog(
@@ -402,6 +525,7 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
         Dialog(
             [&]
             {
+                EXPECT_TRUE(myFolder.Exists("data/m7.dat"));
                 myHost->Records->LinkResult = QEL_RESULT(0x800A0BADU);
                 Click("cmdSetLink");
             }),
@@ -503,6 +627,80 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
               "DateToSwitch cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2 lblImage lblMIDI");
     EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
     EXPECT_NE(Stored("from"), "0");
+}
+
+TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
+{
+    const TextView mySettings =
+        u"<pg.param name=link value=URL:x><pg.param name=from value=1><pg.param name=to value=1>";
+    myHost->Script(mySettings);
+    myHost->Records->Link = u"URL:x";
+    QStringList myPlaces;
+    myHost->CallBack({Dialog(
+        [&]
+        {
+            for (; !myPlaces.contains(QApplication::focusWidget()->objectName()); Key(Qt::Key_Tab))
+            {
+                myPlaces << QApplication::focusWidget()->objectName();
+            }
+            Key(Qt::Key_Escape);
+        })});
+    EXPECT_EQ(myPlaces.join(' ').toStdString(),
+              "cmbImageFolder cmbMIDIFolder lstImage lstMIDI chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch "
+              "DateFromDay DateToSwitch DateToDay cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2");
+    for (const QString& myPlace : myPlaces)
+    {
+        const bool myConfirms = !myPlace.startsWith("cmd") || myPlace == "cmdOK";
+        std::deque<Step> mySteps = {Dialog(
+            [&]
+            {
+                Control(qPrintable(myPlace)).setFocus();
+                Key(Qt::Key_Return);
+            })};
+        if (!myConfirms && myPlace != "cmdCancel")
+        {
+            mySteps.push_back(Dialog([] { Click("cmdCancel"); }));
+        }
+        EXPECT_EQ(myHost->CallBack(mySteps), myConfirms) << myPlace.toStdString();
+    }
+    EXPECT_EQ(Stored("showimage|playmidi|from|to"), "1|1|1|1");
+}
+
+TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
+{
+    myFolder.Write("library/Fiestas/Vals 2.mid", "second");
+    myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
+    fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
+    setenv("PATH", (myFolder.Native() + ":" + getenv("PATH")).c_str(), 1);
+    const auto Played = [&]
+    {
+        const std::string theTune = myFolder.Read("tmp/qelmid.mid");
+        fs::remove(myFolder.Native("tmp/qelmid.mid"));
+        return theTune;
+    };
+    myHost->CallBack({Dialog(
+        [&]
+        {
+            auto& myList = Control<QListWidget>("lstMIDI");
+            Pick("lstMIDI", "Vals 2");
+            EXPECT_EQ(Played(), "");
+            QTest::mouseDClick(myList.viewport(), Qt::LeftButton, {},
+                               myList.visualItemRect(myList.currentItem()).center());
+            EXPECT_EQ(Played(), "second");
+            Click("ToolbarPlay2");
+            EXPECT_EQ(Played(), "");
+            Click("ToolbarPlay1");
+            EXPECT_EQ(Played(), "second");
+            Control("ToolbarPlay1").setFocus();
+            Key(Qt::Key_Space);
+            Pick("cmbMIDIFolder", "animales");
+            EXPECT_TRUE(myFolder.Exists("tmp/qelmid.mid"));
+            QTest::mouseDClick(myList.viewport(), Qt::LeftButton);
+            EXPECT_FALSE(myFolder.Exists("tmp/qelmid.mid"));
+            Click("cmdHelp");
+            EXPECT_TRUE(QTest::qWaitFor([&] { return myFolder.Exists("asked"); }));
+            Click("cmdCancel");
+        })});
 }
 
 TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)
