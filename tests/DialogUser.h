@@ -130,22 +130,6 @@ private:
     int myWaits = 0;
 };
 
-/// Counts the events of a kind that a widget gets.
-class EventCount : public QObject
-{
-public:
-    EventCount(QWidget& myWidget, QEvent::Type myType) : myKind(myType) { myWidget.installEventFilter(this); }
-    bool eventFilter(QObject*, QEvent* myEvent) override
-    {
-        Count += myEvent->type() == myKind ? 1 : 0;
-        return false;
-    }
-    int Count = 0;
-
-private:
-    QEvent::Type myKind;
-};
-
 /// A control of the dialog.
 template <class Widget = QWidget>
 Widget& Control(const char* myName)
