@@ -12,6 +12,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
@@ -147,12 +148,14 @@ inline void Key(Qt::Key myKey)
     QTest::keyClick(myFocus != nullptr ? myFocus : DialogUser::Front(), myKey);
 }
 
-/// Picks an entry of a combo box or list as the arrow keys do.
+/// Picks an entry of a combo box from its opened list by keys, of a list by the mouse.
 inline void Pick(const char* myName, const QString& myEntry)
 {
     if (auto* const myCombo = qobject_cast<QComboBox*>(&Control(myName)))
     {
-        myCombo->setCurrentIndex(myCombo->findText(myEntry));
+        myCombo->showPopup();
+        myCombo->view()->setCurrentIndex(myCombo->model()->index(myCombo->findText(myEntry), 0));
+        QTest::keyClick(myCombo->view(), Qt::Key_Return);
         EXPECT_EQ(myCombo->currentText(), myEntry);
         return;
     }

@@ -2,10 +2,14 @@
 /// with mouse and keys.
 #include "DialogUser.h"
 #include "MadePictures.h"
+#include "resources/formLayout.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 
 #include <malloc.h>
+#include <QFontInfo>
+#include <QPushButton>
+#include <thread>
 
 namespace qel
 {
@@ -37,6 +41,9 @@ protected:
         fs::permissions(myFolder.Native("tmp"), fs::perms::owner_all);
         setenv("TMPDIR", myFolder.Native("tmp").c_str(), 1);
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
+        setenv("PULSE_SERVER", "unix:/nowhere", 1);
+        theStage.Write("help/100.html", "");
         FillLibrary();
         myHost = std::make_unique<DialogHost>(theStage.Native("QelPluginAnimation.so"));
         myHost->Records->DataFolder = FromUtf8(myFolder.Native("data/"));
@@ -106,7 +113,7 @@ protected:
     std::unique_ptr<DialogHost> myHost;
 };
 
-TEST_F(DialogTest, FailsWithoutADisplayBeforeAnythingIsTouched)
+TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
 {
     if (QCoreApplication::instance() != nullptr)
     {
@@ -117,9 +124,54 @@ TEST_F(DialogTest, FailsWithoutADisplayBeforeAnythingIsTouched)
         unsetenv(myName);
     }
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
-    EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0039U)));
-    EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(0x800A0039U));
+    const auto FailsWith = [&](uint32_t myResult)
+    {
+        EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(myResult)));
+        EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(myResult));
+    };
+    FailsWith(0x800A0039U);
+    setenv("QT_QPA_PLATFORM", "nosuch:size=1;alsono", 1);
+    FailsWith(0x800A0039U);
+    static int theCount = 0;
+    const QCoreApplication myApplication(theCount, nullptr); // one without windows, and not of the other thread
+    FailsWith(0x800A0005U);
+    std::thread(FailsWith, 0x800A0005U).join();
     EXPECT_TRUE(myFolder.Exists("tmp/qelpluginanimtemp/stale"));
+}
+
+/// Holds the controls against their table, and what shows against what lies beside it.
+void ExpectLayout()
+{
+    std::vector<std::pair<QWidget*, QRect>> myShown;
+    for (const ControlLayout& myRow : MainFormControls)
+    {
+        SCOPED_TRACE(ToUtf8(myRow.Name));
+        QWidget& myWidget = Control(ToUtf8(myRow.Name).c_str());
+        const QRect myPlace(myRow.Left / 15, myRow.Top / 15, myRow.Width / 15, myRow.Height / 15);
+        EXPECT_EQ(myWidget.geometry(), myPlace);
+        EXPECT_EQ(myWidget.accessibleName().toStdU16String(), myRow.AccessibleName);
+        EXPECT_EQ(QFontInfo(myWidget.font()).pixelSize(), 11);
+        EXPECT_EQ(myWidget.font().weight(), myRow.FontWeight);
+        EXPECT_FALSE(myWidget.font().italic());
+        const auto* const myLabel = qobject_cast<QLabel*>(&myWidget);
+        const QSize myNeeds(myWidget.sizeHint().width(), myWidget.fontMetrics().height());
+        const QRect myInk = myRow.Kind == ControlKind::DatePicker // which keeps a margin at its left
+                                ? myWidget.childrenRect().translated(myPlace.topLeft())
+                                : myLabel == nullptr || myLabel->text().isEmpty()
+                                      ? myPlace
+                                      : QStyle::alignedRect(Qt::LeftToRight, myLabel->alignment(), myNeeds, myPlace);
+        EXPECT_TRUE(myRow.Caption.empty() || myPlace.contains(QRect(myPlace.topLeft(), myNeeds)));
+        EXPECT_TRUE(myRow.Caption == u"**" || myWidget.property("text").toString().toStdU16String() == myRow.Caption);
+        for (const auto& [myOther, myOtherInk] : myShown)
+        {
+            EXPECT_FALSE(myWidget.isVisible() && myOther->isVisible() && myOther->parent() == myWidget.parent() &&
+                         myOtherInk.intersects(myInk))
+                << myOther->objectName().toStdString();
+        }
+        myShown.emplace_back(&myWidget, myInk);
+    }
+    EXPECT_EQ(Control("ToolbarPlay1").toolTip() + "|" + Control("ToolbarPlay2").toolTip(),
+              "Reproducir música|Detener música");
 }
 
 TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
@@ -133,7 +185,34 @@ TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
     static char* theArguments[] = {theName, nullptr};
     const auto* const myApplication = new QApplication(theCount, theArguments);
     const QStyle* const myStyle = QApplication::style();
-    EXPECT_FALSE(myHost->CallBack({Dialog([] { Click("cmdCancel"); })}));
+    QFont myFont("Serif", 20, QFont::Bold, true);
+    myFont.setUnderline(true);
+    QApplication::setFont(myFont);
+    QApplication::setPalette(QColor(Qt::darkGray));
+    EXPECT_FALSE(myHost->CallBack({
+        Dialog(
+            []
+            {
+                ExpectLayout();
+                Pick("cmbImageFolder", "(personalizado)");
+                Pick("cmbMIDIFolder", "(personalizado)");
+                ExpectLayout();
+                EXPECT_EQ(Control("lblImage").grab().toImage().pixelColor(150, 78), QColor(Qt::white));
+                EXPECT_EQ(Preview(200, 90), QColor(Qt::white));
+                Click("lblImage");
+            }),
+        {"CommonDialog",
+         []
+         {
+             EXPECT_EQ(DialogUser::Front()->windowTitle(), "Cargar motivo de animación");
+             EXPECT_EQ(Entries("fileTypeCombo"),
+                       "Todos los formatos de imágenes|archivos GIF (*.gif)| archivos JPEG (*.jpg)");
+             EXPECT_EQ(Control<QAbstractButton>("backButton").toolTip(), "Atrás");
+             EXPECT_EQ(DialogUser::Front()->findChild<QPushButton*>()->text().remove('&'), "Abrir");
+             static_cast<QDialog*>(DialogUser::Front())->reject();
+         }},
+        Dialog([] { Click("cmdCancel"); }),
+    }));
     EXPECT_EQ(QCoreApplication::instance(), myApplication);
     EXPECT_EQ(QApplication::style(), myStyle);
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
@@ -209,6 +288,14 @@ TEST_F(DialogTest, BrowsingShowsListsBoxesAndPreview)
             EXPECT_EQ(Preview(96, 5), QColor(Qt::white));
             EXPECT_EQ(Preview(348, 183), QColor(Qt::white));
             EXPECT_TRUE(Control("lblAnimated").isVisible());
+
+            myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(40, 30, {0, 255, 0}, true, 0));
+            Pick("lstImage", "Vela.azul");
+            EXPECT_EQ(Preview(222, 94), QColor(Qt::white)); // as it is transparent by now
+            Pick("cmbImageFolder", "Fiestas");
+            EXPECT_EQ(Preview(222, 94), QColor(255, 0, 0)); // the stored motif again, or the first
+            myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(350, 250, {0, 0, 255}, true));
+            Pick("lstImage", "Vela.azul");
 
             Pick("cmbImageFolder", "Solo tonos"); // has no motif: what showed before stays
             EXPECT_EQ(Entries("lstImage"), "");
@@ -380,7 +467,7 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
 
 TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
 {
-    Script("link=URL:old|from=40000|to=0");
+    Script("link=URL:old|from=40000|to=0|midifolder=(USER)|midimode=1");
     myHost->Records->Link = u"URL:new";
     EXPECT_FALSE(myHost->CallBack({
         Dialog(
@@ -402,6 +489,7 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
         Dialog(
             [&]
             {
+                EXPECT_TRUE(myFolder.Exists("data/m7.dat"));
                 myHost->Records->LinkResult = QEL_RESULT(0x800A0BADU);
                 Click("cmdSetLink");
             }),
@@ -462,14 +550,12 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
     myFolder.Write("mine.gif", Gif(30, 20));
     myFolder.Write("mine.mid", "my tune");
     myHost->Records->Link = u"URL:x";
-    QStringList myPlaces;
-    const auto TabTo = [&](const QString& myPlace)
+    const auto TabTo = [](const char* myPlace)
     {
-        do
+        for (int i = 0; i < 20 && QApplication::focusWidget() != &Control(myPlace); ++i)
         {
             Key(Qt::Key_Tab);
-            myPlaces << QApplication::focusWidget()->objectName();
-        } while (myPlaces.back() != myPlace && myPlaces.size() < 50);
+        }
     };
     EXPECT_TRUE(myHost->CallBack({
         Dialog(
@@ -497,12 +583,69 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
         File(myFolder.Native("mine.mid")),
         Dialog([] { Key(Qt::Key_Return); }),
     }));
-    EXPECT_EQ(myPlaces.join(' ').toStdString(),
-              "cmbMIDIFolder chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch DateFromDay "
-
-              "DateToSwitch cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2 lblImage lblMIDI");
     EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
     EXPECT_NE(Stored("from"), "0");
+}
+
+TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
+{
+    const QStringList myPlaces =
+        QString("cmbImageFolder cmbMIDIFolder lstImage lstMIDI chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch "
+                "DateFromDay DateToSwitch DateToDay cmdHelp cmdOK cmdCancel ToolbarPlay1 ToolbarPlay2")
+            .split(' ');
+    for (const QString& myPlace : myPlaces)
+    {
+        const bool myConfirms = !myPlace.startsWith("cmd") || myPlace == "cmdOK";
+        Script("link=URL:x|from=1|to=1");
+        const auto Press = [&]
+        {
+            EXPECT_EQ(QApplication::focusWidget()->objectName(), myPlaces.front());
+            std::for_each(myPlaces.begin(), std::find(myPlaces.begin(), myPlaces.end(), myPlace),
+                          [](const QString&) { Key(Qt::Key_Tab); });
+            EXPECT_EQ(QApplication::focusWidget()->objectName(), myPlace);
+            Key(Qt::Key_Return);
+            if (DialogUser::Front() != nullptr)
+            {
+                Key(Qt::Key_Escape);
+            }
+        };
+        EXPECT_EQ(myHost->CallBack({Dialog(Press)}), myConfirms) << myPlace.toStdString();
+    }
+    EXPECT_EQ(Stored("showimage|playmidi|from|to"), "1|1|1|1");
+}
+
+TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
+{
+    myFolder.Write("library/Fiestas/Vals 2.mid", "second");
+    myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
+    fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
+    setenv("PATH", (myFolder.Native() + ":" + getenv("PATH")).c_str(), 1);
+    const auto Played = [&]
+    {
+        const std::string theTune = myFolder.Read("tmp/qelmid.mid");
+        fs::remove(myFolder.Native("tmp/qelmid.mid"));
+        return theTune;
+    };
+    myHost->CallBack({Dialog(
+        [&]
+        {
+            auto& myList = Control<QListWidget>("lstMIDI");
+            QTest::mouseDClick(myList.viewport(), Qt::LeftButton, {},
+                               myList.visualItemRect(myList.currentItem()).center());
+            EXPECT_EQ(Played(), "second");
+            Click("ToolbarPlay2");
+            EXPECT_EQ(Played(), "");
+            Control("ToolbarPlay1").setFocus();
+            Key(Qt::Key_Space);
+            EXPECT_EQ(Played(), "second");
+            Click("ToolbarPlay1");
+            Pick("cmbMIDIFolder", "animales");
+            QTest::mouseDClick(myList.viewport(), Qt::LeftButton);
+            EXPECT_FALSE(myFolder.Exists("tmp/qelmid.mid"));
+            Click("cmdHelp");
+            EXPECT_TRUE(QTest::qWaitFor([&] { return myFolder.Exists("asked"); }));
+            Click("cmdCancel");
+        })});
 }
 
 TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)

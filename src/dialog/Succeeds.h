@@ -3,7 +3,7 @@
 
 #include "text/errors.h"
 
-#include <new>
+#include <exception>
 
 namespace qel
 {
@@ -21,7 +21,7 @@ bool Succeeds(Operation myOperation)
     {
         return false;
     }
-    catch (const std::bad_alloc&)
+    catch (const std::exception&) // no memory, for one
     {
         return false;
     }

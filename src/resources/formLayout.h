@@ -1,6 +1,7 @@
 /// The settings dialog as data: every control with its place, texts and looks. Lengths are in twips, 15 to the pixel.
 #pragma once
 
+#include "text/dates.h"
 #include "text/text.h"
 
 #include <array>
@@ -12,11 +13,11 @@ namespace qel
 enum class ControlKind : uint8_t
 {
     ComboBox,   ///< picked from, not typed into
-    PictureBox, ///< sunken border, white
+    PictureBox, ///< sunken border
     ListBox,    ///< one selection, unsorted
     CheckBox,
     Button,
-    DatePicker, ///< with a check box, short date format
+    DatePicker, ///< with a check box
     Label,
     ToolBar,
     Image
@@ -28,11 +29,26 @@ enum class ControlTrait : uint8_t
     None,
     DefaultButton, ///< Enter presses it
     CancelButton,  ///< Escape presses it
-    Emphasised,    ///< bold, black and right-aligned
-    HandCursor     ///< on white, with the pointing hand over it
+    HandCursor     ///< the pointing hand of pictures.h is over it, and it can be clicked
 };
 
-/// One control. `Parent` is the picture box that it lies in and is placed by, or empty.
+/// Colours are 0xRRGGBB.
+inline constexpr uint32_t White = 0xFFFFFF;
+inline constexpr uint32_t Black = 0x000000;
+inline constexpr uint32_t Face = 0xEFEFEF; ///< of the form, and of what has no ground of its own
+
+/// Weights of the font.
+inline constexpr int32_t Regular = 400;
+inline constexpr int32_t Bold = 700;
+
+enum class TextSide : uint8_t
+{
+    Left,
+    Right
+};
+
+/// One control. `Parent` is the picture box that it lies in, or empty; its place counts from the outer corner of that
+/// box, border included. The colours are those of boxes and labels; what is picked from or pressed has the toolkit's.
 struct ControlLayout
 {
     int32_t TabIndex; ///< -1: none
@@ -46,6 +62,10 @@ struct ControlLayout
     TextView Parent;
     ControlTrait Trait;
     TextView AccessibleName; ///< what a screen reader calls it where the caption does not tell
+    uint32_t BackColour = Face;
+    uint32_t ForeColour = Black;
+    int32_t FontWeight = Regular;
+    TextSide Side = TextSide::Left;
 };
 
 inline constexpr int32_t TwipsPerPixel = 15;
@@ -59,6 +79,8 @@ struct FormLayout
     int32_t HelpContextID = 100;
     TextView FontName = u"Tahoma";
     double FontPoints = 8.25; ///< 11 pixels
+    uint32_t BackColour = Face;
+    uint32_t ForeColour = Black;
 };
 
 inline constexpr FormLayout MainFormLayout;
@@ -69,7 +91,8 @@ inline constexpr std::array<ControlLayout, 27> MainFormControls = {{
      u"Carpeta de motivos"},
     {1, u"cmbMIDIFolder", ControlKind::ComboBox, u"", 3720, 480, 3255, 315, u"", ControlTrait::None,
      u"Carpeta de músicas"},
-    {2, u"picPreview", ControlKind::PictureBox, u"", 240, 3480, 6735, 2895, u"", ControlTrait::None, u"Vista previa"},
+    {2, u"picPreview", ControlKind::PictureBox, u"", 240, 3480, 6735, 2895, u"", ControlTrait::None, u"Vista previa",
+     White},
     {3, u"lstImage", ControlKind::ListBox, u"", 240, 960, 3255, 1620, u"", ControlTrait::None, u"Motivos"},
     {4, u"lstMIDI", ControlKind::ListBox, u"", 3720, 960, 3255, 1620, u"", ControlTrait::None, u"Músicas"},
     {5, u"chkImage", ControlKind::CheckBox, u"Reproducir animación", 240, 2760, 2295, 255, u"", ControlTrait::None,
@@ -89,22 +112,36 @@ inline constexpr std::array<ControlLayout, 27> MainFormControls = {{
     {15, u"Label2", ControlKind::Label, u"Música:", 3720, 240, 2295, 375, u"", ControlTrait::None, u""},
     {16, u"ToolbarPlay", ControlKind::ToolBar, u"", 6240, 2760, 840, 330, u"", ControlTrait::None,
      u"Reproducción de la música"},
-    {17, u"lblAnimated", ControlKind::Label, u"Motivo animado", 4320, 3240, 2655, 255, u"", ControlTrait::Emphasised,
-     u""},
+    {17, u"lblAnimated", ControlKind::Label, u"Motivo animado", 4320, 3240, 2655, 255, u"", ControlTrait::None, u"",
+     Face, Black, Bold, TextSide::Right},
     {18, u"Label3", ControlKind::Label, u"Vista previa:", 240, 3240, 2295, 375, u"", ControlTrait::None, u""},
     {19, u"picImage", ControlKind::PictureBox, u"", 240, 960, 3255, 1620, u"", ControlTrait::None,
-     u"Importación de un motivo"},
-    {20, u"lblImage", ControlKind::Label, u"**", 720, 180, 2295, 1215, u"picImage", ControlTrait::HandCursor, u""},
+     u"Importación de un motivo", White},
+    {20, u"lblImage", ControlKind::Label, u"**", 720, 180, 2295, 1215, u"picImage", ControlTrait::HandCursor, u"",
+     White},
     {21, u"picMIDI", ControlKind::PictureBox, u"", 3720, 960, 3255, 1620, u"", ControlTrait::None,
-     u"Importación de una música"},
-    {22, u"lblMIDI", ControlKind::Label, u"**", 720, 180, 2295, 1215, u"picMIDI", ControlTrait::HandCursor, u""},
+     u"Importación de una música", White},
+    {22, u"lblMIDI", ControlKind::Label, u"**", 720, 180, 2295, 1215, u"picMIDI", ControlTrait::HandCursor, u"", White},
     {23, u"Label4", ControlKind::Label, u"Representación desde:", 120, 7245, 1695, 255, u"", ControlTrait::None, u""},
     {24, u"Label5", ControlKind::Label, u"hasta", 4200, 7245, 1455, 255, u"", ControlTrait::None, u""},
     {-1, u"imgImage", ControlKind::Image, u"", 120, 180, 480, 480, u"picImage", ControlTrait::None, u""},
     {-1, u"imgMIDI", ControlKind::Image, u"", 120, 180, 480, 480, u"picMIDI", ControlTrait::None, u""},
 }};
 
-/// The buttons of ToolbarPlay, in their order from 1.
+/// What both date pickers share: the days that they can show, and how they show one.
+struct DatePickerLayout
+{
+    CalendarDay First = {1601, 1, 1};
+    CalendarDay Last = {9999, 12, 31};
+    TextView Format = u"dd/MM/yyyy";
+};
+
+inline constexpr DatePickerLayout PeriodPickers;
+
+/// The buttons of ToolbarPlay, in their order from 1. Each is as high as the tool bar.
+inline constexpr int32_t ToolButtonWidth = 360;
+inline constexpr int32_t ToolImageSide = 240;
+
 struct ToolButtonLayout
 {
     int32_t Image; ///< 1: a black triangle that points right; 2: a black square

@@ -3,6 +3,7 @@
 #include "platform/linux/Descriptor.h"
 #include "text/errors.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstring>
 #include <memory>
@@ -22,6 +23,20 @@ namespace qel
 namespace
 {
 
+/// True when the toolkit's part for a display system lies in one of the folders that it looks into.
+bool IsInstalled(const QString& mySystem)
+{
+    QStringList myFolders = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH").split(':', Qt::SkipEmptyParts);
+    for (const QString& myFolder : QCoreApplication::libraryPaths())
+    {
+        myFolders << myFolder + "/platforms";
+    }
+    // There are several for the one system that is told apart by how it draws.
+    const QString myFile = "libq" + mySystem.toLower() + (mySystem == "wayland" ? "*.so" : ".so");
+    return std::ranges::any_of(myFolders, [&](const QString& myFolder)
+                               { return !QDir(myFolder).entryList({myFile}, QDir::Files).isEmpty(); });
+}
+
 bool XDisplayAnswers()
 {
     struct Closer
@@ -32,7 +47,7 @@ bool XDisplayAnswers()
     return xcb_connection_has_error(myConnection.get()) == 0;
 }
 
-/// True when the compositor's socket takes a connection and the toolkit's part for it is installed.
+/// True when the compositor's socket takes a connection.
 bool WaylandDisplayAnswers()
 {
     const QString mySocket =
@@ -46,18 +61,21 @@ bool WaylandDisplayAnswers()
     myAddress.sun_family = AF_UNIX;
     std::memcpy(static_cast<char*>(myAddress.sun_path), myPath.c_str(), myPath.size() + 1);
     const Descriptor myClient(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const QDir myPlugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
-    return connect(myClient.Handle(), reinterpret_cast<const sockaddr*>(&myAddress), sizeof myAddress) == 0 &&
-           !myPlugins.entryList({"libqwayland*.so"}, QDir::Files).isEmpty();
+    return connect(myClient.Handle(), reinterpret_cast<const sockaddr*>(&myAddress), sizeof myAddress) == 0;
 }
 
 /// Without a display the toolkit ends the process, so it is asked for beforehand. The toolkit goes through the same
 /// list of display systems and takes the first that works; one that needs no display at all always does.
 bool DisplayAnswers()
 {
-    const QString myChoice = qEnvironmentVariable("QT_QPA_PLATFORM", "wayland;xcb");
-    for (const QString& mySystem : myChoice.split(';'))
+    const QString mySet = qEnvironmentVariable("QT_QPA_PLATFORM");
+    for (const QString& myChoice : (mySet.isEmpty() ? QString("wayland;xcb") : mySet).split(';'))
     {
+        const QString mySystem = myChoice.section(':', 0, 0); // what follows are its options
+        if (!IsInstalled(mySystem))
+        {
+            continue;
+        }
         if (mySystem.startsWith("xcb")       ? XDisplayAnswers()
             : mySystem.startsWith("wayland") ? WaylandDisplayAnswers()
                                              : true)
@@ -81,15 +99,20 @@ private:
     std::string myLocale;
 };
 
-/// The toolkit's own texts, those of the file dialog above all, follow the language of the dialog and not the user's.
-void InstallSpanishTexts()
+/// The toolkit's own texts in Spanish; null where they are not installed. Kept, as the application object is.
+QTranslator* ToolkitTranslator()
 {
-    auto myTexts = std::make_unique<QTranslator>();
-    if (myTexts->load("qtbase_es", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+    static QTranslator* const theTexts = []() -> QTranslator*
     {
-        QCoreApplication::installTranslator(myTexts.release());
-    }
+        auto myTexts = std::make_unique<QTranslator>();
+        return myTexts->load("qtbase_es", QLibraryInfo::path(QLibraryInfo::TranslationsPath)) ? myTexts.release()
+                                                                                              : nullptr;
+    }();
+    return theTexts;
 }
+
+/// True when the application object is the one that MakeApplication has made.
+bool theApplicationIsOurs = false;
 
 void MakeApplication()
 {
@@ -102,10 +125,21 @@ void MakeApplication()
     new QApplication(theCount, theArguments);
     QApplication::setStyle("Fusion");
     QApplication::setQuitOnLastWindowClosed(false);
-    InstallSpanishTexts();
+    QCoreApplication::installTranslator(ToolkitTranslator());
+    theApplicationIsOurs = true;
 }
 
 } // namespace
+
+SpanishTexts::SpanishTexts() : myTexts(theApplicationIsOurs ? nullptr : ToolkitTranslator())
+{
+    QCoreApplication::installTranslator(myTexts);
+}
+
+SpanishTexts::~SpanishTexts()
+{
+    QCoreApplication::removeTranslator(myTexts);
+}
 
 void DemandApplication()
 {

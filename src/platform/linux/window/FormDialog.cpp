@@ -21,9 +21,6 @@ namespace qel
 namespace
 {
 
-constexpr int ToolButtonWidth = 24;
-constexpr int ToolImageSize = 16;
-
 int Pixels(int32_t myTwips)
 {
     return myTwips / TwipsPerPixel;
@@ -50,17 +47,7 @@ QWidget* MakeLabel(const ControlLayout& myLayout, QWidget* myParent)
     }
     auto* const theLabel = new QLabel(ToToolkit(myLayout.Caption), myParent);
     theLabel->setTextFormat(Qt::PlainText);
-    theLabel->setAlignment(Qt::AlignTop | Qt::AlignLeft);
-    if (myLayout.Trait == ControlTrait::Emphasised)
-    {
-        QFont myFont = FormFont();
-        myFont.setBold(true);
-        theLabel->setFont(myFont);
-        QPalette myColours = theLabel->palette();
-        myColours.setColor(QPalette::WindowText, Qt::black);
-        theLabel->setPalette(myColours);
-        theLabel->setAlignment(Qt::AlignTop | Qt::AlignRight);
-    }
+    theLabel->setAlignment(Qt::AlignTop | (myLayout.Side == TextSide::Right ? Qt::AlignRight : Qt::AlignLeft));
     return theLabel;
 }
 
@@ -80,10 +67,10 @@ QWidget* MakeToolBar(const ControlLayout& myLayout, QWidget* myParent)
         theButton->setObjectName(ToToolkit(myLayout.Name) + QString::number(myIndex + 1));
         theButton->setAutoRaise(true);
         theButton->setIcon(PixmapOf(myButton.Image == 1 ? PlayPicture : StopPicture));
-        theButton->setIconSize({ToolImageSize, ToolImageSize});
+        theButton->setIconSize({Pixels(ToolImageSide), Pixels(ToolImageSide)});
         theButton->setToolTip(ToToolkit(myButton.ToolTip));
         theButton->setAccessibleName(theButton->toolTip());
-        theButton->setGeometry(myIndex * ToolButtonWidth, 0, ToolButtonWidth, Pixels(myLayout.Height));
+        theButton->setGeometry(myIndex * Pixels(ToolButtonWidth), 0, Pixels(ToolButtonWidth), Pixels(myLayout.Height));
         ++myIndex;
     }
     return theBar;
@@ -123,6 +110,26 @@ QWidget* MakeWidget(const ControlLayout& myLayout, QWidget* myParent)
         break;
     }
     return new QLabel(myParent);
+}
+
+/// Gives a control the colours and the weight of its row. What is as in the form comes from the form.
+void SetLook(QWidget& theWidget, const ControlLayout& myLayout)
+{
+    QPalette myColours;
+    myColours.setColor(QPalette::WindowText, QColor(myLayout.ForeColour));
+    if (myLayout.BackColour != MainFormLayout.BackColour)
+    {
+        myColours.setColor(QPalette::Window, QColor(myLayout.BackColour));
+        theWidget.setAutoFillBackground(true);
+    }
+    if (myLayout.Kind == ControlKind::PictureBox || myLayout.Kind == ControlKind::Label)
+    {
+        theWidget.setPalette(myColours);
+    }
+    if (myLayout.FontWeight != Regular)
+    {
+        theWidget.setFont(FormFont(myLayout.FontWeight));
+    }
 }
 
 /// Where the focus goes in a control, in its order.
@@ -206,6 +213,21 @@ void FormDialog::keyPressEvent(QKeyEvent* myEvent)
     QDialog::keyPressEvent(myEvent);
 }
 
+bool FormDialog::eventFilter(QObject* myPlace, QEvent* myEvent)
+{
+    const auto* const myKeyEvent = myEvent->type() == QEvent::KeyPress ? static_cast<QKeyEvent*>(myEvent) : nullptr;
+    if (myKeyEvent == nullptr || (myKeyEvent->key() != Qt::Key_Return && myKeyEvent->key() != Qt::Key_Enter))
+    {
+        return QDialog::eventFilter(myPlace, myEvent);
+    }
+    if (auto* const myDay = dynamic_cast<QDateEdit*>(myPlace))
+    {
+        myDay->interpretText(); // which Enter would have made it do
+    }
+    keyPressEvent(static_cast<QKeyEvent*>(myEvent));
+    return true;
+}
+
 bool FormDialog::event(QEvent* myEvent)
 {
     const bool theResult = QDialog::event(myEvent);
@@ -230,6 +252,7 @@ void FormDialog::Add(const ControlLayout& myLayout)
     theWidget->setAccessibleName(ToToolkit(myLayout.AccessibleName));
     theWidget->setGeometry(Pixels(myLayout.Left), Pixels(myLayout.Top), Pixels(myLayout.Width),
                            Pixels(myLayout.Height));
+    SetLook(*theWidget, myLayout);
 }
 
 void FormDialog::SetTabOrder()
@@ -244,6 +267,11 @@ void FormDialog::SetTabOrder()
                 setTabOrder(myLast, myPlace);
             }
             myLast = myPlace;
+            // A button takes Enter for itself, as a person expects of it; anything else may, on some desktops.
+            if (dynamic_cast<QPushButton*>(myPlace) == nullptr)
+            {
+                myPlace->installEventFilter(this);
+            }
         }
     }
 }

@@ -29,6 +29,8 @@ public:
 protected:
     void keyPressEvent(QKeyEvent* myEvent) override;
     bool event(QEvent* myEvent) override;
+    /// Leads Enter to this window from the places where it is to press the default button.
+    bool eventFilter(QObject* myPlace, QEvent* myEvent) override;
 
 private:
     QWidget& Find(TextView myName) const;

@@ -137,7 +137,11 @@ public:
 private:
     bool Connect(const AudioOutput& myOutput)
     {
-        myCalls.SetText(mySettings.get(), "audio.driver", myOutput.Driver.c_str());
+        // Where a driver is not built in, the library would take one of its own choice.
+        if (myCalls.SetText(mySettings.get(), "audio.driver", myOutput.Driver.c_str()) != FLUID_OK)
+        {
+            return false;
+        }
         myCalls.SetText(mySettings.get(), "audio.file.name", myOutput.Filename.c_str());
         myDriver.reset(myCalls.NewDriver(mySettings.get(), mySynth.get()));
         return myDriver != nullptr;

@@ -25,6 +25,47 @@ QStyle& FormStyle()
     return *theStyle;
 }
 
+struct RoleColour
+{
+    QPalette::ColorRole Role;
+    QColor Colour;
+    QColor Disabled;
+};
+
+/// The light colours of the toolkit's style, to the last shade but our own: the style's follow the desktop, which may
+/// be a dark one. Where the application has the same, all windows share what the style has drawn in them.
+QPalette FormPalette()
+{
+    const QColor myFore(MainFormLayout.ForeColour);
+    const QColor myFace(MainFormLayout.BackColour);
+    const QColor myPale(0xBEBEBE);
+    const QColor myWhite(White);
+    const QColor myMid = myFace.darker(130);
+    const QColor myDark = myFace.darker(150);
+    const QColor myShadow = myDark.darker(135);
+    QPalette thePalette(myFore, myFace, myFace.lighter(150), myDark, myMid, myFore, myWhite);
+    const RoleColour myColours[] = {
+        {QPalette::WindowText, myFore, myPale},
+        {QPalette::Text, myFore, myPale},
+        {QPalette::ButtonText, myFore, myPale},
+        {QPalette::Base, myWhite, myFace},
+        {QPalette::Midlight, myMid.lighter(110), myMid.lighter(110)},
+        {QPalette::Dark, myDark, QColor(0xD1D1D1).darker(110)},
+        {QPalette::Shadow, myShadow, myShadow.lighter(150)},
+        {QPalette::Highlight, QColor(0x308CC6), QColor(0x919191)},
+        {QPalette::HighlightedText, myWhite, myWhite},
+    };
+    for (const RoleColour& myColour : myColours)
+    {
+        thePalette.setColor(myColour.Role, myColour.Colour);
+        thePalette.setColor(QPalette::Disabled, myColour.Role, myColour.Disabled);
+    }
+    QColor myFaint = myFore;
+    myFaint.setAlpha(128);
+    thePalette.setColor(QPalette::PlaceholderText, myFaint);
+    return thePalette;
+}
+
 QRgb ColourOf(char mySign)
 {
     const auto* const myColour = std::ranges::find(PixelColours, mySign, &PixelColour::Sign);
@@ -46,12 +87,22 @@ QPixmap Drawn(std::span<const std::string_view> myRows)
 
 } // namespace
 
-QFont FormFont()
+QFont FormFont(int32_t myWeight)
 {
     QFont theFont;
     // The two others are as narrow as the first, which most systems do not have.
     theFont.setFamilies({ToToolkit(MainFormLayout.FontName), "DejaVu Sans Condensed", "Liberation Sans"});
     theFont.setPixelSize(qRound(MainFormLayout.FontPoints * PixelsPerPoint));
+    // What is not said comes from the font of the host or of the desktop.
+    theFont.setWeight(static_cast<QFont::Weight>(myWeight));
+    theFont.setItalic(false);
+    theFont.setUnderline(false);
+    theFont.setOverline(false);
+    theFont.setStrikeOut(false);
+    theFont.setStretch(QFont::AnyStretch); // a narrow family is one of another stretch
+    theFont.setCapitalization(QFont::MixedCase);
+    theFont.setLetterSpacing(QFont::AbsoluteSpacing, 0);
+    theFont.setWordSpacing(0);
     return theFont;
 }
 
@@ -59,7 +110,7 @@ void Dress(QWidget& theWindow)
 {
     theWindow.setLocale(QLocale(QLocale::Spanish, QLocale::Spain));
     theWindow.setFont(FormFont());
-    theWindow.setPalette(FormStyle().standardPalette());
+    theWindow.setPalette(FormPalette());
     theWindow.setAttribute(Qt::WA_QuitOnClose, false);
     // Where the host owns the application object the style is the host's, and a widget does not hand its own down.
     if (QApplication::style()->name() != FormStyle().name())

@@ -14,14 +14,18 @@ namespace qel
 ToolkitComboBox::ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick)
     : myWidget(myComboBox), myEvents(myRoad), myHandler(myClick)
 {
-    QObject::connect(&myWidget, &QComboBox::currentIndexChanged, &myWidget,
-                     [this] { myEvents.CallFromToolkit(myHandler); });
+    // This tells of every pick of the user's, by mouse, key or wheel, also of the entry that is selected already.
+    QObject::connect(&myWidget, &QComboBox::activated, &myWidget, [this] { myEvents.CallFromToolkit(myHandler); });
+}
+
+ToolkitComboBox::~ToolkitComboBox()
+{
+    myWidget.blockSignals(true);
 }
 
 void ToolkitComboBox::AddItem(TextView myText)
 {
     // The toolkit selects the first entry that comes in.
-    const QSignalBlocker myBlocker(myWidget);
     const int myIndex = myWidget.currentIndex();
     myWidget.addItem(ToToolkit(myText));
     myWidget.setCurrentIndex(myIndex);
@@ -29,11 +33,7 @@ void ToolkitComboBox::AddItem(TextView myText)
 
 void ToolkitComboBox::ListIndex(int32_t myIndex)
 {
-    // The toolkit tells of changes alone, so it is kept quiet and the handler is called for every write.
-    {
-        const QSignalBlocker myBlocker(myWidget);
-        myWidget.setCurrentIndex(myIndex);
-    }
+    myWidget.setCurrentIndex(myIndex);
     myEvents.Call(myHandler);
 }
 
@@ -45,12 +45,20 @@ Text ToolkitComboBox::SelectedText()
 ToolkitListBox::ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick)
     : myWidget(myList), myEvents(myRoad), myHandler(myClick)
 {
-    QObject::connect(&myWidget, &QListWidget::itemSelectionChanged, &myWidget,
-                     [this] { myEvents.CallFromToolkit(myHandler); });
+    myWidget.Picked = [this]
+    {
+        myEvents.CallFromToolkit(myHandler);
+    };
     myWidget.DoubleClicked = [this, myDoubleClick]
     {
         myEvents.CallFromToolkit(myDoubleClick);
     };
+}
+
+ToolkitListBox::~ToolkitListBox()
+{
+    myWidget.Picked = nullptr;
+    myWidget.DoubleClicked = nullptr;
 }
 
 void ToolkitListBox::AddItem(TextView myText)
@@ -60,6 +68,7 @@ void ToolkitListBox::AddItem(TextView myText)
 
 void ToolkitListBox::ListIndex(int32_t myIndex)
 {
+    // The toolkit tells of changes alone, so it is kept quiet and the handler is called for every write.
     {
         const QSignalBlocker myBlocker(myWidget);
         if (myIndex == -1)

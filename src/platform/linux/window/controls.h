@@ -54,6 +54,10 @@ class ToolkitComboBox final : public ComboBox
 {
 public:
     ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick);
+    /// The widget outlives this object, and leads nowhere from then on.
+    ~ToolkitComboBox() override;
+    ToolkitComboBox(const ToolkitComboBox&) = delete;
+    ToolkitComboBox& operator=(const ToolkitComboBox&) = delete;
 
     void AddItem(TextView myText) override;
     int32_t ListCount() override { return myWidget.count(); }
@@ -71,6 +75,10 @@ class ToolkitListBox final : public ListBox
 {
 public:
     ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick);
+    /// The widget outlives this object, and leads nowhere from then on.
+    ~ToolkitListBox() override;
+    ToolkitListBox(const ToolkitListBox&) = delete;
+    ToolkitListBox& operator=(const ToolkitListBox&) = delete;
 
     void AddItem(TextView myText) override;
     int32_t ListCount() override { return myWidget.count(); }

@@ -2,6 +2,7 @@
 
 #include "platform/linux/NativePath.h"
 #include "platform/linux/window/appearance.h"
+#include "platform/linux/window/Application.h"
 #include "platform/linux/window/toolkitText.h"
 #include "resources/stringTable.h"
 
@@ -75,9 +76,11 @@ std::optional<Text> ShowOpenDialog(QWidget* myOwner, const FileDialogSettings& m
 {
     static QString theLastFolder = QDir::homePath();
 
+    const SpanishTexts myTexts;
     QFileDialog theDialog(myOwner, ToToolkit(mySettings.DialogTitle), theLastFolder);
     theDialog.setObjectName("CommonDialog");
     theDialog.setOption(QFileDialog::DontUseNativeDialog);
+    theDialog.setOption(QFileDialog::ReadOnly); // it is for choosing, and not for renaming or deleting
     theDialog.setFileMode(QFileDialog::ExistingFile);
     for (const DialogText& myText : FileDialogTexts)
     {
@@ -90,7 +93,7 @@ std::optional<Text> ShowOpenDialog(QWidget* myOwner, const FileDialogSettings& m
         return std::nullopt;
     }
     theLastFolder = theDialog.directory().absolutePath();
-    return LogicalPath(theDialog.selectedFiles().front().toStdString());
+    return LogicalPath(theDialog.selectedFiles().front().toStdString()).value_or(Text());
 }
 
 } // namespace qel

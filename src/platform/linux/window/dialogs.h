@@ -11,8 +11,9 @@ namespace qel
 /// Shows a message over a window, or over none. Gives PressedOK or PressedCancel.
 int32_t ShowMessage(QWidget* myOwner, TextView myText, int32_t myStyle);
 
-/// Lets the user choose an existing file, by name also one that the filter leaves out; nothing when they cancel, or
-/// when the logic has no way to write the file's path. Begins in the folder of the last choice of this process.
+/// Lets the user choose an existing file, by name also one that the filter leaves out; nothing when they cancel. The
+/// empty text, which no file has, stands for one whose path the logic has no way to write. Begins in the folder of the
+/// last choice of this process.
 std::optional<Text> ShowOpenDialog(QWidget* myOwner, const FileDialogSettings& mySettings);
 
 } // namespace qel

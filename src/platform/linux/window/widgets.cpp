@@ -1,5 +1,7 @@
 #include "platform/linux/window/widgets.h"
 
+#include "platform/linux/window/toolkitText.h"
+#include "resources/formLayout.h"
 #include "text/errors.h"
 
 #include <cmath>
@@ -17,9 +19,10 @@ constexpr int BorderWidth = 2;
 constexpr int SwitchWidth = 18;
 constexpr int SwitchInset = 3; ///< what leaves room for the frame that shows the focus
 
-// The calendar's own day 0, and the days that a picker can show.
-const QDate FirstDay(1601, 1, 1);
-const QDate LastDay(9999, 12, 31);
+QDate ToToolkitDay(CalendarDay myDay)
+{
+    return {myDay.Year, myDay.Month, myDay.Day};
+}
 
 Date ToDate(QDate myDay)
 {
@@ -31,6 +34,7 @@ Date ToDate(QDate myDay)
 SelectionList::SelectionList(QWidget* myParent) : QListWidget(myParent)
 {
     setUniformItemSizes(true);
+    connect(this, &QListWidget::itemSelectionChanged, this, &SelectionList::Pick);
 }
 
 int SelectionList::SelectedRow() const
@@ -53,6 +57,17 @@ void SelectionList::focusInEvent(QFocusEvent* myEvent)
     }
 }
 
+void SelectionList::mousePressEvent(QMouseEvent* myEvent)
+{
+    const int mySelected = SelectedRow();
+    QListWidget::mousePressEvent(myEvent);
+    // The toolkit tells of changes alone.
+    if (myEvent->button() == Qt::LeftButton && mySelected != -1 && indexAt(myEvent->pos()).row() == mySelected)
+    {
+        Pick();
+    }
+}
+
 void SelectionList::mouseDoubleClickEvent(QMouseEvent* myEvent)
 {
     QListWidget::mouseDoubleClickEvent(myEvent);
@@ -62,16 +77,25 @@ void SelectionList::mouseDoubleClickEvent(QMouseEvent* myEvent)
     }
 }
 
+void SelectionList::Pick()
+{
+    if (Picked)
+    {
+        Picked();
+    }
+}
+
 ClickLabel::ClickLabel(QWidget* myParent) : QAbstractButton(myParent)
 {
     setFocusPolicy(Qt::TabFocus);
+    setBackgroundRole(QPalette::Window);
+    setForegroundRole(QPalette::WindowText);
 }
 
 void ClickLabel::paintEvent(QPaintEvent*)
 {
     QPainter myPainter(this);
-    myPainter.fillRect(rect(), palette().color(QPalette::Base));
-    myPainter.setPen(palette().color(QPalette::Text));
+    myPainter.setPen(palette().color(foregroundRole()));
     myPainter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, text());
     if (hasFocus())
     {
@@ -85,8 +109,8 @@ DateField::DateField(QWidget* myParent)
     : QWidget(myParent), mySwitch(this), myDay(this), myDate(ToDate(QDate::currentDate()))
 {
     myDay.setTimeSpec(Qt::UTC); // no day without a midnight
-    myDay.setDateRange(FirstDay, LastDay);
-    myDay.setDisplayFormat("dd/MM/yyyy");
+    myDay.setDateRange(ToToolkitDay(PeriodPickers.First), ToToolkitDay(PeriodPickers.Last));
+    myDay.setDisplayFormat(ToToolkit(PeriodPickers.Format));
     myDay.setCalendarPopup(true);
     myDay.setDate(QDate::currentDate());
     myDay.setEnabled(false);
@@ -103,8 +127,9 @@ DateField::DateField(QWidget* myParent)
     setFocusProxy(&mySwitch);
 }
 
-std::optional<Date> DateField::Value() const
+std::optional<Date> DateField::Value()
 {
+    myDay.interpretText(); // an access key leaves the focus, and so a day that is being typed, where it is
     return mySwitch.isChecked() ? std::optional(myDate) : std::nullopt;
 }
 
@@ -112,9 +137,8 @@ void DateField::SetValue(std::optional<Date> myNewDate)
 {
     if (myNewDate)
     {
-        const CalendarDay myNewDay = DayOfDate(*myNewDate);
-        const QDate myShown(myNewDay.Year, myNewDay.Month, myNewDay.Day);
-        if (myShown < FirstDay || myShown > LastDay)
+        const QDate myShown = ToToolkitDay(DayOfDate(*myNewDate));
+        if (myShown < myDay.minimumDate() || myShown > myDay.maximumDate())
         {
             Raise(ErrorNumber::InvalidArgument);
         }
@@ -135,8 +159,6 @@ PictureFrame::PictureFrame(QWidget* myParent) : QLabel(myParent)
 {
     setFrameStyle(static_cast<int>(QFrame::WinPanel) | static_cast<int>(QFrame::Sunken));
     setLineWidth(BorderWidth);
-    setBackgroundRole(QPalette::Base);
-    setAutoFillBackground(true);
 }
 
 void PictureFrame::Clear()
@@ -154,7 +176,7 @@ void PictureFrame::Paint(const QImage& myPicture, QPoint myCorner)
 QImage PictureFrame::Canvas() const
 {
     QImage theCanvas(InnerSize(), QImage::Format_RGB32);
-    theCanvas.fill(Qt::white);
+    theCanvas.fill(palette().color(backgroundRole()));
     if (const QPixmap myPainted = pixmap(); !myPainted.isNull())
     {
         QPainter(&theCanvas).drawPixmap(0, 0, myPainted);

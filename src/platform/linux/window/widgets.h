@@ -20,6 +20,9 @@ class SelectionList final : public QListWidget
 public:
     explicit SelectionList(QWidget* myParent);
 
+    /// Runs at every pick of the user's, once, and also when the entry is the one that was selected before; for what a
+    /// program selects as well, unless signals are blocked.
+    std::function<void()> Picked;
     /// Runs at every double click, on an entry or beside the entries.
     std::function<void()> DoubleClicked;
 
@@ -29,10 +32,14 @@ protected:
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& myIndex,
                                                          const QEvent* myEvent) const override;
     void focusInEvent(QFocusEvent* myEvent) override;
+    void mousePressEvent(QMouseEvent* myEvent) override;
     void mouseDoubleClickEvent(QMouseEvent* myEvent) override;
+
+private:
+    void Pick();
 };
 
-/// A text on white that is clicked, by the mouse or by the space key. A button to whoever cannot see it.
+/// A text that is clicked, by the mouse or by the space key. A button to whoever cannot see it.
 class ClickLabel final : public QAbstractButton
 {
 public:
@@ -62,7 +69,8 @@ public:
     explicit DateField(QWidget* myParent);
 
     /// The date that was set, with its time of day, or the day that the user has chosen since.
-    std::optional<Date> Value() const;
+    /// A day that is being typed counts as far as it has come.
+    std::optional<Date> Value();
     /// Nothing switches off and leaves the date that shows. Error 5: a date that cannot show.
     void SetValue(std::optional<Date> myNewDate);
 
@@ -78,7 +86,7 @@ private:
     Date myDate;
 };
 
-/// A white box with a sunken border, which keeps what is painted into it.
+/// A box with a sunken border, which keeps what is painted into it.
 class PictureFrame final : public QLabel
 {
 public:
