@@ -19,8 +19,8 @@ constexpr int32_t Grey = 6710886;
 struct FileClass
 {
     std::array<TextView, 4> Extensions;
-    int32_t SmallIcon;
-    int32_t ForeColor;
+    int32_t SmallIcon = 0;
+    int32_t ForeColor = 0;
 };
 
 constexpr FileClass FileClasses[] = {

@@ -1,6 +1,7 @@
 #include "platform/linux/PaletteReduction.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <vector>
 
@@ -38,7 +39,7 @@ struct Cell
         Colour theColour;
         for (size_t i = 0; i < 3; ++i)
         {
-            theColour[i] = static_cast<int32_t>(Mean(i) + 0.5);
+            theColour[i] = static_cast<int32_t>(std::lround(Mean(i)));
         }
         return theColour;
     }

@@ -122,7 +122,7 @@ void MakeApplication()
 
     const LocaleKeeper myKeeper;
     // Never deleted: no moment before the end of the process is known to be safe for that.
-    new QApplication(theCount, theArguments);
+    [[maybe_unused]] static const auto* const theApplication = new QApplication(theCount, theArguments);
     QApplication::setStyle("Fusion");
     QApplication::setQuitOnLastWindowClosed(false);
     QCoreApplication::installTranslator(ToolkitTranslator());
