@@ -37,7 +37,7 @@ const Text& classStringSort::Value(int32_t myIndex) const
 
 void classStringSort::Sort()
 {
-    QuickSort(1, myValueCount, 2 * std::bit_width(static_cast<uint32_t>(myValueCount)));
+    QuickSort(1, myValueCount, 2 * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(myValueCount))));
 }
 
 /// Partitions around a middle value and goes down the smaller side first. A short range goes to the standard library,
