@@ -1,0 +1,411 @@
+/// What is left of an operation that fails at any of its steps: its files, its locks, its settings, its word for it.
+#include "archive/classArchive.h"
+#include "dialog/FormMainDialog.h"
+#include "ErrorOf.h"
+#include "FailingFiles.h"
+#include "MadePictures.h"
+#include "TemporaryFolder.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+#include <set>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+namespace qel
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// Any control but a date picker, as far as the dialog's logic reads it back.
+struct PlainControl final : ListBox, PictureBox, PreviewBox, Label, IconImage, CheckBox, Button
+{
+    void AddItem(TextView myText) override { Items.emplace_back(myText); }
+    int32_t ListCount() override { return static_cast<int32_t>(Items.size()); }
+    int32_t ListIndex() override { return Index; }
+    void ListIndex(int32_t myIndex) override { Index = myIndex, Click(); }
+    Text SelectedText() override { return Index < 0 ? Text() : Items[static_cast<size_t>(Index)]; }
+    void Clear() override { Items.clear(); }
+    void Visible(bool) override {}
+    void Cls() override {}
+    int32_t ScaleWidth() override { return 445; }
+    int32_t ScaleHeight() override { return 189; }
+    void PaintPicture(const PixelPicture&, int32_t, int32_t) override {}
+    void Caption(TextView) override {}
+    void Icon(int32_t) override {}
+    bool Value() override { return true; }
+    void Value(bool) override {}
+    void Enabled(bool) override {}
+
+    std::function<void()> Click = [] {
+    };
+    std::vector<Text> Items;
+    int32_t Index = -1;
+};
+
+struct PlainPicker final : DatePicker
+{
+    std::optional<Date> Value() override { return {}; }
+    void Value(std::optional<Date>) override {}
+};
+
+struct PlainWindow final : FormMainWindow
+{
+    FormMainControls& Controls() override { return All; }
+    void Show(FormMainEvents& theEvents) override
+    {
+        cmbImage.Click = [&]
+        {
+            theEvents.cmbImageFolder_Click();
+        };
+        cmbMIDI.Click = [&]
+        {
+            theEvents.cmbMIDIFolder_Click();
+        };
+        theEvents.Form_Load();
+        User(theEvents);
+    }
+    void Unload() override { Messages += u"Unload"; }
+    int32_t HelpContextID() override { return 100; }
+    void Pointer(MousePointer) override {}
+    std::optional<Text> ShowOpen(const FileDialogSettings&) override { return {}; }
+    int32_t MsgBox(TextView myText, int32_t) override { return Messages += myText, PressedOK; }
+
+    std::function<void(FormMainEvents&)> User = [](FormMainEvents&) {
+    };
+    Text Messages; ///< one behind the other
+    PlainControl cmbImage, cmbMIDI, lstImage, lstMIDI, Rest;
+    PlainPicker Date;
+    FormMainControls All{cmbImage, cmbMIDI, lstImage, lstMIDI, Rest, Rest, Rest, Rest, Rest,
+                         Rest,     Rest,    Rest,     Rest,    Rest, Rest, Date, Date};
+};
+
+/// A host that stages everything in one folder and knows one record, a file.
+struct PlainHost final : BuildHelper, Database
+{
+    explicit PlainHost(const TemporaryFolder& theFolder) : Folder(theFolder) {}
+    Text UniqueName() override { return u"1"; }
+    int32_t InstanceNumber() override { return 1; }
+    Text MediaFolder() override { return Folder.Logical(u"site\\"); }
+    Text MediaURL() override { return {}; }
+    Text ImageFolder() override { return MediaFolder(); }
+    Text ImageURL() override { return {}; }
+    Text FileFolder() override { return MediaFolder(); }
+    Text FileURL() override { return {}; }
+    Text ArchiveName() override { return u"m.dat"; }
+    int32_t RecordType() override { return 5; }
+    bool AtEnd() override { return false; }
+    Text RecordFilename() override { return u"doc.pdf"; }
+    void SeekUID(TextView) override {}
+    Text RecordURL() override { return {}; }
+    Text DataFolder() override { return Folder.Logical(u"data\\"); }
+    Text ChooseLink(TextView) override { return {}; }
+    const TemporaryFolder& Folder;
+};
+
+using Outcomes = std::set<std::string>;
+
+/// A module with an imported picture and tune in its archive, and what can be done with it. Each operation lets the
+/// trouble begin in front of what it is to hit, and tells in a few words how it came out.
+class Faults : public testing::Test
+{
+protected:
+    ~Faults() override { unsetenv("TMPDIR"); }
+
+    /// Makes all files anew, and a record that has the module in hand.
+    void Reset()
+    {
+        for (const auto& myEntry : fs::directory_iterator(myFolder.Native()))
+        {
+            fs::remove_all(myEntry);
+        }
+        for (const auto& [myName, myContent] : myImports)
+        {
+            myFolder.Write("base/" + myName, myContent);
+        }
+        for (const char* const myName :
+             {"data/doc.pdf", "site/qelspr1.gif", "library/a/x.mid", "qelpluginanimtemp/old"})
+        {
+            myFolder.Write(myName, "old");
+        }
+        EXPECT_TRUE(Archive(u"base", myRealFiles).PackArchive());
+        myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
+        myForm->myBuildHelper = std::make_unique<PlainHost>(myFolder);
+        myForm->myDatabase = std::make_unique<PlainHost>(myFolder);
+        myForm->Script(u"<pg.file filename=m.dat><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
+                       u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
+                       u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1><pg.param name=link "
+                       u"value=UID:7>");
+    }
+
+    classArchive& Archive(TextView myBase, Files& thePort)
+    {
+        classArchive& theArchive = myArchive.emplace(thePort);
+        theArchive.BaseFolder(myFolder.Logical(myBase));
+        theArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
+        return theArchive;
+    }
+
+    /// How many of the imports lie whole in the temporary folder.
+    std::string Imports()
+    {
+        return std::to_string(std::count_if(myImports.begin(), myImports.end(),
+                                            [&](const auto& i)
+                                            { return myFolder.Read("qelpluginanimtemp/" + i.first) == i.second; }));
+    }
+
+    std::string ArchiveState()
+    {
+        const bool myIsOld = myFolder.Read("data/m.dat") == "old";
+        return myIsOld ? " old" : Archive(u"", myRealFiles).ReadArchive() ? " whole" : " torn";
+    }
+
+    std::string UnPack()
+    {
+        classArchive& theArchive = Archive(u"qelpluginanimtemp", myFiles);
+        Begin();
+        const std::string theResult = theArchive.UnPackArchive() ? "done " : "failed ";
+        return theResult + Imports();
+    }
+
+    std::string Pack()
+    {
+        classArchive& theArchive = Archive(u"base", myFiles);
+        myFolder.Write("data/m.dat", "old");
+        Begin();
+        const std::string theResult = theArchive.PackArchive() ? "done" : std::to_string(theArchive.FailureNumber());
+        End();
+        return theResult + ArchiveState();
+    }
+
+    std::string MakePage()
+    {
+        const Text myScript = myForm->Script();
+        Begin();
+        const Text myPage = myForm->Output();
+        EXPECT_EQ(myForm->Script(), myScript);
+        if (myPage == u"[Error de plug-in]")
+        {
+            const size_t myNumber = myForm->ErrorText().find(u"error \"") + 7;
+            return ToUtf8(myForm->ErrorText().substr(myNumber, myForm->ErrorText().find(u':') - myNumber));
+        }
+        EXPECT_TRUE(myPage.ends_with(u"</script>\r\n") && myForm->ErrorText().empty());
+        EXPECT_EQ(myFolder.Read("site/qelspr1.gif"), myImports.at("qelspr.gif"));
+        return myFolder.Read("site/qelmid1.mid") == myImports.at("qelmid.mid") ? "done" : "done, torn tune";
+    }
+
+    std::string Commit()
+    {
+        PlainWindow myWindow;
+        myWindow.User = [&](FormMainEvents& theEvents)
+        {
+            Begin();
+            theEvents.cmdOK_Click();
+            End();
+        };
+        FormMainDialog(myPorts, myConstants, myLead, *myForm, myWindow).Show();
+        const bool myIsConfirmed = myForm->ExitButton == FormMain::Confirmed;
+        EXPECT_EQ(myWindow.Messages == u"Unload", myIsConfirmed) << ToUtf8(myWindow.Messages);
+        EXPECT_EQ(Imports(), "2") << "after a failure the author can try again";
+        return (myIsConfirmed ? "done" : "refused") + ArchiveState();
+    }
+
+    std::string Open()
+    {
+        PlainWindow myWindow;
+        Begin();
+        if (const int32_t myError =
+                ErrorOf([&] { FormMainDialog(myPorts, myConstants, myLead, *myForm, myWindow).Show(); }))
+        {
+            return std::to_string(myError);
+        }
+        const std::vector<Text> myFolders = {u"a", Text(OwnFileEntry)};
+        EXPECT_TRUE(myWindow.cmbImage.Items == myFolders && myWindow.cmbMIDI.Items == myFolders);
+        const ModuleSettings& mySettings = myForm->Settings();
+        EXPECT_EQ(mySettings.myMIDIMode, mySettings.myImageMode == ImageMode::Gif);
+        return mySettings.myMIDIMode ? "done " + Imports() : "empty";
+    }
+
+    struct Operation
+    {
+        std::string (Faults::*Run)();
+        Outcomes AtAnyCall;       ///< all that come of files that fail
+        std::string InTrouble[3]; ///< on a full disk, in folders that nobody may write to, with all files locked
+    };
+
+    /// Runs an operation on fresh files.
+    std::string Run(const Operation& myOperation)
+    {
+        const auto OpenFiles = []
+        {
+            return std::distance(fs::directory_iterator("/proc/self/fd"), {});
+        };
+        Reset();
+        const auto myOpenFiles = OpenFiles();
+        const std::string theOutcome = (this->*myOperation.Run)();
+        End();
+        EXPECT_EQ(OpenFiles(), myOpenFiles) << "a lock goes with its open file";
+        return theOutcome;
+    }
+
+    /// Sets owner and rights of everything. Root may write everywhere all the same, and becomes someone who may not.
+    void Protect(mode_t myMode, uid_t myUser)
+    {
+        EXPECT_TRUE(geteuid() == myUser || geteuid() == 0 || seteuid(0) == 0);
+        std::vector<fs::path> myPaths(fs::recursive_directory_iterator(myFolder.Native()), {});
+        myPaths.emplace_back(myFolder.Native());
+        for (const fs::path& myPath : myPaths)
+        {
+            EXPECT_TRUE(geteuid() != 0 || chown(myPath.c_str(), myUser, 0) == 0);
+            EXPECT_EQ(chmod(myPath.c_str(), myMode), 0);
+        }
+        EXPECT_TRUE(geteuid() == myUser || seteuid(myUser) == 0);
+    }
+
+    /// Starts a process that holds all files, and ends when it is killed.
+    pid_t LockElsewhere()
+    {
+        int myPipe[2] = {};
+        EXPECT_EQ(pipe(myPipe), 0);
+        const pid_t theHolder = fork();
+        if (theHolder == 0)
+        {
+            std::vector<std::unique_ptr<InputFile>> myHeld;
+            for (const auto& myEntry : fs::recursive_directory_iterator(myFolder.Native()))
+            {
+                if (myEntry.is_regular_file())
+                {
+                    myHeld.push_back(myRealFiles.OpenForReading(LogicalPath(myEntry.path().string()).value()));
+                }
+            }
+            EXPECT_EQ(write(myPipe[1], "", 1), 1);
+            pause();
+        }
+        char myByte = 0;
+        EXPECT_EQ(read(myPipe[0], &myByte, 1), 1);
+        close(myPipe[0]);
+        close(myPipe[1]);
+        return theHolder;
+    }
+
+    const Operation Operations[5] = {
+        {&Faults::UnPack, {"done 2", "failed 0", "failed 1", "failed 2"}, {"failed 0", "failed 0", "failed 0"}},
+        {&Faults::Pack, {"done whole", "57 old", "57 torn", "57 whole"}, {"61 torn", "70 old", "70 torn"}},
+        {&Faults::MakePage, {"done", "57", "53", "481", "done, torn tune"}, {"481", "70", "53"}},
+        {&Faults::Commit,
+         {"done whole", "refused whole", "refused torn"},
+         {"refused torn", "refused whole", "refused torn"}},
+        {&Faults::Open, {"done 2", "57", "empty"}, {"empty", "70", "empty"}},
+    };
+    TemporaryFolder myFolder;
+    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
+    const std::map<std::string, std::string> myImports = {{"qelspr.gif", Gif(120, 80)},
+                                                          {"qelmid.mid", std::string(70'000, 'm')}};
+    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
+    Files& myRealFiles = mySystem->Ports().files;
+    FailingFiles myFiles{myRealFiles};
+    Platform myPorts{myFiles,
+                     mySystem->Ports().messages,
+                     mySystem->Ports().help,
+                     MakeImagingControl,
+                     myFolder.Logical(),
+                     mySystem->Ports().windows};
+    localConstants myConstants{myFolder.Logical(u"library\\"), {}};
+    FormLead myLead{myPorts};
+    std::unique_ptr<FormMain> myForm;
+    std::optional<classArchive> myArchive;
+    std::function<void()> Begin = [] {}, End = Begin;
+};
+
+TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
+{
+    for (const Operation& myOperation : Operations)
+    {
+        Outcomes myOutcomes;
+        for (const Fault myFault : {Fault::Once, Fault::ForGood, Fault::Afterwards})
+        {
+            End = [&]
+            {
+                myFiles.FailAt(0, myFault);
+            };
+            int i = 0;
+            do
+            {
+                Begin = [&]
+                {
+                    myFiles.FailAt(++i, myFault);
+                };
+                myOutcomes.insert(Run(myOperation));
+            } while (myFiles.HasFailed);
+        }
+        EXPECT_EQ(myOutcomes, myOperation.AtAnyCall);
+    }
+}
+
+TEST_F(Faults, OfTheSystemAreReportedAndLeaveNothingOpen)
+{
+    const auto mySignal = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit myLimit = {};
+    getrlimit(RLIMIT_FSIZE, &myLimit);
+    const rlimit myFullDisk = {20, myLimit.rlim_max};
+    const uid_t myUser = geteuid();
+    pid_t myHolder = 0;
+    const std::function<void()> Troubles[][2] = {
+        {[&] { setrlimit(RLIMIT_FSIZE, &myFullDisk); },
+         [&]
+         {
+             setrlimit(RLIMIT_FSIZE, &myLimit);
+         }},
+        {[&] { Protect(0500, myUser == 0 ? 65534 : myUser); },
+         [&]
+         {
+             Protect(0700, myUser);
+         }},
+        {[&] { myHolder = LockElsewhere(); },
+         [&]
+         {
+             kill(myHolder, SIGKILL), waitpid(myHolder, nullptr, 0);
+         }},
+    };
+    for (const Operation& myOperation : Operations)
+    {
+        for (size_t i = 0; i < 3; ++i)
+        {
+            Begin = Troubles[i][0];
+            End = Troubles[i][1];
+            EXPECT_EQ(Run(myOperation), myOperation.InTrouble[i]) << i;
+        }
+    }
+    std::signal(SIGXFSZ, mySignal);
+}
+
+TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
+{
+    Outcomes myOutcomes;
+    int myStatus = SIGKILL;
+    for (int i = 1; WIFSIGNALED(myStatus); ++i)
+    {
+        Reset();
+        const pid_t myChild = fork();
+        if (myChild == 0)
+        {
+            Begin = [&]
+            {
+                myFiles.FailAt(i, Fault::Kill);
+            };
+            Commit();
+            _exit(0);
+        }
+        waitpid(myChild, &myStatus, 0);
+        myOutcomes.insert(Open());
+    }
+    EXPECT_EQ(myOutcomes, (Outcomes{"done 2", "empty"}));
+}
+
+} // namespace
+} // namespace qel
