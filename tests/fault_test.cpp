@@ -1,5 +1,7 @@
 /// What is left of an operation that fails at any of its steps: its files, its locks, its settings, its word for it.
 #include "archive/classArchive.h"
+#include "com/Bstr.h"
+#include "com/QelHelperInterfaces.h"
 #include "dialog/FormMainDialog.h"
 #include "ErrorOf.h"
 #include "FailingFiles.h"
@@ -8,12 +10,52 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <dlfcn.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <sys/resource.h>
 #include <sys/wait.h>
+
+namespace
+{
+
+/// How many pieces of memory this thread still gets; -1: any number.
+thread_local int theMemoryLeft = -1;
+
+bool MemoryIsOut()
+{
+    theMemoryLeft -= theMemoryLeft > 0 ? 1 : 0;
+    return theMemoryLeft == 0;
+}
+
+} // namespace
+
+// The component gets its memory from here as well.
+void* operator new(size_t mySize, const std::nothrow_t&) noexcept
+{
+    return MemoryIsOut() ? nullptr : std::malloc(mySize);
+}
+void* operator new(size_t mySize)
+{
+    void* const theMemory = operator new(mySize, std::nothrow);
+    return theMemory == nullptr ? throw std::bad_alloc() : theMemory;
+}
+[[gnu::noinline]] void operator delete(void* myMemory) noexcept
+{
+    std::free(myMemory);
+}
+[[gnu::noinline]] void operator delete(void* myMemory, size_t) noexcept
+{
+    std::free(myMemory);
+}
+
+BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
+{
+    static const auto TheReal = reinterpret_cast<decltype(&SysAllocStringLen)>(dlsym(RTLD_NEXT, "SysAllocStringLen"));
+    return MemoryIsOut() ? nullptr : TheReal(myText, myLength);
+}
 
 namespace qel
 {
@@ -405,6 +447,53 @@ TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
         myOutcomes.insert(Open());
     }
     EXPECT_EQ(myOutcomes, (Outcomes{"done 2", "empty"}));
+}
+
+TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
+{
+    void* const myLibrary = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_LOCAL);
+    const auto myClassObject = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
+    void* myFactory = nullptr;
+    void* myObject = nullptr;
+    Bstr myScript(u"<pg.param name=image value=a-long-name.gif><pg.param name=playmidi value=0>");
+    const auto Plugin = [&]
+    {
+        return static_cast<QelPlugin*>(myObject);
+    };
+    std::string myRead;
+    const auto Read = [&](HRESULT (QelPlugin::*myMember)(BSTR*))
+    {
+        Bstr theText;
+        const HRESULT theResult = (Plugin()->*myMember)(theText.Pointer());
+        theMemoryLeft = -1;
+        myRead += theResult == S_OK ? ToUtf8(theText.Value()) : "";
+        return theResult;
+    };
+    const std::function<HRESULT()> Calls[] = {
+        [&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, &myFactory); },
+        [&] { return static_cast<IClassFactory*>(myFactory)->CreateInstance(nullptr, &IID_QelPlugin, &myObject); },
+        [&] { return Plugin()->put_Script(myScript.Pointer()); },
+        [&] { return Read(&QelPlugin::get_TextSettings); },
+        [&] { return Read(&QelPlugin::get_Output); },
+        [&] { return Read(&QelPlugin::get_Script); },
+    };
+    for (const auto& myCall : Calls)
+    {
+        int myFailures = -1;
+        HRESULT myResult = E_FAIL;
+        for (int i = 1; myResult != S_OK; ++i, ++myFailures)
+        {
+            theMemoryLeft = i;
+            myResult = myCall();
+            theMemoryLeft = -1;
+            EXPECT_TRUE(myResult == S_OK || static_cast<uint32_t>(myResult) == 0x800A0007) << std::hex << myResult;
+        }
+        EXPECT_GT(myFailures, 0);
+    }
+    EXPECT_NE(myRead.find("value=\"a-long-name.gif\""), std::string::npos) << myRead;
+    Plugin()->Release();
+    static_cast<IClassFactory*>(myFactory)->Release();
+    dlclose(myLibrary);
 }
 
 } // namespace
