@@ -33,14 +33,13 @@ bool MemoryIsOut()
 } // namespace
 
 // The component gets its memory from here as well.
+void* operator new(size_t mySize)
+{
+    return MemoryIsOut() ? throw std::bad_alloc() : std::malloc(mySize);
+}
 void* operator new(size_t mySize, const std::nothrow_t&) noexcept
 {
     return MemoryIsOut() ? nullptr : std::malloc(mySize);
-}
-void* operator new(size_t mySize)
-{
-    void* const theMemory = operator new(mySize, std::nothrow);
-    return theMemory == nullptr ? throw std::bad_alloc() : theMemory;
 }
 [[gnu::noinline]] void operator delete(void* myMemory) noexcept
 {
@@ -295,44 +294,16 @@ protected:
         return theOutcome;
     }
 
-    /// Sets owner and rights of everything. Root may write everywhere all the same, and becomes someone who may not.
+    std::vector<fs::path> Paths() { return {fs::recursive_directory_iterator(myFolder.Native()), {}}; }
+
+    /// Sets owner and rights of all that lies in the folder, and the folder's owner.
     void Protect(mode_t myMode, uid_t myUser)
     {
-        EXPECT_TRUE(geteuid() == myUser || geteuid() == 0 || seteuid(0) == 0);
-        std::vector<fs::path> myPaths(fs::recursive_directory_iterator(myFolder.Native()), {});
-        myPaths.emplace_back(myFolder.Native());
-        for (const fs::path& myPath : myPaths)
+        EXPECT_EQ(chown(myFolder.Native().c_str(), myUser, gid_t(-1)), 0);
+        for (const fs::path& myPath : Paths())
         {
-            EXPECT_TRUE(geteuid() != 0 || chown(myPath.c_str(), myUser, 0) == 0);
-            EXPECT_EQ(chmod(myPath.c_str(), myMode), 0);
+            EXPECT_EQ(chown(myPath.c_str(), myUser, gid_t(-1)) + chmod(myPath.c_str(), myMode), 0);
         }
-        EXPECT_TRUE(geteuid() == myUser || seteuid(myUser) == 0);
-    }
-
-    /// Starts a process that holds all files, and ends when it is killed.
-    pid_t LockElsewhere()
-    {
-        int myPipe[2] = {};
-        EXPECT_EQ(pipe(myPipe), 0);
-        const pid_t theHolder = fork();
-        if (theHolder == 0)
-        {
-            std::vector<std::unique_ptr<InputFile>> myHeld;
-            for (const auto& myEntry : fs::recursive_directory_iterator(myFolder.Native()))
-            {
-                if (myEntry.is_regular_file())
-                {
-                    myHeld.push_back(myRealFiles.OpenForReading(LogicalPath(myEntry.path().string()).value()));
-                }
-            }
-            EXPECT_EQ(write(myPipe[1], "", 1), 1);
-            pause();
-        }
-        char myByte = 0;
-        EXPECT_EQ(read(myPipe[0], &myByte, 1), 1);
-        close(myPipe[0]);
-        close(myPipe[1]);
-        return theHolder;
     }
 
     const Operation Operations[5] = {
@@ -396,27 +367,41 @@ TEST_F(Faults, OfTheSystemAreReportedAndLeaveNothingOpen)
     getrlimit(RLIMIT_FSIZE, &myLimit);
     const rlimit myFullDisk = {20, myLimit.rlim_max};
     const uid_t myUser = geteuid();
-    pid_t myHolder = 0;
+    const uid_t myReader = myUser == 0 ? 65534 : myUser; // root may write everywhere
+    const auto Become = [](uid_t myNewUser)
+    {
+        EXPECT_EQ(seteuid(myNewUser), 0);
+    };
+    std::vector<std::unique_ptr<InputFile>> myHeld;
     const std::function<void()> Troubles[][2] = {
         {[&] { setrlimit(RLIMIT_FSIZE, &myFullDisk); },
          [&]
          {
              setrlimit(RLIMIT_FSIZE, &myLimit);
          }},
-        {[&] { Protect(0500, myUser == 0 ? 65534 : myUser); },
+        {[&] { Protect(0500, myReader), Become(myReader); },
          [&]
          {
-             Protect(0700, myUser);
+             Become(myUser), Protect(0700, myUser);
          }},
-        {[&] { myHolder = LockElsewhere(); },
+        {[&]
+         {
+             for (const fs::path& myPath : Paths())
+             {
+                 if (fs::is_regular_file(myPath))
+                 {
+                     myHeld.push_back(myRealFiles.OpenForReading(*LogicalPath(myPath.string())));
+                 }
+             }
+         },
          [&]
          {
-             kill(myHolder, SIGKILL), waitpid(myHolder, nullptr, 0);
-         }},
+             myHeld.clear();
+         }}, // a lock is kept by its open file, whichever process has that
     };
     for (const Operation& myOperation : Operations)
     {
-        for (size_t i = 0; i < 3; ++i)
+        for (size_t i = 0; i < std::size(Troubles); ++i)
         {
             Begin = Troubles[i][0];
             End = Troubles[i][1];
