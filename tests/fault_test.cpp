@@ -13,7 +13,6 @@
 #include <dlfcn.h>
 #include <functional>
 #include <gtest/gtest.h>
-#include <map>
 #include <set>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -165,16 +164,22 @@ protected:
         {
             fs::remove_all(myEntry);
         }
-        for (const auto& [myName, myContent] : myImports)
-        {
-            myFolder.Write("base/" + myName, myContent);
-        }
         for (const char* const myName :
              {"data/doc.pdf", "site/qelspr1.gif", "library/a/x.mid", "qelpluginanimtemp/old"})
         {
             myFolder.Write(myName, "old");
         }
-        EXPECT_TRUE(Archive(u"base", myRealFiles).PackArchive());
+        const auto Number = [](size_t n)
+        {
+            return std::string{char(n), char(n >> 8), char(n >> 16), 0};
+        };
+        std::string myArchive = "qelarchive1.0"; // the picture first, which the order of a folder does not promise
+        for (const auto& [myName, myContent] : myImports)
+        {
+            myFolder.Write("base/" + myName, myContent);
+            myArchive += Number(myName.size() + 1) + "\\" + myName + Number(myContent.size()) + myContent;
+        }
+        myFolder.Write("data/m.dat", myArchive + Number(0));
         myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
         myForm->myBuildHelper = std::make_unique<PlainHost>(myFolder);
         myForm->myDatabase = std::make_unique<PlainHost>(myFolder);
@@ -186,7 +191,7 @@ protected:
 
     classArchive& Archive(TextView myBase, Files& thePort)
     {
-        classArchive& theArchive = myArchive.emplace(thePort);
+        classArchive& theArchive = myOpenArchive.emplace(thePort);
         theArchive.BaseFolder(myFolder.Logical(myBase));
         theArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
         return theArchive;
@@ -195,7 +200,7 @@ protected:
     /// How many of the imports lie whole in the temporary folder.
     std::string Imports()
     {
-        return std::to_string(std::count_if(myImports.begin(), myImports.end(),
+        return std::to_string(std::count_if(std::begin(myImports), std::end(myImports),
                                             [&](const auto& i)
                                             { return myFolder.Read("qelpluginanimtemp/" + i.first) == i.second; }));
     }
@@ -236,8 +241,8 @@ protected:
             return ToUtf8(myForm->ErrorText().substr(myNumber, myForm->ErrorText().find(u':') - myNumber));
         }
         EXPECT_TRUE(myPage.ends_with(u"</script>\r\n") && myForm->ErrorText().empty());
-        EXPECT_EQ(myFolder.Read("site/qelspr1.gif"), myImports.at("qelspr.gif"));
-        return myFolder.Read("site/qelmid1.mid") == myImports.at("qelmid.mid") ? "done" : "done, torn tune";
+        EXPECT_EQ(myFolder.Read("site/qelspr1.gif"), myImports[0].second);
+        return myFolder.Read("site/qelmid1.mid") == myImports[1].second ? "done" : "done, torn tune";
     }
 
     std::string Commit()
@@ -317,8 +322,8 @@ protected:
     };
     TemporaryFolder myFolder;
     const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
-    const std::map<std::string, std::string> myImports = {{"qelspr.gif", Gif(120, 80)},
-                                                          {"qelmid.mid", std::string(70'000, 'm')}};
+    const std::pair<std::string, std::string> myImports[2] = {{"qelspr.gif", Gif(120, 80)},
+                                                              {"qelmid.mid", std::string(70'000, 'm')}};
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     Files& myRealFiles = mySystem->Ports().files;
     FailingFiles myFiles{myRealFiles};
@@ -331,7 +336,7 @@ protected:
     localConstants myConstants{myFolder.Logical(u"library\\"), {}};
     FormLead myLead{myPorts};
     std::unique_ptr<FormMain> myForm;
-    std::optional<classArchive> myArchive;
+    std::optional<classArchive> myOpenArchive;
     std::function<void()> Begin = [] {}, End = Begin;
 };
 
