@@ -46,7 +46,7 @@ constexpr Param BooleanParam(TextView myName)
 template <Date ModuleSettings::*Field>
 constexpr Param DateParam(TextView myName)
 {
-    return {myName, [](const ModuleSettings& s) { return NumberText(int64_t{RoundToWhole(s.*Field)}); },
+    return {myName, [](const ModuleSettings& s) { return NumberText(int64_t{NearestDay(s.*Field)}); },
             [](ModuleSettings& s, TextView v)
             {
                 s.*Field = CheckedDate(NumericPrefix(v));

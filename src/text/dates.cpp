@@ -2,6 +2,7 @@
 
 #include "text/errors.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -33,6 +34,11 @@ int32_t RoundToWhole(double myNumber)
         Raise(ErrorNumber::Overflow);
     }
     return static_cast<int32_t>(myWhole);
+}
+
+int32_t NearestDay(Date myDate)
+{
+    return RoundToWhole(std::clamp<Date>(myDate, (FirstDay - DayZero).count(), (LastDay - DayZero).count()));
 }
 
 bool DateIsSet(Date myDate)

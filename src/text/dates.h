@@ -22,6 +22,10 @@ struct CalendarDay
 /// Error 6: outside 32 bits, or not a number.
 int32_t RoundToWhole(double myNumber);
 
+/// The whole day that a date rounds to, halves to the even neighbour. What would round out of the range of dates stays
+/// on its first or last day.
+int32_t NearestDay(Date myDate);
+
 /// True when the date rounds to something other than 0.
 bool DateIsSet(Date myDate);
 

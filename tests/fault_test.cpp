@@ -1,0 +1,476 @@
+/// What is left of an operation that fails at any of its steps: its files, its locks, its settings, its word for it.
+#include "archive/classArchive.h"
+#include "com/Bstr.h"
+#include "com/QelHelperInterfaces.h"
+#include "dialog/FormMainDialog.h"
+#include "ErrorOf.h"
+#include "FailingFiles.h"
+#include "MadePictures.h"
+#include "TemporaryFolder.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <dlfcn.h>
+#include <functional>
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
+namespace
+{
+
+/// How many pieces of memory this thread still gets; -1: any number.
+thread_local int theMemoryLeft = -1;
+
+bool MemoryIsOut()
+{
+    theMemoryLeft -= theMemoryLeft > 0 ? 1 : 0;
+    return theMemoryLeft == 0;
+}
+
+} // namespace
+
+// The component gets its memory from here as well.
+void* operator new(size_t mySize)
+{
+    return MemoryIsOut() ? throw std::bad_alloc() : std::malloc(mySize);
+}
+void* operator new(size_t mySize, const std::nothrow_t&) noexcept
+{
+    return MemoryIsOut() ? nullptr : std::malloc(mySize);
+}
+[[gnu::noinline]] void operator delete(void* myMemory) noexcept
+{
+    std::free(myMemory);
+}
+[[gnu::noinline]] void operator delete(void* myMemory, size_t) noexcept
+{
+    std::free(myMemory);
+}
+
+BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
+{
+    static const auto TheReal = reinterpret_cast<decltype(&SysAllocStringLen)>(dlsym(RTLD_NEXT, "SysAllocStringLen"));
+    return MemoryIsOut() ? nullptr : TheReal(myText, myLength);
+}
+
+namespace qel
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// Any control but a date picker, as far as the dialog's logic reads it back.
+struct PlainControl final : ListBox, PictureBox, PreviewBox, Label, IconImage, CheckBox, Button
+{
+    void AddItem(TextView myText) override { Items.emplace_back(myText); }
+    int32_t ListCount() override { return static_cast<int32_t>(Items.size()); }
+    int32_t ListIndex() override { return Index; }
+    void ListIndex(int32_t myIndex) override { Index = myIndex, Click ? Click() : void(); }
+    Text SelectedText() override { return Index < 0 ? Text() : Items[static_cast<size_t>(Index)]; }
+    void Clear() override { Items.clear(); }
+    void Visible(bool) override {}
+    void Cls() override {}
+    int32_t ScaleWidth() override { return 445; }
+    int32_t ScaleHeight() override { return 189; }
+    void PaintPicture(const PixelPicture&, int32_t, int32_t) override {}
+    void Caption(TextView) override {}
+    void Icon(int32_t) override {}
+    bool Value() override { return true; }
+    void Value(bool) override {}
+    void Enabled(bool) override {}
+
+    std::function<void()> Click;
+    std::vector<Text> Items;
+    int32_t Index = -1;
+};
+
+struct PlainPicker final : DatePicker
+{
+    std::optional<Date> Value() override { return {}; }
+    void Value(std::optional<Date>) override {}
+};
+
+struct PlainWindow final : FormMainWindow
+{
+    FormMainControls& Controls() override { return All; }
+    void Show(FormMainEvents& theEvents) override
+    {
+        cmbImage.Click = std::bind_front(&FormMainEvents::cmbImageFolder_Click, &theEvents);
+        cmbMIDI.Click = std::bind_front(&FormMainEvents::cmbMIDIFolder_Click, &theEvents);
+        theEvents.Form_Load();
+        User ? User(theEvents) : void();
+    }
+    void Unload() override { Messages += u"Unload"; }
+    int32_t HelpContextID() override { return 100; }
+    void Pointer(MousePointer) override {}
+    std::optional<Text> ShowOpen(const FileDialogSettings&) override { return {}; }
+    int32_t MsgBox(TextView myText, int32_t) override { return Messages += myText, PressedOK; }
+
+    std::function<void(FormMainEvents&)> User;
+    Text Messages; ///< one behind the other
+    PlainControl cmbImage, cmbMIDI, lstImage, lstMIDI, Rest;
+    PlainPicker Date;
+    FormMainControls All{cmbImage, cmbMIDI, lstImage, lstMIDI, Rest, Rest, Rest, Rest, Rest,
+                         Rest,     Rest,    Rest,     Rest,    Rest, Rest, Date, Date};
+};
+
+/// A host that stages everything in one folder and knows one record, a file.
+struct PlainHost final : BuildHelper, Database
+{
+    explicit PlainHost(const TemporaryFolder& theFolder) : Folder(theFolder) {}
+    Text UniqueName() override { return u"1"; }
+    int32_t InstanceNumber() override { return 1; }
+    Text MediaFolder() override { return Folder.Logical(u"site\\"); }
+    Text MediaURL() override { return {}; }
+    Text ImageFolder() override { return MediaFolder(); }
+    Text ImageURL() override { return {}; }
+    Text FileFolder() override { return MediaFolder(); }
+    Text FileURL() override { return {}; }
+    Text ArchiveName() override { return u"m.dat"; }
+    int32_t RecordType() override { return 5; }
+    bool AtEnd() override { return false; }
+    Text RecordFilename() override { return u"doc.pdf"; }
+    void SeekUID(TextView) override {}
+    Text RecordURL() override { return {}; }
+    Text DataFolder() override { return Folder.Logical(u"data\\"); }
+    Text ChooseLink(TextView) override { return {}; }
+    const TemporaryFolder& Folder;
+};
+
+using Outcomes = std::set<std::string>;
+
+/// A module with an imported picture and tune in its archive, and what can be done with it. Each operation lets the
+/// trouble begin in front of what it is to hit, and tells in a few words how it came out.
+class Faults : public testing::Test
+{
+protected:
+    ~Faults() override { unsetenv("TMPDIR"); }
+
+    /// Makes all files anew, and a record that has the module in hand.
+    void Reset()
+    {
+        for (const auto& myEntry : fs::directory_iterator(myFolder.Native()))
+        {
+            fs::remove_all(myEntry);
+        }
+        for (const char* const myName : {"data/doc.pdf", "site/x", "library/a/x.mid", "qelpluginanimtemp/old"})
+        {
+            myFolder.Write(myName, "old");
+        }
+        const auto Number = [](size_t n)
+        {
+            return std::string{char(n), char(n >> 8), char(n >> 16), 0};
+        };
+        std::string myArchive = "qelarchive1.0"; // the picture first, which the order of a folder does not promise
+        for (const auto& [myName, myContent] : myImports)
+        {
+            myFolder.Write("base/" + myName, myContent);
+            myArchive += Number(myName.size() + 1) + "\\" + myName + Number(myContent.size()) + myContent;
+        }
+        myFolder.Write("data/m.dat", myArchive + Number(0));
+        myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
+        myForm->myBuildHelper = std::make_unique<PlainHost>(myFolder);
+        myForm->myDatabase = std::make_unique<PlainHost>(myFolder);
+        myForm->Script(u"<pg.file filename=m.dat><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
+                       u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
+                       u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1><pg.param name=link "
+                       u"value=UID:7>");
+    }
+
+    classArchive& Archive(TextView myBase, Files& thePort)
+    {
+        classArchive& theArchive = myOpenArchive.emplace(thePort);
+        theArchive.BaseFolder(myFolder.Logical(myBase));
+        theArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
+        return theArchive;
+    }
+
+    /// How many of the imports lie whole in the temporary folder.
+    std::string Imports()
+    {
+        return std::to_string(std::count_if(std::begin(myImports), std::end(myImports),
+                                            [&](const auto& i)
+                                            { return myFolder.Read("qelpluginanimtemp/" + i.first) == i.second; }));
+    }
+
+    std::string ArchiveState()
+    {
+        const bool myIsOld = myFolder.Read("data/m.dat") == "old";
+        return myIsOld ? " old" : Archive(u"", myRealFiles).ReadArchive() ? " whole" : " torn";
+    }
+
+    std::string UnPack()
+    {
+        classArchive& theArchive = Archive(u"qelpluginanimtemp", myFiles);
+        Begin();
+        const std::string theResult = theArchive.UnPackArchive() ? "done " : "failed ";
+        return theResult + Imports();
+    }
+
+    std::string Pack()
+    {
+        classArchive& theArchive = Archive(u"base", myFiles);
+        myFolder.Write("data/m.dat", "old");
+        Begin();
+        const std::string theResult = theArchive.PackArchive() ? "done" : std::to_string(theArchive.FailureNumber());
+        End();
+        return theResult + ArchiveState();
+    }
+
+    std::string MakePage()
+    {
+        const Text myScript = myForm->Script();
+        Begin();
+        const Text myPage = myForm->Output();
+        EXPECT_EQ(myForm->Script(), myScript);
+        if (myPage == u"[Error de plug-in]")
+        {
+            const size_t myNumber = myForm->ErrorText().find(u"error \"") + 7;
+            return ToUtf8(myForm->ErrorText().substr(myNumber, myForm->ErrorText().find(u':') - myNumber));
+        }
+        EXPECT_TRUE(myPage.ends_with(u"</script>\r\n") && myForm->ErrorText().empty());
+        EXPECT_EQ(myFolder.Read("site/qelspr1.gif"), myImports[0].second);
+        return myFolder.Read("site/qelmid1.mid") == myImports[1].second ? "done" : "done, torn tune";
+    }
+
+    void Show(PlainWindow& theWindow) { FormMainDialog(myPorts, myConstants, myLead, *myForm, theWindow).Show(); }
+
+    std::string Commit()
+    {
+        PlainWindow myWindow;
+        myWindow.User = [&](FormMainEvents& theEvents)
+        {
+            Begin();
+            theEvents.cmdOK_Click();
+            End();
+        };
+        Show(myWindow);
+        const bool myIsConfirmed = myForm->ExitButton == FormMain::Confirmed;
+        EXPECT_EQ(myWindow.Messages == u"Unload", myIsConfirmed) << ToUtf8(myWindow.Messages);
+        EXPECT_EQ(Imports(), "2") << "after a failure the author can try again";
+        return (myIsConfirmed ? "done" : "refused") + ArchiveState();
+    }
+
+    std::string Open()
+    {
+        PlainWindow myWindow;
+        Begin();
+        const int32_t myError = ErrorOf([&] { Show(myWindow); });
+        const std::vector<Text> myFolders = {u"a", Text(OwnFileEntry)};
+        EXPECT_TRUE(myError != 0 || (myWindow.cmbImage.Items == myFolders && myWindow.cmbMIDI.Items == myFolders));
+        EXPECT_EQ(myForm->Settings().myMIDIMode, myForm->Settings().myImageMode == ImageMode::Gif);
+        return myError != 0 ? std::to_string(myError) : myForm->Settings().myMIDIMode ? "done " + Imports() : "empty";
+    }
+
+    struct Operation
+    {
+        std::string (Faults::*Call)();
+        Outcomes AtAnyCall;       ///< all that come of files that fail
+        std::string InTrouble[3]; ///< on a full disk, in folders that nobody may write to, with all files locked
+    };
+
+    static auto OpenFiles() { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); }
+
+    /// Runs an operation on fresh files.
+    std::string Run(const Operation& myOperation)
+    {
+        Reset();
+        const auto myOpenFiles = OpenFiles();
+        const std::string theOutcome = (this->*myOperation.Call)();
+        End();
+        EXPECT_EQ(OpenFiles(), myOpenFiles) << "a lock goes with its open file";
+        return theOutcome;
+    }
+
+    std::vector<fs::path> Paths() { return {fs::recursive_directory_iterator(myFolder.Native()), {}}; }
+
+    /// Sets owner and rights of all that lies in the folder, and the folder's owner.
+    void Protect(mode_t myMode, uid_t myUser)
+    {
+        EXPECT_EQ(chown(myFolder.Native().c_str(), myUser, gid_t(-1)), 0);
+        for (const fs::path& myPath : Paths())
+        {
+            EXPECT_EQ(chown(myPath.c_str(), myUser, gid_t(-1)) + chmod(myPath.c_str(), myMode), 0);
+        }
+    }
+
+    const Operation Operations[5] = {
+        {&Faults::UnPack, {"done 2", "failed 0", "failed 1", "failed 2"}, {"failed 0", "failed 0", "failed 0"}},
+        {&Faults::Pack, {"done whole", "57 old", "57 torn", "57 whole"}, {"61 torn", "70 old", "70 torn"}},
+        {&Faults::MakePage, {"done", "57", "53", "481", "done, torn tune"}, {"481", "70", "53"}},
+        {&Faults::Commit,
+         {"done whole", "refused whole", "refused torn"},
+         {"refused torn", "refused whole", "refused torn"}},
+        {&Faults::Open, {"done 2", "57", "empty"}, {"empty", "70", "empty"}},
+    };
+    TemporaryFolder myFolder;
+    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
+    const std::pair<std::string, std::string> myImports[2] = {{"qelspr.gif", Gif(120, 80)},
+                                                              {"qelmid.mid", std::string(70'000, 'm')}};
+    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
+    Files& myRealFiles = mySystem->Ports().files;
+    FailingFiles myFiles{myRealFiles};
+    Platform myPorts{myFiles,
+                     mySystem->Ports().messages,
+                     mySystem->Ports().help,
+                     MakeImagingControl,
+                     myFolder.Logical(),
+                     mySystem->Ports().windows};
+    localConstants myConstants{myFolder.Logical(u"library\\"), {}};
+    FormLead myLead{myPorts};
+    std::unique_ptr<FormMain> myForm;
+    std::optional<classArchive> myOpenArchive;
+    std::function<void()> Begin = [] {}, End = Begin;
+};
+
+TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
+{
+    for (const Operation& myOperation : Operations)
+    {
+        Outcomes myOutcomes;
+        for (const Fault myFault : {Fault::Once, Fault::ForGood, Fault::Afterwards})
+        {
+            End = [&]
+            {
+                myFiles.FailAt(0, myFault);
+            };
+            int i = 0;
+            do
+            {
+                Begin = [&]
+                {
+                    myFiles.FailAt(++i, myFault);
+                };
+                myOutcomes.insert(Run(myOperation));
+            } while (myFiles.HasFailed);
+        }
+        EXPECT_EQ(myOutcomes, myOperation.AtAnyCall);
+    }
+}
+
+TEST_F(Faults, OfTheSystemAreReportedAndLeaveNothingOpen)
+{
+    const auto mySignal = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit myLimit = {};
+    getrlimit(RLIMIT_FSIZE, &myLimit);
+    const rlimit myFullDisk = {20, myLimit.rlim_max};
+    const uid_t myUser = geteuid();
+    const uid_t myReader = myUser == 0 ? 65534 : myUser; // root may write everywhere
+    const auto Become = [](uid_t myNewUser)
+    {
+        EXPECT_EQ(seteuid(myNewUser), 0);
+    };
+    std::vector<std::unique_ptr<InputFile>> myHeld;
+    const std::function<void()> Troubles[][2] = {
+        {[&] { setrlimit(RLIMIT_FSIZE, &myFullDisk); },
+         [&]
+         {
+             setrlimit(RLIMIT_FSIZE, &myLimit);
+         }},
+        {[&] { Protect(0500, myReader), Become(myReader); },
+         [&]
+         {
+             Become(myUser), Protect(0700, myUser);
+         }},
+        {[&]
+         {
+             for (const fs::path& myPath : Paths())
+             {
+                 if (fs::is_regular_file(myPath))
+                 {
+                     myHeld.push_back(myRealFiles.OpenForReading(*LogicalPath(myPath.string())));
+                 }
+             }
+         },
+         [&]
+         {
+             myHeld.clear();
+         }}, // a lock is kept by its open file, whichever process has that
+    };
+    for (const Operation& myOperation : Operations)
+    {
+        for (size_t i = 0; i < std::size(Troubles); ++i)
+        {
+            Begin = Troubles[i][0];
+            End = Troubles[i][1];
+            EXPECT_EQ(Run(myOperation), myOperation.InTrouble[i]) << i;
+        }
+    }
+    std::signal(SIGXFSZ, mySignal);
+}
+
+TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
+{
+    Outcomes myOutcomes;
+    int myStatus = SIGKILL;
+    for (int i = 1; WIFSIGNALED(myStatus); ++i)
+    {
+        Reset();
+        const pid_t myChild = fork();
+        if (myChild == 0)
+        {
+            Begin = [&]
+            {
+                myFiles.FailAt(i, Fault::Kill);
+            };
+            Commit();
+            _exit(0);
+        }
+        waitpid(myChild, &myStatus, 0);
+        myOutcomes.insert(Open());
+    }
+    EXPECT_EQ(myOutcomes, (Outcomes{"done 2", "empty"}));
+}
+
+TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
+{
+    void* const myLibrary = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_LOCAL);
+    const auto myClassObject = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
+    void* myFactory = nullptr;
+    void* myObject = nullptr;
+    Bstr myScript(u"<pg.param name=image value=a-long-name.gif><pg.param name=playmidi value=0>");
+    const auto Plugin = [&]
+    {
+        return static_cast<QelPlugin*>(myObject);
+    };
+    std::string myRead;
+    const auto Read = [&](HRESULT (QelPlugin::*myMember)(BSTR*))
+    {
+        Bstr theText;
+        const HRESULT theResult = (Plugin()->*myMember)(theText.Pointer());
+        theMemoryLeft = -1;
+        myRead += theResult == S_OK ? ToUtf8(theText.Value()) : "";
+        return theResult;
+    };
+    const std::function<HRESULT()> Calls[] = {
+        [&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, &myFactory); },
+        [&] { return static_cast<IClassFactory*>(myFactory)->CreateInstance(nullptr, &IID_QelPlugin, &myObject); },
+        [&] { return Plugin()->put_Script(myScript.Pointer()); },
+        [&] { return Read(&QelPlugin::get_TextSettings); },
+        [&] { return Read(&QelPlugin::get_Output); },
+        [&] { return Read(&QelPlugin::get_Script); },
+    };
+    for (const auto& myCall : Calls)
+    {
+        int myFailures = -1;
+        HRESULT myResult = E_FAIL;
+        for (int i = 1; myResult != S_OK; ++i, ++myFailures)
+        {
+            theMemoryLeft = i;
+            myResult = myCall();
+            theMemoryLeft = -1;
+            EXPECT_TRUE(myResult == S_OK || static_cast<uint32_t>(myResult) == 0x800A0007) << std::hex << myResult;
+        }
+        EXPECT_GT(myFailures, 0);
+    }
+    EXPECT_NE(myRead.find("value=\"a-long-name.gif\""), std::string::npos) << myRead;
+    Plugin()->Release();
+    static_cast<IClassFactory*>(myFactory)->Release();
+    dlclose(myLibrary);
+}
+
+} // namespace
+} // namespace qel
