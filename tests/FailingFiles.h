@@ -38,7 +38,7 @@ public:
     std::unique_ptr<OutputFile> OpenForWriting(TextView f) override { return Open<Output>(&Files::OpenForWriting, f); }
     int64_t Length(TextView f) override { return Do(myFiles, &Files::Length, f); }
     void Copy(TextView f, TextView t) override { Do(myFiles, &Files::Copy, f, t); }
-    void Delete(TextView f) override { Do(myFiles, &Files::Delete, f); }
+    bool Delete(TextView f) override { return Do(myFiles, &Files::Delete, f); }
     void MakeFolder(TextView f) override { Do(myFiles, &Files::MakeFolder, f); }
     bool IsFolder(TextView f) override { return myFiles.IsFolder(f); }
     bool IsLink(TextView f) override { return myFiles.IsLink(f); }
