@@ -19,8 +19,10 @@ namespace
 namespace fs = std::filesystem;
 using namespace std::string_literals;
 
-/// A MIDI file: one loud note that is held for half a minute.
+/// A MIDI file: one loud note that is held for half a minute, and one that is held for an hour.
 const std::string LongNote = "MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\xD\0\x90\x3C\x7F\xAE\0\x80\x3C\0\0\xFF\x2F\0"s;
+const std::string EndlessNote =
+    "MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0\xF\0\x90\x3C\x7F\xAA\xC3\0\x80\x3C\0\0\xFF\x2F\0"s;
 
 class Sound : public testing::Test
 {
@@ -99,7 +101,8 @@ TEST_F(Sound, ComesOutAsTheCommandsSay)
 TEST_F(Sound, EndsWithStopAndBeginsAnewWithPlay)
 {
     MultimediaService myService({{"no such driver", {}}, {"file", myFolder.Native("out.wav")}});
-    myService.Send(Open(u"a.mid"));
+    myFolder.Write("endless.mid", EndlessNote); // written in a minute at best, where nobody stops it
+    myService.Send(Open(u"endless.mid"));
     for (int i = 0; i < 2; ++i)
     {
         myService.Send(u"play Tune ");
