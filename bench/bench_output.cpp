@@ -1,15 +1,14 @@
 /// The page text of a module with a picture of 350 by 250, against the codec's own decode and one copy of the file.
+#include "Ball.h"
 #include "compare.h"
 #include "module/FormMain.h"
 #include "platform/linux/GifFile.h"
 #include "platform/linux/NativePath.h"
 #include "platform/linux/PaletteReduction.h"
 
-#include <cmath>
 #include <fcntl.h>
 #include <fstream>
 #include <gif_lib.h>
-#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -41,28 +40,6 @@ public:
 private:
     Text myFolder;
 };
-
-/// A ball with a shine, some grain and a shadow, transparent around: about what a scanner or a painter gives.
-std::vector<uint8_t> MakeGif()
-{
-    PixelPicture thePicture{Width, Height, std::vector<uint8_t>(size_t{Width} * Height * 4)};
-    std::mt19937 myGrain(1);
-    for (int32_t y = 0; y < Height; ++y)
-    {
-        for (int32_t x = 0; x < Width; ++x)
-        {
-            const double myDistance = std::hypot((x - 175) / 160.0, (y - 120) / 110.0);
-            const double myShine = std::exp(-8 * std::hypot((x - 120) / 160.0, (y - 70) / 110.0));
-            const double myLight = 1 - 0.7 * myDistance + static_cast<double>(myGrain() % 16) / 255;
-            uint8_t* const myPixel = &thePicture.Pixels[(static_cast<size_t>(y) * Width + static_cast<size_t>(x)) * 4];
-            myPixel[0] = static_cast<uint8_t>(std::clamp(220 * myLight + 255 * myShine, 0.0, 255.0));
-            myPixel[1] = static_cast<uint8_t>(std::clamp(90 * myLight + 255 * myShine, 0.0, 255.0));
-            myPixel[2] = static_cast<uint8_t>(std::clamp(60 * myLight + 200 * myShine + y / 10.0, 0.0, 255.0));
-            myPixel[3] = myDistance < 1 ? 255 : 0;
-        }
-    }
-    return WriteGif(*ReduceToPalette(thePicture, false));
-}
 
 void WriteFile(const std::filesystem::path& myFile, const std::vector<uint8_t>& myBytes)
 {
@@ -113,7 +90,7 @@ int main(int argc, char** argv)
     std::filesystem::create_directories(myFolder / "ours");
     std::filesystem::create_directories(myFolder / "peer");
     const std::filesystem::path myPicture = myFolder / "designs/Fiestas/Globo.gif";
-    WriteFile(myPicture, MakeGif());
+    WriteFile(myPicture, WriteGif(*ReduceToPalette(Ball(Width, Height), false)));
 
     const std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     const localConstants myConstants{*LogicalPath((myFolder / "designs/").string()), {}};

@@ -1,0 +1,196 @@
+// How long the settings dialog takes with a library of 200 folders of 500 motifs: from the call to a painted window,
+// and from a key in the list of motifs to a painted preview. Arguments: STAGE, then those of every comparison.
+#include "Ball.h"
+#include "com/qelcom.h"
+#include "com/QelHelperInterfaces.h"
+#include "compare.h"
+#include "platform/linux/GifFile.h"
+#include "platform/linux/PaletteReduction.h"
+
+#include <cinttypes>
+#include <dlfcn.h>
+#include <fstream>
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QListWidget>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using namespace qel;
+
+using Clock = std::chrono::steady_clock;
+constexpr int Runs = 21;
+
+double Milliseconds(Clock::duration myTime)
+{
+    return std::chrono::duration<double, std::milli>(myTime).count();
+}
+
+/// A component's folder with such a library. All motifs of a folder are one file.
+void MakeStage(const fs::path& mySource, const fs::path& myTarget)
+{
+    for (const char* myFile : {"QelPluginAnimation.so", "QelPluginAnimationWindow.so", "libqelcom.so"})
+    {
+        fs::copy_file(mySource / myFile, myTarget / myFile);
+    }
+    const std::vector<uint8_t> myGif = WriteGif(*ReduceToPalette(bench::Ball(350, 350), false));
+    for (int i = 100; i < 300; ++i)
+    {
+        const fs::path myFolder = myTarget / "QelPluginAnimationDesigns" / ("Temas " + std::to_string(i));
+        fs::create_directories(myFolder);
+        std::ofstream(myFolder / "Motivo 100.gif", std::ios::binary)
+            .write(reinterpret_cast<const char*>(myGif.data()), static_cast<std::streamsize>(myGif.size()));
+        for (int j = 101; j < 600; ++j)
+        {
+            fs::create_hard_link(myFolder / "Motivo 100.gif", myFolder / ("Motivo " + std::to_string(j) + ".gif"));
+        }
+    }
+}
+
+QelPlugin& OpenComponent(const fs::path& myStage)
+{
+    void* myLibrary = dlopen((myStage / "QelPluginAnimation.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+    bench::Require(myLibrary != nullptr, "the component loads");
+    const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
+    void* myObject = nullptr;
+    bench::Require(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject) == S_OK, "it has its class");
+    auto* myFactory = static_cast<IClassFactory*>(myObject);
+    bench::Require(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject) == S_OK, "it makes its object");
+    return *static_cast<QelPlugin*>(myObject);
+}
+
+/// What comes next, once, when the preview has been painted with all that is painted together with it.
+std::function<void()> theNextStep;
+
+class PreviewWatcher : public QObject
+{
+protected:
+    bool eventFilter(QObject* myObject, QEvent* myEvent) override
+    {
+        if (myEvent->type() == QEvent::Paint && myObject->objectName() == "picPreview" && theNextStep)
+        {
+            QMetaObject::invokeMethod(qApp, std::exchange(theNextStep, nullptr), Qt::QueuedConnection);
+        }
+        return false;
+    }
+};
+
+/// The application object is the component's own.
+void Watch()
+{
+    qApp->installEventFilter(new PreviewWatcher);
+}
+Q_COREAPP_STARTUP_FUNCTION(Watch)
+
+template <class Widget>
+Widget& Control(const char* myName)
+{
+    return *QApplication::activeModalWidget()->findChild<Widget*>(myName);
+}
+
+void Cancel()
+{
+    bench::Require(Control<QListWidget>("lstImage").count() == 500, "a full list");
+    bench::Require(!Control<QLabel>("picPreview").pixmap().isNull(), "a picture in the preview");
+    Control<QAbstractButton>("cmdCancel").click();
+}
+
+void CallBack(QelPlugin& myPlugin)
+{
+    int32_t myLink = 0;
+    VARIANT_BOOL theAnswer = VARIANT_TRUE;
+    bench::Require(myPlugin.CallBack(&myLink, &theAnswer) == S_OK && theAnswer == VARIANT_FALSE, "a cancelled dialog");
+}
+
+/// Opens the dialog and tells when it was painted.
+Clock::time_point Open(QelPlugin& myPlugin)
+{
+    Clock::time_point theEnd;
+    theNextStep = [&]
+    {
+        theEnd = Clock::now();
+        Cancel();
+    };
+    CallBack(myPlugin);
+    return theEnd;
+}
+
+/// The same in a fresh process, from its start.
+double OpenInAProcess(const fs::path& myStage)
+{
+    const std::string myCommand = "/proc/" + std::to_string(getpid()) + "/exe --once '" + myStage.string() + "'";
+    const auto myStart = Clock::now();
+    FILE* const myOutput = popen(myCommand.c_str(), "r");
+    int64_t myEnd = 0;
+    bench::Require(myOutput != nullptr && std::fscanf(myOutput, "%" SCNd64, &myEnd) == 1 && pclose(myOutput) == 0,
+                   "the time of another process");
+    return Milliseconds(Clock::time_point(Clock::duration(myEnd)) - myStart);
+}
+
+/// Takes one motif after the other with a key, and notes the time that each took.
+void TakeNextMotif(std::vector<double>& theTimes)
+{
+    auto& myList = Control<QListWidget>("lstImage");
+    const int myRow = myList.currentRow();
+    const auto myStart = Clock::now();
+    theNextStep = [&theTimes, myStart]
+    {
+        theTimes.push_back(Milliseconds(Clock::now() - myStart));
+        theTimes.size() < Runs ? TakeNextMotif(theTimes) : Cancel();
+    };
+    QKeyEvent myKey(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier);
+    QCoreApplication::sendEvent(&myList, &myKey);
+    bench::Require(myList.currentRow() == myRow + 1, "the next motif");
+}
+
+template <class Operation>
+double MedianOf(Operation myOperation)
+{
+    std::vector<double> myTimes(Runs);
+    std::ranges::generate(myTimes, myOperation);
+    return bench::Median(myTimes);
+}
+
+} // namespace
+
+int main(int myCount, char** myArguments)
+{
+    bench::Require(myCount > 1, "usage: bench_dialog STAGE [--json]");
+    if (myCount == 3 && std::string_view(myArguments[1]) == "--once")
+    {
+        std::printf("%" PRId64 "\n", int64_t{Open(OpenComponent(myArguments[2])).time_since_epoch().count()});
+        return 0;
+    }
+    const bench::Bench myBench(myCount - 1, myArguments + 1);
+    const bench::WorkFolder myFolder;
+    MakeStage(fs::absolute(myArguments[1]), myFolder.Path());
+    fs::create_directory(myFolder / "tmp");
+    fs::permissions(myFolder / "tmp", fs::perms::owner_all);
+    setenv("TMPDIR", (myFolder / "tmp").c_str(), 1);
+    setenv("XDG_RUNTIME_DIR", (myFolder / "tmp").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", myFolder.Path().c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+
+    OpenInAProcess(myFolder.Path());
+    myBench.Record("dialog of 200 folders of 500 motifs, from a process's start",
+                   MedianOf([&] { return OpenInAProcess(myFolder.Path()); }), "ms", 150);
+    QelPlugin& myPlugin = OpenComponent(myFolder.Path());
+    Open(myPlugin);
+    const auto OpenAgain = [&]
+    {
+        const auto myStart = Clock::now();
+        return Milliseconds(Open(myPlugin) - myStart);
+    };
+    myBench.Record("the same, opened again in one process", MedianOf(OpenAgain), "ms", 150);
+    std::vector<double> myTimes;
+    theNextStep = [&]
+    {
+        TakeNextMotif(myTimes);
+    };
+    CallBack(myPlugin);
+    myBench.Record("dialog: from a selection to a preview of a 350 by 350 GIF", bench::Median(myTimes), "ms", 20);
+}
