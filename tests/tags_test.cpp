@@ -121,14 +121,17 @@ TEST(Tag, QueryFindsTheFirstOfLikeNamesAmongAnyNumber)
     Text myText = u"t A=1 a=2 =x b=\"&amp;quot;\"";
     for (int i = 4; i < 255; ++i)
     {
-        myText += u" c=1";
+        myText += u" c=&lt;";
     }
     myTag.Tag(myText);
     EXPECT_EQ(myTag.AttributeCount(), 255);
     myTag.Tag(myText + u" last=v");
     EXPECT_EQ(ErrorOf([&] { myTag.AttributeCount(); }), ErrorNumber::Overflow);
-    EXPECT_EQ(myTag.QueryAttribute(u"A", false) + myTag.QueryAttribute(u"", false), u"1x");
-    EXPECT_EQ(myTag.QueryAttribute(u"B", false) + myTag.QueryAttribute(u"b", true), u"&quot;&amp;quot;");
+    EXPECT_EQ(Text(myTag.QueryAttribute(u"A", false)).append(myTag.QueryAttribute(u"", false)), u"1x");
+    const TextView myPlain = myTag.QueryAttribute(u"B", false);
+    EXPECT_EQ(myTag.QueryAttribute(u"c", false), u"<") << "unescaped into the same room";
+    EXPECT_EQ(myTag.QueryAttribute(u"b", false).data(), myPlain.data());
+    EXPECT_EQ(Text(myPlain).append(myTag.QueryAttribute(u"b", true)), u"&quot;&amp;quot;");
     EXPECT_EQ(myTag.QueryAttribute(u"last", false), u"v");
     EXPECT_EQ(myTag.QueryAttribute(u" a", false), u"") << "the wanted name is not trimmed";
     myTag.Tag(u"t");
@@ -147,7 +150,7 @@ using Token = std::tuple<int, Text, Text, int32_t>;
 
 Token CurrentToken(const classScript& myScript)
 {
-    return {static_cast<int>(myScript.TagType()), myScript.Tag(), myScript.BaseTag(), myScript.TagLine()};
+    return {static_cast<int>(myScript.TagType()), myScript.Tag(), Text(myScript.BaseTag()), myScript.TagLine()};
 }
 
 TEST(Script, IsWalkedTokenByToken)
@@ -202,12 +205,13 @@ TEST(Script, ReadsAttributesOfTagsAlone)
     myScript.Script(u"</pg.a X=\"&lt;\" y=2>text");
     myScript.GetNextTag();
     EXPECT_EQ(myScript.AttributeCount(), 2);
-    EXPECT_EQ(myScript.AttributeName(0) + myScript.AttributeValue(0) + myScript.PlainText(), u"x&lt;");
-    EXPECT_EQ(myScript.QueryAttribute(u"x") + myScript.QueryAttribute(u"x", true), u"<&lt;");
+    EXPECT_EQ(Text(myScript.AttributeName(0) + myScript.AttributeValue(0)).append(myScript.PlainText()), u"x&lt;");
+    EXPECT_EQ(Text(myScript.QueryAttribute(u"x")).append(myScript.QueryAttribute(u"x", true)), u"<&lt;");
     EXPECT_EQ(ErrorOf([&] { myScript.AttributeValue(3); }), ErrorNumber::SubscriptOutOfRange);
     myScript.GetNextTag();
     EXPECT_EQ(myScript.AttributeCount(), 0);
-    EXPECT_EQ(myScript.AttributeName(-1) + myScript.AttributeValue(99) + myScript.QueryAttribute(u"x"), u"");
+    EXPECT_EQ(Text(myScript.AttributeName(-1) + myScript.AttributeValue(99)).append(myScript.QueryAttribute(u"x")),
+              u"");
     myScript.Script(u"<pg.other>");
     EXPECT_EQ(myScript.PlainText(), u"text") << "setting a script leaves the current token";
 }

@@ -92,7 +92,7 @@ constexpr Param Params[] = {
 
 void ReadParam(const classScript& myScript, ModuleSettings& theSettings)
 {
-    const Text myName = myScript.QueryAttribute(u"name");
+    const TextView myName = myScript.QueryAttribute(u"name");
     const auto* myParam =
         std::find_if(std::begin(Params), std::end(Params), [&](const Param& p) { return p.Name == myName; });
     if (myParam != std::end(Params))
@@ -149,7 +149,7 @@ bool ReadScript(classScript& myScript, ModuleSettings& theSettings)
         {
             continue;
         }
-        const Text myBaseTag = myScript.BaseTag();
+        const TextView myBaseTag = myScript.BaseTag();
         if (myBaseTag == u"plugin" && myScript.QueryAttribute(u"version") != ScriptVersion)
         {
             return false;

@@ -49,7 +49,7 @@ bool classScript::ScanPlainText(size_t myStart)
 {
     size_t myMark = myStart;
     size_t myEnd = myStart;
-    while ((myMark = Find(myScript, u'<', myMark)) != Text::npos)
+    while ((myMark = Find(myScript, u'<', myMark)) != TextView::npos)
     {
         myScanState = MarkAt(myMark, myEnd);
         if (myScanState != ScanState::PlainText)
@@ -58,7 +58,7 @@ bool classScript::ScanPlainText(size_t myStart)
         }
         ++myMark;
     }
-    if (myMark == Text::npos)
+    if (myMark == TextView::npos)
     {
         myMark = myEnd = myScript.size();
     }
@@ -75,7 +75,7 @@ bool classScript::ScanPlainText(size_t myStart)
 void classScript::ScanTag(size_t myStart)
 {
     const size_t myEnd = Find(myScript, u'>', myStart);
-    if (myEnd == Text::npos)
+    if (myEnd == TextView::npos)
     {
         Consume(myScript.size());
         SetToken(TokenType::None, 0, 0);
@@ -112,7 +112,7 @@ classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
 
 bool classScript::PrefixStandsAt(size_t myStart) const
 {
-    const TextView myText = TextView(myScript).substr(myStart, myPrefix.size());
+    const TextView myText = myScript.substr(myStart, myPrefix.size());
     return std::equal(myPrefix.begin(), myPrefix.end(), myText.begin(), myText.end(),
                       [](char16_t p, char16_t t) { return LowerCase(t) == p; });
 }
@@ -129,7 +129,7 @@ void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
 {
     myCurrentTag.Type = myType;
     myCurrentTag.Line = myType == TokenType::None ? 0 : myLine;
-    const TextView myText = TextView(myScript).substr(myStart, myEnd - myStart);
+    const TextView myText = myScript.substr(myStart, myEnd - myStart);
     if (IsTag())
     {
         myTagParser.Tag(myText);
@@ -140,19 +140,19 @@ void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
     }
 }
 
-Text classScript::PlainText() const
+TextView classScript::PlainText() const
 {
-    return TagType() == TokenType::PlainText ? myCurrentTag.Value : Text();
+    return TagType() == TokenType::PlainText ? myCurrentTag.Value : TextView();
 }
 
-Text classScript::BaseTag() const
+TextView classScript::BaseTag() const
 {
-    return IsTag() ? myTagParser.BaseTag() : Text();
+    return IsTag() ? myTagParser.BaseTag() : TextView();
 }
 
-Text classScript::QueryAttribute(TextView myAttribute, bool noUnquote) const
+TextView classScript::QueryAttribute(TextView myAttribute, bool noUnquote) const
 {
-    return IsTag() ? myTagParser.QueryAttribute(myAttribute, noUnquote) : Text();
+    return IsTag() ? myTagParser.QueryAttribute(myAttribute, noUnquote) : TextView();
 }
 
 int32_t classScript::AttributeCount() const

@@ -8,6 +8,7 @@
 #include "tags/classTag.h"
 #include "text/text.h"
 
+#include <concepts>
 #include <cstddef>
 
 namespace qel
@@ -42,8 +43,11 @@ public:
     /// "<" opens a tag.
     void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
 
-    /// The script, to be walked from its start. The current token stays until GetNextTag.
+    /// The script, to be walked from its start. It is not copied and has to stay until the walk is over. The current
+    /// token stays until GetNextTag.
     void Script(TextView theScript);
+    template <std::same_as<Text> Temporary>
+    void Script(Temporary&&) = delete;
 
     /// Makes a tag that was kept in advance the current token. Error 9: there is none of that number, as no operation
     /// of this class keeps any.
@@ -58,17 +62,19 @@ public:
     /// What the current token is.
     TokenType TagType() const { return myCurrentTag.Type; }
 
+    // The views that the following members give hold until the next GetNextTag.
+
     /// The plain text; empty for a tag.
-    Text PlainText() const;
+    TextView PlainText() const;
 
     /// The tag name, in the case of the script; empty for plain text, as are the other members that read a tag.
-    Text BaseTag() const;
+    TextView BaseTag() const;
 
     /// The line that the token ends on; 0 when there is none.
     int32_t TagLine() const { return myCurrentTag.Line; }
 
     /// See classTag.
-    Text QueryAttribute(TextView myAttribute, bool noUnquote = false) const;
+    TextView QueryAttribute(TextView myAttribute, bool noUnquote = false) const;
 
     /// The number of attributes, 0 for plain text. Error 6: more than 255.
     int32_t AttributeCount() const;
@@ -81,7 +87,7 @@ public:
     const Text& Tag() const { return IsTag() ? myTagParser.Tag() : myCurrentTag.Value; }
 
     /// QueryAttribute, unescaped.
-    Text ResolveAttribute(TextView myAttributeName) const { return QueryAttribute(myAttributeName); }
+    TextView ResolveAttribute(TextView myAttributeName) const { return QueryAttribute(myAttributeName); }
 
 private:
     enum class ScanState : uint8_t
@@ -103,7 +109,7 @@ private:
     MessageQueue& myMessageQueue;
     ScriptTag myCurrentTag;
     classTag myTagParser;
-    Text myScript;
+    TextView myScript;
     Text myPrefix;
     size_t myPosition = 0; ///< how many characters are consumed
     int32_t myLine = 0;

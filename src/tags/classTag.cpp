@@ -68,6 +68,7 @@ void classTag::Tag(TextView theTag)
         myTag.swap(myFormerTag);
     }
     myTag = theTag;
+    myPlainValues.clear();
     const size_t myNameEnd = EndOfWord(myTag, 0);
     myBaseTag.assign(myTag, 0, myNameEnd);
     ParseAttributes(myNameEnd + 1);
@@ -87,30 +88,33 @@ void classTag::ParseAttributes(size_t myPosition)
         {
             ++myPosition;
         }
-        Attribute myAttribute;
+        bool myNameIsClean = true;
         size_t myEquals = myPosition;
         while (myEquals < myTag.size() && myTag[myEquals] != u'=')
         {
-            myAttribute.NameIsClean &= IsSmallLetter(myTag[myEquals]);
+            myNameIsClean &= IsSmallLetter(myTag[myEquals]);
             ++myEquals;
         }
         if (myEquals >= myTag.size())
         {
             return;
         }
-        myAttribute.Name = {myPosition, myEquals - myPosition};
-        myPosition = ParseValue(myEquals + 1, myAttribute.Value);
         if (myAttributeCount == myTable.size())
         {
             myTable.emplace_back();
         }
-        myTable[myAttributeCount++] = myAttribute;
+        Attribute& myAttribute = myTable[myAttributeCount++];
+        myAttribute.Name = {myPosition, myEquals - myPosition};
+        myAttribute.NameIsClean = myNameIsClean;
+        myAttribute.Plain.reset();
+        myPosition = ParseValue(myEquals + 1, myAttribute.Value);
     }
 }
 
 /// Reads a value and gives the position behind it. A quoted value without its closing mark stays empty.
 size_t classTag::ParseValue(size_t myPosition, Span& theValue) const
 {
+    theValue = {};
     myPosition = std::min(myTag.find_first_not_of(u' ', myPosition), myTag.size());
     if (myPosition == myTag.size())
     {
@@ -175,17 +179,30 @@ size_t classTag::DemandEntry(int32_t num) const
     return static_cast<size_t>(num);
 }
 
-Text classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
+TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
 {
     for (size_t i = 0; i < myAttributeCount; ++i)
     {
         if (IsNamed(myTable[i], theAttribute))
         {
             const TextView myValue = Part(myTag, myTable[i].Value);
-            return noUnquote || myValue.find(u'&') == TextView::npos ? Text(myValue) : UnQuote(myValue);
+            return noUnquote || myValue.find(u'&') == TextView::npos ? myValue : PlainValue(myTable[i]);
         }
     }
     return {};
+}
+
+TextView classTag::PlainValue(const Attribute& myAttribute) const
+{
+    if (!myAttribute.Plain)
+    {
+        // Unescaping makes no text longer.
+        myPlainValues.reserve(myTag.size());
+        const Text myValue = UnQuote(Part(myTag, myAttribute.Value));
+        myAttribute.Plain = {myPlainValues.size(), myValue.size()};
+        myPlainValues += myValue;
+    }
+    return Part(myPlainValues, *myAttribute.Plain);
 }
 
 bool classTag::IsNamed(const Attribute& myAttribute, TextView myWanted) const

@@ -8,6 +8,7 @@
 #include "text/text.h"
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 namespace qel
@@ -38,8 +39,8 @@ public:
     Text AttributeValue(int32_t num) const;
 
     /// The value of the first attribute of that name, found without regard to case; unescaped unless `noUnquote`. The
-    /// empty text when there is none.
-    Text QueryAttribute(TextView theAttribute, bool noUnquote) const;
+    /// empty text when there is none. The view holds until the next tag is written.
+    TextView QueryAttribute(TextView theAttribute, bool noUnquote) const;
 
     /// The text with "&quot;", "&gt;", "&lt;" and then "&amp;" turned back into their characters.
     static Text UnQuote(TextView myText);
@@ -57,11 +58,13 @@ private:
     {
         Span Name;
         Span Value;
-        bool NameIsClean = true; ///< callers know the name just as it was written
+        mutable std::optional<Span> Plain; ///< the unescaped value, once it was asked for, where it is another text
+        bool NameIsClean = true;           ///< callers know the name just as it was written
     };
 
     static TextView Part(TextView myText, Span mySpan);
     bool IsNamed(const Attribute& myAttribute, TextView myWanted) const;
+    TextView PlainValue(const Attribute& myAttribute) const;
     void ParseAttributes(size_t myPosition);
     size_t ParseValue(size_t myPosition, Span& theValue) const;
     void KeepEntryBehind(size_t myFormerCount);
@@ -70,6 +73,7 @@ private:
 
     Text myTag;
     Text myBaseTag;
+    mutable Text myPlainValues; ///< has room for those of all attributes, so that views into it hold
     size_t myAttributeCount = 0;
     // The table that a caller can reach is that of the last tag with attributes, and one entry behind it.
     Text myFormerTag; ///< the text that the table lies in when the tag has no attributes
