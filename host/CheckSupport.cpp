@@ -107,7 +107,8 @@ std::string Shown(TextView myText)
     {
         std::array<char, 8> myEscape{};
         std::snprintf(myEscape.data(), myEscape.size(), "\\u%04x", static_cast<unsigned>(myUnit));
-        const bool isPlain = myUnit >= u' ' && (myUnit < 0xD800 || myUnit > 0xDFFF);
+        const bool isControl = myUnit < u' ' || (myUnit >= 0x7F && myUnit < 0xA0);
+        const bool isPlain = !isControl && (myUnit < 0xD800 || myUnit > 0xDFFF);
         theText += myUnit == u'\r' ? "\\r" : myUnit == u'\n' ? "\\n" : isPlain ? ToUtf8({&myUnit, 1}) : myEscape.data();
     }
     return theText + (myText.size() > ShownLength ? "\"..." : "\"");
@@ -131,7 +132,7 @@ OpenedComponent::OpenedComponent(const Trial& myTrial) : myLibrary(dlopen(myTria
 {
     if (!myLibrary)
     {
-        FailCheck("the file opens as a shared object", dlerror());
+        FailCheck(Opens, dlerror());
     }
 }
 

@@ -50,6 +50,8 @@ int64_t HoldersOf(Interface& myObject)
 class OpenedComponent
 {
 public:
+    static constexpr const char* Opens = "the file opens as a shared object"; ///< what is expected of the file
+
     explicit OpenedComponent(const Trial& myTrial);
 
     template <class Function>

@@ -5,9 +5,11 @@
 import json
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import uuid
 from pathlib import Path
@@ -78,7 +80,7 @@ class CheckTest(unittest.TestCase):
         run = subprocess.run([STAGE / "qelhost", *map(str, arguments)], capture_output=True, text=True, timeout=120,
                              env={**self.environment, "QEL_FAULT": fault})
         self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
-        return run.stderr if expect == 2 else run.stdout
+        return run.stdout if "--json" in arguments else run.stdout + run.stderr
 
     def check(self, *arguments, **options):
         """The results by the names of the checks. Nothing may be left behind, neither a file nor a process."""
@@ -108,7 +110,8 @@ class CheckTest(unittest.TestCase):
         return {name: check["result"] for name, check in checks.items()}
 
     def test_the_component_passes_every_check(self):
-        names = [line.split()[0] for line in self.run_host("check", "--list").splitlines()[1:]]
+        names = [check["name"] for check in json.loads(self.run_host("check", "--list", "--json"))["checks"]]
+        self.assertEqual(names, [line.split()[0] for line in self.run_host("check", "--list").splitlines()[1:]])
         self.assertEqual(names, list(FAULTS))  # each is proved below
         passed = dict.fromkeys(names, "passed")
         self.assertEqual(self.results(self.check()), passed)
@@ -134,6 +137,16 @@ class CheckTest(unittest.TestCase):
         found = self.check(self.broken(), "--only", "script.initial", "--timeout", "0.5", fault="hangs", expect=1)
         self.assertIn("no end within 0.5 seconds", found["script.initial"]["got"])
 
+    def test_an_interrupted_run_ends_by_the_signal_and_leaves_nothing(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            run = subprocess.Popen([STAGE / "qelhost", "check", self.broken(), "--only", "script.initial"],
+                                   env={**self.environment, "QEL_FAULT": "hangs"}, stdout=subprocess.DEVNULL)
+            while not list(self.temporary.iterdir()) and run.poll() is None:
+                time.sleep(0.01)
+            run.send_signal(number)
+            self.assertEqual(run.wait(5), -number)
+            self.assertEqual((list(self.temporary.iterdir()), self.marked_processes()), ([], []))
+
     def test_what_is_not_beside_the_component_is_told(self):
         bare = self.folder / "bare"
         bare.mkdir()
@@ -156,7 +169,18 @@ class CheckTest(unittest.TestCase):
     def test_wrong_use_is_told(self):
         self.assertIn("qelhost check --list", self.run_host("check", "--only", "entry.nothing", expect=2))
         self.run_host("check", "--timeout", "0", expect=2)
-        self.run_host("check", self.folder / "none.so", expect=1)
+        text = self.folder / "text.so"
+        text.write_text("text")
+        (self.folder / "a\\b").mkdir()
+        for file, place, reason in (("", "", 'no file ""'), ("none.so", "", "no file"), (text, "", "too short"),
+                                    (REAL, "none", "set TMPDIR"), (REAL, "a\\b", "set TMPDIR")):
+            self.environment["TMPDIR"] = str(self.folder / place)
+            self.assertIn(reason, self.run_host("check", file, expect=1))
+        self.environment["TMPDIR"] = str(self.temporary)
+        (self.folder / "far" / "near").mkdir(parents=True)
+        (self.folder / "link").symlink_to("far/near")
+        shutil.copy(self.broken(), self.folder / "far")
+        self.check(f"{self.folder}/link/../broken_component.so", "--only", "entry.unknown-class")
 
 
 if __name__ == "__main__":

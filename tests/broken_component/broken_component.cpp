@@ -271,7 +271,10 @@ HRESULT LeakText(Call& theCall)
 
 HRESULT Hang(Call& /*theCall*/)
 {
-    fork(); // one more that has to go
+    if (fork() != 0) // one more that has to go
+    {
+        setpgid(0, getpgid(getppid())); // beyond the reach of what ends its group
+    }
     for (;;)
     {
         pause();
