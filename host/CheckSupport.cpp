@@ -88,13 +88,12 @@ size_t BytesInUse()
     return myCounter != nullptr ? myCounter() : myMemory.uordblks + myMemory.hblkhd;
 }
 
-/// What a process can keep without need.
-struct Holdings
+/// The open files and the temporary files of this process.
+std::array<int64_t, 2> FilesInUse()
 {
-    size_t Bytes = BytesInUse();
-    std::ptrdiff_t OpenFiles = std::distance(fs::directory_iterator("/proc/self/fd"), {});
-    std::ptrdiff_t TemporaryFiles = std::distance(fs::recursive_directory_iterator(fs::temp_directory_path()), {});
-};
+    return {std::distance(fs::directory_iterator("/proc/self/fd"), {}),
+            std::distance(fs::recursive_directory_iterator(fs::temp_directory_path()), {})};
+}
 
 } // namespace
 
@@ -268,18 +267,19 @@ void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOp
     {
         myOperation();
     }
-    const Holdings myStart;
+    const auto myFirstFiles = FilesInUse(); // takes memory itself
+    const size_t myStart = BytesInUse();
     for (size_t i = 0; i < Rounds; ++i)
     {
         myOperation();
     }
-    const Holdings myEnd;
-    const size_t myGrowth = myEnd.Bytes > myStart.Bytes ? myEnd.Bytes - myStart.Bytes : 0;
-    const std::string myRounds = " after " + std::to_string(Rounds) + " rounds";
+    const size_t myEnd = BytesInUse();
+    const auto myLastFiles = FilesInUse();
+    const size_t myGrowth = myEnd > myStart ? myEnd - myStart : 0;
     ExpectShown(myWhat, myGrowth < Rounds * SmallestBlock, "no memory kept",
-                std::to_string(myGrowth) + " bytes" + myRounds);
-    ExpectNumber("open files after " + myWhat, myStart.OpenFiles, myEnd.OpenFiles);
-    ExpectNumber("temporary files after " + myWhat, myStart.TemporaryFiles, myEnd.TemporaryFiles);
+                std::to_string(myGrowth) + " bytes after " + std::to_string(Rounds) + " rounds");
+    ExpectNumber("open files after " + myWhat, myFirstFiles[0], myLastFiles[0]);
+    ExpectNumber("temporary files after " + myWhat, myFirstFiles[1], myLastFiles[1]);
 }
 
 } // namespace qel::host

@@ -414,6 +414,10 @@ std::map<TextView, LateValue> ValuesOfTables(const OpenedComponent& myComponent)
     {
         theValues[myMember.Name] = {VT_BSTR, Read(*myPlugin.Get(), myMember.Read)};
     }
+    for (const auto& myText : FixedTexts)
+    {
+        theValues[myText.Name] = {VT_BSTR, Text(myText.Value)};
+    }
     Bstr myVersion;
     ExpectResult("Version", S_OK, myPlugin.Query<QelInfo>()->get_Version(myVersion.Pointer()));
     theValues[u"Version"] = {VT_BSTR, myVersion.Value()};

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <sstream>
 #include <sys/resource.h>
+#include <tuple>
 #include <vector>
 
 namespace qel
@@ -28,12 +29,7 @@ const std::string Example = "qelarchive1.0\x06\0\0\0\\a.txt\x03\0\0\0abc\x0A\0\0
 
 std::string Integer(int32_t myNumber)
 {
-    std::string theBytes;
-    for (int i = 0; i < 32; i += 8)
-    {
-        theBytes += static_cast<char>(static_cast<uint32_t>(myNumber) >> i);
-    }
-    return theBytes;
+    return {char(myNumber), char(myNumber >> 8), char(myNumber >> 16), char(myNumber >> 24)};
 }
 
 std::string Entry(const std::string& myName, const std::string& myData, int32_t mySizeError = 0)
@@ -210,13 +206,10 @@ TEST_F(Archive, PackingTellsItsShareAndEndsAsTheFlagStandsThen)
 {
     const Text myFirst = u"0 \\a12 "; // a half goes to the even number
     const Text myWhole = myFirst + u"\\img\\b38 \\img\\sub\\c100 100 ";
-    struct
-    {
-        int CancelAt, BackAt; ///< numbers of events from 0; -1: none
-        Text Events;
-        bool Result;
-    } const myCases[] = {{-1, -1, myWhole, true}, {4, -1, myWhole, false},           {0, -1, myFirst + u"100 ", false},
-                         {0, 1, myWhole, true},   {1, -1, myFirst + u"100 ", false}, {1, 2, myFirst + u"100 ", true}};
+    // The numbers from 0 of the events that raise the flag and take it back, the events, and the result.
+    const std::tuple<int, int, Text, bool> myCases[] = {
+        {-1, -1, myWhole, true}, {4, -1, myWhole, false},           {0, -1, myFirst + u"100 ", false},
+        {0, 1, myWhole, true},   {1, -1, myFirst + u"100 ", false}, {1, 2, myFirst + u"100 ", true}};
     const auto Pack = [&](int myCancelAt, int myBackAt)
     {
         myEvents.clear();
@@ -245,22 +238,19 @@ TEST_F(Archive, PackingTellsItsShareAndEndsAsTheFlagStandsThen)
 
 TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
 {
-    struct
-    {
-        std::vector<std::string> Files, Links;
-        std::string SmallNames, Names; ///< in the archive, or why there is none
-    } const myCases[] = {
-        {{"A.txt", "Img/Logo.GIF"}, {}, "\\a.txt\\img\\logo.gif", "\\A.txt\\Img\\Logo.GIF"},
-        {{"Ñ€", ".hidden", ".h/a", "back\\slash", "a\xFF"}, {"l"}, "\\ñ€", "\\Ñ€"},
-        {{"FOO"}, {"foo"}, "58", "\\FOO"},
-        {{"FOO/a"}, {"foo"}, "58", "\\FOO\\a"},
-        {{"a", "A"}, {}, "58", "58"},
-        {{"img/a", "img/日"}, {}, "52", "52"},
-        {{"img/large"}, {}, "6", "6"},
-        {{"a.txt", "img/b.gif"}, {}, "\\a.txt\\img\\b.gif", "\\a.txt\\img\\b.gif"},
+    // The files, a link beside them, and the names in the archive, lowered and plain, or why there is none.
+    const std::tuple<std::vector<std::string>, std::string, std::string, std::string> myCases[] = {
+        {{"A.txt", "Img/Logo.GIF"}, "~", "\\a.txt\\img\\logo.gif", "\\A.txt\\Img\\Logo.GIF"},
+        {{"Ñ€", ".hidden", ".h/a", "back\\slash", "a\xFF"}, "l", "\\ñ€", "\\Ñ€"},
+        {{"FOO"}, "foo", "58", "\\FOO"},
+        {{"FOO/a"}, "foo", "58", "\\FOO\\a"},
+        {{"a", "A"}, "~", "58", "58"},
+        {{"img/a", "img/日"}, "~", "52", "52"},
+        {{"img/large"}, "~", "6", "6"},
+        {{"a.txt", "img/b.gif"}, "~", "\\a.txt\\img\\b.gif", "\\a.txt\\img\\b.gif"},
     };
     myFolder.Write("outside/secret", "");
-    for (const auto& [myNames, myLinks, mySmallNames, myPlainNames] : myCases)
+    for (const auto& [myNames, myLink, mySmallNames, myPlainNames] : myCases)
     {
         std::filesystem::remove_all(myFolder.Native("base"));
         for (const std::string& myName : myNames)
@@ -268,10 +258,7 @@ TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
             myFolder.Write("base/" + myName, myName == "a.txt" ? "abc" : "");
             myName == "img/large" ? std::filesystem::resize_file(myFolder.Native("base/" + myName), 1U << 31U) : void();
         }
-        for (const std::string& myName : myLinks)
-        {
-            std::filesystem::create_symlink(myFolder.Native("outside"), myFolder.Native("base/" + myName));
-        }
+        std::filesystem::create_symlink(myFolder.Native("outside"), myFolder.Native("base/" + myLink));
         for (const bool isSmall : {true, false})
         {
             myFolder.Write("x.dat", "old");

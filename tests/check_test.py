@@ -18,49 +18,26 @@ STAGE = Path(sys.argv.pop(1)).resolve()
 BROKEN = Path(sys.argv.pop(1)).resolve()
 REAL = STAGE / "QelPluginAnimation.so"
 
-# What each check finds: faults of the broken component (see broken_component.cpp), or None for one export too many.
-FAULTS = {
-    "entry.exports": None,
-    "entry.unknown-class": "any-class",
-    "entry.unknown-interface": "wild-pointer",
-    "entry.null-pointers": "no-null-test",
-    "entry.aggregation": "aggregates",
-    "entry.unload-count": "unloads-any-time",
-    "entry.registration": "stays-registered",
-    "entry.unloading": "last-word",
-    "identity.unknown": "wrong-identity",
-    "identity.query": "one-way-query",
-    "identity.counts": "query-keeps-reference",
-    "identity.error-info": "no-error-info",
-    "members.fixed-texts": "swapped-requirements",
-    "members.answers": "true-is-one",
-    "members.version": "zeros-in-version",
-    "members.null-pointers": "takes-null",
-    "members.bitmaps": "bitmap-with-folder",
-    "members.string-sort": "sorts-nothing",
-    "late.names": "exact-names",
-    "late.kinds": "any-kind",
-    "late.values": "numbers-for-booleans",
-    "late.failures": "no-exception",
-    "script.initial": "other-initial-script",
-    "script.round-trip": "half-escaped",
-    "script.other-version": "any-version",
-    "script.random": "crash-on-surrogate",
-    "script.huge": "short-scripts",
-    "output.period": "ends-a-day-early",
-    "output.staging": "width-for-height",
-    "output.links": "no-empty-link",
-    "output.library": "library-fails",
-    "host.call-order": "asks-twice",
-    "host.failing-calls": "other-number",
-    "host.no-services": "no-reason",
-    "host.references": "keeps-topic",
-    "dialog.no-display": "confirms-unseen",
-    "threads.records": "one-record",
-    "leaks.texts": "leaks-text",
-    "leaks.objects": "query-keeps-reference",
-    "leaks.pages": "leaks-page",
-}
+# The checks in their order, and what each has to find: faults of the broken component (see broken_component.cpp), or
+# a component that has one.
+FAULTS = {name: faults.split() for name, faults in (entry.strip().split(":") for entry in """
+entry.exports: one_more_export.so; entry.unknown-class: any-class;
+entry.unknown-interface: wild-pointer factory-has-no-identity factory-is-anything; entry.null-pointers: no-null-test;
+entry.aggregation: aggregates; entry.unload-count: unloads-any-time lock-fails; entry.registration: stays-registered;
+entry.unloading: last-word; identity.unknown: wrong-identity; identity.query: one-way-query;
+identity.counts: query-keeps-reference; identity.error-info: no-error-info supports-null;
+members.fixed-texts: swapped-requirements; members.answers: true-is-one; members.version: zeros-in-version;
+members.null-pointers: takes-null takes-null-index takes-null-place; members.bitmaps: bitmap-with-folder;
+members.string-sort: sorts-nothing refuses-null-text text-in-failure;
+late.names: exact-names counts-no-types gives-types; late.kinds: any-kind;
+late.values: numbers-for-booleans late-number-for-text late-empty-version late-empty-value late-database-lost late-helper-fails late-help-fails late-script-lost;
+late.failures: no-exception late-about-unseen; script.initial: other-initial-script;
+script.round-trip: half-escaped no-summary; script.other-version: any-version; script.random: crash-on-surrogate;
+script.huge: short-scripts; output.period: ends-a-day-early; output.staging: width-for-height;
+output.links: no-empty-link; output.library: library-fails; host.call-order: asks-twice asks-for-empty-link;
+host.failing-calls: other-number other-link-number; host.no-services: no-reason; host.references: keeps-topic;
+dialog.no-display: confirms-unseen; threads.records: one-record; leaks.texts: leaks-text leaks-late;
+leaks.objects: query-keeps-reference; leaks.pages: leaks-page leaks-handle leaves-file""".replace("\n", "").split(";"))}
 
 
 class CheckTest(unittest.TestCase):
@@ -119,10 +96,10 @@ class CheckTest(unittest.TestCase):
 
     def test_each_check_finds_its_fault(self):
         component = self.broken()
-        for name, fault in FAULTS.items():
+        for name, fault in ((name, fault) for name, faults in FAULTS.items() for fault in faults):
             with self.subTest(check=name, fault=fault):
-                file = component if fault else self.broken("one_more_export.so")
-                found = self.check(file, "--only", name, fault=fault or "", expect=1)
+                file = self.broken(fault) if fault.endswith(".so") else component
+                found = self.check(file, "--only", name, fault=fault, expect=1)
                 self.assertEqual(self.results(found), {name: "failed"})
                 self.assertTrue(found[name]["expected"] and found[name]["got"], found)
 
@@ -153,6 +130,11 @@ class CheckTest(unittest.TestCase):
         component = shutil.copy(self.broken(), bare)
         found = self.check(component, "--only", "members.bitmaps", "--only", "output.library")
         self.assertEqual(self.results(found), {"members.bitmaps": "warned", "output.library": "skipped"})
+        (bare / "QelPluginAnimationDesigns" / "Uno").mkdir(parents=True)
+        (bare / "QelPluginAnimationDesigns" / "readme.txt").touch()
+        shutil.copy(next(STAGE.glob("*Designs/*/*.gif")), bare / "QelPluginAnimationDesigns" / "Uno" / "A.GIF")
+        self.environment["QEL_REAL"] = shutil.copy(REAL, bare / "real.so")
+        self.check(component, "--only", "output.library")
 
     def test_the_component_is_found_as_by_the_other_commands(self):
         only = ["check", "--only", "entry.unknown-class"]
