@@ -413,9 +413,8 @@ class ArchiveTest(HostTest):
                                   (["unpack", archive, self.folder / "way", "--force"], "a.txt: a folder"),
                                   (["unpack", self.folder / "none", source], "no file")):
             self.assertIn(reason, self.host("archive", *arguments, expect=1))
-        for name in (source / "a.dat", "bare.dat", ""):
-            self.host("archive", "pack", name, ".", expect=2, cwd=source)
-        self.host("archive", "list", "", expect=2)
+        for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
+            self.host("archive", *arguments, expect=2, cwd=source)
         self.assertEqual(archive.read_bytes(), before)
         self.host("archive", "unpack", archive, self.folder / "out", "--force")
         hostile = self.file("hostile.dat", archive_of("..\\evil", b"x"))

@@ -198,12 +198,6 @@ HRESULT WildPointer(Call& theCall)
     return theResult;
 }
 
-HRESULT SwapRequirements(Call& theCall)
-{
-    theCall.Slot = theCall.Slot == Member(8) ? Member(9) : Member(8);
-    return theCall.Forward();
-}
-
 HRESULT ExactNames(Call& theCall)
 {
     const char16_t* const myName = *reinterpret_cast<char16_t**>(theCall.W[1]);
@@ -273,16 +267,6 @@ HRESULT RefuseNullText(Call& theCall)
     return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
 }
 
-HRESULT TextInFailure(Call& theCall)
-{
-    const HRESULT theResult = theCall.Forward();
-    if (FAILED(theResult) && theResult != E_POINTER)
-    {
-        Replace(theCall.Argument<BSTR>(1), u"text");
-    }
-    return theResult;
-}
-
 /// Asks the host once more, for any page or for those whose link has no address.
 template <bool ForEmptyLink>
 HRESULT AskTwice(Call& theCall)
@@ -304,7 +288,7 @@ constexpr Fault Faults[] = {
     {"one-way-query", Kind::Info, QuerySlot, Deny<&IID_QelPlugin>},
     {"query-keeps-reference", Kind::Any, QuerySlot, QueryTwice},
     {"no-error-info", Kind::ErrorSupport, 3, Give<S_FALSE>},
-    {"swapped-requirements", Kind::Plugin, Member(8), SwapRequirements},
+    {"other-requirements", Kind::Plugin, Member(8), nullptr, u"ninguna", u"alguna"},
     {"true-is-one", Kind::Plugin, Member(12), GiveBoolean<0, 1>},
     {"zeros-in-version", Kind::Info, Member(2), nullptr, u"1.0.", u"1.00.00"},
     {"takes-null", Kind::Plugin, Member(13), Skip<0, 0>},
@@ -342,7 +326,7 @@ constexpr Fault Faults[] = {
     {"takes-null-index", Kind::Sort, Member(3), Skip<0, 0>},
     {"takes-null-place", Kind::Sort, Member(3), Skip<1, 0>},
     {"refuses-null-text", Kind::Sort, Member(2), RefuseNullText},
-    {"text-in-failure", Kind::Sort, Member(3), TextInFailure},
+    {"text-in-failure", Kind::Sort, Member(3), WildPointer<1>},
     {"counts-no-types", Kind::Plugin, 3, Give<S_OK>},
     {"gives-types", Kind::Sort, 4, Give<S_OK>},
     {"late-number-for-text", Kind::Plugin, InvokeSlot, OtherType<VT_BSTR, VT_I4>},
@@ -379,8 +363,8 @@ HRESULT Enter(StandIn* theObject, Word a, Word b, Word c, Word d, Word e, Word f
     const Fault* myEdit = nullptr;
     for (const Fault& myFault : Faults)
     {
-        const bool isHere = (myFault.TheKind == Kind::Any || myFault.TheKind == theObject->TheKind) &&
-                            (myFault.Slot == Slot || (myFault.Act == SwapRequirements && Slot == Member(9)));
+        const bool isHere =
+            (myFault.TheKind == Kind::Any || myFault.TheKind == theObject->TheKind) && myFault.Slot == Slot;
         if (isHere && Chosen(myFault.Name))
         {
             myAct = myFault.Act;
