@@ -8,7 +8,10 @@
 #include "text/encodings.h"
 #include "text/errors.h"
 
+#include <algorithm>
 #include <iostream>
+#include <unordered_set>
+#include <utility>
 
 #include <unistd.h>
 
@@ -35,12 +38,47 @@ public:
     std::vector<Text> Names;
 };
 
+/// Why an operation on an archive failed, by the number of its error, in words for whoever gave the command.
+constexpr std::pair<int32_t, const char*> Reasons[] = {
+    {ErrorNumber::Overflow, "it has 2 GiB or more, which an archive cannot hold"},
+    {ErrorNumber::OutOfMemory, "there is not enough memory"},
+    {ErrorNumber::BadFileName, "its name leads out of the folder, or has characters that an archive cannot hold"},
+    {ErrorNumber::FileNotFound, "it is not there any more"},
+    {ErrorNumber::FileAlreadyExists, "its folder holds another name that differs in case alone"},
+    {ErrorNumber::DiskFull, "the disk is full"},
+    {ErrorNumber::InputPastEnd, "it has become shorter meanwhile"},
+    {ErrorNumber::PermissionDenied, "there is no permission, or someone else has it open"},
+    {ErrorNumber::PathAccess, "a folder, a link or something else is in the way, or a folder cannot be read"},
+    {ErrorNumber::PathNotFound, "its folder is not there, or cannot be made"},
+};
+
+/// Where and why packing or unpacking failed.
+std::string FailureOf(const classArchive& myArchive)
+{
+    const auto* const myReason =
+        std::ranges::find(Reasons, myArchive.FailureNumber(), &std::pair<int32_t, const char*>::first);
+    const Text& myName = myArchive.LastName();
+    return (myName.empty() ? "at the archive itself" : "at " + Tamed(ToUtf8(myName))) + ": " +
+           (myReason != std::end(Reasons) ? myReason->second : "the disk has failed");
+}
+
+/// The absolute path without links, also of what is not there yet.
+fs::path RealName(const fs::path& myPath)
+{
+    if (myPath.empty())
+    {
+        throw UsageFailure("an empty name leads to no file and no folder");
+    }
+    return fs::weakly_canonical(fs::absolute(myPath));
+}
+
 Text LogicalName(const fs::path& myPath)
 {
-    const std::optional<Text> theName = LogicalPath(fs::weakly_canonical(fs::absolute(myPath)).string());
+    const std::optional<Text> theName = LogicalPath(RealName(myPath).string());
     if (!theName)
     {
-        throw UsageFailure(myPath.string() + " cannot be named to the component: use a path without \"\\\", in UTF-8");
+        throw UsageFailure(Tamed(myPath.string()) +
+                           " cannot be named to the component: use a path without \"\\\", in UTF-8");
     }
     return *theName;
 }
@@ -53,10 +91,14 @@ public:
 
     ListedFiles Listed()
     {
+        if (!fs::is_regular_file(myFile))
+        {
+            throw Failure(fs::exists(myFile) ? myFile.string() + " is not a file"
+                                             : "there is no file " + myFile.string());
+        }
         if (!Archive.ReadArchive())
         {
-            throw Failure(myFile.string() +
-                          " cannot be read as an archive: it is missing, damaged, in use, or something else");
+            throw Failure(myFile.string() + " cannot be read as an archive: it is damaged, in use, or something else");
         }
         ListedFiles theFiles;
         Archive.FillList(theFiles);
@@ -115,11 +157,11 @@ void List(const Arguments& myArguments)
 
 void Pack(const Arguments& myArguments)
 {
-    if (!fs::is_directory(myArguments.Folder))
+    if (!fs::is_directory(RealName(myArguments.Folder)))
     {
         throw Failure("there is no folder " + myArguments.Folder.string() + " to pack");
     }
-    const auto myWay = fs::weakly_canonical(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
+    const auto myWay = RealName(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
     if (!myWay.empty() && *myWay.begin() != "..")
     {
         throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
@@ -131,26 +173,37 @@ void Pack(const Arguments& myArguments)
     }
     const ProgressLine myLine;
     myArchive.Archive.BaseFolder(LogicalName(myArguments.Folder));
+    bool myHasBegun = false;
     myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
     {
+        myHasBegun = true;
         myLine.Show(std::to_string(myPercent) + " % " + Tamed(ToUtf8(myName)));
     };
     if (!myArchive.Archive.PackArchive())
     {
-        throw Failure(myArguments.Folder.string() +
-                      " cannot be packed: " + ToUtf8(ErrorDescription(myArchive.Archive.FailureNumber())));
+        const bool myIsLeft = myHasBegun && fs::is_regular_file(myArguments.File);
+        throw Failure("packing failed " + FailureOf(myArchive.Archive) +
+                      (myIsLeft ? ". An incomplete " + myArguments.File.string() + " is left" : ""));
     }
 }
 
-/// The first file below a folder that unpacking would replace; empty if there is none.
-fs::path FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder, Files& theFiles)
+/// What is said of the first file below a folder that unpacking would replace, one from the archive itself among them;
+/// empty if there is none.
+std::string FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder, Files& theFiles)
 {
+    std::unordered_set<Text> myLowerTargets;
     for (const Text& myName : myNames)
     {
         const Text myTarget = classArchive::Concat(myFolder, myName);
         if (IsInTheWay(myTarget, theFiles))
         {
-            return NativePath(myTarget);
+            return NativePath(myTarget) + " is there already" +
+                   (theFiles.IsFolder(myTarget) ? ", as a folder; move it away" : "; --force replaces it");
+        }
+        if (!myLowerTargets.insert(LowerCase(myTarget)).second)
+        {
+            return "the archive holds " + Tamed(ToUtf8(myName)) +
+                   " more than once, without regard to case; --force unpacks them all, and the last one stays";
         }
     }
     return {};
@@ -163,10 +216,10 @@ void Unpack(const Arguments& myArguments)
     Files& theFiles = myArchive.System->Ports().files;
     const std::vector<Text> myNames = myArchive.Listed().Names;
     const auto myMemory = theFiles.RememberFolders();
-    const fs::path myInTheWay = FirstInTheWay(myNames, myFolder, theFiles);
-    if (!myInTheWay.empty() && !myArguments.Force)
+    const std::string myInTheWay = myArguments.Force ? "" : FirstInTheWay(myNames, myFolder, theFiles);
+    if (!myInTheWay.empty())
     {
-        throw Failure(myInTheWay.string() + " is there already; --force replaces it");
+        throw Failure(myInTheWay);
     }
     const ProgressLine myLine;
     size_t myCount = 0;
@@ -177,9 +230,7 @@ void Unpack(const Arguments& myArguments)
     };
     if (!myArchive.Archive.UnPackArchive())
     {
-        const std::string myPlace = myCount < myNames.size() ? Tamed(ToUtf8(myNames[myCount])) : "its end";
-        throw Failure("unpacking failed at " + myPlace +
-                      ": its name leads out of the folder, or the folder cannot be written. What came before it stays");
+        throw Failure("unpacking failed " + FailureOf(myArchive.Archive) + ". What came before it stays");
     }
 }
 
@@ -198,8 +249,10 @@ void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
 {
     CLI::App* const myGroup = AddGroup(theApplication, "archive", "Design archives, the files with imported designs");
     AddArchiveCommand(*myGroup, "list", "Lists what an archive holds", theArguments, List);
-    CLI::App* const myPack =
-        AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder, links left out", theArguments, Pack);
+    CLI::App* const myPack = AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder", theArguments, Pack);
+    myPack->footer(
+        "Left out are links, names with a leading dot, names that hold \"\\\" or are not UTF-8, and whatever is "
+        "no plain file.");
     CLI::App* const myUnpack =
         AddArchiveCommand(*myGroup, "unpack", "Unpacks an archive into a folder", theArguments, Unpack);
     for (CLI::App* const myCommand : {myPack, myUnpack})

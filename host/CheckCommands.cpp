@@ -2,6 +2,7 @@
 #include "CheckSupport.h"
 #include "Commands.h"
 #include "Failure.h"
+#include "Markup.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -70,8 +71,9 @@ void FindRegistered(const Trial& /*myTrial*/)
 /// The file to check: the one that is named, the registered one, or the one beside this program.
 fs::path FileToCheck(const Arguments& myArguments)
 {
-    fs::path theFile = myArguments.OptionalFile.value_or(myArguments.Plugin.value_or(""));
-    if (theFile.empty())
+    const std::optional<fs::path>& myNamed = myArguments.OptionalFile ? myArguments.OptionalFile : myArguments.Plugin;
+    fs::path theFile = myNamed.value_or("");
+    if (!myNamed)
     {
         const Outcome myFound = RunApart({}, FindRegistered, myArguments.Seconds, false);
         if (myFound.Result != CheckResult::Passed)
@@ -83,9 +85,20 @@ fs::path FileToCheck(const Arguments& myArguments)
     }
     if (!fs::is_regular_file(theFile))
     {
-        throw Failure("there is no file " + theFile.string() + " to check");
+        throw Failure("there is no file \"" + Tamed(theFile.string()) + "\" to check");
     }
-    return fs::absolute(theFile).lexically_normal();
+    return fs::absolute(theFile); // as it stands: ".." behind a link does not lead back
+}
+
+/// Fails if the system does not take the file for a shared object, which no check would get beyond.
+void DemandSharedObject(const fs::path& myFile, double mySeconds)
+{
+    const Outcome myOpening = RunApart(
+        myFile, [](const Trial& myTrial) { OpenedComponent{myTrial}; }, mySeconds);
+    if (myOpening.Expected == OpenedComponent::Opens)
+    {
+        throw Failure(Tamed(myFile.string()) + " is no shared object that can be opened: " + Tamed(myOpening.Got));
+    }
 }
 
 std::string Json(std::string_view myText)
@@ -132,8 +145,8 @@ public:
             if (myOutcome.Result != CheckResult::Passed)
             {
                 std::cout << "         Meant:    " << myCheck.Sentence << ".\n"
-                          << "         Expected: " << myOutcome.Expected << "\n"
-                          << "         Got:      " << myOutcome.Got << "\n";
+                          << "         Expected: " << Tamed(myOutcome.Expected) << "\n"
+                          << "         Got:      " << Tamed(myOutcome.Got) << "\n";
             }
         }
         std::cout.flush();
@@ -159,20 +172,34 @@ private:
     std::array<size_t, ResultNames.size()> myCounts{};
 };
 
+void List(const std::vector<Check>& myChecks, bool myIsJson)
+{
+    std::vector<std::vector<std::string>> myRows{{"CHECK", "WHAT HOLDS WHEN IT PASSES"}};
+    std::string myItems;
+    for (const Check& myCheck : myChecks)
+    {
+        myRows.push_back({myCheck.Name, myCheck.Sentence});
+        myItems += std::string(myItems.empty() ? "\n" : ",\n") + "{\"name\": " + Json(myCheck.Name) +
+                   ", \"sentence\": " + Json(myCheck.Sentence) + "}";
+    }
+    if (myIsJson)
+    {
+        std::cout << "{\"checks\": [" << myItems << "\n]}\n";
+        return;
+    }
+    PrintTable(myRows);
+}
+
 void Run(const Arguments& myArguments)
 {
     const std::vector<Check> myChecks = ChosenChecks(myArguments.Checks);
     if (myArguments.List)
     {
-        std::vector<std::vector<std::string>> myRows{{"CHECK", "WHAT HOLDS WHEN IT PASSES"}};
-        for (const Check& myCheck : myChecks)
-        {
-            myRows.push_back({myCheck.Name, myCheck.Sentence});
-        }
-        PrintTable(myRows);
+        List(myChecks, myArguments.Json);
         return;
     }
     const fs::path myFile = FileToCheck(myArguments);
+    DemandSharedObject(myFile, myArguments.Seconds);
     Report myReport(myFile, myArguments.Json);
     for (const Check& myCheck : myChecks)
     {

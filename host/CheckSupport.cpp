@@ -25,6 +25,34 @@ std::string Hexadecimal(uint32_t myNumber)
     return theText.data();
 }
 
+constexpr std::pair<HRESULT, const char*> ResultNames[] = {
+    {S_OK, "S_OK"},
+    {S_FALSE, "S_FALSE"},
+    {E_POINTER, "E_POINTER"},
+    {E_NOINTERFACE, "E_NOINTERFACE"},
+    {E_FAIL, "E_FAIL"},
+    {CLASS_E_CLASSNOTAVAILABLE, "CLASS_E_CLASSNOTAVAILABLE"},
+    {CLASS_E_NOAGGREGATION, "CLASS_E_NOAGGREGATION"},
+    {CO_E_CLASSSTRING, "CO_E_CLASSSTRING"},
+    {DISP_E_UNKNOWNINTERFACE, "DISP_E_UNKNOWNINTERFACE"},
+    {DISP_E_MEMBERNOTFOUND, "DISP_E_MEMBERNOTFOUND"},
+    {DISP_E_TYPEMISMATCH, "DISP_E_TYPEMISMATCH"},
+    {DISP_E_UNKNOWNNAME, "DISP_E_UNKNOWNNAME"},
+    {DISP_E_EXCEPTION, "DISP_E_EXCEPTION"},
+    {DISP_E_BADINDEX, "DISP_E_BADINDEX"},
+    {DISP_E_BADPARAMCOUNT, "DISP_E_BADPARAMCOUNT"},
+    {DISP_E_PARAMNOTOPTIONAL, "DISP_E_PARAMNOTOPTIONAL"},
+    {QEL_RESULT(0x800A0006U), "error 6"},
+    {QEL_RESULT(0x800A0009U), "error 9"},
+};
+
+std::string NameOfResult(HRESULT myResult)
+{
+    const auto* const myNamed = std::ranges::find(ResultNames, myResult, &std::pair<HRESULT, const char*>::first);
+    const std::string theNumber = Hexadecimal(static_cast<uint32_t>(myResult));
+    return myNamed == std::end(ResultNames) ? theNumber : theNumber + " (" + myNamed->second + ")";
+}
+
 void ExpectShown(const std::string& myWhat, bool myHolds, const std::string& myExpected, const std::string& myGot)
 {
     if (!myHolds)
@@ -60,6 +88,13 @@ size_t BytesInUse()
     return myCounter != nullptr ? myCounter() : myMemory.uordblks + myMemory.hblkhd;
 }
 
+/// The open files and the temporary files of this process.
+std::array<int64_t, 2> FilesInUse()
+{
+    return {std::distance(fs::directory_iterator("/proc/self/fd"), {}),
+            std::distance(fs::recursive_directory_iterator(fs::temp_directory_path()), {})};
+}
+
 } // namespace
 
 void FailCheck(std::string myExpected, std::string myGot)
@@ -69,8 +104,7 @@ void FailCheck(std::string myExpected, std::string myGot)
 
 void ExpectResult(const std::string& myWhat, HRESULT myExpected, HRESULT myGot)
 {
-    ExpectShown(myWhat, myExpected == myGot, Hexadecimal(static_cast<uint32_t>(myExpected)),
-                Hexadecimal(static_cast<uint32_t>(myGot)));
+    ExpectShown(myWhat, myExpected == myGot, NameOfResult(myExpected), NameOfResult(myGot));
 }
 
 void ExpectNumber(const std::string& myWhat, int64_t myExpected, int64_t myGot)
@@ -95,7 +129,7 @@ void Expect(const std::string& myWhat, bool myHolds)
 {
     if (!myHolds)
     {
-        FailCheck(myWhat, "it is not so");
+        FailCheck(myWhat, "this does not hold");
     }
     NoteStep(myWhat);
 }
@@ -107,7 +141,8 @@ std::string Shown(TextView myText)
     {
         std::array<char, 8> myEscape{};
         std::snprintf(myEscape.data(), myEscape.size(), "\\u%04x", static_cast<unsigned>(myUnit));
-        const bool isPlain = myUnit >= u' ' && (myUnit < 0xD800 || myUnit > 0xDFFF);
+        const bool isControl = myUnit < u' ' || (myUnit >= 0x7F && myUnit < 0xA0);
+        const bool isPlain = !isControl && (myUnit < 0xD800 || myUnit > 0xDFFF);
         theText += myUnit == u'\r' ? "\\r" : myUnit == u'\n' ? "\\n" : isPlain ? ToUtf8({&myUnit, 1}) : myEscape.data();
     }
     return theText + (myText.size() > ShownLength ? "\"..." : "\"");
@@ -131,7 +166,7 @@ OpenedComponent::OpenedComponent(const Trial& myTrial) : myLibrary(dlopen(myTria
 {
     if (!myLibrary)
     {
-        FailCheck("the file opens as a shared object", dlerror());
+        FailCheck(Opens, dlerror());
     }
 }
 
@@ -208,10 +243,12 @@ std::string_view PictureBytes()
     return {reinterpret_cast<const char*>(myBytes.data()), myBytes.size()};
 }
 
-Text Read(QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(BSTR*))
+Text Read(QelPlugin& myPlugin, TextMember myMember)
 {
     Bstr theText;
-    ExpectResult("reading a text", S_OK, (myPlugin.*myMember)(theText.Pointer()));
+    const auto* const myNamed =
+        std::ranges::find_if(TextMembers, [&](const auto& myOne) { return myOne.Read == myMember; });
+    ExpectResult("reading " + ToUtf8(myNamed->Name), S_OK, (myPlugin.*myMember)(theText.Pointer()));
     return theText.Value();
 }
 
@@ -226,16 +263,23 @@ void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOp
     constexpr size_t WarmUp = 20; // tables and caches have their size by then
     constexpr size_t Rounds = 100;
     constexpr size_t SmallestBlock = 16;
-    size_t myStart = 0;
-    for (size_t i = 0; i < WarmUp + Rounds; ++i)
+    for (size_t i = 0; i < WarmUp; ++i)
     {
-        myStart = i == WarmUp ? BytesInUse() : myStart;
+        myOperation();
+    }
+    const auto myFirstFiles = FilesInUse(); // takes memory itself
+    const size_t myStart = BytesInUse();
+    for (size_t i = 0; i < Rounds; ++i)
+    {
         myOperation();
     }
     const size_t myEnd = BytesInUse();
+    const auto myLastFiles = FilesInUse();
     const size_t myGrowth = myEnd > myStart ? myEnd - myStart : 0;
     ExpectShown(myWhat, myGrowth < Rounds * SmallestBlock, "no memory kept",
                 std::to_string(myGrowth) + " bytes after " + std::to_string(Rounds) + " rounds");
+    ExpectNumber("open files after " + myWhat, myFirstFiles[0], myLastFiles[0]);
+    ExpectNumber("temporary files after " + myWhat, myFirstFiles[1], myLastFiles[1]);
 }
 
 } // namespace qel::host

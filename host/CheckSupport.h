@@ -19,6 +19,7 @@ namespace qel::host
 // ---- Expectations: each throws an Outcome that fails the check, or notes what went well ----
 
 [[noreturn]] void FailCheck(std::string myExpected, std::string myGot);
+/// Results are shown with their names, as far as they have one.
 void ExpectResult(const std::string& myWhat, HRESULT myExpected, HRESULT myGot);
 void ExpectNumber(const std::string& myWhat, int64_t myExpected, int64_t myGot);
 /// Texts are shown from a little before the place where they part.
@@ -50,6 +51,8 @@ int64_t HoldersOf(Interface& myObject)
 class OpenedComponent
 {
 public:
+    static constexpr const char* Opens = "the file opens as a shared object"; ///< what is expected of the file
+
     explicit OpenedComponent(const Trial& myTrial);
 
     template <class Function>
@@ -194,11 +197,33 @@ constexpr TextView FullScript = u"<pg.plugin uid=\"QelPluginAnimation\" version=
                                 u"<pg.param name=\"to\" value=\"38383\">\r\n"
                                 u"<pg.param name=\"link\" value=\"UID:4711\">\r\n";
 
-/// Reads a text. The call has to succeed.
-Text Read(QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(BSTR*));
+using TextMember = HRESULT (QelPlugin::*)(BSTR*);
+
+/// The members that give texts, in the order of their slots.
+inline constexpr struct
+{
+    TextView Name;
+    TextMember Read;
+} TextMembers[] = {
+    {u"InitialScript", &QelPlugin::get_InitialScript},
+    {u"Output", &QelPlugin::get_Output},
+    {u"TextFunction", &QelPlugin::get_TextFunction},
+    {u"TextRequirementsServer", &QelPlugin::get_TextRequirementsServer},
+    {u"TextRequirementsClient", &QelPlugin::get_TextRequirementsClient},
+    {u"TextSettings", &QelPlugin::get_TextSettings},
+    {u"TextConfig", &QelPlugin::get_TextConfig},
+    {u"Description", &QelPlugin::get_Description},
+    {u"PreviewImageFilename", &QelPlugin::get_PreviewImageFilename},
+    {u"LogoFilename", &QelPlugin::get_LogoFilename},
+    {u"Script", &QelPlugin::get_Script},
+    {u"ErrorText", &QelPlugin::get_ErrorText},
+};
+
+/// Reads a text, with one of the members above. The call has to succeed.
+Text Read(QelPlugin& myPlugin, TextMember myMember);
 HRESULT Write(QelPlugin& myPlugin, TextView myScript);
 
-/// Fails the check if each run of the operation takes memory that it does not give back.
+/// Fails the check if runs of the operation keep memory or open files, or leave more and more temporary files.
 void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOperation);
 
 } // namespace qel::host

@@ -1,8 +1,11 @@
 #include "Checker.h"
 
 #include "Failure.h"
+#include "Markup.h"
 #include "platform/linux/Descriptor.h"
+#include "platform/linux/NativePath.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -11,12 +14,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <iostream>
-#include <thread>
 
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -53,19 +56,78 @@ void Tell(char myKind, const std::string& myText)
     }
 }
 
-/// A new folder that goes with all that is in it.
+/// Holds the signals that end a program back for as long as it lives, so that what it has made is put away first. After
+/// that they do what they always do. Signals that the program was told to ignore stay ignored.
+class HeldSignals
+{
+public:
+    HeldSignals()
+    {
+        sigset_t myHeld;
+        sigemptyset(&myHeld);
+        for (const int mySignal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM})
+        {
+            struct sigaction myAction = {};
+            if (sigaction(mySignal, nullptr, &myAction) == 0 && myAction.sa_handler != SIG_IGN)
+            {
+                sigaddset(&myHeld, mySignal);
+            }
+        }
+        pthread_sigmask(SIG_BLOCK, &myHeld, &myBefore);
+        myArrivals = Descriptor(signalfd(-1, &myHeld, SFD_CLOEXEC));
+    }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+    ~HeldSignals() { Release(); }
+
+    void Release() const { pthread_sigmask(SIG_SETMASK, &myBefore, nullptr); }
+
+    /// Waits until there is something to read, but not beyond the moment and no longer than to the first held signal.
+    /// False: there is nothing. -1 for the pipe waits for signals alone.
+    bool WaitFor(int myPipe, Clock::time_point myEnd) const
+    {
+        const auto myRest = std::chrono::ceil<std::chrono::milliseconds>(myEnd - Clock::now()).count();
+        std::array<pollfd, 2> myWaits{{{myPipe, POLLIN, 0}, {myArrivals.Handle(), POLLIN, 0}}};
+        Retrying(
+            [&]
+            { return poll(myWaits.data(), myWaits.size(), static_cast<int>(std::clamp(myRest, 0L, 86'400'000L))); });
+        return myWaits[0].revents != 0 && myWaits[1].revents == 0;
+    }
+    bool HasOne() const
+    {
+        pollfd myWait{myArrivals.Handle(), POLLIN, 0};
+        return Retrying([&] { return poll(&myWait, 1, 0); }) == 1;
+    }
+
+private:
+    sigset_t myBefore{};
+    Descriptor myArrivals;
+};
+
+/// A new folder that goes with all that is in it. Its name can be told to the component.
 class PrivateFolder
 {
 public:
     PrivateFolder()
     {
-        std::string myPattern = (fs::temp_directory_path() / "qelhost-check.XXXXXX").string();
-        if (mkdtemp(myPattern.data()) == nullptr)
+        std::error_code myError;
+        fs::path myPlace = fs::temp_directory_path(myError);
+        myPlace = myError ? myPlace : fs::canonical(myPlace, myError);
+        const char* const mySetting = std::getenv("TMPDIR");
+        const std::string myName = mySetting != nullptr ? mySetting : "/tmp";
+        if (!myError && !LogicalPath(myPlace.string()))
         {
-            throw Failure("no folder can be made in " + fs::temp_directory_path().string() + ": " +
-                          std::strerror(errno) + "; set TMPDIR to one that can be written");
+            throw Failure("the component cannot be told of folders in " + Tamed(myName) +
+                          "; set TMPDIR to one whose name is UTF-8 without \"\\\"");
         }
-        Path = fs::canonical(myPattern);
+        std::string myPattern = (myPlace / "qelhost-check.XXXXXX").string();
+        if (myError || mkdtemp(myPattern.data()) == nullptr)
+        {
+            throw Failure("no folder can be made in " + Tamed(myName) + ": " +
+                          (myError ? myError.message() : std::strerror(errno)) +
+                          "; set TMPDIR to one that can be written");
+        }
+        Path = myPattern;
     }
     PrivateFolder(const PrivateFolder&) = delete;
     PrivateFolder& operator=(const PrivateFolder&) = delete;
@@ -127,18 +189,15 @@ void Isolate(const fs::path& myFolder)
     _exit(0);
 }
 
-/// What came through the pipe, up to its end, the result or the moment.
+/// What came through the pipe, up to its end, the result, a signal or the moment.
 struct Messages
 {
-    void Read(int myPipe, Clock::time_point myEnd)
+    void Read(int myPipe, const HeldSignals& mySignals, Clock::time_point myEnd)
     {
         std::array<char, 4096> myBuffer{};
         while (!HasResult)
         {
-            const auto myRest = std::chrono::ceil<std::chrono::milliseconds>(myEnd - Clock::now()).count();
-            pollfd myWait{myPipe, POLLIN, 0};
-            const bool myIsReady =
-                Retrying([&] { return poll(&myWait, 1, myRest < 0 ? 0 : static_cast<int>(myRest)); }) == 1;
+            const bool myIsReady = mySignals.WaitFor(myPipe, myEnd);
             const ssize_t myCount =
                 myIsReady ? Retrying([&] { return read(myPipe, myBuffer.data(), myBuffer.size()); }) : 0;
             if (myCount <= 0)
@@ -195,11 +254,12 @@ std::string EndOf(int myStatus)
     return "the process ended by itself with " + std::to_string(WEXITSTATUS(myStatus));
 }
 
-/// Waits for a process that has said its last, without reaping it. False: it goes on beyond the moment.
-bool EndsBefore(pid_t myProcess, Clock::time_point myEnd)
+/// Waits for a process that has said its last, without reaping it. False: it goes on beyond the moment, or a signal
+/// came.
+bool EndsBefore(pid_t myProcess, const HeldSignals& mySignals, Clock::time_point myEnd)
 {
     constexpr auto myPause = std::chrono::milliseconds(1);
-    for (siginfo_t myInfo{}; Clock::now() < myEnd; std::this_thread::sleep_for(myPause))
+    for (siginfo_t myInfo{}; Clock::now() < myEnd && !mySignals.HasOne(); mySignals.WaitFor(-1, Clock::now() + myPause))
     {
         if (waitid(P_PID, static_cast<id_t>(myProcess), &myInfo, WEXITED | WNOWAIT | WNOHANG) == 0 &&
             myInfo.si_pid == myProcess)
@@ -211,14 +271,15 @@ bool EndsBefore(pid_t myProcess, Clock::time_point myEnd)
 }
 
 /// Listens to the process until it is done, ends it and its group, and reaps it.
-Outcome Await(pid_t myProcess, int myPipe, double mySeconds)
+Outcome Await(pid_t myProcess, int myPipe, const HeldSignals& mySignals, double mySeconds)
 {
     const auto myStart = Clock::now();
     const auto myEnd = myStart + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(mySeconds));
     Messages myMessages;
-    myMessages.Read(myPipe, myEnd);
-    const bool myIsLate = !myMessages.HasResult && !EndsBefore(myProcess, myEnd);
+    myMessages.Read(myPipe, mySignals, myEnd);
+    const bool myIsLate = !myMessages.HasResult && !EndsBefore(myProcess, mySignals, myEnd);
     kill(-myProcess, SIGKILL);
+    kill(myProcess, SIGKILL); // it may have left its group
     int myStatus = 0;
     Retrying([&] { return waitpid(myProcess, &myStatus, 0); });
     Outcome theOutcome = std::move(myMessages.TheOutcome);
@@ -238,6 +299,7 @@ Outcome Await(pid_t myProcess, int myPipe, double mySeconds)
 Outcome RunApart(const fs::path& myFile, const std::function<void(const Trial&)>& myOperation, double mySeconds,
                  bool myIsolation)
 {
+    const HeldSignals mySignals; // goes last
     const PrivateFolder myFolder;
     std::array<int, 2> myEnds{};
     if (pipe2(myEnds.data(), O_CLOEXEC) != 0)
@@ -255,13 +317,14 @@ Outcome RunApart(const fs::path& myFile, const std::function<void(const Trial&)>
     if (myProcess == 0)
     {
         setpgid(0, 0);
+        mySignals.Release();
         prctl(PR_SET_PDEATHSIG, SIGKILL);
         ReportPipe = myEnds[1];
         RunAndTell({myFile, myFolder.Path}, myOperation, myIsolation);
     }
     setpgid(myProcess, myProcess); // here too: whoever comes first
     myWriteEnd.Close();
-    return Await(myProcess, myReadEnd.Handle(), mySeconds);
+    return Await(myProcess, myReadEnd.Handle(), mySignals, mySeconds);
 }
 
 void NoteStep(const std::string& myStep)

@@ -47,9 +47,10 @@ std::span<const Check> MemberChecks();
 std::span<const Check> ModuleChecks();
 
 /// Runs an operation in a process of its own, with a folder of its own, and gives how it ended. One that crashes, or
-/// takes longer, has failed. Neither the folder nor a process in the group of that process is left behind.
+/// takes longer, has failed. Neither the folder nor a process in the group of that process is left behind, also when a
+/// signal ends this program meanwhile.
 /// With `myIsolation` the temporary files, the class registry and the user's folders are private too.
-/// Failure: the system has no process or folder to spare.
+/// Failure: the system has no process to spare, or no folder whose name can be told to the component.
 Outcome RunApart(const std::filesystem::path& myFile, const std::function<void(const Trial&)>& myOperation,
                  double mySeconds, bool myIsolation = true);
 

@@ -19,6 +19,14 @@ namespace
 
 constexpr GUID UnknownId = {0x0BADC0DE, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
 
+ComPtr<IUnknown> Query(IUnknown& myObject, const IID& myInterface, const std::string& myWhat)
+{
+    void* theObject = nullptr;
+    ExpectResult(myWhat, S_OK, myObject.QueryInterface(&myInterface, &theObject));
+    Expect(myWhat + " gives an object", theObject != nullptr);
+    return ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(theObject));
+}
+
 /// A record at a place in a file's bytes. Fails the check if the file ends before.
 template <class Record>
 Record RecordAt(const std::string& myBytes, size_t myPlace)
@@ -93,9 +101,18 @@ void UnknownInterface(const Trial& myTrial)
     Expect("a failed DllGetClassObject gives null", myObject == nullptr);
     for (const CLSID* myClass : {&CLSID_Main, &CLSID_classStringSort})
     {
+        const auto myFactory = myComponent.Factory(*myClass);
+        for (const IID* myInterface : {&IID_IUnknown, &IID_IClassFactory})
+        {
+            Query(*myFactory.Get(), *myInterface, "QueryInterface of a factory");
+        }
+        myObject = &myObject;
+        ExpectResult("QueryInterface of a factory for an unknown interface", E_NOINTERFACE,
+                     myFactory->QueryInterface(&UnknownId, &myObject));
+        Expect("a failed QueryInterface of a factory gives null", myObject == nullptr);
         myObject = &myObject;
         ExpectResult("CreateInstance for an unknown interface", E_NOINTERFACE,
-                     myComponent.Factory(*myClass)->CreateInstance(nullptr, &UnknownId, &myObject));
+                     myFactory->CreateInstance(nullptr, &UnknownId, &myObject));
         Expect("a failed CreateInstance gives null", myObject == nullptr);
     }
     ExpectResult("DllCanUnloadNow after failures", S_OK, myComponent.CanUnloadNow());
@@ -145,7 +162,7 @@ void UnloadCount(const Trial& myTrial)
     ExpectLoaded("with a factory", true);
     auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
     auto myPlugin = myComponent.Plugin();
-    myFactory->LockServer(1);
+    ExpectResult("LockServer", S_OK, myFactory->LockServer(1));
     myFactory.Reset();
     ExpectLoaded("with two objects and a lock", true);
     mySort.Reset();
@@ -153,7 +170,7 @@ void UnloadCount(const Trial& myTrial)
     Write(*myPlugin.Get(), u"");
     myPlugin.Reset();
     ExpectLoaded("with a lock", true);
-    myComponent.Factory(CLSID_classStringSort)->LockServer(0);
+    ExpectResult("LockServer, undone", S_OK, myComponent.Factory(CLSID_classStringSort)->LockServer(0));
     ExpectLoaded("at last, with only the record of a module left", false);
 }
 
@@ -209,28 +226,34 @@ void Unloading(const Trial& myTrial)
 
 // ---- Identity ----------------------------------------------------------------------------------------------------
 
+struct NamedInterface
+{
+    const IID* Id;
+    const char* Name;
+};
+
 struct ClassInterfaces
 {
     const CLSID* Class;
-    std::vector<const IID*> Interfaces;
+    std::vector<NamedInterface> Interfaces;
 };
 
 /// The creatable classes with what each answers: three general interfaces, then those of the class.
 const ClassInterfaces Classes[] = {
     {&CLSID_Main,
-     {&IID_IUnknown, &IID_IDispatch, &IID_ISupportErrorInfo, &IID_QelPluginAnimationMain, &IID_QelPlugin,
-      &IID_QelInfo}},
-    {&CLSID_classStringSort, {&IID_IUnknown, &IID_IDispatch, &IID_ISupportErrorInfo, &IID_QelStringSort}},
+     {{&IID_IUnknown, "IUnknown"},
+      {&IID_IDispatch, "IDispatch"},
+      {&IID_ISupportErrorInfo, "ISupportErrorInfo"},
+      {&IID_QelPluginAnimationMain, "QelPluginAnimationMain"},
+      {&IID_QelPlugin, "QelPlugin"},
+      {&IID_QelInfo, "QelInfo"}}},
+    {&CLSID_classStringSort,
+     {{&IID_IUnknown, "IUnknown"},
+      {&IID_IDispatch, "IDispatch"},
+      {&IID_ISupportErrorInfo, "ISupportErrorInfo"},
+      {&IID_QelStringSort, "QelStringSort"}}},
 };
 constexpr size_t GeneralInterfaces = 3;
-
-ComPtr<IUnknown> Query(IUnknown& myObject, const IID& myInterface, const std::string& myWhat)
-{
-    void* theObject = nullptr;
-    ExpectResult(myWhat, S_OK, myObject.QueryInterface(&myInterface, &theObject));
-    Expect(myWhat + " gives an object", theObject != nullptr);
-    return ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(theObject));
-}
 
 void OneUnknown(const Trial& myTrial)
 {
@@ -238,10 +261,11 @@ void OneUnknown(const Trial& myTrial)
     for (const auto& [myClass, myInterfaces] : Classes)
     {
         const auto myObject = myComponent.Create<IUnknown>(*myClass);
-        for (const IID* myInterface : myInterfaces)
+        for (const auto& [myInterface, myName] : myInterfaces)
         {
-            const auto myOther = Query(*myObject.Get(), *myInterface, "QueryInterface of IUnknown");
-            Expect("every interface of an object gives the same IUnknown",
+            const auto myOther =
+                Query(*myObject.Get(), *myInterface, std::string("QueryInterface of IUnknown for ") + myName);
+            Expect(std::string(myName) + " of an object gives the same IUnknown as the others",
                    Query(*myOther.Get(), IID_IUnknown, "QueryInterface for IUnknown").Get() == myObject.Get());
         }
         Expect("two objects are two", myComponent.Create<IUnknown>(*myClass).Get() != myObject.Get());
@@ -254,15 +278,16 @@ void QueryRules(const Trial& myTrial)
     for (const auto& [myClass, myInterfaces] : Classes)
     {
         const auto myObject = myComponent.Create<IUnknown>(*myClass);
-        for (size_t i = 0; i < myInterfaces.size(); ++i)
+        for (const auto& [myInterface, myInterfaceName] : myInterfaces)
         {
-            const std::string myName = "interface " + std::to_string(i);
-            const auto myFirst = Query(*myObject.Get(), *myInterfaces[i], "QueryInterface for " + myName);
-            for (size_t j = 0; j < myInterfaces.size(); ++j)
+            const std::string myName = myInterfaceName;
+            const auto myFirst = Query(*myObject.Get(), *myInterface, "QueryInterface for " + myName);
+            for (const auto& [myTarget, myTargetName] : myInterfaces)
             {
-                const auto mySecond = Query(*myFirst.Get(), *myInterfaces[j],
-                                            "QueryInterface of " + myName + " for interface " + std::to_string(j));
-                Query(*mySecond.Get(), *myInterfaces[i], "QueryInterface back to " + myName);
+                const auto mySecond =
+                    Query(*myFirst.Get(), *myTarget, "QueryInterface of " + myName + " for " + myTargetName);
+                Query(*mySecond.Get(), *myInterface,
+                      std::string("QueryInterface of ") + myTargetName + " back to " + myName);
             }
             void* myNone = &myNone;
             ExpectResult("QueryInterface of " + myName + " for an unknown one", E_NOINTERFACE,
@@ -284,10 +309,10 @@ void Counts(const Trial& myTrial)
         auto myObject = myComponent.Create<IUnknown>(*myClass);
         ExpectNumber("AddRef of a new object", 2, myObject->AddRef());
         ExpectNumber("Release after it", 1, myObject->Release());
-        for (const IID* myInterface : myInterfaces)
+        for (const auto& [myInterface, myName] : myInterfaces)
         {
             auto myOther = Query(*myObject.Get(), *myInterface, "QueryInterface");
-            ExpectNumber("references after QueryInterface", 2, HoldersOf(*myObject.Get()));
+            ExpectNumber(std::string("references after QueryInterface for ") + myName, 2, HoldersOf(*myObject.Get()));
             myOther.Reset();
             ExpectNumber("references after its Release", 1, HoldersOf(*myObject.Get()));
         }
@@ -306,12 +331,14 @@ void ErrorInfo(const Trial& myTrial)
         const auto mySupport = myComponent.Create<ISupportErrorInfo>(*myClass);
         for (size_t i = 0; i < myInterfaces.size(); ++i)
         {
-            ExpectResult("InterfaceSupportsErrorInfo of interface " + std::to_string(i),
+            ExpectResult(std::string("InterfaceSupportsErrorInfo of ") + myInterfaces[i].Name,
                          i < GeneralInterfaces ? S_FALSE : S_OK,
-                         mySupport->InterfaceSupportsErrorInfo(myInterfaces[i]));
+                         mySupport->InterfaceSupportsErrorInfo(myInterfaces[i].Id));
         }
         ExpectResult("InterfaceSupportsErrorInfo of another's interface", S_FALSE,
                      mySupport->InterfaceSupportsErrorInfo(&IID_QelDatabase));
+        ExpectResult("InterfaceSupportsErrorInfo of a null pointer", E_POINTER,
+                     mySupport->InterfaceSupportsErrorInfo(nullptr));
     }
     const auto myPlugin = myComponent.Plugin();
     ExpectResult("a date out of range", QEL_RESULT(0x800A0006U),

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <map>
+#include <tuple>
+#include <utility>
 
 namespace qel::host
 {
@@ -14,7 +17,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-using TextMember = HRESULT (QelPlugin::*)(BSTR*);
 
 constexpr struct
 {
@@ -90,11 +92,20 @@ void Version(const Trial& myTrial)
     }
 }
 
+/// Calls a member with a null pointer for one of its arguments, each in turn; numbers among the others are 1.
 template <class Interface, class... Values>
-void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const char* myName)
+void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const std::string& myName)
 {
-    ExpectResult(std::string(myName) + " of a null pointer", E_POINTER,
-                 (myObject.*myMember)(static_cast<Values*>(nullptr)...));
+    for (size_t i = 0; i < sizeof...(Values); ++i)
+    {
+        std::tuple<Values...> myValues{static_cast<Values>(std::is_same_v<Values, int32_t> ? Values(1) : Values())...};
+        const auto Call = [&]<size_t... Index>(std::index_sequence<Index...> /*unused*/)
+        {
+            return (myObject.*myMember)((Index == i ? nullptr : &std::get<Index>(myValues))...);
+        };
+        ExpectResult(myName + " with a null pointer for argument " + std::to_string(i + 1), E_POINTER,
+                     Call(std::index_sequence_for<Values...>()));
+    }
 }
 
 void NullPointers(const Trial& myTrial)
@@ -102,14 +113,10 @@ void NullPointers(const Trial& myTrial)
     const OpenedComponent myComponent(myTrial);
     const auto myHeld = myComponent.Plugin();
     QelPlugin& myPlugin = *myHeld.Get();
-    for (const auto& myText : FixedTexts)
+    for (const auto& myText : TextMembers)
     {
-        RefuseNull(myPlugin, myText.Read, ToUtf8(myText.Name).c_str());
+        RefuseNull(myPlugin, myText.Read, ToUtf8(myText.Name));
     }
-    RefuseNull(myPlugin, &QelPlugin::get_Output, "Output");
-    RefuseNull(myPlugin, &QelPlugin::get_TextSettings, "TextSettings");
-    RefuseNull(myPlugin, &QelPlugin::get_Script, "Script");
-    RefuseNull(myPlugin, &QelPlugin::get_ErrorText, "ErrorText");
     RefuseNull(myPlugin, &QelPlugin::get_IsConfigurable, "IsConfigurable");
     RefuseNull(myPlugin, &QelPlugin::get_RequiresPHP, "RequiresPHP");
     RefuseNull(myPlugin, &QelPlugin::CallBack, "CallBack");
@@ -124,8 +131,6 @@ void NullPointers(const Trial& myTrial)
     RefuseNull(*mySort.Get(), &QelStringSort::AddValue, "AddValue");
     RefuseNull(*mySort.Get(), &QelStringSort::get_Value, "Value");
     RefuseNull(*mySort.Get(), &QelStringSort::get_ValueCount, "ValueCount");
-    int32_t myLink = 1;
-    ExpectResult("CallBack without a place", E_POINTER, myPlugin.CallBack(&myLink, nullptr));
 }
 
 void Bitmaps(const Trial& myTrial)
@@ -181,10 +186,14 @@ void StringSort(const Trial& myTrial)
     ExpectText("a value added after Sort", u"|B|Zebra|apple|b|b|A|", ValuesOf(mySort));
     for (int32_t myIndex : {-1, 1000})
     {
-        Bstr theValue;
+        BSTR theValue = nullptr; // not freed: it need not be a text
         ExpectResult("Value " + std::to_string(myIndex), QEL_RESULT(0x800A0009U),
-                     mySort.get_Value(&myIndex, theValue.Pointer()));
+                     mySort.get_Value(&myIndex, &theValue));
+        Expect("a failed Value gives no text", theValue == nullptr);
     }
+    BSTR myNull = nullptr;
+    ExpectResult("AddValue of a null text", S_OK, mySort.AddValue(&myNull));
+    ExpectText("an empty text added", u"|B|Zebra|apple|b|b|A||", ValuesOf(mySort));
     ExpectResult("Clear", S_OK, mySort.Clear());
     ExpectText("the values after Clear", u"", ValuesOf(mySort));
 }
@@ -233,39 +242,56 @@ constexpr NamedMember SortNames[] = {
     {u"Clear", 1, Method}, {u"AddValue", 2, Method}, {u"Value", 3, Get}, {u"ValueCount", 4, Get}, {u"Sort", 5, Method},
 };
 
-/// Hands each dual interface to the operation, with its members. The default interface of Main has two lists.
-void ForEachTable(const OpenedComponent& myComponent,
-                  const std::function<void(IDispatch& myObject, std::span<const NamedMember> myMembers)>& myOperation)
+/// A dual interface of an object, and the members that it answers to.
+struct LateObject
 {
-    myOperation(*myComponent.Create<QelPlugin>(CLSID_Main).Get(), PluginNames);
-    myOperation(*myComponent.Create<QelInfo>(CLSID_Main).Get(), InfoNames);
-    myOperation(*myComponent.Create<QelPluginAnimationMain>(CLSID_Main).Get(), PluginNames);
-    myOperation(*myComponent.Create<QelPluginAnimationMain>(CLSID_Main).Get(), MainNames);
-    myOperation(*myComponent.Create<QelStringSort>(CLSID_classStringSort).Get(), SortNames);
+    std::string NameOf(const NamedMember& myMember) const { return Name + ("." + ToUtf8(myMember.Name)); }
+
+    const char* Name;
+    IDispatch& Object;
+    std::span<const NamedMember> Members;
+};
+
+/// Hands each dual interface to the operation, with its members. The default interface of Main has two lists.
+void ForEachTable(const OpenedComponent& myComponent, const std::function<void(const LateObject&)>& myOperation)
+{
+    const auto myPlugin = myComponent.Create<QelPlugin>(CLSID_Main);
+    const auto myInfo = myComponent.Create<QelInfo>(CLSID_Main);
+    const auto myMain = myComponent.Create<QelPluginAnimationMain>(CLSID_Main);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    myOperation({"QelPlugin", *myPlugin.Get(), PluginNames});
+    myOperation({"QelInfo", *myInfo.Get(), InfoNames});
+    myOperation({"QelPluginAnimationMain", *myMain.Get(), PluginNames});
+    myOperation({"QelPluginAnimationMain", *myMain.Get(), MainNames});
+    myOperation({"QelStringSort", *mySort.Get(), SortNames});
 }
 
 void Names(const Trial& myTrial)
 {
     const OpenedComponent myComponent(myTrial);
-    const auto ExpectNamed = [](IDispatch& myObject, Text myName, HRESULT myResult, DISPID myNumber)
+    const auto ExpectNamed = [](const LateObject& myTable, Text myName, HRESULT myResult, DISPID myNumber)
     {
         char16_t* myNames = myName.data();
         DISPID theNumber = 0;
-        const std::string myWhat = "GetIDsOfNames of " + ToUtf8(myName);
-        ExpectResult(myWhat, myResult, myObject.GetIDsOfNames(&GUID_NULL, &myNames, 1, 0, &theNumber));
+        const std::string myWhat = std::string("GetIDsOfNames of ") + myTable.Name + " for " + ToUtf8(myName);
+        ExpectResult(myWhat, myResult, myTable.Object.GetIDsOfNames(&GUID_NULL, &myNames, 1, 0, &theNumber));
         ExpectNumber(myWhat, myNumber, theNumber);
     };
     ForEachTable(myComponent,
-                 [&](IDispatch& myObject, std::span<const NamedMember> myMembers)
+                 [&](const LateObject& myTable)
                  {
-                     for (const NamedMember& myMember : myMembers)
+                     for (const NamedMember& myMember : myTable.Members)
                      {
-                         ExpectNamed(myObject, Text(myMember.Name), S_OK, myMember.Number);
-                         ExpectNamed(myObject, LowerCase(myMember.Name), S_OK, myMember.Number);
+                         ExpectNamed(myTable, Text(myMember.Name), S_OK, myMember.Number);
+                         ExpectNamed(myTable, LowerCase(myMember.Name), S_OK, myMember.Number);
                      }
-                     ExpectNamed(myObject, u"Nothing", DISP_E_UNKNOWNNAME, DISPID_UNKNOWN);
+                     ExpectNamed(myTable, u"Nothing", DISP_E_UNKNOWNNAME, DISPID_UNKNOWN);
+                     const std::string myWhat = std::string(" of ") + myTable.Name;
                      uint32_t theCount = 7;
-                     ExpectResult("GetTypeInfoCount", S_OK, myObject.GetTypeInfoCount(&theCount));
+                     ITypeInfo* theInfo = nullptr;
+                     ExpectResult("GetTypeInfoCount" + myWhat, S_OK, myTable.Object.GetTypeInfoCount(&theCount));
+                     ExpectNumber("the type descriptions" + myWhat, 0, theCount);
+                     ExpectResult("GetTypeInfo" + myWhat, DISP_E_BADINDEX, myTable.Object.GetTypeInfo(0, 0, &theInfo));
                  });
 }
 
@@ -304,57 +330,152 @@ VARIANT NumberVariant(int32_t myNumber)
     return theVariant;
 }
 
+VARIANT ObjectVariant(IDispatch* myObject)
+{
+    VARIANT theVariant{};
+    theVariant.vt = VT_DISPATCH;
+    theVariant.pdispVal = myObject;
+    return theVariant;
+}
+
+std::string NameOfKinds(uint16_t myKinds)
+{
+    constexpr std::pair<uint16_t, const char*> myNames[] = {
+        {Method, "a method"}, {Get, "a read"}, {Put, "a write"}, {PutReference, "a write by reference"}};
+    const auto* const myNamed = std::ranges::find(myNames, myKinds, &std::pair<uint16_t, const char*>::first);
+    return myNamed == std::end(myNames) ? "a method or read" : myNamed->second;
+}
+
+std::string NameOfType(VARTYPE myType)
+{
+    constexpr std::pair<VARTYPE, const char*> myNames[] = {
+        {VT_EMPTY, "VT_EMPTY"}, {VT_I4, "VT_I4"}, {VT_BSTR, "VT_BSTR"}, {VT_BOOL, "VT_BOOL"}};
+    const auto* const myNamed = std::ranges::find(myNames, myType, &std::pair<VARTYPE, const char*>::first);
+    return myNamed == std::end(myNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
+}
+
 void Kinds(const Trial& myTrial)
 {
     const OpenedComponent myComponent(myTrial);
-    const auto ExpectKinds = [](IDispatch& myObject, DISPID myNumber, uint16_t myOwn)
+    const auto ExpectKinds = [](const LateObject& myTable, const NamedMember& myMember)
     {
         for (const uint16_t myKinds : {Method, Get, Put, PutReference, MethodOrGet})
         {
             LateCall myCall; // with arguments that no member takes, so that none is called
             myCall.Arguments.resize(6);
-            ExpectResult("Invoke of member " + std::to_string(myNumber) + " as kind " + std::to_string(myKinds),
-                         (myKinds & myOwn) != 0 ? DISP_E_BADPARAMCOUNT : DISP_E_MEMBERNOTFOUND,
-                         myCall.Invoke(myObject, myNumber, myKinds));
+            ExpectResult("Invoke of " + myTable.NameOf(myMember) + " as " + NameOfKinds(myKinds) + " with 6 arguments",
+                         (myKinds & myMember.Kinds) != 0 ? DISP_E_BADPARAMCOUNT : DISP_E_MEMBERNOTFOUND,
+                         myCall.Invoke(myTable.Object, myMember.Number, myKinds));
         }
     };
     ForEachTable(myComponent,
-                 [&](IDispatch& myObject, std::span<const NamedMember> myMembers)
+                 [&](const LateObject& myTable)
                  {
-                     for (const NamedMember& myMember : myMembers)
+                     for (const NamedMember& myMember : myTable.Members)
                      {
-                         ExpectKinds(myObject, myMember.Number, myMember.Kinds);
+                         ExpectKinds(myTable, myMember);
                      }
-                     ExpectKinds(myObject, 0, 0);
-                     ExpectKinds(myObject, 24, 0);
+                     ExpectKinds(myTable, {u"number 0", 0, 0});
+                     ExpectKinds(myTable, {u"number 24", 24, 0});
                  });
-    ExpectKinds(*myComponent.Plugin().Get(), 18, Get | Put); // the other slot of Script
+    const auto myPlugin = myComponent.Plugin();
+    ExpectKinds({"QelPlugin", *myPlugin.Get(), {}}, {u"Script, by its other slot,", 18, Get | Put});
 }
 
-void ExpectValue(IDispatch& myObject, DISPID myNumber, VARTYPE myType, const std::string& myValue)
+struct LateValue
 {
-    const std::string myWhat = "Invoke of member " + std::to_string(myNumber);
+    VARTYPE Type;
+    Text Value;
+};
+
+void ExpectValue(IDispatch& myObject, DISPID myNumber, const std::string& myWhat, const LateValue& myExpected,
+                 const std::vector<VARIANT>& myArguments = {})
+{
     LateCall myCall;
-    ExpectResult(myWhat, S_OK, myCall.Invoke(myObject, myNumber, Get));
-    ExpectNumber("the type that it gives", myType, myCall.Result.vt);
+    myCall.Arguments = myArguments;
+    ExpectResult(myWhat, S_OK, myCall.Invoke(myObject, myNumber, MethodOrGet));
+    const VARTYPE myType = myCall.Result.vt;
+    ExpectText("the type of " + myWhat, FromUtf8(NameOfType(myExpected.Type)), FromUtf8(NameOfType(myType)));
     const Text theValue = myType == VT_BSTR   ? TextOfBstr(myCall.Result.bstrVal)
                           : myType == VT_BOOL ? NumberText(int64_t{myCall.Result.boolVal})
-                                              : NumberText(int64_t{myCall.Result.lVal});
-    ExpectText(myWhat, FromUtf8(myValue), theValue);
+                          : myType == VT_I4   ? NumberText(int64_t{myCall.Result.lVal})
+                                              : Text();
+    ExpectText(myWhat, myExpected.Value, theValue);
+}
+
+/// What members give through their tables, while a module of everything is in hand.
+std::map<TextView, LateValue> ValuesOfTables(const OpenedComponent& myComponent)
+{
+    std::map<TextView, LateValue> theValues{
+        {u"IsConfigurable", {VT_BOOL, u"-1"}}, {u"RequiresPHP", {VT_BOOL, u"0"}}, {u"ValueCount", {VT_I4, u"0"}}};
+    const auto myPlugin = myComponent.Plugin();
+    ExpectResult("writing Script", S_OK, Write(*myPlugin.Get(), FullScript));
+    for (const auto& myMember : TextMembers)
+    {
+        theValues[myMember.Name] = {VT_BSTR, Read(*myPlugin.Get(), myMember.Read)};
+    }
+    for (const auto& myText : FixedTexts)
+    {
+        theValues[myText.Name] = {VT_BSTR, Text(myText.Value)};
+    }
+    Bstr myVersion;
+    ExpectResult("Version", S_OK, myPlugin.Query<QelInfo>()->get_Version(myVersion.Pointer()));
+    theValues[u"Version"] = {VT_BSTR, myVersion.Value()};
+    return theValues;
+}
+
+/// Hands a service in late-bound, and takes it back.
+void ExpectLateService(const LateObject& myTable, const NamedMember& myMember, IDispatch& myService)
+{
+    const std::string myWhat = myTable.NameOf(myMember);
+    for (IDispatch* const myObject : {&myService, static_cast<IDispatch*>(nullptr)})
+    {
+        LateCall myPut;
+        myPut.Arguments = {ObjectVariant(myObject)};
+        ExpectResult("writing " + myWhat + " late-bound", S_OK,
+                     myPut.Invoke(myTable.Object, myMember.Number, PutReference));
+        ExpectNumber("references to " + myWhat, myObject != nullptr ? 2 : 1, HoldersOf(myService));
+    }
+}
+
+/// Calls every member of an interface that can be called without a module, a host or a display.
+void ExpectTable(const LateObject& myTable, const std::map<TextView, LateValue>& myValues)
+{
+    HostState myState;
+    const auto myHelper = MakeCounted<CheckedHelper>(myState);
+    const auto myDatabase = MakeCounted<CheckedDatabase>(myState);
+    for (const NamedMember& myMember : myTable.Members)
+    {
+        const auto myKnown = myValues.find(myMember.Name);
+        if (myKnown != myValues.end())
+        {
+            ExpectValue(myTable.Object, myMember.Number, myTable.NameOf(myMember), myKnown->second);
+        }
+        else if (myMember.Name == u"QelDatabase")
+        {
+            ExpectLateService(myTable, myMember, *myDatabase.Get());
+        }
+        else if (myMember.Name == u"QelBuildHelper")
+        {
+            ExpectLateService(myTable, myMember, *myHelper.Get());
+        }
+        else if (myMember.Name == u"ShowHelp")
+        {
+            ExpectValue(myTable.Object, myMember.Number, myTable.NameOf(myMember), {VT_EMPTY, u""},
+                        {NumberVariant(INT32_MAX)});
+        }
+        else if (myMember.Name == u"CallBack")
+        {
+            ExpectValue(myTable.Object, myMember.Number, myTable.NameOf(myMember), {VT_BOOL, u"0"}, {NumberVariant(7)});
+        }
+    }
 }
 
 void LateValues(const Trial& myTrial)
 {
     const OpenedComponent myComponent(myTrial);
-    const auto myHeld = myComponent.Create<QelPluginAnimationMain>(CLSID_Main);
-    IDispatch& myMain = *myHeld.Get();
-    for (const auto& myText : FixedTexts)
-    {
-        const auto* const myNamed = std::ranges::find(PluginNames, myText.Name, &NamedMember::Name);
-        ExpectValue(myMain, myNamed->Number, VT_BSTR, ToUtf8(myText.Value));
-    }
-    ExpectValue(myMain, 12, VT_BOOL, "-1");
-    ExpectValue(myMain, 21, VT_BOOL, "0");
+    const auto myValues = ValuesOfTables(myComponent);
+    ForEachTable(myComponent, [&](const LateObject& myTable) { ExpectTable(myTable, myValues); });
     Bstr myScript(u"<pg.param name=\"link\" value=\"URL:a\">");
     VARIANT myByValue{};
     myByValue.vt = VT_BSTR;
@@ -362,25 +483,23 @@ void LateValues(const Trial& myTrial)
     VARIANT myByReference{};
     myByReference.vt = VT_BSTR | VT_BYREF;
     myByReference.pbstrVal = myScript.Pointer();
-    for (const VARIANT& myArgument : {myByValue, myByReference})
+    const auto myPlugin = myComponent.Plugin();
+    const auto myMain = myComponent.Create<QelPluginAnimationMain>(CLSID_Main);
+    for (IDispatch* const myObject : {static_cast<IDispatch*>(myPlugin.Get()), static_cast<IDispatch*>(myMain.Get())})
     {
-        LateCall myPut;
-        myPut.Arguments = {myArgument};
-        ExpectResult("writing Script late-bound", S_OK, myPut.Invoke(myMain, 17, Put));
-        LateCall myGet;
-        ExpectResult("reading Script late-bound", S_OK, myGet.Invoke(myMain, 17, Get));
-        ExpectPart("Script", u"value=\"URL:a\"", TextOfBstr(myGet.Result.bstrVal));
+        for (const VARIANT& myArgument : {myByValue, myByReference})
+        {
+            ExpectResult("writing an empty Script", S_OK, Write(*myPlugin.Get(), u"<pg.param name=\"link\">"));
+            LateCall myPut;
+            myPut.Arguments = {myArgument};
+            ExpectResult("writing Script late-bound", S_OK, myPut.Invoke(*myObject, 17, Put));
+            ExpectPart("Script, written late-bound", u"value=\"URL:a\"", Read(*myPlugin.Get(), &QelPlugin::get_Script));
+        }
     }
-    LateCall myBack;
-    myBack.Arguments = {NumberVariant(7)};
-    ExpectResult("CallBack late-bound", S_OK, myBack.Invoke(myMain, 16, Method));
-    ExpectNumber("the type that CallBack gives", VT_BOOL, myBack.Result.vt);
-    ExpectNumber("CallBack of 7", VARIANT_FALSE, myBack.Result.boolVal);
     const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
-    LateCall myAdd;
-    myAdd.Arguments = {myByValue};
-    ExpectResult("AddValue late-bound", S_OK, myAdd.Invoke(*mySort.Get(), 2, Method));
-    ExpectValue(*mySort.Get(), 4, VT_I4, "1");
+    ExpectValue(*mySort.Get(), 2, "QelStringSort.AddValue", {VT_EMPTY, u""}, {myByValue});
+    ExpectValue(*mySort.Get(), 4, "QelStringSort.ValueCount", {VT_I4, u"1"});
+    ExpectValue(*mySort.Get(), 3, "QelStringSort.Value", {VT_BSTR, myScript.Value()}, {NumberVariant(1)});
 }
 
 void LateFailures(const Trial& myTrial)
@@ -399,6 +518,17 @@ void LateFailures(const Trial& myTrial)
     ExpectResult("a number for QelDatabase", DISP_E_TYPEMISMATCH, myNoObject.Invoke(*myPlugin.Get(), 2, PutObject));
     ExpectNumber("the place of the wrong argument", 0, myNoObject.Position);
     DISPPARAMS myNone{};
+    ForEachTable(myComponent,
+                 [&](const LateObject& myTable)
+                 {
+                     const auto myAbout = std::ranges::find(myTable.Members, u"About", &NamedMember::Name);
+                     if (myAbout != myTable.Members.end())
+                     {
+                         ExpectResult(myTable.NameOf(*myAbout) + " without a display", DISP_E_EXCEPTION,
+                                      myTable.Object.Invoke(myAbout->Number, &GUID_NULL, 0, Method, &myNone, nullptr,
+                                                            nullptr, nullptr));
+                     }
+                 });
     ExpectResult("writing without the name of a put", DISP_E_PARAMNOTOPTIONAL,
                  myPlugin->Invoke(17, &GUID_NULL, 0, Put, &myNone, nullptr, nullptr, nullptr));
     ExpectResult("Invoke with a reserved identifier", DISP_E_UNKNOWNINTERFACE,

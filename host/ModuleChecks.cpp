@@ -4,12 +4,14 @@
 #include "SiteFiles.h"
 #include "text/encodings.h"
 
+#include <algorithm>
 #include <array>
 #include <barrier>
 #include <cstdlib>
 #include <exception>
 #include <random>
 #include <thread>
+#include <type_traits>
 
 namespace qel::host
 {
@@ -47,6 +49,16 @@ Text ScriptOf(QelPlugin& myPlugin)
     return Read(myPlugin, &QelPlugin::get_Script);
 }
 
+Text Joined(const std::vector<std::string>& myCalls)
+{
+    Text theText;
+    for (const std::string& myCall : myCalls)
+    {
+        theText += FromUtf8(myCall) + u" ";
+    }
+    return theText;
+}
+
 // ---- Scripts -----------------------------------------------------------------------------------------------------
 
 void Initial(const Trial& myTrial)
@@ -78,6 +90,11 @@ void RoundTrip(const Trial& myTrial)
         ExpectText("the caller's text after it", myScript, myText.Value());
         ExpectText("the script that comes back", myScript, ScriptOf(*myPlugin.Get()));
     }
+    ExpectResult("writing a script of everything", S_OK, Write(*myPlugin.Get(), FullScript));
+    ExpectText("its summary, TextSettings",
+               u"Se muestra el motivo personalizado por el usuario. Se reproduce un sonido de fondo personalizado por "
+               u"el usuario.El control de tiempo se ha activado.",
+               Read(*myPlugin.Get(), &QelPlugin::get_TextSettings));
 }
 
 void OtherVersion(const Trial& myTrial)
@@ -218,41 +235,62 @@ void Staging(const Trial& myTrial)
     ExpectText("the script after the page", FullScript, ScriptOf(*myServed.Plugin.Get()));
 }
 
+constexpr const char16_t* LinkFails = nullptr;
+
+/// A link, what the record that it leads to is, what stands in front of the picture, and what the host is asked about
+/// the link.
+constexpr struct
+{
+    const char16_t* Link;
+    int32_t Kind;
+    bool AtEnd;
+    const char16_t* Tag;
+    TextView Calls;
+} LinkCases[] = {
+    {u"URL:http://x/?a=1", 0, false, u"<a href=\"http://x/?a=1\">", u""},
+    {u"URL:", 0, false, u"<a>", u""},
+    {u"url:x", 0, false, u"<a>", u""},
+    {u"URL:ERROR", 0, false, LinkFails, u""},
+    {u"", 0, false, u"", u""},
+    {u"UID:4711", 0, false, LinkFails, u"SeekUID EOF RecordType "},
+    {u"UID:4711", 1, true, LinkFails, u"SeekUID EOF "},
+    {u"UID:4711", 1, false, u"<a href=\"otra.html\">", u"SeekUID EOF RecordType RecordURL "},
+    {u"UID:4711", 2, false, u"<a href=\"otra.html\">", u"SeekUID EOF RecordType RecordURL "},
+    {u"UID:4711", 3, false, u"<a href=\"otra.html\">", u"SeekUID EOF RecordType RecordURL "},
+    {u"UID:4711", 4, false, u"<a href=\"images/nota.pdf\">",
+     u"SeekUID EOF RecordType DataFolder RecordFilename ImageFolder RecordFilename ImageURL RecordFilename "},
+    {u"UID:4711", 5, false, u"<a href=\"files/nota.pdf\">",
+     u"SeekUID EOF RecordType DataFolder RecordFilename FileFolder RecordFilename FileURL RecordFilename "},
+    {u"UID:4711", 6, false, u"<a href=\"otra.html\">", u"SeekUID EOF RecordType RecordURL "},
+    {u"UID:4711", 7, false, u"<a>", u"SeekUID EOF RecordType "},
+};
+using LinkCase = std::remove_cvref_t<decltype(LinkCases[0])>;
+
+std::string NameOf(const LinkCase& myCase)
+{
+    return "link \"" + ToUtf8(myCase.Link) + "\" with a record of kind " + std::to_string(myCase.Kind) +
+           (myCase.AtEnd ? " that is not found" : "");
+}
+
+/// The page of FullScript with another link. The host's answers are set for it, and its calls begin anew.
+Text OutputOf(const LinkCase& myCase, ServedPlugin& theServed)
+{
+    theServed.State.Kind = myCase.Kind;
+    theServed.State.AtEnd = myCase.AtEnd;
+    theServed.State.Calls.clear();
+    return theServed.Output(ReplaceAll(FullScript, u"UID:4711", myCase.Link));
+}
+
 void Links(const Trial& myTrial)
 {
-    constexpr const char16_t* myFailure = nullptr;
-    constexpr struct
-    {
-        const char16_t* Link;
-        int32_t Kind;
-        bool AtEnd;
-        const char16_t* Tag; ///< in front of the picture; null: the link does not work
-    } Cases[] = {
-        {u"URL:http://x/?a=1", 0, false, u"<a href=\"http://x/?a=1\">"},
-        {u"URL:", 0, false, u"<a>"},
-        {u"url:x", 0, false, u"<a>"},
-        {u"URL:ERROR", 0, false, myFailure},
-        {u"UID:4711", 0, false, myFailure},
-        {u"UID:4711", 1, true, myFailure},
-        {u"UID:4711", 1, false, u"<a href=\"otra.html\">"},
-        {u"UID:4711", 2, false, u"<a href=\"otra.html\">"},
-        {u"UID:4711", 3, false, u"<a href=\"otra.html\">"},
-        {u"UID:4711", 4, false, u"<a href=\"images/nota.pdf\">"},
-        {u"UID:4711", 5, false, u"<a href=\"files/nota.pdf\">"},
-        {u"UID:4711", 6, false, u"<a href=\"otra.html\">"},
-        {u"UID:4711", 7, false, u"<a>"},
-    };
     const OpenedComponent myComponent(myTrial);
     ServedPlugin myServed(myComponent, myTrial);
-    for (const auto& myCase : Cases)
+    for (const auto& myCase : LinkCases)
     {
-        myServed.State.Kind = myCase.Kind;
-        myServed.State.AtEnd = myCase.AtEnd;
-        const std::string myWhat =
-            "link " + ToUtf8(myCase.Link) + " with a record of kind " + std::to_string(myCase.Kind);
-        const Text myPage = myServed.Output(ReplaceAll(FullScript, u"UID:4711", myCase.Link));
+        const std::string myWhat = NameOf(myCase);
+        const Text myPage = OutputOf(myCase, myServed);
         const Text myReason = Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText);
-        if (myCase.Tag == nullptr)
+        if (myCase.Tag == LinkFails)
         {
             ExpectText(myWhat, ErrorPage, myPage);
         }
@@ -260,24 +298,27 @@ void Links(const Trial& myTrial)
         {
             ExpectPart(myWhat, Text(u"z-index:50\">") + myCase.Tag + u"<img ", myPage);
         }
-        ExpectText("ErrorText of " + myWhat, myCase.Tag == nullptr ? u"El vínculo no funciona." : u"", myReason);
+        ExpectText("ErrorText of " + myWhat, myCase.Tag == LinkFails ? u"El vínculo no funciona." : u"", myReason);
     }
 }
 
-/// A picture of the library beside the component; the empty path without one.
+/// A picture of the library beside the component, the first by name; the empty path without one.
 fs::path LibraryPicture(const fs::path& myLibrary)
 {
+    std::vector<fs::path> myPictures;
     for (const std::string& myFolder : NamesInFolder(myLibrary))
     {
-        for (const std::string& myName : NamesInFolder(myLibrary / myFolder))
+        const std::vector<std::string> myNames =
+            fs::is_directory(myLibrary / myFolder) ? NamesInFolder(myLibrary / myFolder) : std::vector<std::string>();
+        for (const std::string& myName : myNames)
         {
-            if (myName.ends_with(".gif"))
+            if (LowerCase(FromUtf8(myName)).ends_with(u".gif"))
             {
-                return myLibrary / myFolder / myName;
+                myPictures.push_back(myLibrary / myFolder / myName);
             }
         }
     }
-    return {};
+    return myPictures.empty() ? fs::path() : *std::ranges::min_element(myPictures);
 }
 
 void LibraryMotif(const Trial& myTrial)
@@ -293,30 +334,31 @@ void LibraryMotif(const Trial& myTrial)
     const Text myPage = myServed.Output(Param(u"image", FromUtf8(myPicture.filename().string())) +
                                         Param(u"imagefolder", FromUtf8(myPicture.parent_path().filename().string())) +
                                         Param(u"playmidi", u"0"));
-    ExpectPart("the page with " + myPicture.filename().string(), u"<img src=\"images/qelspr17.gif\"", myPage);
-    ExpectText("the staged motif", Bytes(myPicture), Bytes("images/qelspr17.gif"));
+    const std::string myStaged = "images/qelspr17" + myPicture.extension().string();
+    ExpectPart("the page with " + myPicture.filename().string(), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    ExpectText("the calls of the page with it", u"InstanceNumber InstanceNumber UniqueName ImageFolder ImageURL ",
+               Joined(myServed.State.Calls));
+    ExpectText("the staged motif", Bytes(myPicture), Bytes(myStaged));
 }
 
 // ---- The host ----------------------------------------------------------------------------------------------------
 
-/// What a page of FullScript asks the host, in this order.
-const std::vector<std::string> CallOrder = {
-    "DataFolder",     "InstanceNumber", "InstanceNumber", "InstanceNumber",
-    "InstanceNumber", "UniqueName",     "SeekUID",        "EOF",
-    "RecordType",     "DataFolder",     "RecordFilename", "FileFolder",
-    "RecordFilename", "FileURL",        "RecordFilename", "ImageFolder",
-    "ImageURL",       "UniqueName",     "MediaFolder",    "InstanceNumber",
-    "MediaURL",
-};
+// What a page of FullScript asks the host, in this order: before the link, and after it.
+constexpr TextView CallsForPeriod = u"DataFolder InstanceNumber InstanceNumber InstanceNumber ";
+constexpr TextView CallsForPicture = u"InstanceNumber UniqueName ";
+constexpr TextView CallsForStaging = u"ImageFolder ImageURL ";
+constexpr TextView CallsForTune = u"UniqueName MediaFolder InstanceNumber MediaURL ";
 
-Text Joined(const std::vector<std::string>& myCalls)
+Text CallOrder(const LinkCase& myCase)
 {
-    Text theText;
-    for (const std::string& myCall : myCalls)
-    {
-        theText += FromUtf8(myCall) + u" ";
-    }
-    return theText;
+    Text theCalls = Text(CallsForPeriod).append(CallsForPicture).append(myCase.Calls);
+    return myCase.Tag == LinkFails ? theCalls : theCalls.append(CallsForStaging).append(CallsForTune);
+}
+
+/// The row whose page makes the most calls: a link to a file.
+const LinkCase& LongestCase()
+{
+    return *std::ranges::find(LinkCases, 5, &LinkCase::Kind);
 }
 
 void Order(const Trial& myTrial)
@@ -324,42 +366,73 @@ void Order(const Trial& myTrial)
     const OpenedComponent myComponent(myTrial);
     ServedPlugin myServed(myComponent, myTrial);
     ExpectNumber("calls while the services are handed in", 0, static_cast<int64_t>(myServed.State.Calls.size()));
-    for (int i = 0; i < 2; ++i)
+    for (int i = 0; i < 2; ++i) // a page that is written once more asks the same
     {
-        myServed.Output(FullScript);
-        ExpectText("the calls of a page", Joined(CallOrder), Joined(myServed.State.Calls));
-        myServed.State.Calls.clear();
+        for (const LinkCase& myCase : LinkCases)
+        {
+            OutputOf(myCase, myServed);
+            ExpectText("the calls of a page, " + NameOf(myCase), CallOrder(myCase), Joined(myServed.State.Calls));
+        }
     }
+    const auto ExpectCalls = [&](const std::string& myWhat, TextView myFrom, TextView myTo, const Text& myCalls)
+    {
+        const Text myScript = ReplaceAll(ReplaceAll(FullScript, u"UID:4711", u""), myFrom, myTo);
+        myServed.State.Calls.clear();
+        myServed.Output(myScript);
+        ExpectText("the calls of a page " + myWhat, myCalls, Joined(myServed.State.Calls));
+    };
+    ExpectCalls("without its picture", u"\"showimage\" value=\"1\"", u"\"showimage\" value=\"0\"",
+                Text(CallsForPeriod).append(CallsForTune));
+    ExpectCalls("without its tune", u"\"playmidi\" value=\"1\"", u"\"playmidi\" value=\"0\"",
+                Text(CallsForPeriod).append(CallsForPicture).append(CallsForStaging));
+    ExpectCalls("without a motif", u"\"image\" value=\"qelspr.gif\"", u"\"image\"", u"");
+    myServed.State.Calls.clear();
     Read(*myServed.Plugin.Get(), &QelPlugin::get_TextSettings);
     ScriptOf(*myServed.Plugin.Get());
     ExpectText("the calls of reading script and summary", u"", Joined(myServed.State.Calls));
 }
 
-void FailingCalls(const Trial& myTrial)
+/// Lets each call from one place on to another fail, and expects the page to end there for that reason.
+void ExpectFailures(ServedPlugin& theServed, const LinkCase& myCase, int64_t myFirst, int64_t myEnd)
 {
     constexpr int32_t myFirstNumber = 2000;
-    const OpenedComponent myComponent(myTrial);
-    ServedPlugin myServed(myComponent, myTrial);
-    HostState& theState = myServed.State;
-    const auto ExpectFailure = [&](size_t myPosition, const Error& myReason)
+    HostState& theState = theServed.State;
+    for (int64_t i = myFirst; i < myEnd; ++i)
     {
-        theState.Calls.clear();
-        theState.FailingCall = myPosition;
-        theState.Reason = myReason;
-        const std::string myWhat = "call " + std::to_string(myPosition) + " fails, " + CallOrder[myPosition - 1];
-        ExpectText("the page when " + myWhat, ErrorPage, myServed.Output(FullScript));
-        ExpectNumber("the number of calls when " + myWhat, static_cast<int64_t>(myPosition),
-                     static_cast<int64_t>(theState.Calls.size()));
-        return Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText);
-    };
-    for (size_t i = 1; i <= CallOrder.size(); ++i)
-    {
-        const Error myReason{myFirstNumber + static_cast<int32_t>(i), u"fallo"};
-        ExpectText("ErrorText", PluginFailure(myReason.Number, u"fallo"), ExpectFailure(i, myReason));
-        ExpectText("ErrorText", PluginFailure(E_ACCESSDENIED, u"no"), ExpectFailure(i, {E_ACCESSDENIED, u"no"}));
+        for (const Error& myReason :
+             {Error{myFirstNumber + static_cast<int32_t>(i), u"fallo"}, Error{E_ACCESSDENIED, u"no"}})
+        {
+            theState.FailingCall = static_cast<size_t>(i);
+            theState.Reason = myReason;
+            const Text myPage = OutputOf(myCase, theServed);
+            const std::string myWhat = "when call " + std::to_string(i) + " fails, " +
+                                       (theState.Calls.empty() ? "which does not come" : theState.Calls.back()) + ", " +
+                                       NameOf(myCase);
+            ExpectText("the page " + myWhat, ErrorPage, myPage);
+            ExpectNumber("the number of calls " + myWhat, i, static_cast<int64_t>(theState.Calls.size()));
+            ExpectText("ErrorText " + myWhat, PluginFailure(myReason.Number, myReason.Description),
+                       Read(*theServed.Plugin.Get(), &QelPlugin::get_ErrorText));
+        }
     }
     theState.FailingCall = 0;
-    ExpectPart("the page when nothing fails any more", u"</script>", myServed.Output(FullScript));
+}
+
+int64_t CallsIn(TextView myCalls)
+{
+    return std::ranges::count(myCalls, u' ');
+}
+
+void FailingCalls(const Trial& myTrial)
+{
+    const OpenedComponent myComponent(myTrial);
+    ServedPlugin myServed(myComponent, myTrial);
+    const int64_t myFirstOfLink = 1 + CallsIn(CallsForPeriod) + CallsIn(CallsForPicture);
+    for (const LinkCase& myCase : LinkCases)
+    {
+        ExpectFailures(myServed, myCase, myFirstOfLink, myFirstOfLink + CallsIn(myCase.Calls));
+    }
+    ExpectFailures(myServed, LongestCase(), 1, 1 + CallsIn(CallOrder(LongestCase())));
+    ExpectPart("the page when nothing fails any more", u"</script>", OutputOf(LongestCase(), myServed));
 }
 
 void NoServices(const Trial& myTrial)
@@ -502,18 +575,20 @@ void TextLeaks(const Trial& myTrial)
     const OpenedComponent myComponent(myTrial);
     const auto myPlugin = myComponent.Plugin();
     const auto myInfo = myPlugin.Query<QelInfo>();
-    constexpr HRESULT (QelPlugin::*myMembers[])(BSTR*) = {
-        &QelPlugin::get_InitialScript, &QelPlugin::get_Output,
-        &QelPlugin::get_TextFunction,  &QelPlugin::get_TextRequirementsServer,
-        &QelPlugin::get_TextSettings,  &QelPlugin::get_TextRequirementsClient,
-        &QelPlugin::get_TextConfig,    &QelPlugin::get_Description,
-        &QelPlugin::get_Script,        &QelPlugin::get_PreviewImageFilename,
-        &QelPlugin::get_LogoFilename,  &QelPlugin::get_ErrorText,
-    };
-    for (const auto myMember : myMembers)
+    for (const auto& [myName, myMember] : TextMembers)
     {
-        ExpectNoGrowth("reading a text", [&] { Read(*myPlugin.Get(), myMember); });
+        ExpectNoGrowth("reading " + ToUtf8(myName), [&, myRead = myMember] { Read(*myPlugin.Get(), myRead); });
     }
+    ExpectNoGrowth(
+        "reading InitialScript late-bound",
+        [&]
+        {
+            DISPPARAMS myNone{};
+            VARIANT theText{};
+            ExpectResult("Invoke", S_OK,
+                         myPlugin->Invoke(5, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myNone, &theText, nullptr, nullptr));
+            VariantClear(&theText);
+        });
     ExpectNoGrowth("reading Version",
                    [&]
                    {
@@ -545,7 +620,7 @@ void PageLeaks(const Trial& myTrial)
 {
     const OpenedComponent myComponent(myTrial);
     ServedPlugin myServed(myComponent, myTrial);
-    for (const size_t myFailing : {size_t{0}, CallOrder.size()})
+    for (const size_t myFailing : {size_t{0}, static_cast<size_t>(CallsIn(CallOrder(LongestCase())))})
     {
         ExpectNoGrowth(myFailing == 0 ? "writing a page" : "writing a page that fails",
                        [&]

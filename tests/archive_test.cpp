@@ -1,6 +1,7 @@
-/// Design archives on real files: reading, unpacking, and archives that somebody made to do harm.
+/// Design archives on real files: packing, reading, unpacking, listing, and archives that somebody made to do harm.
 #include "archive/classArchive.h"
 #include "ErrorOf.h"
+#include "platform/ListView.h"
 #include "platform/Platform.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
@@ -8,9 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <csignal>
 #include <sstream>
 #include <sys/resource.h>
+#include <tuple>
 #include <vector>
 
 namespace qel
@@ -28,12 +29,7 @@ const std::string Example = "qelarchive1.0\x06\0\0\0\\a.txt\x03\0\0\0abc\x0A\0\0
 
 std::string Integer(int32_t myNumber)
 {
-    std::string theBytes;
-    for (int i = 0; i < 32; i += 8)
-    {
-        theBytes += static_cast<char>(static_cast<uint32_t>(myNumber) >> i);
-    }
-    return theBytes;
+    return {char(myNumber), char(myNumber >> 8), char(myNumber >> 16), char(myNumber >> 24)};
 }
 
 std::string Entry(const std::string& myName, const std::string& myData, int32_t mySizeError = 0)
@@ -41,6 +37,19 @@ std::string Entry(const std::string& myName, const std::string& myData, int32_t 
     return Integer(static_cast<int32_t>(myName.size())) + myName +
            Integer(static_cast<int32_t>(myData.size()) + mySizeError) + myData;
 }
+
+/// A list as text: a line for each item, and the tags one behind the other.
+struct ListedItems final : ListView
+{
+    void Clear() override { Items.clear(), Tags.clear(); }
+    void Add(const ListItem& i) override
+    {
+        Items += i.Caption + u"|" + NumberText(int64_t{i.SmallIcon}) + u"|" + NumberText(int64_t{i.ForeColor}) + u"|" +
+                 i.SubItems[0] + u"|" + i.SubItems[1] + u"\n";
+        Tags += i.Tag;
+    }
+    Text Items, Tags;
+};
 
 class Archive : public testing::Test
 {
@@ -52,6 +61,7 @@ protected:
         myFolder.MakeFolder("base");
         myArchive.ProgessUnpack = [&](const Text& myName, bool& theCancel)
         {
+            EXPECT_NE(ErrorOf([&] { myFiles.OpenShared(myFolder.Logical(u"x.dat")); }), 0) << "not locked";
             myEvents += myName;
             theCancel = myName == u"\\cancel";
         };
@@ -124,9 +134,13 @@ TEST_F(Archive, EveryFileComesOutAtItsPlaceWithItsBytes)
         myBytes += Entry("\\img\\sub\\" + std::to_string(mySize), myData);
     }
     EXPECT_TRUE(UnPack(myBytes + EndMarker));
+    EXPECT_TRUE(myArchive.PackArchive());
+    myArchive.BaseFolder(myFolder.Logical(u"again"));
+    EXPECT_TRUE(myArchive.UnPackArchive()) << "what came out and was packed";
     for (const auto& [myName, myData] : myExpected)
     {
         EXPECT_TRUE(myFolder.Exists("base/" + myName) && myFolder.Read("base/" + myName) == myData) << myName;
+        EXPECT_TRUE(myFolder.Exists("again/" + myName) && myFolder.Read("again/" + myName) == myData) << myName;
     }
     EXPECT_TRUE(myEvents.starts_with(u"\\a.txt\\img\\b.gif\\ñ€\\img\\sub\\31999\\img\\sub\\32000"));
 }
@@ -188,26 +202,114 @@ TEST_F(Archive, FoldersAreMadeWhenAFileNeedsThem)
     EXPECT_FALSE(myFolder.Exists("missing"));
 }
 
-TEST_F(Archive, IsLockedWhileItIsReadAndFreeAfterAFailure)
+TEST_F(Archive, PackingTellsItsShareAndEndsAsTheFlagStandsThen)
 {
-    // The disk is full behind 40,000 bytes.
-    myFolder.Write("x.dat", Magic + Entry("\\a", "1") + Entry("\\b", std::string(90'000, 'b')) + EndMarker);
-    myArchive.ProgessUnpack = [&](const Text&, bool&)
+    const Text myFirst = u"0 \\a12 "; // a half goes to the even number
+    const Text myWhole = myFirst + u"\\img\\b38 \\img\\sub\\c100 100 ";
+    // The numbers from 0 of the events that raise the flag and take it back, the events, and the result.
+    const std::tuple<int, int, Text, bool> myCases[] = {
+        {-1, -1, myWhole, true}, {4, -1, myWhole, false},           {0, -1, myFirst + u"100 ", false},
+        {0, 1, myWhole, true},   {1, -1, myFirst + u"100 ", false}, {1, 2, myFirst + u"100 ", true}};
+    const auto Pack = [&](int myCancelAt, int myBackAt)
     {
-        EXPECT_NE(ErrorOf([&] { myFiles.OpenShared(myFolder.Logical(u"x.dat")); }), 0);
+        myEvents.clear();
+        myArchive.ProgessCreate = [&, myNumber = 0](const Text& myName, int32_t& myPercent, bool& theCancel) mutable
+        {
+            theCancel = (theCancel || myNumber == myCancelAt) && myNumber != myBackAt;
+            myEvents += myName + NumberText(int64_t{myPercent}) + u" ";
+            ++myNumber;
+        };
+        return myArchive.PackArchive();
     };
-    rlimit myLimit = {};
-    getrlimit(RLIMIT_FSIZE, &myLimit);
-    const rlimit mySmallLimit = {40'000, myLimit.rlim_max};
-    const auto myHandler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &mySmallLimit);
-    EXPECT_FALSE(myArchive.UnPackArchive());
-    setrlimit(RLIMIT_FSIZE, &myLimit);
-    std::signal(SIGXFSZ, myHandler);
-    EXPECT_EQ(myFolder.Read("base/a"), "1");
-    EXPECT_EQ(ErrorOf([&] { myFiles.OpenForWriting(myFolder.Logical(u"base\\b")); }), 0) << "still open";
-    const auto myHolder = myFiles.OpenForReading(myFolder.Logical(u"x.dat"));
-    EXPECT_FALSE(myArchive.ReadArchive() || myArchive.UnPackArchive()) << "someone else holds it";
+    EXPECT_TRUE(Pack(-1, -1));
+    EXPECT_EQ(ToUtf8(myEvents) + myFolder.Read("x.dat"), "0 100 " + Magic + EndMarker);
+    myFolder.Write("base/a", "");
+    EXPECT_TRUE(Pack(-1, -1) && myEvents == u"0 \\a100 100 ");
+    myFolder.Write("base/a", "1");
+    myFolder.Write("base/img/b", "22");
+    myFolder.Write("base/img/sub/c", "55555");
+    for (const auto& [myCancelAt, myBackAt, myExpected, myResult] : myCases)
+    {
+        EXPECT_EQ(Pack(myCancelAt, myBackAt), myResult) << ToUtf8(myEvents);
+        EXPECT_EQ(myEvents, myExpected);
+        EXPECT_TRUE(myFolder.Exists("x.dat") == myResult && myArchive.FileCount() == u"3") << ToUtf8(myEvents);
+    }
+}
+
+TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
+{
+    // The files, a link beside them, and the names in the archive, lowered and plain, or why there is none.
+    const std::tuple<std::vector<std::string>, std::string, std::string, std::string> myCases[] = {
+        {{"A.txt", "Img/Logo.GIF"}, "~", "\\a.txt\\img\\logo.gif", "\\A.txt\\Img\\Logo.GIF"},
+        {{"Ñ€", ".hidden", ".h/a", "back\\slash", "a\xFF"}, "l", "\\ñ€", "\\Ñ€"},
+        {{"FOO"}, "foo", "58", "\\FOO"},
+        {{"FOO/a"}, "foo", "58", "\\FOO\\a"},
+        {{"a", "A"}, "~", "58", "58"},
+        {{"img/a", "img/日"}, "~", "52", "52"},
+        {{"img/large"}, "~", "6", "6"},
+        {{"a.txt", "img/b.gif"}, "~", "\\a.txt\\img\\b.gif", "\\a.txt\\img\\b.gif"},
+    };
+    myFolder.Write("outside/secret", "");
+    for (const auto& [myNames, myLink, mySmallNames, myPlainNames] : myCases)
+    {
+        std::filesystem::remove_all(myFolder.Native("base"));
+        for (const std::string& myName : myNames)
+        {
+            myFolder.Write("base/" + myName, myName == "a.txt" ? "abc" : "");
+            myName == "img/large" ? std::filesystem::resize_file(myFolder.Native("base/" + myName), 1U << 31U) : void();
+        }
+        std::filesystem::create_symlink(myFolder.Native("outside"), myFolder.Native("base/" + myLink));
+        for (const bool isSmall : {true, false})
+        {
+            myFolder.Write("x.dat", "old");
+            myArchive.SmallFilenames(isSmall);
+            const bool myResult = myArchive.PackArchive();
+            ListedItems myItems;
+            myArchive.FillList(myItems);
+            EXPECT_EQ(myResult ? ToUtf8(myItems.Tags) : std::to_string(myArchive.FailureNumber()),
+                      isSmall ? mySmallNames : myPlainNames);
+            EXPECT_EQ(myFolder.Read("x.dat") == "old", !myResult) << myPlainNames;
+        }
+    }
+    EXPECT_EQ(myFolder.Read("x.dat"), Example);
+}
+
+TEST_F(Archive, ListsEveryEntryByItsExtensionAndSize)
+{
+    EXPECT_EQ(myArchive.FileCount() + myArchive.Status(), u"0Es wurden keine Dateien geladen");
+    const std::pair<TextView, std::vector<std::string>> myClasses[] = {
+        {u"|2|0|", {"a.html", "b.HTM"}},
+        {u"|3|0|", {"c.php", "d.php3", "e.phtml"}},
+        {u"|4|6710886|", {"LOGO.GIF", "f.jpeg", "g.jpg", "h.png"}},
+        {u"|1|6710886|", {"readme", "x.gif.bak", "dot."}},
+    };
+    Text myExpected;
+    std::string myBytes = Magic;
+    for (const auto& [myClass, myNames] : myClasses)
+    {
+        for (const std::string& myName : myNames)
+        {
+            myBytes += Entry("\\i\\" + myName, std::string(1023, 'x')) + Entry(myName, std::string(1024, 'x'));
+            myExpected += FromUtf8(myName).append(myClass) + u"1 KB|\\i\\\n";
+            myExpected += FromUtf8(myName).append(myClass) + u"2 KB|\n";
+        }
+    }
+    myFolder.Write("x.dat", myBytes + EndMarker);
+    EXPECT_TRUE(myArchive.ReadArchive());
+    ListedItems myItems;
+    myItems.Items = u"an older one";
+    myArchive.FillList(myItems);
+    EXPECT_EQ(ToUtf8(myItems.Items), ToUtf8(myExpected));
+    EXPECT_TRUE(myItems.Tags.starts_with(u"\\i\\a.htmla.html\\i\\b.HTM"));
+    EXPECT_EQ(myArchive.FileCount() + u" " + myArchive.Status(), u"24 24 KB in 24 Dateien");
+    for (const int32_t myRest : {0, 1})
+    {
+        myFolder.Write("x.dat", Magic + Integer(2) + "\\a" + Integer(INT32_MAX));
+        std::filesystem::resize_file(myFolder.Native("x.dat"), 23U + INT32_MAX);
+        std::ofstream(myFolder.Native("x.dat"), std::ios::app) << Entry("\\b", std::string(myRest, 'x')) + EndMarker;
+        EXPECT_TRUE(myArchive.ReadArchive() && myArchive.TotalSize() == 2147483647.0 + myRest);
+        EXPECT_EQ(ErrorOf([&] { EXPECT_EQ(myArchive.Status(), u"2097152 KB in 2 Dateien"); }), myRest == 0 ? 0 : 6);
+    }
 }
 
 TEST_F(Archive, PathsAreJoinedAtOneSeparator)

@@ -5,9 +5,11 @@
 import json
 import os
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import uuid
 from pathlib import Path
@@ -16,49 +18,26 @@ STAGE = Path(sys.argv.pop(1)).resolve()
 BROKEN = Path(sys.argv.pop(1)).resolve()
 REAL = STAGE / "QelPluginAnimation.so"
 
-# What each check finds: faults of the broken component (see broken_component.cpp), or None for one export too many.
-FAULTS = {
-    "entry.exports": None,
-    "entry.unknown-class": "any-class",
-    "entry.unknown-interface": "wild-pointer",
-    "entry.null-pointers": "no-null-test",
-    "entry.aggregation": "aggregates",
-    "entry.unload-count": "unloads-any-time",
-    "entry.registration": "stays-registered",
-    "entry.unloading": "last-word",
-    "identity.unknown": "wrong-identity",
-    "identity.query": "one-way-query",
-    "identity.counts": "query-keeps-reference",
-    "identity.error-info": "no-error-info",
-    "members.fixed-texts": "swapped-requirements",
-    "members.answers": "true-is-one",
-    "members.version": "zeros-in-version",
-    "members.null-pointers": "takes-null",
-    "members.bitmaps": "bitmap-with-folder",
-    "members.string-sort": "sorts-nothing",
-    "late.names": "exact-names",
-    "late.kinds": "any-kind",
-    "late.values": "numbers-for-booleans",
-    "late.failures": "no-exception",
-    "script.initial": "other-initial-script",
-    "script.round-trip": "half-escaped",
-    "script.other-version": "any-version",
-    "script.random": "crash-on-surrogate",
-    "script.huge": "short-scripts",
-    "output.period": "ends-a-day-early",
-    "output.staging": "width-for-height",
-    "output.links": "no-empty-link",
-    "output.library": "library-fails",
-    "host.call-order": "asks-twice",
-    "host.failing-calls": "other-number",
-    "host.no-services": "no-reason",
-    "host.references": "keeps-topic",
-    "dialog.no-display": "confirms-unseen",
-    "threads.records": "one-record",
-    "leaks.texts": "leaks-text",
-    "leaks.objects": "query-keeps-reference",
-    "leaks.pages": "leaks-page",
-}
+# The checks in their order, and what each has to find: faults of the broken component (see broken_component.cpp), or
+# a component that has one.
+FAULTS = {name: faults.split() for name, faults in (entry.strip().split(":") for entry in """
+entry.exports: one_more_export.so; entry.unknown-class: any-class;
+entry.unknown-interface: wild-pointer factory-has-no-identity factory-is-anything; entry.null-pointers: no-null-test;
+entry.aggregation: aggregates; entry.unload-count: unloads-any-time lock-fails; entry.registration: stays-registered;
+entry.unloading: last-word; identity.unknown: wrong-identity; identity.query: one-way-query;
+identity.counts: query-keeps-reference; identity.error-info: no-error-info supports-null;
+members.fixed-texts: other-requirements; members.answers: true-is-one; members.version: zeros-in-version;
+members.null-pointers: takes-null takes-null-index takes-null-place; members.bitmaps: bitmap-with-folder;
+members.string-sort: sorts-nothing refuses-null-text text-in-failure;
+late.names: exact-names counts-no-types gives-types; late.kinds: any-kind;
+late.values: numbers-for-booleans late-number-for-text late-empty-version late-empty-value late-database-lost late-helper-fails late-help-fails late-script-lost;
+late.failures: no-exception late-about-unseen; script.initial: other-initial-script;
+script.round-trip: half-escaped no-summary; script.other-version: any-version; script.random: crash-on-surrogate;
+script.huge: short-scripts; output.period: ends-a-day-early; output.staging: width-for-height;
+output.links: no-empty-link; output.library: library-fails; host.call-order: asks-twice asks-for-empty-link;
+host.failing-calls: other-number other-link-number; host.no-services: no-reason; host.references: keeps-topic;
+dialog.no-display: confirms-unseen; threads.records: one-record; leaks.texts: leaks-text leaks-late;
+leaks.objects: query-keeps-reference; leaks.pages: leaks-page leaks-handle leaves-file""".replace("\n", "").split(";"))}
 
 
 class CheckTest(unittest.TestCase):
@@ -78,7 +57,7 @@ class CheckTest(unittest.TestCase):
         run = subprocess.run([STAGE / "qelhost", *map(str, arguments)], capture_output=True, text=True, timeout=120,
                              env={**self.environment, "QEL_FAULT": fault})
         self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
-        return run.stderr if expect == 2 else run.stdout
+        return run.stdout if "--json" in arguments else run.stdout + run.stderr
 
     def check(self, *arguments, **options):
         """The results by the names of the checks. Nothing may be left behind, neither a file nor a process."""
@@ -91,14 +70,8 @@ class CheckTest(unittest.TestCase):
         return {check["name"]: check for check in document["checks"]}
 
     def marked_processes(self):
-        found = []
-        for place in Path("/proc").glob("[0-9]*"):
-            try:
-                if place.name != str(os.getpid()) and self.mark.encode() in (place / "environ").read_bytes():
-                    found.append(place.name)
-            except OSError:
-                continue
-        return found
+        return subprocess.run(["grep", "-ls", self.mark, *Path("/proc").glob("[0-9]*/environ")],
+                              capture_output=True, text=True).stdout.split()
 
     def broken(self, name="broken_component.so"):
         """The broken component, with the library and the bitmaps beside it."""
@@ -108,7 +81,8 @@ class CheckTest(unittest.TestCase):
         return {name: check["result"] for name, check in checks.items()}
 
     def test_the_component_passes_every_check(self):
-        names = [line.split()[0] for line in self.run_host("check", "--list").splitlines()[1:]]
+        names = [check["name"] for check in json.loads(self.run_host("check", "--list", "--json"))["checks"]]
+        self.assertEqual(names, [line.split()[0] for line in self.run_host("check", "--list").splitlines()[1:]])
         self.assertEqual(names, list(FAULTS))  # each is proved below
         passed = dict.fromkeys(names, "passed")
         self.assertEqual(self.results(self.check()), passed)
@@ -116,15 +90,15 @@ class CheckTest(unittest.TestCase):
 
     def test_each_check_finds_its_fault(self):
         component = self.broken()
-        for name, fault in FAULTS.items():
+        for name, fault in ((name, fault) for name, faults in FAULTS.items() for fault in faults):
             with self.subTest(check=name, fault=fault):
-                file = component if fault else self.broken("one_more_export.so")
-                found = self.check(file, "--only", name, fault=fault or "", expect=1)
+                file = self.broken(fault) if fault.endswith(".so") else component
+                found = self.check(file, "--only", name, fault=fault, expect=1)
                 self.assertEqual(self.results(found), {name: "failed"})
                 self.assertTrue(found[name]["expected"] and found[name]["got"], found)
 
     def test_a_fault_fails_no_check_that_it_does_not_concern(self):
-        found = self.results(self.check(self.broken(), fault="swapped-requirements", expect=1))
+        found = self.results(self.check(self.broken(), fault="other-requirements", expect=1))
         self.assertEqual({name for name, result in found.items() if result == "failed"}, {"members.fixed-texts"})
 
     def test_a_crash_is_one_failed_check_and_a_hang_is_ended(self):
@@ -134,12 +108,27 @@ class CheckTest(unittest.TestCase):
         found = self.check(self.broken(), "--only", "script.initial", "--timeout", "0.5", fault="hangs", expect=1)
         self.assertIn("no end within 0.5 seconds", found["script.initial"]["got"])
 
+    def test_an_interrupted_run_ends_by_the_signal_and_leaves_nothing(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            run = subprocess.Popen([STAGE / "qelhost", "check", self.broken(), "--only", "script.initial"],
+                                   env={**self.environment, "QEL_FAULT": "hangs"}, stdout=subprocess.DEVNULL)
+            while not list(self.temporary.iterdir()) and run.poll() is None:
+                time.sleep(0.01)
+            run.send_signal(number)
+            self.assertEqual(run.wait(5), -number)
+            self.assertEqual((list(self.temporary.iterdir()), self.marked_processes()), ([], []))
+
     def test_what_is_not_beside_the_component_is_told(self):
         bare = self.folder / "bare"
         bare.mkdir()
         component = shutil.copy(self.broken(), bare)
         found = self.check(component, "--only", "members.bitmaps", "--only", "output.library")
         self.assertEqual(self.results(found), {"members.bitmaps": "warned", "output.library": "skipped"})
+        (bare / "QelPluginAnimationDesigns" / "Uno").mkdir(parents=True)
+        (bare / "QelPluginAnimationDesigns" / "readme.txt").touch()
+        shutil.copy(next(STAGE.glob("*Designs/*/*.gif")), bare / "QelPluginAnimationDesigns" / "Uno" / "A.GIF")
+        self.environment["QEL_REAL"] = shutil.copy(REAL, bare / "real.so")
+        self.check(component, "--only", "output.library")
 
     def test_the_component_is_found_as_by_the_other_commands(self):
         only = ["check", "--only", "entry.unknown-class"]
@@ -156,7 +145,18 @@ class CheckTest(unittest.TestCase):
     def test_wrong_use_is_told(self):
         self.assertIn("qelhost check --list", self.run_host("check", "--only", "entry.nothing", expect=2))
         self.run_host("check", "--timeout", "0", expect=2)
-        self.run_host("check", self.folder / "none.so", expect=1)
+        text = self.folder / "text.so"
+        text.write_text("text")
+        (self.folder / "a\\b").mkdir()
+        for file, place, reason in (("", "", 'no file ""'), ("none.so", "", "no file"), (text, "", "too short"),
+                                    (REAL, "none", "set TMPDIR"), (REAL, "a\\b", "set TMPDIR")):
+            self.environment["TMPDIR"] = str(self.folder / place)
+            self.assertIn(reason, self.run_host("check", file, expect=1))
+        self.environment["TMPDIR"] = str(self.temporary)
+        (self.folder / "far" / "near").mkdir(parents=True)
+        (self.folder / "link").symlink_to("far/near")
+        shutil.copy(self.broken(), self.folder / "far")
+        self.check(f"{self.folder}/link/../broken_component.so", "--only", "entry.unknown-class")
 
 
 if __name__ == "__main__":

@@ -397,13 +397,24 @@ class ArchiveTest(HostTest):
         self.host("archive", "unpack", archive, self.folder / "out")
         self.assertEqual(tree(self.folder / "out"), {"a.txt": b"abc", "Img/ñ.gif": bytes(2000)})
         before = archive.read_bytes()
+        twins = archive_of("\\a", b"1")[:-4] + archive_of("\\A", b"2")[13:]
+        for folder in ("way/a.txt", "in 2"):
+            (self.folder / folder).mkdir(parents=True)
+        unnameable = self.file("in 2/日.txt")
         for arguments, reason in ((["unpack", archive, self.folder / "out"], "--force"),
                                   (["pack", archive, source], "--force"),
                                   (["pack", archive, self.folder / "none"], "no folder"),
+                                  (["pack", self.folder / "none" / "a.dat", source], "archive itself: its folder"),
+                                  (["pack", self.folder / "c.dat", unnameable.parent], "日.txt: its name"),
                                   (["list", self.file("b.dat", before[:-1])], "cannot be read"),
-                                  (["unpack", self.folder / "none", source], "cannot be read")):
+                                  (["list", source], "not a file"),
+                                  (["unpack", self.file("d.dat", twins), self.folder / "twins"], "more than once"),
+                                  (["unpack", archive, self.folder / "way"], "as a folder"),
+                                  (["unpack", archive, self.folder / "way", "--force"], "a.txt: a folder"),
+                                  (["unpack", self.folder / "none", source], "no file")):
             self.assertIn(reason, self.host("archive", *arguments, expect=1))
-        self.host("archive", "pack", source / "a.dat", source, expect=2)
+        for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
+            self.host("archive", *arguments, expect=2, cwd=source)
         self.assertEqual(archive.read_bytes(), before)
         self.host("archive", "unpack", archive, self.folder / "out", "--force")
         hostile = self.file("hostile.dat", archive_of("..\\evil", b"x"))

@@ -197,12 +197,14 @@ bool classArchive::PackArchive()
             const auto myMemory = myFilePort.RememberFolders();
             myFiles.clear();
             ListFolder(u"\\");
+            myLastName.clear();
             DeleteFile(myArchiveFilename);
             bool myCancel = false;
             RaiseCreate({}, 0, myCancel);
             const auto myOutputFile = myFilePort.OpenForWriting(myArchiveFilename);
             WriteCharacters(*myOutputFile, Magic);
             WriteAllEntries(*myOutputFile, myCancel);
+            myLastName.clear();
             RaiseCreate({}, 100, myCancel);
             WriteInteger(*myOutputFile, 0);
             myOutputFile->Close();
@@ -219,18 +221,28 @@ bool classArchive::PackArchive()
 void classArchive::ListFolder(const Text& myFolder)
 {
     const Text myFullFolder = Concat(myBaseFolder, myFolder);
+    myLastName = myFolder;
     std::vector<Text> mySubfolders;
     std::unordered_set<Text> myLowerNames;
     for (Text& myName : myFilePort.List(Concat(myFullFolder, u"*.*"), Listing::FilesAndFolders))
     {
-        if (myName == u"." || myName == u".." || myFilePort.IsLink(Concat(myFullFolder, myName)))
+        if (myName == u"." || myName == u"..")
+        {
+            continue;
+        }
+        myLastName = Concat(myFolder, myName);
+        if (myFilePort.IsLink(Concat(myFullFolder, myName)))
         {
             continue;
         }
         Text myLowerName = LowerCase(myName);
-        if (mySmallFilenames)
+        if (mySmallFilenames && myName != myLowerName)
         {
             myName = myLowerName;
+            if (myFilePort.IsLink(Concat(myFullFolder, myName))) // it would be read instead
+            {
+                Raise(ErrorNumber::FileAlreadyExists);
+            }
         }
         if (!myLowerNames.insert(std::move(myLowerName)).second)
         {
@@ -270,6 +282,7 @@ void classArchive::WriteAllEntries(OutputFile& myOutputFile, bool& theCancel)
     double myDone = 0;
     for (const ArchiveEntry& myEntry : myFiles)
     {
+        myLastName = myEntry.Name;
         WriteArchiveEntry(myOutputFile, myEntry);
         myDone += myEntry.Size;
         RaiseCreate(myEntry.Name, myTotal == 0 ? 100 : RoundToWhole(myDone / myTotal * 100), theCancel);
@@ -332,10 +345,11 @@ bool classArchive::UnPackArchive()
         [&]
         {
             const auto myMemory = myFilePort.RememberFolders();
+            myLastName.clear();
             ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
             if (!ReadMagic(*myInput.File))
             {
-                return false;
+                Raise(ErrorNumber::InvalidArgument);
             }
             bool myCancel = false;
             Text myFolder;
@@ -346,37 +360,33 @@ bool classArchive::UnPackArchive()
                 {
                     break;
                 }
-                if (!UnPackEntry(myInput, myName, myFolder, myCancel))
-                {
-                    return false;
-                }
+                UnPackEntry(myInput, myName, myFolder, myCancel);
             }
             return true;
-        });
+        },
+        myFailureNumber);
 }
 
 /// Unpacks one entry, whose name has been read. `theFolder` is the folder of the entry before, and then of this one:
 /// its levels are looked at only when it changes.
-bool classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel)
+void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel)
 {
+    myLastName = myName;
     if (LeavesFolder(myName))
     {
-        return false;
+        Raise(ErrorNumber::BadFileName);
     }
     const TextView myFolder = FolderOfName(myName);
     if (myFolder != theFolder)
     {
-        if (!MakeFolders(myFolder))
-        {
-            return false;
-        }
+        MakeFolders(myFolder);
         theFolder = myFolder;
     }
     const Text myFilename = Concat(myBaseFolder, myName);
     // Where something was in the way there may be a link still, one that is alike or that cannot be deleted.
     if (DeleteFile(myFilename) && myFilePort.IsLink(myFilename))
     {
-        return false;
+        Raise(ErrorNumber::PathAccess);
     }
     const auto myOutputFile = myFilePort.OpenForWriting(myFilename);
     CopyBytes(*theInput.File, *myOutputFile, ReadLength(theInput));
@@ -385,31 +395,26 @@ bool classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text&
     {
         ProgessUnpack(myName, theCancel);
     }
-    return true;
+    myLastName.clear();
 }
 
-/// Makes sure of each level of a path below the base folder, the base folder itself first. False: a level is a link, or
-/// cannot be made.
-bool classArchive::MakeFolders(TextView myFolder)
+/// Makes sure of each level of a path below the base folder, the base folder itself first. Error 75: a level is a link.
+/// Others: it cannot be made.
+void classArchive::MakeFolders(TextView myFolder)
 {
     const Text myPath = Concat(myFolder, u"\\");
-    return Succeeds(
-        [&]
+    for (size_t myEnd = myPath.find(u'\\'); myEnd != Text::npos; myEnd = myPath.find(u'\\', myEnd + 1))
+    {
+        const Text myLevel = Concat(myBaseFolder, TextView(myPath).substr(0, myEnd + 1));
+        if (myEnd > 0 && myFilePort.IsLink(WithoutEnd(myLevel, u'\\')))
         {
-            for (size_t myEnd = myPath.find(u'\\'); myEnd != Text::npos; myEnd = myPath.find(u'\\', myEnd + 1))
-            {
-                const Text myLevel = Concat(myBaseFolder, TextView(myPath).substr(0, myEnd + 1));
-                if (myEnd > 0 && myFilePort.IsLink(WithoutEnd(myLevel, u'\\')))
-                {
-                    return false;
-                }
-                if (!FolderExists(myLevel))
-                {
-                    myFilePort.MakeFolder(myLevel);
-                }
-            }
-            return true;
-        });
+            Raise(ErrorNumber::PathAccess);
+        }
+        if (!FolderExists(myLevel))
+        {
+            myFilePort.MakeFolder(myLevel);
+        }
+    }
 }
 
 /// Asks for the folder itself: a listing that yields anything would say the same, at the cost of its length.

@@ -67,8 +67,13 @@ public:
     /// and on a file of 2 GiB or more.
     bool PackArchive();
 
-    /// The number of the error that made the last PackArchive fail; 0 when it gave True or was cancelled.
+    /// The number of the error that made the last PackArchive or UnPackArchive fail; 0 when it gave True or was
+    /// cancelled. In unpacking 52 is a name that leads out of the folder, and 75 also a link in the way.
     int32_t FailureNumber() const { return myFailureNumber; }
+
+    /// The path below BaseFolder, with "\" in front, that the last PackArchive or UnPackArchive was busy with when it
+    /// ended; empty when that was the archive itself.
+    const Text& LastName() const { return myLastName; }
 
     /// Fills the table of contents from the archive. False: it cannot be read whole, and the table is empty.
     bool ReadArchive();
@@ -107,8 +112,8 @@ private:
     void WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry);
     void RaiseCreate(const Text& myFilename, int32_t myPercent, bool& theCancel) const;
 
-    bool UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel);
-    bool MakeFolders(TextView myFolder);
+    void UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel);
+    void MakeFolders(TextView myFolder);
     bool FolderExists(TextView myFolder);
     bool DeleteFile(TextView myFilename);
     void CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount);
@@ -120,6 +125,7 @@ private:
     Text myArchiveFilename;
     bool mySmallFilenames = false;
     int32_t myFailureNumber = 0;
+    Text myLastName;
     std::vector<ArchiveEntry> myFiles;
     std::array<std::byte, BlockSize> myBlock{};
 };

@@ -54,9 +54,9 @@ const FileClass& ClassOfName(TextView myFilename)
 }
 
 /// Whole kilobytes, at least one.
-Text SizeText(int32_t mySize)
+Text SizeText(const NumberGrouping& myGrouping, int32_t mySize)
 {
-    return GroupedNumberText(mySize / 1024 + 1) + u" KB";
+    return myGrouping.GroupedNumberText(mySize / 1024 + 1) + u" KB";
 }
 
 } // namespace
@@ -64,13 +64,14 @@ Text SizeText(int32_t mySize)
 void classArchive::FillList(ListView& myListView) const
 {
     myListView.Clear();
+    const NumberGrouping myGrouping;
     for (const ArchiveEntry& myEntry : myFiles)
     {
         const FileClass& myClass = ClassOfName(myEntry.Name);
         myListView.Add({Text(FileOfName(myEntry.Name)),
                         myClass.SmallIcon,
                         myClass.ForeColor,
-                        {SizeText(myEntry.Size), Text(FolderOfName(myEntry.Name))},
+                        {SizeText(myGrouping, myEntry.Size), Text(FolderOfName(myEntry.Name))},
                         myEntry.Name});
     }
 }
@@ -86,8 +87,9 @@ Text classArchive::Status() const
     {
         return u"Es wurden keine Dateien geladen";
     }
-    const Text myStatus = ReplaceAll(u"%1 in %2 Dateien", u"%1", SizeText(RoundToWhole(TotalSize())));
-    return ReplaceAll(myStatus, u"%2", GroupedNumberText(static_cast<int64_t>(myFiles.size())));
+    const NumberGrouping myGrouping;
+    const Text myStatus = ReplaceAll(u"%1 in %2 Dateien", u"%1", SizeText(myGrouping, RoundToWhole(TotalSize())));
+    return ReplaceAll(myStatus, u"%2", myGrouping.GroupedNumberText(static_cast<int64_t>(myFiles.size())));
 }
 
 } // namespace qel

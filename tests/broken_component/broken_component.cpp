@@ -105,6 +105,76 @@ HRESULT PutInstead(Call& theCall, TextView myScript)
     return theCall.Forward();
 }
 
+/// Does nothing when an argument has a value.
+template <size_t Index, Word Value, HRESULT Result = S_OK>
+HRESULT Skip(Call& theCall)
+{
+    return theCall.W[Index] == Value ? Result : theCall.Forward();
+}
+
+template <HRESULT Result>
+HRESULT Give(Call& /*theCall*/)
+{
+    return Result;
+}
+
+/// Passes another argument on.
+template <size_t Index, Word Value>
+HRESULT Pass(Call& theCall)
+{
+    theCall.W[Index] = Value;
+    return theCall.Forward();
+}
+
+template <size_t Index, VARIANT_BOOL Value>
+HRESULT GiveBoolean(Call& theCall)
+{
+    theCall.Forward();
+    theCall.Argument<VARIANT_BOOL>(Index) = Value;
+    return S_OK;
+}
+
+HRESULT QueryTwice(Call& theCall)
+{
+    theCall.Forward();
+    return theCall.Forward();
+}
+
+HRESULT LeakText(Call& theCall)
+{
+    SysAllocString(u"lost");
+    return theCall.Forward();
+}
+
+/// Leaves a temporary file, or lets it go but keeps it open.
+template <bool Open>
+HRESULT LeaveFile(Call& theCall)
+{
+    std::string myPattern = std::string(std::getenv("TMPDIR")) + "/XXXXXX";
+    const int myFile = mkstemp(myPattern.data());
+    Open ? unlink(myPattern.c_str()) : close(myFile);
+    return theCall.Forward();
+}
+
+template <const IID* Interface>
+HRESULT Deny(Call& theCall)
+{
+    return theCall.Asks(*Interface) ? E_NOINTERFACE : theCall.Forward();
+}
+
+/// Values of one type come late-bound as another.
+template <VARTYPE From, VARTYPE To>
+HRESULT OtherType(Call& theCall)
+{
+    const HRESULT theResult = theCall.Forward();
+    auto* const myResult = reinterpret_cast<VARIANT*>(theCall.W[5]);
+    if (myResult != nullptr && myResult->vt == From)
+    {
+        myResult->vt = To;
+    }
+    return theResult;
+}
+
 HRESULT NoIdentity(Call& theCall)
 {
     if (!theCall.Asks(IID_IUnknown))
@@ -117,88 +187,21 @@ HRESULT NoIdentity(Call& theCall)
     return S_OK;
 }
 
-HRESULT NoWayBack(Call& theCall)
-{
-    return theCall.Asks(IID_QelPlugin) ? E_NOINTERFACE : theCall.Forward();
-}
-
-HRESULT QueryTwice(Call& theCall)
-{
-    theCall.Forward();
-    return theCall.Forward();
-}
-
-HRESULT AnyCreation(Call& theCall)
-{
-    theCall.W[0] = 0; // the outer object
-    return theCall.Forward();
-}
-
+template <size_t Index>
 HRESULT WildPointer(Call& theCall)
 {
     const HRESULT theResult = theCall.Forward();
-    if (FAILED(theResult) && theCall.W[2] != 0)
+    if (FAILED(theResult) && theCall.W[Index] != 0)
     {
-        theCall.Argument<void*>(2) = &theCall;
+        theCall.Argument<void*>(Index) = &theCall;
     }
     return theResult;
-}
-
-HRESULT Succeed(Call& /*theCall*/)
-{
-    return S_OK;
-}
-
-HRESULT SayNo(Call& /*theCall*/)
-{
-    return S_FALSE;
-}
-
-HRESULT TakeNull(Call& theCall)
-{
-    return theCall.W[0] == 0 ? S_OK : theCall.Forward();
-}
-
-HRESULT AnswerOne(Call& theCall)
-{
-    const HRESULT theResult = theCall.Forward();
-    theCall.Argument<VARIANT_BOOL>(0) = 1;
-    return theResult;
-}
-
-HRESULT SwapRequirements(Call& theCall)
-{
-    theCall.Slot = theCall.Slot == Member(8) ? Member(9) : Member(8);
-    return theCall.Forward();
 }
 
 HRESULT ExactNames(Call& theCall)
 {
     const char16_t* const myName = *reinterpret_cast<char16_t**>(theCall.W[1]);
     return *myName >= u'a' ? DISP_E_UNKNOWNNAME : theCall.Forward();
-}
-
-HRESULT AnyKind(Call& theCall)
-{
-    theCall.W[3] |= DISPATCH_METHOD | DISPATCH_PROPERTYGET;
-    return theCall.Forward();
-}
-
-HRESULT NumbersForBooleans(Call& theCall)
-{
-    const HRESULT theResult = theCall.Forward();
-    auto* const myResult = reinterpret_cast<VARIANT*>(theCall.W[5]);
-    if (myResult != nullptr && myResult->vt == VT_BOOL)
-    {
-        myResult->vt = VT_I2;
-    }
-    return theResult;
-}
-
-HRESULT NoException(Call& theCall)
-{
-    theCall.W[6] = 0;
-    return theCall.Forward();
 }
 
 HRESULT AnyVersion(Call& theCall)
@@ -222,16 +225,6 @@ HRESULT ShortScripts(Call& theCall)
     return PutInstead(theCall, TextOfBstr(theCall.Argument<BSTR>(0)).substr(0, myLongest));
 }
 
-HRESULT AskTwice(Call& theCall)
-{
-    int32_t myNumber = 0;
-    if (TheHelper != nullptr)
-    {
-        static_cast<QelBuildHelper*>(TheHelper)->get_InstanceNumber(&myNumber);
-    }
-    return theCall.Forward();
-}
-
 HRESULT KeepTopic(Call& theCall)
 {
     if (theCall.Argument<QelTopic*>(0) != nullptr)
@@ -239,12 +232,6 @@ HRESULT KeepTopic(Call& theCall)
         theCall.Argument<QelTopic*>(0)->AddRef();
     }
     return theCall.Forward();
-}
-
-HRESULT ConfirmUnseen(Call& theCall)
-{
-    theCall.Argument<VARIANT_BOOL>(1) = VARIANT_TRUE;
-    return S_OK;
 }
 
 HRESULT RememberScript(Call& theCall)
@@ -263,39 +250,54 @@ HRESULT LastScript(Call& theCall)
     return theResult;
 }
 
-HRESULT LeakText(Call& theCall)
-{
-    SysAllocString(u"lost");
-    return theCall.Forward();
-}
-
 HRESULT Hang(Call& /*theCall*/)
 {
-    fork(); // one more that has to go
+    if (fork() != 0) // one more that has to go
+    {
+        setpgid(0, getpgid(getppid())); // beyond the reach of what ends its group
+    }
     for (;;)
     {
         pause();
     }
 }
 
+HRESULT RefuseNullText(Call& theCall)
+{
+    return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
+}
+
+/// Asks the host once more, for any page or for those whose link has no address.
+template <bool ForEmptyLink>
+HRESULT AskTwice(Call& theCall)
+{
+    const HRESULT theResult = theCall.Forward();
+    int32_t myNumber = 0;
+    if (TheHelper != nullptr && (!ForEmptyLink || TextOfBstr(theCall.Argument<BSTR>(0)).find(u"<a>") != Text::npos))
+    {
+        static_cast<QelBuildHelper*>(TheHelper)->get_InstanceNumber(&myNumber);
+    }
+    return theResult;
+}
+
 // Named by what goes wrong. Those of the entry points stand there.
 constexpr Fault Faults[] = {
-    {"wild-pointer", Kind::Factory, CreateSlot, WildPointer},
-    {"aggregates", Kind::Factory, CreateSlot, AnyCreation},
+    {"wild-pointer", Kind::Factory, CreateSlot, WildPointer<2>},
+    {"aggregates", Kind::Factory, CreateSlot, Pass<0, 0>},
     {"wrong-identity", Kind::Info, QuerySlot, NoIdentity},
-    {"one-way-query", Kind::Info, QuerySlot, NoWayBack},
+    {"one-way-query", Kind::Info, QuerySlot, Deny<&IID_QelPlugin>},
     {"query-keeps-reference", Kind::Any, QuerySlot, QueryTwice},
-    {"no-error-info", Kind::ErrorSupport, 3, SayNo},
-    {"swapped-requirements", Kind::Plugin, Member(8), SwapRequirements},
-    {"true-is-one", Kind::Plugin, Member(12), AnswerOne},
+    {"no-error-info", Kind::ErrorSupport, 3, Give<S_FALSE>},
+    {"other-requirements", Kind::Plugin, Member(8), nullptr, u"ninguna", u"alguna"},
+    {"true-is-one", Kind::Plugin, Member(12), GiveBoolean<0, 1>},
     {"zeros-in-version", Kind::Info, Member(2), nullptr, u"1.0.", u"1.00.00"},
-    {"takes-null", Kind::Plugin, Member(13), TakeNull},
+    {"takes-null", Kind::Plugin, Member(13), Skip<0, 0>},
     {"bitmap-with-folder", Kind::Plugin, Member(15), nullptr, u"Qel", u"/opt/Qel"},
-    {"sorts-nothing", Kind::Sort, Member(5), Succeed},
+    {"sorts-nothing", Kind::Sort, Member(5), Give<S_OK>},
     {"exact-names", Kind::Any, NamesSlot, ExactNames},
-    {"any-kind", Kind::Any, InvokeSlot, AnyKind},
-    {"numbers-for-booleans", Kind::Any, InvokeSlot, NumbersForBooleans},
-    {"no-exception", Kind::Any, InvokeSlot, NoException},
+    {"any-kind", Kind::Any, InvokeSlot, Pass<3, DISPATCH_METHOD | DISPATCH_PROPERTYGET>},
+    {"numbers-for-booleans", Kind::Any, InvokeSlot, OtherType<VT_BOOL, VT_I2>},
+    {"no-exception", Kind::Any, InvokeSlot, Pass<6, 0>},
     {"other-initial-script", Kind::Plugin, Member(5), nullptr, u"1.0", u"1.1"},
     {"half-escaped", Kind::Plugin, Member(18), nullptr, u"&amp;", u"&"},
     {"any-version", Kind::Plugin, Member(17), AnyVersion},
@@ -305,15 +307,39 @@ constexpr Fault Faults[] = {
     {"width-for-height", Kind::Plugin, Member(6), nullptr, u"height:2px", u"height:3px"},
     {"no-empty-link", Kind::Plugin, Member(6), nullptr, u"<a>", u""},
     {"library-fails", Kind::Plugin, Member(6), nullptr, u"images/", u"imagenes/"},
-    {"asks-twice", Kind::Plugin, Member(6), AskTwice},
+    {"asks-twice", Kind::Plugin, Member(6), AskTwice<false>},
     {"other-number", Kind::Plugin, Member(19), nullptr, u"\"2017:", u"\"17:"},
     {"no-reason", Kind::Plugin, Member(19), nullptr, u"91", u"0"},
     {"keeps-topic", Kind::Plugin, Member(3), KeepTopic},
-    {"confirms-unseen", Kind::Plugin, Member(16), ConfirmUnseen},
+    {"confirms-unseen", Kind::Plugin, Member(16), GiveBoolean<1, VARIANT_TRUE>},
     {"one-record", Kind::Plugin, Member(17), RememberScript},
     {"one-record", Kind::Plugin, Member(18), LastScript},
     {"leaks-text", Kind::Plugin, Member(11), LeakText},
     {"leaks-page", Kind::Plugin, Member(6), LeakText},
+    {"leaks-late", Kind::Plugin, InvokeSlot, LeakText},
+    {"leaks-handle", Kind::Plugin, Member(6), LeaveFile<true>},
+    {"leaves-file", Kind::Plugin, Member(6), LeaveFile<false>},
+    {"factory-has-no-identity", Kind::Factory, QuerySlot, Deny<&IID_IUnknown>},
+    {"factory-is-anything", Kind::Factory, QuerySlot, WildPointer<1>},
+    {"lock-fails", Kind::Factory, 4, Give<E_FAIL>},
+    {"supports-null", Kind::ErrorSupport, 3, Skip<0, 0>},
+    {"takes-null-index", Kind::Sort, Member(3), Skip<0, 0>},
+    {"takes-null-place", Kind::Sort, Member(3), Skip<1, 0>},
+    {"refuses-null-text", Kind::Sort, Member(2), RefuseNullText},
+    {"text-in-failure", Kind::Sort, Member(3), WildPointer<1>},
+    {"counts-no-types", Kind::Plugin, 3, Give<S_OK>},
+    {"gives-types", Kind::Sort, 4, Give<S_OK>},
+    {"late-number-for-text", Kind::Plugin, InvokeSlot, OtherType<VT_BSTR, VT_I4>},
+    {"late-empty-version", Kind::Info, InvokeSlot, Skip<0, 2>},
+    {"late-empty-value", Kind::Sort, InvokeSlot, Skip<0, 3>},
+    {"late-database-lost", Kind::Plugin, InvokeSlot, Skip<0, 2>},
+    {"late-helper-fails", Kind::Main, InvokeSlot, Skip<0, 4, E_FAIL>},
+    {"late-help-fails", Kind::Main, InvokeSlot, Skip<0, 20, E_FAIL>},
+    {"late-script-lost", Kind::Plugin, InvokeSlot, Skip<0, 17>},
+    {"late-about-unseen", Kind::Info, InvokeSlot, Skip<0, 1>},
+    {"no-summary", Kind::Plugin, Member(10), nullptr, u"El control", u"Un control"},
+    {"asks-for-empty-link", Kind::Plugin, Member(6), AskTwice<true>},
+    {"other-link-number", Kind::Plugin, Member(19), nullptr, u"\"2010:", u"\"10:"},
     {"hangs", Kind::Plugin, Member(5), Hang},
 };
 
@@ -337,8 +363,8 @@ HRESULT Enter(StandIn* theObject, Word a, Word b, Word c, Word d, Word e, Word f
     const Fault* myEdit = nullptr;
     for (const Fault& myFault : Faults)
     {
-        const bool isHere = (myFault.TheKind == Kind::Any || myFault.TheKind == theObject->TheKind) &&
-                            (myFault.Slot == Slot || (myFault.Act == SwapRequirements && Slot == Member(9)));
+        const bool isHere =
+            (myFault.TheKind == Kind::Any || myFault.TheKind == theObject->TheKind) && myFault.Slot == Slot;
         if (isHere && Chosen(myFault.Name))
         {
             myAct = myFault.Act;

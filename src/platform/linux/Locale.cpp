@@ -1,6 +1,5 @@
 #include "platform/Locale.h"
 
-#include <locale>
 #include <sstream>
 #include <stdexcept>
 
@@ -24,10 +23,12 @@ std::locale UserLocale()
 
 } // namespace
 
-Text GroupedNumberText(int64_t myNumber)
+NumberGrouping::NumberGrouping() : myLocale(UserLocale()) {}
+
+Text NumberGrouping::GroupedNumberText(int64_t myNumber) const
 {
     std::wostringstream myStream;
-    myStream.imbue(UserLocale());
+    myStream.imbue(myLocale);
     myStream << myNumber;
     const std::wstring myDigits = myStream.str();
     Text theResult;
