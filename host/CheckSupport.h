@@ -136,6 +136,14 @@ private:
     HostState& myState;
 };
 
+/// Services that a component takes and has no use for.
+class Thumbnails final : public CountedObject<QelThumbnails>
+{
+};
+class Topic final : public CountedObject<QelTopic>
+{
+};
+
 class CheckedDatabase final : public CountedObject<QelDatabase>
 {
 public:

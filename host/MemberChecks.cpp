@@ -424,8 +424,8 @@ std::map<TextView, LateValue> ValuesOfTables(const OpenedComponent& myComponent)
     return theValues;
 }
 
-/// Hands a service in late-bound, and takes it back.
-void ExpectLateService(const LateObject& myTable, const NamedMember& myMember, IDispatch& myService)
+/// Hands a service in late-bound, and takes it back. While it is in hand the component holds `myKept` references.
+void ExpectLateService(const LateObject& myTable, const NamedMember& myMember, IDispatch& myService, int64_t myKept)
 {
     const std::string myWhat = myTable.NameOf(myMember);
     for (IDispatch* const myObject : {&myService, static_cast<IDispatch*>(nullptr)})
@@ -434,7 +434,7 @@ void ExpectLateService(const LateObject& myTable, const NamedMember& myMember, I
         myPut.Arguments = {ObjectVariant(myObject)};
         ExpectResult("writing " + myWhat + " late-bound", S_OK,
                      myPut.Invoke(myTable.Object, myMember.Number, PutReference));
-        ExpectNumber("references to " + myWhat, myObject != nullptr ? 2 : 1, HoldersOf(myService));
+        ExpectNumber("references to " + myWhat, myObject != nullptr ? 1 + myKept : 1, HoldersOf(myService));
     }
 }
 
@@ -444,6 +444,12 @@ void ExpectTable(const LateObject& myTable, const std::map<TextView, LateValue>&
     HostState myState;
     const auto myHelper = MakeCounted<CheckedHelper>(myState);
     const auto myDatabase = MakeCounted<CheckedDatabase>(myState);
+    const auto myThumbnails = MakeCounted<Thumbnails>();
+    const auto myTopic = MakeCounted<Topic>();
+    const std::map<TextView, std::pair<IDispatch*, int64_t>> myServices{{u"QelBuildHelper", {myHelper.Get(), 1}},
+                                                                        {u"QelDatabase", {myDatabase.Get(), 1}},
+                                                                        {u"QelThumbnails", {myThumbnails.Get(), 0}},
+                                                                        {u"QelTopic", {myTopic.Get(), 0}}};
     for (const NamedMember& myMember : myTable.Members)
     {
         const auto myKnown = myValues.find(myMember.Name);
@@ -451,13 +457,9 @@ void ExpectTable(const LateObject& myTable, const std::map<TextView, LateValue>&
         {
             ExpectValue(myTable.Object, myMember.Number, myTable.NameOf(myMember), myKnown->second);
         }
-        else if (myMember.Name == u"QelDatabase")
+        else if (const auto myService = myServices.find(myMember.Name); myService != myServices.end())
         {
-            ExpectLateService(myTable, myMember, *myDatabase.Get());
-        }
-        else if (myMember.Name == u"QelBuildHelper")
-        {
-            ExpectLateService(myTable, myMember, *myHelper.Get());
+            ExpectLateService(myTable, myMember, *myService->second.first, myService->second.second);
         }
         else if (myMember.Name == u"ShowHelp")
         {

@@ -445,13 +445,6 @@ void NoServices(const Trial& myTrial)
                Read(*myPlugin.Get(), &QelPlugin::get_ErrorText));
 }
 
-class Thumbnails final : public CountedObject<QelThumbnails>
-{
-};
-class Topic final : public CountedObject<QelTopic>
-{
-};
-
 /// Hands an object in, another one, and none, and expects `myKept` references while it is in hand.
 template <class Interface>
 void ExpectHolding(const char* myName, QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(Interface**),
