@@ -64,7 +64,7 @@ void ReadScriptTags(TextView myScript, Sink mySink)
     IdleQueue myMessages;
     classScript myScanner(myMessages);
     myScanner.Prefix(u"pg.");
-    myScanner.Script(myScript);
+    myScanner.Script(Text(myScript));
     for (myScanner.GetNextTag(); myScanner.TagType() != TokenType::None; myScanner.GetNextTag())
     {
         const bool myIsParam = myScanner.BaseTag() == u"param";

@@ -4,13 +4,14 @@
 #include "text/errors.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qel
 {
 
-void classScript::Script(TextView theScript)
+void classScript::Script(Text theScript)
 {
-    myScript = theScript;
+    myScript = std::move(theScript);
     myPosition = 0;
     myLine = 1;
     myScanState = ScanState::PlainText;
@@ -112,7 +113,7 @@ classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
 
 bool classScript::PrefixStandsAt(size_t myStart) const
 {
-    const TextView myText = myScript.substr(myStart, myPrefix.size());
+    const TextView myText = TextView(myScript).substr(myStart, myPrefix.size());
     return std::equal(myPrefix.begin(), myPrefix.end(), myText.begin(), myText.end(),
                       [](char16_t p, char16_t t) { return LowerCase(t) == p; });
 }
@@ -129,7 +130,7 @@ void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
 {
     myCurrentTag.Type = myType;
     myCurrentTag.Line = myType == TokenType::None ? 0 : myLine;
-    const TextView myText = myScript.substr(myStart, myEnd - myStart);
+    const TextView myText = TextView(myScript).substr(myStart, myEnd - myStart);
     if (IsTag())
     {
         myTagParser.Tag(myText);

@@ -8,7 +8,6 @@
 #include "tags/classTag.h"
 #include "text/text.h"
 
-#include <concepts>
 #include <cstddef>
 
 namespace qel
@@ -43,11 +42,9 @@ public:
     /// "<" opens a tag.
     void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
 
-    /// The script, to be walked from its start. It is not copied and has to stay until the walk is over. The current
-    /// token stays until GetNextTag.
-    void Script(TextView theScript);
-    template <std::same_as<Text> Temporary>
-    void Script(Temporary&&) = delete;
+    /// The script, to be walked from its start. It is kept, since window messages come in between and whoever owns the
+    /// text may change it then. The current token stays until GetNextTag.
+    void Script(Text theScript);
 
     /// Makes a tag that was kept in advance the current token. Error 9: there is none of that number, as no operation
     /// of this class keeps any.
@@ -109,7 +106,7 @@ private:
     MessageQueue& myMessageQueue;
     ScriptTag myCurrentTag;
     classTag myTagParser;
-    TextView myScript;
+    Text myScript;
     Text myPrefix;
     size_t myPosition = 0; ///< how many characters are consumed
     int32_t myLine = 0;
