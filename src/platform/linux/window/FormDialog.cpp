@@ -268,7 +268,7 @@ void FormDialog::SetTabOrder()
             }
             myLast = myPlace;
             // A button takes Enter for itself, as a person expects of it; anything else may, on some desktops.
-            if (dynamic_cast<QPushButton*>(myPlace) == nullptr)
+            if (!myPlace->inherits("QPushButton"))
             {
                 myPlace->installEventFilter(this);
             }
