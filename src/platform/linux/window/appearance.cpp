@@ -27,7 +27,7 @@ QStyle& FormStyle()
 
 struct RoleColour
 {
-    QPalette::ColorRole Role;
+    QPalette::ColorRole Role = QPalette::NoRole;
     QColor Colour;
     QColor Disabled;
 };
