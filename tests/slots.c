@@ -1,10 +1,10 @@
-/* A host in C, on the public headers alone: it walks every slot of the component, and the component walks its slots.
- *
+/* A host in C, on the public headers alone: it calls the slots of the component, each of which stands at its number.
  * Usage: slots COMPONENT. Exits with 0, or prints what is wrong. CallBack 0 and About want a window and are left out.
  */
 #include "com/QelHelperInterfaces.h"
 
 #include <dlfcn.h>
+#include <stddef.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -20,230 +20,114 @@ static void Check(int isRight, const char* myWhat)
     }
 }
 
-/* ---- The host's objects: both services are one object each, counted, with fixed answers -------------------------- */
+/* The numbers of late binding count the members; the seven of IDispatch stand before them, up to Invoke at 0. */
+#define AT(number, interface, member) (offsetof(interface##Vtbl, member) == ((number) + 6) * sizeof(void*))
+#define CALL(number, interface, member, object, ...)                                                                   \
+    Check(AT(number, interface, member) && (object)->lpVtbl->member(object, __VA_ARGS__) == S_OK, #member)
 
-static uint32_t Holders = 0;
-static int32_t Asked = 0;
-static int32_t FolderAsked = 0;
-
-static HRESULT HostQuery(const IID* myWanted, const IID* myOwn, void* myObject, void** theObject)
-{
-    const int isKnown = memcmp(myWanted, myOwn, sizeof(IID)) == 0 || memcmp(myWanted, &IID_IUnknown, sizeof(IID)) == 0;
-    *theObject = isKnown ? myObject : NULL;
-    Holders += isKnown ? 1 : 0;
-    return isKnown ? S_OK : E_NOINTERFACE;
-}
-
-static HRESULT HelperQuery(QelBuildHelper* This, const IID* myInterface, void** theObject)
-{
-    return HostQuery(myInterface, &IID_QelBuildHelper, This, theObject);
-}
-
-static uint32_t HelperAddRef(QelBuildHelper* This)
-{
-    (void)This;
-    return ++Holders;
-}
-
-static uint32_t HelperRelease(QelBuildHelper* This)
-{
-    (void)This;
-    return --Holders;
-}
-
-static HRESULT HelperNumber(QelBuildHelper* This, int32_t* theNumber)
-{
-    (void)This;
-    ++Asked;
-    *theNumber = 4711;
-    return S_OK;
-}
-
-static HRESULT DatabaseQuery(QelDatabase* This, const IID* myInterface, void** theObject)
-{
-    return HostQuery(myInterface, &IID_QelDatabase, This, theObject);
-}
-
-static uint32_t DatabaseAddRef(QelDatabase* This)
-{
-    (void)This;
-    return ++Holders;
-}
-
-static uint32_t DatabaseRelease(QelDatabase* This)
-{
-    (void)This;
-    return --Holders;
-}
-
-static HRESULT DatabaseFolder(QelDatabase* This, BSTR* theFolder)
-{
-    (void)This;
-    ++FolderAsked;
-    *theFolder = SysAllocString(u"/nonexistent/");
-    return S_OK;
-}
-
-/* The members that the page of this test does not need stay empty: a call through another slot would end the test. */
-static const QelBuildHelperVtbl HelperTable = {.QueryInterface = HelperQuery,
-                                               .AddRef = HelperAddRef,
-                                               .Release = HelperRelease,
-                                               .get_InstanceNumber = HelperNumber};
-static const QelDatabaseVtbl DatabaseTable = {.QueryInterface = DatabaseQuery,
-                                              .AddRef = DatabaseAddRef,
-                                              .Release = DatabaseRelease,
-                                              .get_DataFolder = DatabaseFolder};
-
-/* ---- The walk ---------------------------------------------------------------------------------------------------- */
+/* These are called elsewhere: both sides compile them from one header, and only their places can be wrong. */
+_Static_assert(AT(1, QelBuildHelper, get_UniqueName) && AT(2, QelBuildHelper, get_InstanceNumber) &&
+                   AT(3, QelBuildHelper, get_MediaFolder) && AT(4, QelBuildHelper, get_MediaURL) &&
+                   AT(5, QelBuildHelper, get_ImageFolder) && AT(6, QelBuildHelper, get_ImageURL) &&
+                   AT(7, QelBuildHelper, get_FileFolder) && AT(8, QelBuildHelper, get_FileURL) &&
+                   AT(9, QelBuildHelper, get_ArchiveName),
+               "the slots of QelBuildHelper");
+_Static_assert(AT(1, QelDatabase, get_RecordType) && AT(2, QelDatabase, get_EOF) &&
+                   AT(3, QelDatabase, get_RecordFilename) && AT(4, QelDatabase, SeekUID) &&
+                   AT(5, QelDatabase, get_RecordURL) && AT(6, QelDatabase, get_DataFolder) &&
+                   AT(7, QelDatabase, ChooseLink),
+               "the slots of QelDatabase");
+_Static_assert(AT(1, QelStringSort, Clear) && AT(2, QelStringSort, AddValue) && AT(3, QelStringSort, get_Value) &&
+                   AT(4, QelStringSort, get_ValueCount) && AT(5, QelStringSort, Sort),
+               "the slots of QelStringSort");
+_Static_assert(AT(-2, QelInfo, GetTypeInfo) && AT(1, QelInfo, About), "the other slots");
 
 /* Compares a text with the beginning that it should have, and frees it. */
-static void CheckText(HRESULT myResult, BSTR myText, const char16_t* myBeginning, const char* myWhat)
+static void CheckText(BSTR myText, const char16_t* myBeginning, size_t myLength, const char* myWhat)
 {
-    uint32_t myLength = 0;
-    while (myBeginning[myLength] != 0)
-    {
-        ++myLength;
-    }
-    Check(myResult == S_OK && SysStringLen(myText) >= myLength &&
+    Check(SysStringLen(myText) >= myLength &&
               (myLength == 0 || memcmp(myText, myBeginning, myLength * sizeof(char16_t)) == 0),
           myWhat);
     SysFreeString(myText);
 }
 
-static void WalkTexts(QelPlugin* myPlugin)
-{
-    const QelPluginVtbl* mySlots = myPlugin->lpVtbl;
-    const struct
-    {
-        HRESULT (*Read)(QelPlugin*, BSTR*);
-        const char16_t* Beginning;
-        const char* Name;
-    } myTexts[] = {
-        {mySlots->get_InitialScript, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">", "InitialScript"},
-        {mySlots->get_Output, u"", "Output"},
-        {mySlots->get_TextFunction, u"Este plug-in coloca", "TextFunction"},
-        {mySlots->get_TextRequirementsServer, u"Este plug-in no exige", "TextRequirementsServer"},
-        {mySlots->get_TextRequirementsClient, u"El plug-in requiere", "TextRequirementsClient"},
-        {mySlots->get_TextSettings, u"<warning>", "TextSettings"},
-        {mySlots->get_TextConfig, u"Haga clic <callback type=0", "TextConfig"},
-        {mySlots->get_Description, u"Mueve objetos", "Description"},
-        {mySlots->get_PreviewImageFilename, u"QelPluginAnimationPreview.bmp", "PreviewImageFilename"},
-        {mySlots->get_LogoFilename, u"QelPluginAnimationLogo.bmp", "LogoFilename"},
-        {mySlots->get_Script, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n<pg.param", "Script"},
-        {mySlots->get_ErrorText, u"", "ErrorText"},
-    };
-    for (size_t i = 0; i < sizeof myTexts / sizeof *myTexts; ++i)
-    {
-        BSTR theText = NULL;
-        const HRESULT myResult = myTexts[i].Read(myPlugin, &theText);
-        CheckText(myResult, theText, myTexts[i].Beginning, myTexts[i].Name);
-    }
-}
+#define TEXT(number, interface, member, object, beginning)                                                             \
+    do                                                                                                                 \
+    {                                                                                                                  \
+        BSTR theText = NULL;                                                                                           \
+        CALL(number, interface, member, object, &theText);                                                             \
+        CheckText(theText, beginning, sizeof(beginning) / sizeof(char16_t) - 1, #member);                              \
+    } while (0)
 
-static void WalkAnswers(QelPlugin* myPlugin)
+static void WalkPlugin(QelPlugin* myPlugin)
 {
-    const QelPluginVtbl* mySlots = myPlugin->lpVtbl;
-    int32_t myLink = 1;
-    int32_t myTopic = 0x7FFFFFFF; /* no help has it */
+    QelThumbnails* myThumbnails = NULL;
+    QelDatabase* myDatabase = NULL;
+    QelTopic* myTopic = NULL;
+    QelBuildHelper* myHelper = NULL;
     VARIANT_BOOL theAnswer = 7;
-    Check(mySlots->get_IsConfigurable(myPlugin, &theAnswer) == S_OK && theAnswer == VARIANT_TRUE, "IsConfigurable");
-    Check(mySlots->get_RequiresPHP(myPlugin, &theAnswer) == S_OK && theAnswer == VARIANT_FALSE, "RequiresPHP");
+    BSTR myScript = NULL;
+    int32_t myNumber = 0x7FFFFFFF; /* neither a link nor a help topic */
+    CALL(1, QelPlugin, putref_QelThumbnails, myPlugin, &myThumbnails);
+    CALL(2, QelPlugin, putref_QelDatabase, myPlugin, &myDatabase);
+    CALL(3, QelPlugin, putref_QelTopic, myPlugin, &myTopic);
+    CALL(4, QelPlugin, putref_QelBuildHelper, myPlugin, &myHelper);
+    TEXT(5, QelPlugin, get_InitialScript, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">");
+    TEXT(6, QelPlugin, get_Output, myPlugin, u"");
+    TEXT(7, QelPlugin, get_TextFunction, myPlugin, u"Este plug-in coloca");
+    TEXT(8, QelPlugin, get_TextRequirementsServer, myPlugin, u"Este plug-in no exige");
+    TEXT(9, QelPlugin, get_TextRequirementsClient, myPlugin, u"El plug-in requiere");
+    TEXT(10, QelPlugin, get_TextSettings, myPlugin, u"<warning>");
+    TEXT(11, QelPlugin, get_TextConfig, myPlugin, u"Haga clic <callback type=0");
+    CALL(12, QelPlugin, get_IsConfigurable, myPlugin, &theAnswer);
+    Check(theAnswer == VARIANT_TRUE, "the answer of IsConfigurable");
+    TEXT(13, QelPlugin, get_Description, myPlugin, u"Mueve objetos");
+    TEXT(14, QelPlugin, get_PreviewImageFilename, myPlugin, u"QelPluginAnimationPreview.bmp");
+    TEXT(15, QelPlugin, get_LogoFilename, myPlugin, u"QelPluginAnimationLogo.bmp");
+    CALL(16, QelPlugin, CallBack, myPlugin, &myNumber, &theAnswer);
+    CALL(17, QelPlugin, put_Script, myPlugin, &myScript);
+    TEXT(18, QelPlugin, get_Script, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n<pg.param");
+    TEXT(19, QelPlugin, get_ErrorText, myPlugin, u"");
+    CALL(20, QelPlugin, ShowHelp, myPlugin, &myNumber);
     theAnswer = 7;
-    Check(mySlots->CallBack(myPlugin, &myLink, &theAnswer) == S_OK && theAnswer == VARIANT_FALSE, "CallBack 1");
-    Check(mySlots->ShowHelp(myPlugin, &myTopic) == S_OK, "ShowHelp");
+    CALL(21, QelPlugin, get_RequiresPHP, myPlugin, &theAnswer);
+    Check(theAnswer == VARIANT_FALSE, "the answer of RequiresPHP");
 }
 
 static void WalkDispatch(QelPlugin* myPlugin)
 {
-    const QelPluginVtbl* mySlots = myPlugin->lpVtbl;
     char16_t myName[] = u"isconfigurable";
     char16_t* myNames = myName;
-    struct ITypeInfo* theInfo = NULL;
     uint32_t theCount = 7;
     DISPID theNumber = 0;
     DISPPARAMS myParams = {NULL, NULL, 0, 0};
     VARIANT theResult;
     VariantInit(&theResult);
-    Check(mySlots->GetTypeInfoCount(myPlugin, &theCount) == S_OK && theCount == 0, "GetTypeInfoCount");
-    Check(mySlots->GetTypeInfo(myPlugin, 0, 0, &theInfo) == DISP_E_BADINDEX && theInfo == NULL, "GetTypeInfo");
-    Check(mySlots->GetIDsOfNames(myPlugin, &GUID_NULL, &myNames, 1, 0, &theNumber) == S_OK && theNumber == 12,
-          "GetIDsOfNames");
-    Check(mySlots->Invoke(myPlugin, theNumber, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myParams, &theResult, NULL,
-                          NULL) == S_OK &&
-              theResult.vt == VT_BOOL && theResult.boolVal == VARIANT_TRUE,
-          "Invoke");
+    CALL(-3, QelPlugin, GetTypeInfoCount, myPlugin, &theCount);
+    CALL(-1, QelPlugin, GetIDsOfNames, myPlugin, &GUID_NULL, &myNames, 1, 0, &theNumber);
+    CALL(0, QelPlugin, Invoke, myPlugin, theNumber, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myParams, &theResult, NULL,
+         NULL);
+    Check(theResult.vt == VT_BOOL && theResult.boolVal == VARIANT_TRUE, "the result of Invoke");
 }
 
-/* Hands the services in, has a page written with them, and takes them back. */
-static void WalkServices(QelPlugin* myPlugin)
-{
-    const QelPluginVtbl* mySlots = myPlugin->lpVtbl;
-    QelBuildHelper myHelper = {&HelperTable};
-    QelDatabase myDatabase = {&DatabaseTable};
-    QelBuildHelper* myHelperReference = &myHelper;
-    QelDatabase* myDatabaseReference = &myDatabase;
-    QelThumbnails* myThumbnails = NULL;
-    QelTopic* myTopic = NULL;
-    BSTR theText = NULL;
-    BSTR myScript = SysAllocString(u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\"><pg.file filename=\"a.dat\">"
-                                   u"<pg.param name=\"image\" value=\"a.gif\"><pg.param name=\"showimage\" value=\"0\">"
-                                   u"<pg.param name=\"playmidi\" value=\"0\">");
-    Check(mySlots->putref_QelThumbnails(myPlugin, &myThumbnails) == S_OK, "QelThumbnails");
-    Check(mySlots->putref_QelTopic(myPlugin, &myTopic) == S_OK, "QelTopic");
-    Check(mySlots->putref_QelDatabase(myPlugin, &myDatabaseReference) == S_OK, "QelDatabase");
-    Check(mySlots->putref_QelBuildHelper(myPlugin, &myHelperReference) == S_OK, "QelBuildHelper");
-    Check(Holders == 2, "the component holds both services");
-    Check(mySlots->put_Script(myPlugin, &myScript) == S_OK, "put Script");
-    SysFreeString(myScript);
-    const HRESULT myResult = mySlots->get_Output(myPlugin, &theText);
-    CheckText(myResult, theText, u"<script type=\"text/javascript\">\r\nvar showme4711=true;", "Output with services");
-    Check(Asked == 1 && FolderAsked == 1, "the members of the services that were called");
-    myHelperReference = NULL;
-    myDatabaseReference = NULL;
-    Check(mySlots->putref_QelDatabase(myPlugin, &myDatabaseReference) == S_OK, "QelDatabase let go");
-    Check(mySlots->putref_QelBuildHelper(myPlugin, &myHelperReference) == S_OK, "QelBuildHelper let go");
-    Check(Holders == 0, "no reference stays");
-}
-
-static void WalkInfo(QelPlugin* myPlugin)
-{
-    void* theObject = NULL;
-    BSTR theText = NULL;
-    Check(myPlugin->lpVtbl->QueryInterface(myPlugin, &IID_QelInfo, &theObject) == S_OK, "QueryInterface of QelInfo");
-    if (theObject != NULL)
-    {
-        QelInfo* myInfo = theObject;
-        const HRESULT myResult = myInfo->lpVtbl->get_Version(myInfo, &theText);
-        CheckText(myResult, theText, u"1.0.", "Version");
-        Check(myInfo->lpVtbl->About != NULL, "About");
-        Check(myInfo->lpVtbl->AddRef(myInfo) > myInfo->lpVtbl->Release(myInfo), "AddRef and Release");
-        myInfo->lpVtbl->Release(myInfo);
-    }
-}
-
-static void WalkPlugin(DllGetClassObjectFunction myGetClassObject)
+static void WalkComponent(DllGetClassObjectFunction myGetClassObject)
 {
     void* theObject = NULL;
     Check(myGetClassObject(&CLSID_Main, &IID_IClassFactory, &theObject) == S_OK, "DllGetClassObject");
-    if (theObject == NULL)
-    {
-        return;
-    }
     IClassFactory* myFactory = theObject;
-    Check(myFactory->lpVtbl->LockServer(myFactory, 1) == S_OK, "LockServer 1");
-    Check(myFactory->lpVtbl->LockServer(myFactory, 0) == S_OK, "LockServer 0");
+    Check(myFactory->lpVtbl->LockServer(myFactory, 1) == S_OK && myFactory->lpVtbl->LockServer(myFactory, 0) == S_OK,
+          "LockServer");
     Check(myFactory->lpVtbl->CreateInstance(myFactory, NULL, &IID_QelPlugin, &theObject) == S_OK, "CreateInstance");
     myFactory->lpVtbl->Release(myFactory);
-    if (theObject != NULL)
-    {
-        QelPlugin* myPlugin = theObject;
-        WalkTexts(myPlugin);
-        WalkAnswers(myPlugin);
-        WalkDispatch(myPlugin);
-        WalkServices(myPlugin);
-        WalkInfo(myPlugin);
-        Check(myPlugin->lpVtbl->Release(myPlugin) == 0, "the last Release");
-    }
+    QelPlugin* myPlugin = theObject;
+    WalkPlugin(myPlugin);
+    WalkDispatch(myPlugin);
+    Check(myPlugin->lpVtbl->QueryInterface(myPlugin, &IID_QelInfo, &theObject) == S_OK, "QueryInterface of QelInfo");
+    QelInfo* myInfo = theObject;
+    TEXT(2, QelInfo, get_Version, myInfo, u"1.0.");
+    Check(myInfo->lpVtbl->AddRef(myInfo) > myInfo->lpVtbl->Release(myInfo), "AddRef and Release");
+    myInfo->lpVtbl->Release(myInfo);
+    Check(myPlugin->lpVtbl->Release(myPlugin) == 0, "the last Release");
 }
 
 int main(int myCount, char** myArguments)
@@ -251,20 +135,13 @@ int main(int myCount, char** myArguments)
     void* const myLibrary = myCount == 2 ? dlopen(myArguments[1], RTLD_NOW | RTLD_LOCAL) : NULL;
     if (myLibrary == NULL)
     {
-        fprintf(stderr, "%s\n", myCount == 2 ? dlerror() : "usage: slots COMPONENT");
+        fprintf(stderr, "usage: slots COMPONENT, a library that loads\n");
         return EXIT_FAILURE;
     }
     /* C has no conversion between what dlsym gives and a function; the system says that they are alike. */
     DllGetClassObjectFunction myGetClassObject = NULL;
-    DllCanUnloadNowFunction myCanUnloadNow = NULL;
     *(void**)&myGetClassObject = dlsym(myLibrary, "DllGetClassObject");
-    *(void**)&myCanUnloadNow = dlsym(myLibrary, "DllCanUnloadNow");
-    Check(myGetClassObject != NULL && myCanUnloadNow != NULL, "entry points");
-    if (Failures == 0)
-    {
-        WalkPlugin(myGetClassObject);
-        Check(myCanUnloadNow() == S_OK, "DllCanUnloadNow");
-    }
+    WalkComponent(myGetClassObject);
     dlclose(myLibrary);
     return Failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }
