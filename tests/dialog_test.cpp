@@ -86,8 +86,7 @@ protected:
     static std::string Entries(const char* myName)
     {
         QStringList theEntries;
-        const auto* const myCombo = qobject_cast<const QComboBox*>(&Control(myName));
-        const QAbstractItemModel& myModel = myCombo ? *myCombo->model() : *Control<QListWidget>(myName).model();
+        const auto& myModel = *Control(myName).findChild<QAbstractItemModel*>();
         for (int i = 0; i < myModel.rowCount(); ++i)
         {
             theEntries << myModel.index(i, 0).data().toString();
@@ -456,11 +455,8 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
         Dialog([] { DialogUser::Front()->close(); }),
     }));
     EXPECT_EQ(Stored("link|from|to|image"), "URL:new|40000|39999|Globo.gif"); // Cancel takes nothing of it back
-    const auto Agree = []
-    {
-        Control<QDateEdit>("DateToDay").setDate(QDate(2009, 7, 6)), Key(Qt::Key_Enter);
-    };
-    EXPECT_TRUE(myHost->CallBack({Dialog(Agree)}));
+    const Step myAgree = Dialog([] { Control<QDateEdit>("DateToDay").setDate({2009, 7, 6}), Key(Qt::Key_Enter); });
+    EXPECT_TRUE(myHost->CallBack({myAgree}));
     EXPECT_EQ(Stored("from|to"), "40000|40000");
 }
 
