@@ -6,25 +6,20 @@
 #include "com/Failure.h"
 #include "com/InterfaceTables.h"
 #include "text/encodings.h"
+#include "WindowUser.h"
 
-#include <deque>
 #include <dlfcn.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <QAbstractButton>
 #include <QAbstractItemView>
-#include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDialog>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QTest>
-#include <QTimer>
-#include <string>
 
 namespace qel
 {
@@ -41,11 +36,7 @@ public:
     HRESULT get_ImageURL(BSTR*) override { return E_FAIL; }
     HRESULT get_FileFolder(BSTR*) override { return E_FAIL; }
     HRESULT get_FileURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_ArchiveName(BSTR* theName) override
-    {
-        Give(theName, u"m7.dat");
-        return S_OK;
-    }
+    HRESULT get_ArchiveName(BSTR* theName) override { return Give(theName, u"m7.dat"), S_OK; }
 };
 
 class DialogDatabase final : public CountedObject<QelDatabase>
@@ -56,11 +47,7 @@ public:
     HRESULT get_RecordFilename(BSTR*) override { return E_FAIL; }
     HRESULT SeekUID(BSTR*, int32_t*, int32_t*) override { return E_FAIL; }
     HRESULT get_RecordURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_DataFolder(BSTR* theFolder) override
-    {
-        Give(theFolder, DataFolder);
-        return S_OK;
-    }
+    HRESULT get_DataFolder(BSTR* theFolder) override { return Give(theFolder, DataFolder), S_OK; }
     HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
     {
         PresentLink = TextOfBstr(*myPresentLink);
@@ -68,66 +55,8 @@ public:
         return LinkResult;
     }
 
-    Text DataFolder;
-    Text PresentLink;
-    Text Link;
+    Text DataFolder, PresentLink, Link;
     HRESULT LinkResult = S_OK;
-};
-
-/// What a user does in one window, which has to be in front by then.
-struct Step
-{
-    QString Window;
-    std::function<void()> Action;
-};
-
-/// Takes the steps one after the other, each as soon as its window waits for the user.
-class DialogUser : public QObject
-{
-public:
-    explicit DialogUser(std::deque<Step> mySteps) : myPlan(std::move(mySteps))
-    {
-        // There need not be an application before the window opens, and so no timer.
-        QMetaObject::invokeMethod(
-            this, [this] { startTimer(1); }, Qt::QueuedConnection);
-    }
-    ~DialogUser() override { EXPECT_TRUE(myPlan.empty()) << myPlan.size() << " steps were not taken"; }
-
-    /// The window that waits for the user.
-    static QWidget* Front() { return QApplication::activeModalWidget(); }
-
-protected:
-    void timerEvent(QTimerEvent*) override
-    {
-        QWidget* const myFront = Front();
-        if (myFront == nullptr)
-        {
-            return;
-        }
-        const bool myIsActive = QApplication::activeWindow() == myFront;
-        if (!myIsActive)
-        {
-            myFront->activateWindow(); // there is no window manager that would
-        }
-        if (myIsActive && !myPlan.empty() && myFront->objectName() == myPlan.front().Window)
-        {
-            // Not from here: a timer does not run again in the loop of a window that the step opens.
-            QMetaObject::invokeMethod(this, std::move(myPlan.front().Action), Qt::QueuedConnection);
-            myPlan.pop_front();
-            myWaits = 0;
-        }
-        else if (++myWaits > LongestWait)
-        {
-            ADD_FAILURE() << "unexpected or left open: " << myFront->objectName().toStdString();
-            myPlan.clear();
-            static_cast<QDialog*>(myFront)->reject();
-        }
-    }
-
-private:
-    static constexpr int LongestWait = 2000;
-    std::deque<Step> myPlan;
-    int myWaits = 0;
 };
 
 /// A control of the dialog.
@@ -169,6 +98,21 @@ inline void Pick(const char* myName, const QString& myEntry)
 inline Step Dialog(std::function<void()> myAction)
 {
     return {"FormMain", std::move(myAction)};
+}
+
+/// Works in the settings dialog: "NAME" is clicked, and of "NAME=ENTRY" the entry is picked; "|" between them.
+inline void Work(const QString& myWork)
+{
+    for (const QString& myPart : myWork.split('|'))
+    {
+        const std::string myName = myPart.section('=', 0, 0).toStdString();
+        myPart.contains('=') ? Pick(myName.c_str(), myPart.section('=', 1)) : Click(myName.c_str());
+    }
+}
+
+inline Step Do(const QString& myWork)
+{
+    return Dialog([=] { Work(myWork); });
 }
 
 /// A message: what it has to say, and the button that is pressed.

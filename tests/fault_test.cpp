@@ -2,16 +2,14 @@
 #include "archive/classArchive.h"
 #include "com/Bstr.h"
 #include "com/QelHelperInterfaces.h"
-#include "dialog/FormMainDialog.h"
 #include "ErrorOf.h"
 #include "FailingFiles.h"
 #include "MadePictures.h"
+#include "RecordedWindow.h"
 #include "TemporaryFolder.h"
-#include "text/encodings.h"
 
 #include <algorithm>
 #include <dlfcn.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <set>
 #include <sys/resource.h>
@@ -61,61 +59,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-/// Any control but a date picker, as far as the dialog's logic reads it back.
-struct PlainControl final : ListBox, PictureBox, PreviewBox, Label, IconImage, CheckBox, Button
-{
-    void AddItem(TextView myText) override { Items.emplace_back(myText); }
-    int32_t ListCount() override { return static_cast<int32_t>(Items.size()); }
-    int32_t ListIndex() override { return Index; }
-    void ListIndex(int32_t myIndex) override { Index = myIndex, Click ? Click() : void(); }
-    Text SelectedText() override { return Index < 0 ? Text() : Items[static_cast<size_t>(Index)]; }
-    void Clear() override { Items.clear(); }
-    void Visible(bool) override {}
-    void Cls() override {}
-    int32_t ScaleWidth() override { return 445; }
-    int32_t ScaleHeight() override { return 189; }
-    void PaintPicture(const PixelPicture&, int32_t, int32_t) override {}
-    void Caption(TextView) override {}
-    void Icon(int32_t) override {}
-    bool Value() override { return true; }
-    void Value(bool) override {}
-    void Enabled(bool) override {}
-
-    std::function<void()> Click;
-    std::vector<Text> Items;
-    int32_t Index = -1;
-};
-
-struct PlainPicker final : DatePicker
-{
-    std::optional<Date> Value() override { return {}; }
-    void Value(std::optional<Date>) override {}
-};
-
-struct PlainWindow final : FormMainWindow
-{
-    FormMainControls& Controls() override { return All; }
-    void Show(FormMainEvents& theEvents) override
-    {
-        cmbImage.Click = std::bind_front(&FormMainEvents::cmbImageFolder_Click, &theEvents);
-        cmbMIDI.Click = std::bind_front(&FormMainEvents::cmbMIDIFolder_Click, &theEvents);
-        theEvents.Form_Load();
-        User ? User(theEvents) : void();
-    }
-    void Unload() override { Messages += u"Unload"; }
-    int32_t HelpContextID() override { return 100; }
-    void Pointer(MousePointer) override {}
-    std::optional<Text> ShowOpen(const FileDialogSettings&) override { return {}; }
-    int32_t MsgBox(TextView myText, int32_t) override { return Messages += myText, PressedOK; }
-
-    std::function<void(FormMainEvents&)> User;
-    Text Messages; ///< one behind the other
-    PlainControl cmbImage, cmbMIDI, lstImage, lstMIDI, Rest;
-    PlainPicker Date;
-    FormMainControls All{cmbImage, cmbMIDI, lstImage, lstMIDI, Rest, Rest, Rest, Rest, Rest,
-                         Rest,     Rest,    Rest,     Rest,    Rest, Rest, Date, Date};
-};
 
 /// A host that stages everything in one folder and knows one record, a file.
 struct PlainHost final : BuildHelper, Database
@@ -202,14 +145,6 @@ protected:
         return myIsOld ? " old" : Archive(u"", myRealFiles).ReadArchive() ? " whole" : " torn";
     }
 
-    std::string UnPack()
-    {
-        classArchive& theArchive = Archive(u"qelpluginanimtemp", myFiles);
-        Begin();
-        const std::string theResult = theArchive.UnPackArchive() ? "done " : "failed ";
-        return theResult + Imports();
-    }
-
     std::string Pack()
     {
         classArchive& theArchive = Archive(u"base", myFiles);
@@ -236,29 +171,30 @@ protected:
         return myFolder.Read("site/qelmid1.mid") == myImports[1].second ? "done" : "done, torn tune";
     }
 
-    void Show(PlainWindow& theWindow) { FormMainDialog(myPorts, myConstants, myLead, *myForm, theWindow).Show(); }
-
     std::string Commit()
     {
-        PlainWindow myWindow;
+        RecordedWindow myWindow;
+        std::string myDone;
         myWindow.User = [&](FormMainEvents& theEvents)
         {
             Begin();
             theEvents.cmdOK_Click();
             End();
+            myDone = myWindow.Happened.Words;
         };
-        Show(myWindow);
+        FormMainDialog(myPorts, myConstants, myLead, *myForm, myWindow).Show();
         const bool myIsConfirmed = myForm->ExitButton == FormMain::Confirmed;
-        EXPECT_EQ(myWindow.Messages == u"Unload", myIsConfirmed) << ToUtf8(myWindow.Messages);
+        EXPECT_EQ(myDone == "Unload", myIsConfirmed) << myDone;
         EXPECT_EQ(Imports(), "2") << "after a failure the author can try again";
         return (myIsConfirmed ? "done" : "refused") + ArchiveState();
     }
 
     std::string Open()
     {
-        PlainWindow myWindow;
+        RecordedWindow myWindow;
         Begin();
-        const int32_t myError = ErrorOf([&] { Show(myWindow); });
+        FormMainDialog myDialog(myPorts, myConstants, myLead, *myForm, myWindow);
+        const int32_t myError = ErrorOf([&] { myDialog.Show(); });
         const std::vector<Text> myFolders = {u"a", Text(OwnFileEntry)};
         EXPECT_TRUE(myError != 0 || (myWindow.cmbImage.Items == myFolders && myWindow.cmbMIDI.Items == myFolders));
         EXPECT_EQ(myForm->Settings().myMIDIMode, myForm->Settings().myImageMode == ImageMode::Gif);
@@ -268,8 +204,8 @@ protected:
     struct Operation
     {
         std::string (Faults::*Call)();
-        Outcomes AtAnyCall;       ///< all that come of files that fail
-        std::string InTrouble[3]; ///< on a full disk, in folders that nobody may write to, with all files locked
+        Outcomes AtAnyCall; ///< all that come of files that fail
+        std::string OnAFullDisk;
     };
 
     static auto OpenFiles() { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); }
@@ -285,26 +221,11 @@ protected:
         return theOutcome;
     }
 
-    std::vector<fs::path> Paths() { return {fs::recursive_directory_iterator(myFolder.Native()), {}}; }
-
-    /// Sets owner and rights of all that lies in the folder, and the folder's owner.
-    void Protect(mode_t myMode, uid_t myUser)
-    {
-        EXPECT_EQ(chown(myFolder.Native().c_str(), myUser, gid_t(-1)), 0);
-        for (const fs::path& myPath : Paths())
-        {
-            EXPECT_EQ(chown(myPath.c_str(), myUser, gid_t(-1)) + chmod(myPath.c_str(), myMode), 0);
-        }
-    }
-
-    const Operation Operations[5] = {
-        {&Faults::UnPack, {"done 2", "failed 0", "failed 1", "failed 2"}, {"failed 0", "failed 0", "failed 0"}},
-        {&Faults::Pack, {"done whole", "57 old", "57 torn", "57 whole"}, {"61 torn", "70 old", "70 torn"}},
-        {&Faults::MakePage, {"done", "57", "53", "481", "done, torn tune"}, {"481", "70", "53"}},
-        {&Faults::Commit,
-         {"done whole", "refused whole", "refused torn"},
-         {"refused torn", "refused whole", "refused torn"}},
-        {&Faults::Open, {"done 2", "57", "empty"}, {"empty", "70", "empty"}},
+    const Operation Operations[4] = {
+        {&Faults::Pack, {"done whole", "57 old", "57 torn", "57 whole"}, "61 torn"},
+        {&Faults::MakePage, {"done", "57", "53", "481", "done, torn tune"}, "481"},
+        {&Faults::Commit, {"done whole", "refused whole", "refused torn"}, "refused torn"},
+        {&Faults::Open, {"done 2", "57", "empty"}, "empty"},
     };
     TemporaryFolder myFolder;
     const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
@@ -313,12 +234,10 @@ protected:
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     Files& myRealFiles = mySystem->Ports().files;
     FailingFiles myFiles{myRealFiles};
-    Platform myPorts{myFiles,
-                     mySystem->Ports().messages,
-                     mySystem->Ports().help,
-                     MakeImagingControl,
-                     myFolder.Logical(),
-                     mySystem->Ports().windows};
+    RecordedWindow mySystemWindows;
+    Platform myPorts{
+        myFiles,        mySystem->Ports().messages, mySystem->Ports().help, MakeImagingControl, myFolder.Logical(),
+        mySystemWindows};
     localConstants myConstants{myFolder.Logical(u"library\\"), {}};
     FormLead myLead{myPorts};
     std::unique_ptr<FormMain> myForm;
@@ -333,17 +252,11 @@ TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
         Outcomes myOutcomes;
         for (const Fault myFault : {Fault::Once, Fault::ForGood, Fault::Afterwards})
         {
-            End = [&]
-            {
-                myFiles.FailAt(0, myFault);
-            };
+            End = std::bind_front(&FailingFiles::FailAt, &myFiles, 0, myFault);
             int i = 0;
             do
             {
-                Begin = [&]
-                {
-                    myFiles.FailAt(++i, myFault);
-                };
+                Begin = std::bind_front(&FailingFiles::FailAt, &myFiles, ++i, myFault);
                 myOutcomes.insert(Run(myOperation));
             } while (myFiles.HasFailed);
         }
@@ -351,53 +264,17 @@ TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
     }
 }
 
-TEST_F(Faults, OfTheSystemAreReportedAndLeaveNothingOpen)
+TEST_F(Faults, OfAFullDiskAreReportedAndLeaveNothingOpen)
 {
     const auto mySignal = std::signal(SIGXFSZ, SIG_IGN);
     rlimit myLimit = {};
     getrlimit(RLIMIT_FSIZE, &myLimit);
     const rlimit myFullDisk = {20, myLimit.rlim_max};
-    const uid_t myUser = geteuid();
-    const uid_t myReader = myUser == 0 ? 65534 : myUser; // root may write everywhere
-    const auto Become = [](uid_t myNewUser)
-    {
-        EXPECT_EQ(seteuid(myNewUser), 0);
-    };
-    std::vector<std::unique_ptr<InputFile>> myHeld;
-    const std::function<void()> Troubles[][2] = {
-        {[&] { setrlimit(RLIMIT_FSIZE, &myFullDisk); },
-         [&]
-         {
-             setrlimit(RLIMIT_FSIZE, &myLimit);
-         }},
-        {[&] { Protect(0500, myReader), Become(myReader); },
-         [&]
-         {
-             Become(myUser), Protect(0700, myUser);
-         }},
-        {[&]
-         {
-             for (const fs::path& myPath : Paths())
-             {
-                 if (fs::is_regular_file(myPath))
-                 {
-                     myHeld.push_back(myRealFiles.OpenForReading(*LogicalPath(myPath.string())));
-                 }
-             }
-         },
-         [&]
-         {
-             myHeld.clear();
-         }}, // a lock is kept by its open file, whichever process has that
-    };
+    Begin = std::bind_front(&setrlimit, RLIMIT_FSIZE, &myFullDisk);
+    End = std::bind_front(&setrlimit, RLIMIT_FSIZE, &myLimit);
     for (const Operation& myOperation : Operations)
     {
-        for (size_t i = 0; i < std::size(Troubles); ++i)
-        {
-            Begin = Troubles[i][0];
-            End = Troubles[i][1];
-            EXPECT_EQ(Run(myOperation), myOperation.InTrouble[i]) << i;
-        }
+        EXPECT_EQ(Run(myOperation), myOperation.OnAFullDisk);
     }
     std::signal(SIGXFSZ, mySignal);
 }
@@ -412,10 +289,7 @@ TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
         const pid_t myChild = fork();
         if (myChild == 0)
         {
-            Begin = [&]
-            {
-                myFiles.FailAt(i, Fault::Kill);
-            };
+            Begin = std::bind_front(&FailingFiles::FailAt, &myFiles, i, Fault::Kill);
             Commit();
             _exit(0);
         }
@@ -432,26 +306,14 @@ TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
     void* myFactory = nullptr;
     void* myObject = nullptr;
     Bstr myScript(u"<pg.param name=image value=a-long-name.gif><pg.param name=playmidi value=0>");
-    const auto Plugin = [&]
-    {
-        return static_cast<QelPlugin*>(myObject);
-    };
-    std::string myRead;
-    const auto Read = [&](HRESULT (QelPlugin::*myMember)(BSTR*))
-    {
-        Bstr theText;
-        const HRESULT theResult = (Plugin()->*myMember)(theText.Pointer());
-        theMemoryLeft = -1;
-        myRead += theResult == S_OK ? ToUtf8(theText.Value()) : "";
-        return theResult;
-    };
+    Bstr mySummary, myPage, myStored;
     const std::function<HRESULT()> Calls[] = {
         [&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, &myFactory); },
         [&] { return static_cast<IClassFactory*>(myFactory)->CreateInstance(nullptr, &IID_QelPlugin, &myObject); },
-        [&] { return Plugin()->put_Script(myScript.Pointer()); },
-        [&] { return Read(&QelPlugin::get_TextSettings); },
-        [&] { return Read(&QelPlugin::get_Output); },
-        [&] { return Read(&QelPlugin::get_Script); },
+        [&] { return static_cast<QelPlugin*>(myObject)->put_Script(myScript.Pointer()); },
+        [&] { return static_cast<QelPlugin*>(myObject)->get_TextSettings(mySummary.Pointer()); },
+        [&] { return static_cast<QelPlugin*>(myObject)->get_Output(myPage.Pointer()); },
+        [&] { return static_cast<QelPlugin*>(myObject)->get_Script(myStored.Pointer()); },
     };
     for (const auto& myCall : Calls)
     {
@@ -466,8 +328,8 @@ TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
         }
         EXPECT_GT(myFailures, 0);
     }
-    EXPECT_NE(myRead.find("value=\"a-long-name.gif\""), std::string::npos) << myRead;
-    Plugin()->Release();
+    EXPECT_NE(myStored.Value().find(u"value=\"a-long-name.gif\""), Text::npos);
+    static_cast<QelPlugin*>(myObject)->Release();
     static_cast<IClassFactory*>(myFactory)->Release();
     dlclose(myLibrary);
 }
