@@ -85,8 +85,9 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
     {
         myFolder.Write(myName, myName);
     }
-    const auto myCheckAll = [&]
+    for (const bool myRemembers : {false, true})
     {
+        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
         for (const auto& [myAsked, myFound] : {std::pair<TextView, const char*>(u"Img\\Logo.GIF", "Img/Logo.GIF"),
                                                {u"img\\\\..\\.\\IMG/LOGO.gif", "Img/Logo.GIF"},
                                                {u"IMG/áRBOL.TXT", "Img/\xC3\x81rbol.txt"},
@@ -100,20 +101,11 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
         EXPECT_EQ(Try(&Files::OpenForReading, u"im\\logo.gif"), PathNotFound);
         EXPECT_EQ(Try(&Files::OpenForReading, u"img\\logo.gi"), FileNotFound);
         EXPECT_EQ(Try(&Files::OpenForReading, u"img\\logo.gif\\"), PathNotFound);
-    };
-    myCheckAll();
-    const auto myMemory = myFiles.RememberFolders();
-    myCheckAll();
-}
-
-TEST_F(FilesTest, WritingReplacesWhatIsAlikeAndKeepsItsName)
-{
-    myFolder.Write("img/a.txt", "a long old content");
-    WriteAll(u"IMG\\A.TXT", "new");
-    EXPECT_EQ(myFolder.Read("img/a.txt"), "new");
+    }
+    WriteAll(u"IMG\\LOGO.gif", "new");
+    EXPECT_EQ(myFolder.Read("Img/Logo.GIF"), "new") << "replaced, and keeps its name";
     WriteAll(u"IMG\\New.txt", "");
-    EXPECT_TRUE(myFolder.Exists("img/New.txt"));
-    EXPECT_FALSE(myFolder.Exists("img/A.TXT") || myFolder.Exists("IMG"));
+    EXPECT_TRUE(myFolder.Exists("Img/New.txt") && !myFolder.Exists("Img/LOGO.gif") && !myFolder.Exists("IMG"));
 }
 
 TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
@@ -249,9 +241,9 @@ TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
     myFolder.Write("long", std::string(300'000, 'x'));
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit myOldLimit = {};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &myOldLimit), 0);
+    getrlimit(RLIMIT_FSIZE, &myOldLimit);
     const rlimit myLimit = {10'000, myOldLimit.rlim_max};
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &myLimit), 0);
+    setrlimit(RLIMIT_FSIZE, &myLimit);
     const auto myLarge = myFiles.OpenForWriting(In(u"large"));
     const auto mySmall = myFiles.OpenForWriting(In(u"small"));
     const std::string myBlock(20'000, 'x');
@@ -288,9 +280,9 @@ TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
     fs::create_hard_link(myFolder.Native("a"), myFolder.Native("hard"));
     Link("a", "soft");
     Mode("a", 0600);
-    for (const TextView myTarget : {u"a", u"A", u"hard", u"soft"})
+    for (const TextView mySelf : {u"a", u"A", u"hard", u"soft"})
     {
-        EXPECT_EQ(Try(&Files::Copy, u"a", myTarget), PermissionDenied); // onto itself
+        EXPECT_EQ(Try(&Files::Copy, u"a", mySelf), PermissionDenied);
     }
     EXPECT_TRUE(myFolder.Read("a") == myContent);
 }
@@ -345,19 +337,26 @@ TEST_F(FilesTest, FoldersAndLinksAreToldApart)
     EXPECT_EQ(Try(&Files::Delete, u"sub\\none\\y"), PathNotFound);
     EXPECT_TRUE(myFiles.Delete(In(u"Link")));
     EXPECT_TRUE(myFolder.Exists("Sub/x") && !myFolder.Exists("link"));
+
+    Link("Sub", "link");
+    Mode("Sub", 0770);
+    for (const TextView mySafe : {u"Sub", u"SUB\\", u"none\\", u"none\\none"})
+    {
+        EXPECT_EQ(Try(&Files::DemandOwnFolder, mySafe), 0) << testing::PrintToString(mySafe);
+    }
+    for (const TextView myUnsafe : {u"link", u"Link\\\\", u"Sub\\x"})
+    {
+        EXPECT_EQ(Try(&Files::DemandOwnFolder, myUnsafe), PathAccess) << testing::PrintToString(myUnsafe);
+    }
 }
 
 TEST_F(FilesTest, ASystemThatRefusesIsReported)
 {
     myFolder.Write("locked/a", "");
     const uid_t myUser = geteuid();
-    if (myUser == 0) // who may do everything
-    {
-        constexpr uid_t Nobody = 65534;
-        ASSERT_EQ(chown(myFolder.Native().c_str(), Nobody, Nobody), 0);
-        ASSERT_EQ(chown(myFolder.Native("locked").c_str(), Nobody, Nobody), 0);
-        ASSERT_EQ(seteuid(Nobody), 0);
-    }
+    const uid_t mySubject = myUser == 0 ? 65534 : myUser; // root may do everything
+    ASSERT_EQ(chown(myFolder.Native().c_str(), mySubject, gid_t(-1)), 0);
+    ASSERT_EQ(chown(myFolder.Native("locked").c_str(), mySubject, gid_t(-1)) + seteuid(mySubject), 0);
     Mode("locked", 0500);
     EXPECT_EQ(Try(&Files::OpenForWriting, u"locked\\b"), PermissionDenied);
     EXPECT_EQ(Try(&Files::MakeFolder, u"locked\\b"), PermissionDenied);
@@ -374,31 +373,14 @@ TEST_F(FilesTest, ASystemThatRefusesIsReported)
     Mode("locked", 0700);
 }
 
-TEST_F(FilesTest, OnlyAFolderOfThisUserAloneIsSafe)
-{
-    myFolder.Write("file", "");
-    myFolder.MakeFolder("own");
-    myFolder.MakeFolder("shared");
-    Mode("shared", 0770);
-    Link("own", "link");
-    for (const TextView mySafe : {u"own", u"OWN\\", u"none\\", u"none\\none", u"shared\\"})
-    {
-        EXPECT_EQ(Try(&Files::DemandOwnFolder, mySafe), 0) << testing::PrintToString(mySafe);
-    }
-    for (const TextView myUnsafe : {u"link", u"Link\\\\", u"file"})
-    {
-        EXPECT_EQ(Try(&Files::DemandOwnFolder, myUnsafe), PathAccess) << testing::PrintToString(myUnsafe);
-    }
-}
-
 TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
 {
-    for (const char* const myName : {"good", "runtime", "open", "back\\slash"})
+    for (const auto& [myName, myMode] :
+         {std::pair("good", 0700U), {"runtime", 0700}, {"open", 0711}, {"back\\slash", 0700}})
     {
         myFolder.MakeFolder(myName);
-        Mode(myName, 0700);
+        Mode(myName, myMode);
     }
-    Mode("open", 0711);
     Link("good", "link");
     const auto myChosen = [&](const std::string& myTemporary, const std::string& myRuntime)
     {
@@ -435,15 +417,8 @@ TEST(SystemPlatform, KnowsItsOwnFile)
 
 TEST(SystemPlatform, KnowsItsOwnFileUnderARelativeNameToo)
 {
-    const pid_t myChild = fork();
-    if (myChild == 0)
-    {
-        execl("/proc/self/exe", "files_test", "--gtest_filter=SystemPlatform.KnowsItsOwnFile", nullptr);
-        _exit(127);
-    }
-    int myStatus = -1;
-    ASSERT_EQ(waitpid(myChild, &myStatus, 0), myChild);
-    EXPECT_EQ(myStatus, 0);
+    EXPECT_EXIT(execl("/proc/self/exe", "files_test", "--gtest_filter=SystemPlatform.KnowsItsOwnFile", nullptr),
+                testing::ExitedWithCode(0), "");
 }
 
 TEST(HelpViewer, ShowsTheTopicBesideTheHelpFileAndLeavesNoChild)
