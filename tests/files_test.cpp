@@ -29,11 +29,6 @@ std::string RandomBytes(size_t myCount)
     return theBytes;
 }
 
-std::span<const std::byte> Bytes(std::string_view myText)
-{
-    return std::as_bytes(std::span(myText));
-}
-
 std::string ReadBytes(InputFile& myFile, size_t myCount)
 {
     std::string theText(myCount, '\0');
@@ -45,6 +40,7 @@ std::string ReadBytes(InputFile& myFile, size_t myCount)
 class FilesTest : public testing::Test
 {
 protected:
+    static auto Bytes(std::string_view myText) { return std::as_bytes(std::span(myText)); }
     Text In(TextView myName) const { return myFolder.Logical(myName); }
     void Mode(std::string_view myName, mode_t myMode) { fs::permissions(myFolder.Native(myName), fs::perms(myMode)); }
     unsigned Mode(std::string_view myName) { return unsigned(fs::status(myFolder.Native(myName)).permissions()); }
@@ -203,31 +199,25 @@ TEST_F(FilesTest, ReadingAndWritingInAnyStepsGiveTheSameBytes)
     std::mt19937 myRandom(2);
     {
         const auto myFile = myFiles.OpenForWriting(In(u"a"));
-        for (size_t i = 0; i < myContent.size();)
+        for (size_t i = 0, n = 0; i < myContent.size(); i += n)
         {
-            const auto myPart = std::string_view(myContent).substr(i, Sizes[myRandom() % std::size(Sizes)]);
-            myFile->Write(Bytes(myPart));
-            i += myPart.size();
+            n = std::min(Sizes[myRandom() % std::size(Sizes)], myContent.size() - i);
+            myFile->Write(Bytes(myContent).subspan(i, n));
         }
     } // closed in silence, but whole
     EXPECT_TRUE(myFolder.Read("a") == myContent);
 
     const auto myFile = myFiles.OpenForReading(In(u"a"));
-    int64_t myLeft = myFile->Length();
-    for (size_t myCount = 0; static_cast<int64_t>(myCount) <= myLeft; myCount = Sizes[myRandom() % std::size(Sizes)])
+    size_t myAt = 0;
+    for (size_t n = 0; myAt + n <= myContent.size(); n = Sizes[myRandom() % std::size(Sizes)])
     {
-        const auto myAt = static_cast<size_t>(myFile->Position());
-        ASSERT_EQ(myAt, myContent.size() - static_cast<size_t>(myLeft));
-        if (myRandom() % 3 == 0)
-        {
-            myFile->Skip(static_cast<int64_t>(myCount));
-        }
-        else
-        {
-            ASSERT_EQ(ReadBytes(*myFile, myCount), myContent.substr(myAt, myCount));
-        }
-        myLeft -= static_cast<int64_t>(myCount);
+        const bool mySkips = myRandom() % 3 == 0;
+        EXPECT_TRUE(mySkips || ReadBytes(*myFile, n) == myContent.substr(myAt, n)) << myAt;
+        myFile->Skip(mySkips ? int64_t(n) : 0);
+        myAt += n;
+        ASSERT_EQ(myFile->Position(), int64_t(myAt));
     }
+    const int64_t myLeft = myFile->Length() - myFile->Position();
     EXPECT_EQ(ErrorOf([&] { myFile->Skip(-1); }), InvalidArgument);
     EXPECT_EQ(ErrorOf([&] { myFile->Skip(myLeft + 1); }), InputPastEnd);
     EXPECT_EQ(ErrorOf([&] { myFile->Skip(INT64_MAX); }), InputPastEnd);
@@ -239,25 +229,22 @@ TEST_F(FilesTest, ReadingAndWritingInAnyStepsGiveTheSameBytes)
 TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
 {
     myFolder.Write("long", std::string(300'000, 'x'));
+    const std::string myBlock(1000, 'x');
     std::signal(SIGXFSZ, SIG_IGN);
     rlimit myOldLimit = {};
     getrlimit(RLIMIT_FSIZE, &myOldLimit);
     const rlimit myLimit = {10'000, myOldLimit.rlim_max};
     setrlimit(RLIMIT_FSIZE, &myLimit);
-    const auto myLarge = myFiles.OpenForWriting(In(u"large"));
     const auto mySmall = myFiles.OpenForWriting(In(u"small"));
-    const std::string myBlock(20'000, 'x');
-    const int32_t myWritingLarge = ErrorOf([&] { myLarge->Write(Bytes(myBlock)); });
-    for (size_t i = 0; i < myBlock.size(); i += 1000)
+    for (int i = 0; i < 20; ++i)
     {
-        mySmall->Write(Bytes(myBlock).subspan(i, 1000));
+        mySmall->Write(Bytes(myBlock));
     }
     const int32_t myClosing = ErrorOf([&] { mySmall->Close(); });
     const int32_t myCopying = Try(&Files::Copy, u"long", u"copy");
     setrlimit(RLIMIT_FSIZE, &myOldLimit);
-    EXPECT_EQ((std::array{myWritingLarge, myClosing, myCopying}), (std::array{DiskFull, DiskFull, DiskFull}));
-    EXPECT_EQ(myFolder.Read("large").size(), 10'000U);   // what has been written stays
-    EXPECT_EQ(Try(&Files::OpenForReading, u"small"), 0); // and nothing stays locked
+    EXPECT_EQ(std::pair(myClosing, myCopying), std::pair(DiskFull, DiskFull));
+    EXPECT_EQ(ReadAll(u"small").size(), 10'000U); // what has been written stays, unlocked
 }
 
 TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
@@ -307,9 +294,7 @@ TEST_F(FilesTest, AListingYieldsWhatMatches)
         {u"*.Gif", Listing::FilesAndFolders, {u"B.GIF", u"a.gif", u"link.gif", u"Ñ.gif"}},
         {u"?.gif", Listing::PlainFiles, {u"B.GIF", u"a.gif", u"Ñ.gif"}},
         {u"ñ*", Listing::PlainFiles, {u"Ñ.gif"}},
-        {u"*i*.*t", Listing::PlainFiles, {}},
         {u"*.*f*", Listing::PlainFiles, {u"B.GIF", u"a.gif", u"d.gift", u"link.gif", u"Ñ.gif"}},
-        {u"A.GIF", Listing::PlainFiles, {u"a.gif"}},
         {u"SUBLINK/*", Listing::FilesAndFolders, {u".", u"..", u"x.gif"}},
         {u"none\\none\\*", Listing::FilesAndFolders, {}},
         {u"c\\*.*", Listing::FilesAndFolders, {}}};

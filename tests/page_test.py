@@ -224,6 +224,14 @@ class PageTest(unittest.TestCase):
         self.open("doctype.html")
         self.assertLessEqual(max(box[1] for box in self.walk()[0]), 5 + FURTHEST)
 
+    def test_period_is_counted_by_the_clock_of_the_visitor(self):
+        self.build([("page.html", DOCTYPE, script(**{"from": 38634, "to": 38656}))])
+        browser.command("Emulation.setTimezoneOverride", timezoneId="America/Santiago")  # has no midnight on the first day
+        self.addCleanup(browser.command, "Emulation.setTimezoneOverride", timezoneId="")
+        for moment, shown in (("10-08T23:59:59.999", 0), ("10-09T01:00", 1), ("10-31T23:59:59.999", 1), ("11-01T00:00:00.001", 0)):
+            self.open("page.html", f"?now=2005-{moment}&seed=1")
+            self.assertEqual(browser.get("[Boxes().length, document.embeds.length]"), [shown, shown])
+
     def test_graphic_loads_its_picture_and_leads_where_its_link_says(self):
         paper = self.folder / "año € 1.txt"
         paper.write_bytes(b"x")

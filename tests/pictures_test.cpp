@@ -35,12 +35,8 @@ struct GifPlan
     bool HasScreenColours = true;
     bool HasImageColours = false;
     int Transparent = NO_TRANSPARENT_COLOR;
+    static uint8_t Index(int myRow, int myColumn) { return static_cast<uint8_t>((3 * myRow + myColumn) % 16); }
 };
-
-uint8_t PlannedIndex(int myRow, int myColumn)
-{
-    return static_cast<uint8_t>((3 * myRow + myColumn) % 16);
-}
 
 void PutRows(GifFileType* myGif, const GifPlan& myPlan)
 {
@@ -52,7 +48,7 @@ void PutRows(GifFileType* myGif, const GifPlan& myPlan)
         {
             for (int j = 0; j < myPlan.Width; ++j)
             {
-                EGifPutPixel(myGif, PlannedIndex(i, j));
+                EGifPutPixel(myGif, GifPlan::Index(i, j));
             }
         }
     }
@@ -109,11 +105,6 @@ FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySub
     return theFile;
 }
 
-FileBytes AsFile(std::string_view myContent)
-{
-    return {myContent.begin(), myContent.end()};
-}
-
 /// Where the record of a JPEG begins that holds its height, width and sampling, at 5, 7 and 11.
 size_t FrameOf(const FileBytes& myJpeg)
 {
@@ -124,6 +115,8 @@ size_t FrameOf(const FileBytes& myJpeg)
 class PicturesTest : public testing::Test
 {
 protected:
+    static FileBytes AsFile(std::string_view myContent) { return {myContent.begin(), myContent.end()}; }
+
     /// The number of the error of loading these bytes, or 0. The name says nothing about the content.
     int32_t Load(const FileBytes& myFile)
     {
@@ -144,12 +137,19 @@ protected:
     std::unique_ptr<ImagingControl> myControl = MakeImagingControl(myFiles);
 };
 
-TEST_F(PicturesTest, AGifIsAsLargeAsItsScreen)
+TEST_F(PicturesTest, AGifIsAsLargeAsItsScreenAndAJpegAsItsFrame)
 {
     ExpectSize(MakeGif({.ScreenWidth = 350, .ScreenHeight = 250, .Width = 350, .Height = 250}), 350, 250);
-    ExpectSize(MakeGif({.ScreenWidth = 40, .ScreenHeight = 30}), 40, 30);
     ExpectSize(MakeGif({.ScreenWidth = 4, .ScreenHeight = 3}), 4, 3);
     ExpectSize(MakeGif({.ScreenWidth = 0, .ScreenHeight = 30}), 9, 8);
+    ExpectSize(MakeJpeg(350, 262), 350, 262);
+    ExpectSize(MakeJpeg(1, 1), 1, 1);
+    ExpectSize(MakeJpeg(17, 9, TJPF_RGB, TJSAMP_444, TJFLAG_PROGRESSIVE), 17, 9);
+    ExpectSize(MakeJpeg(17, 9, TJPF_GRAY, TJSAMP_GRAY), 17, 9);
+    ExpectSize(MakeJpeg(17, 9, TJPF_CMYK, TJSAMP_444), 17, 9);
+    FileBytes myUnusual = MakeJpeg(48, 16, TJPF_RGB, TJSAMP_444);
+    myUnusual[FrameOf(myUnusual) + 11] = 0x31; // three columns of brightness for one of colour
+    ExpectSize(myUnusual, 48, 16);
 }
 
 TEST_F(PicturesTest, TheFirstImageOfAGifIsDecodedAsTheFileHasIt)
@@ -168,21 +168,9 @@ TEST_F(PicturesTest, TheFirstImageOfAGifIsDecodedAsTheFileHasIt)
         EXPECT_EQ(myImage.Palette[15].Green, myPlan.HasImageColours ? 200 : 15);
         for (int i = 0; i < myPlan.Width * myPlan.Height; ++i)
         {
-            ASSERT_EQ(myImage.Indices[static_cast<size_t>(i)], PlannedIndex(i / myPlan.Width, i % myPlan.Width)) << i;
+            ASSERT_EQ(myImage.Indices[static_cast<size_t>(i)], GifPlan::Index(i / myPlan.Width, i % myPlan.Width)) << i;
         }
     }
-}
-
-TEST_F(PicturesTest, AJpegOfAnyKindHasItsSize)
-{
-    ExpectSize(MakeJpeg(350, 262), 350, 262);
-    ExpectSize(MakeJpeg(1, 1), 1, 1);
-    ExpectSize(MakeJpeg(17, 9, TJPF_RGB, TJSAMP_444, TJFLAG_PROGRESSIVE), 17, 9);
-    ExpectSize(MakeJpeg(17, 9, TJPF_GRAY, TJSAMP_GRAY), 17, 9);
-    ExpectSize(MakeJpeg(17, 9, TJPF_CMYK, TJSAMP_444), 17, 9);
-    FileBytes myUnusual = MakeJpeg(48, 16, TJPF_RGB, TJSAMP_444);
-    myUnusual[FrameOf(myUnusual) + 11] = 0x31; // three columns of brightness for one of colour
-    ExpectSize(myUnusual, 48, 16);
 }
 
 TEST_F(PicturesTest, ATruncatedFileIsNoPictureWhereItCannotBeShown)

@@ -36,15 +36,11 @@ constexpr size_t Member(size_t myNumber)
 }
 
 using Word = uintptr_t;
-using Words = std::array<Word, 8>;
-
-bool AreEqual(const IID& myFirst, const IID& mySecond)
-{
-    return std::memcmp(&myFirst, &mySecond, sizeof(IID)) == 0;
-}
 
 struct StandIn
 {
+    bool Is(const IID& myId) const { return std::memcmp(&Interface, &myId, sizeof(IID)) == 0; }
+
     const void* const* Members;
     IUnknown* Real;
     IID Interface;
@@ -64,12 +60,12 @@ struct Call
     {
         return *reinterpret_cast<Value*>(W.at(myIndex));
     }
-    bool Asks(const IID& myId) { return W[0] != 0 && AreEqual(Argument<IID>(0), myId); }
+    bool Asks(const IID& myId) { return W[0] != 0 && std::memcmp(&Argument<IID>(0), &myId, sizeof(IID)) == 0; }
     Text Script() { return TextOfBstr(Argument<BSTR>(0)); }
 
     StandIn& Object;
     size_t Slot;
-    Words W;
+    std::array<Word, 8> W;
 };
 
 struct Fault
@@ -82,43 +78,61 @@ struct Fault
     const char16_t* To = nullptr;
 };
 
-void Replace(BSTR& theText, TextView myNew)
-{
-    SysFreeString(std::exchange(theText, NewBstr(myNew)));
-}
-
 IUnknown* TheHelper = nullptr; ///< the host's, without a reference
 std::mutex TheLock;
 Text TheLastScript;
 
-/// Another script instead of the one that is written.
-HRESULT PutInstead(Call& theCall, TextView myScript)
+/// What a single statement does to a call.
+struct Bend
 {
-    Bstr myText(myScript);
-    theCall.W[0] = reinterpret_cast<Word>(myText.Pointer());
-    return theCall.Forward();
-}
+    template <HRESULT Result>
+    static HRESULT Give(Call& /*theCall*/)
+    {
+        return Result;
+    }
+    /// Does nothing when an argument has a value.
+    template <size_t Index, Word Value, HRESULT Result = S_OK>
+    static HRESULT Skip(Call& theCall)
+    {
+        return theCall.W[Index] == Value ? Result : theCall.Forward();
+    }
+    /// Passes another argument on.
+    template <size_t Index, Word Value>
+    static HRESULT Pass(Call& theCall)
+    {
+        return theCall.W[Index] = Value, theCall.Forward();
+    }
+    template <const IID* Interface>
+    static HRESULT Deny(Call& theCall)
+    {
+        return theCall.Asks(*Interface) ? E_NOINTERFACE : theCall.Forward();
+    }
+    static HRESULT QueryTwice(Call& theCall) { return theCall.Forward(), theCall.Forward(); }
+    static HRESULT LeakText(Call& theCall) { return SysAllocString(u"lost"), theCall.Forward(); }
+    static HRESULT ExactNames(Call& theCall)
+    {
+        return *theCall.Argument<char16_t*>(1) >= u'a' ? DISP_E_UNKNOWNNAME : theCall.Forward();
+    }
+    static HRESULT AnyVersion(Call& theCall)
+    {
+        return Put(theCall, ReplaceAll(theCall.Script(), u"\"2.0\"", u"\"1.0\""));
+    }
+    static HRESULT ShortScripts(Call& theCall) { return Put(theCall, theCall.Script().substr(0, UINT16_MAX)); }
+    static HRESULT CrashOnSurrogate(Call& theCall)
+    {
+        return theCall.Script().find(u'\xD800') != Text::npos ? std::raise(SIGSEGV) : theCall.Forward();
+    }
+    static HRESULT RefuseNullText(Call& theCall)
+    {
+        return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
+    }
 
-/// Does nothing when an argument has a value.
-template <size_t Index, Word Value, HRESULT Result = S_OK>
-HRESULT Skip(Call& theCall)
-{
-    return theCall.W[Index] == Value ? Result : theCall.Forward();
-}
-
-template <HRESULT Result>
-HRESULT Give(Call& /*theCall*/)
-{
-    return Result;
-}
-
-/// Passes another argument on.
-template <size_t Index, Word Value>
-HRESULT Pass(Call& theCall)
-{
-    theCall.W[Index] = Value;
-    return theCall.Forward();
-}
+private:
+    static HRESULT Put(Call& theCall, TextView myScript)
+    {
+        return theCall.W[0] = reinterpret_cast<Word>(Bstr(myScript).Pointer()), theCall.Forward();
+    }
+};
 
 template <size_t Index, VARIANT_BOOL Value>
 HRESULT GiveBoolean(Call& theCall)
@@ -126,18 +140,6 @@ HRESULT GiveBoolean(Call& theCall)
     theCall.Forward();
     theCall.Argument<VARIANT_BOOL>(Index) = Value;
     return S_OK;
-}
-
-HRESULT QueryTwice(Call& theCall)
-{
-    theCall.Forward();
-    return theCall.Forward();
-}
-
-HRESULT LeakText(Call& theCall)
-{
-    SysAllocString(u"lost");
-    return theCall.Forward();
 }
 
 /// Leaves a temporary file, or lets it go but keeps it open.
@@ -148,12 +150,6 @@ HRESULT LeaveFile(Call& theCall)
     const int myFile = mkstemp(myPattern.data());
     Open ? unlink(myPattern.c_str()) : close(myFile);
     return theCall.Forward();
-}
-
-template <const IID* Interface>
-HRESULT Deny(Call& theCall)
-{
-    return theCall.Asks(*Interface) ? E_NOINTERFACE : theCall.Forward();
 }
 
 /// Values of one type come late-bound as another.
@@ -191,27 +187,6 @@ HRESULT WildPointer(Call& theCall)
     return theResult;
 }
 
-HRESULT ExactNames(Call& theCall)
-{
-    const char16_t* const myName = *reinterpret_cast<char16_t**>(theCall.W[1]);
-    return *myName >= u'a' ? DISP_E_UNKNOWNNAME : theCall.Forward();
-}
-
-HRESULT AnyVersion(Call& theCall)
-{
-    return PutInstead(theCall, ReplaceAll(theCall.Script(), u"version=\"2.0\"", u"version=\"1.0\""));
-}
-
-HRESULT CrashOnSurrogate(Call& theCall)
-{
-    return theCall.Script().find(u'\xD800') != Text::npos ? std::raise(SIGSEGV) : theCall.Forward();
-}
-
-HRESULT ShortScripts(Call& theCall)
-{
-    return PutInstead(theCall, theCall.Script().substr(0, UINT16_MAX));
-}
-
 HRESULT KeepTopic(Call& theCall)
 {
     if (theCall.Argument<QelTopic*>(0) != nullptr)
@@ -233,7 +208,7 @@ HRESULT LastScript(Call& theCall)
 {
     const std::lock_guard myGuard(TheLock);
     const HRESULT theResult = theCall.Forward();
-    Replace(theCall.Argument<BSTR>(0), TheLastScript);
+    SysFreeString(std::exchange(theCall.Argument<BSTR>(0), NewBstr(TheLastScript)));
     return theResult;
 }
 
@@ -247,11 +222,6 @@ HRESULT Hang(Call& /*theCall*/)
     {
         pause();
     }
-}
-
-HRESULT RefuseNullText(Call& theCall)
-{
-    return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
 }
 
 /// Asks the host once more, for any page or for those whose link has no address.
@@ -270,26 +240,26 @@ HRESULT AskTwice(Call& theCall)
 // Named by what goes wrong. Those of the entry points stand there.
 constexpr Fault Faults[] = {
     {"wild-pointer", &IID_IClassFactory, CreateSlot, WildPointer<2>},
-    {"aggregates", &IID_IClassFactory, CreateSlot, Pass<0, 0>},
+    {"aggregates", &IID_IClassFactory, CreateSlot, Bend::Pass<0, 0>},
     {"wrong-identity", &IID_QelInfo, QuerySlot, NoIdentity},
-    {"one-way-query", &IID_QelInfo, QuerySlot, Deny<&IID_QelPlugin>},
-    {"query-keeps-reference", nullptr, QuerySlot, QueryTwice},
-    {"no-error-info", &IID_ISupportErrorInfo, 3, Give<S_FALSE>},
+    {"one-way-query", &IID_QelInfo, QuerySlot, Bend::Deny<&IID_QelPlugin>},
+    {"query-keeps-reference", nullptr, QuerySlot, Bend::QueryTwice},
+    {"no-error-info", &IID_ISupportErrorInfo, 3, Bend::Give<S_FALSE>},
     {"other-requirements", &IID_QelPlugin, Member(8), nullptr, u"ninguna", u"alguna"},
     {"true-is-one", &IID_QelPlugin, Member(12), GiveBoolean<0, 1>},
     {"zeros-in-version", &IID_QelInfo, Member(2), nullptr, u"1.0.", u"1.00.00"},
-    {"takes-null", &IID_QelPlugin, Member(13), Skip<0, 0>},
+    {"takes-null", &IID_QelPlugin, Member(13), Bend::Skip<0, 0>},
     {"bitmap-with-folder", &IID_QelPlugin, Member(15), nullptr, u"Qel", u"/opt/Qel"},
-    {"sorts-nothing", &IID_QelStringSort, Member(5), Give<S_OK>},
-    {"exact-names", nullptr, NamesSlot, ExactNames},
-    {"any-kind", nullptr, InvokeSlot, Pass<3, DISPATCH_METHOD | DISPATCH_PROPERTYGET>},
+    {"sorts-nothing", &IID_QelStringSort, Member(5), Bend::Give<S_OK>},
+    {"exact-names", nullptr, NamesSlot, Bend::ExactNames},
+    {"any-kind", nullptr, InvokeSlot, Bend::Pass<3, DISPATCH_METHOD | DISPATCH_PROPERTYGET>},
     {"numbers-for-booleans", nullptr, InvokeSlot, OtherType<VT_BOOL, VT_I2>},
-    {"no-exception", nullptr, InvokeSlot, Pass<6, 0>},
+    {"no-exception", nullptr, InvokeSlot, Bend::Pass<6, 0>},
     {"other-initial-script", &IID_QelPlugin, Member(5), nullptr, u"1.0", u"1.1"},
     {"half-escaped", &IID_QelPlugin, Member(18), nullptr, u"&amp;", u"&"},
-    {"any-version", &IID_QelPlugin, Member(17), AnyVersion},
-    {"crash-on-surrogate", &IID_QelPlugin, Member(17), CrashOnSurrogate},
-    {"short-scripts", &IID_QelPlugin, Member(17), ShortScripts},
+    {"any-version", &IID_QelPlugin, Member(17), Bend::AnyVersion},
+    {"crash-on-surrogate", &IID_QelPlugin, Member(17), Bend::CrashOnSurrogate},
+    {"short-scripts", &IID_QelPlugin, Member(17), Bend::ShortScripts},
     {"ends-a-day-early", &IID_QelPlugin, Member(6), nullptr, u"2006, 0, 1", u"2005, 11, 31"},
     {"width-for-height", &IID_QelPlugin, Member(6), nullptr, u"height:2px", u"height:3px"},
     {"no-empty-link", &IID_QelPlugin, Member(6), nullptr, u"<a>", u""},
@@ -301,29 +271,29 @@ constexpr Fault Faults[] = {
     {"confirms-unseen", &IID_QelPlugin, Member(16), GiveBoolean<1, VARIANT_TRUE>},
     {"one-record", &IID_QelPlugin, Member(17), RememberScript},
     {"one-record", &IID_QelPlugin, Member(18), LastScript},
-    {"leaks-text", &IID_QelPlugin, Member(11), LeakText},
-    {"leaks-page", &IID_QelPlugin, Member(6), LeakText},
-    {"leaks-late", &IID_QelPlugin, InvokeSlot, LeakText},
+    {"leaks-text", &IID_QelPlugin, Member(11), Bend::LeakText},
+    {"leaks-page", &IID_QelPlugin, Member(6), Bend::LeakText},
+    {"leaks-late", &IID_QelPlugin, InvokeSlot, Bend::LeakText},
     {"leaks-handle", &IID_QelPlugin, Member(6), LeaveFile<true>},
     {"leaves-file", &IID_QelPlugin, Member(6), LeaveFile<false>},
-    {"factory-has-no-identity", &IID_IClassFactory, QuerySlot, Deny<&IID_IUnknown>},
+    {"factory-has-no-identity", &IID_IClassFactory, QuerySlot, Bend::Deny<&IID_IUnknown>},
     {"factory-is-anything", &IID_IClassFactory, QuerySlot, WildPointer<1>},
-    {"lock-fails", &IID_IClassFactory, 4, Give<E_FAIL>},
-    {"supports-null", &IID_ISupportErrorInfo, 3, Skip<0, 0>},
-    {"takes-null-index", &IID_QelStringSort, Member(3), Skip<0, 0>},
-    {"takes-null-place", &IID_QelStringSort, Member(3), Skip<1, 0>},
-    {"refuses-null-text", &IID_QelStringSort, Member(2), RefuseNullText},
+    {"lock-fails", &IID_IClassFactory, 4, Bend::Give<E_FAIL>},
+    {"supports-null", &IID_ISupportErrorInfo, 3, Bend::Skip<0, 0>},
+    {"takes-null-index", &IID_QelStringSort, Member(3), Bend::Skip<0, 0>},
+    {"takes-null-place", &IID_QelStringSort, Member(3), Bend::Skip<1, 0>},
+    {"refuses-null-text", &IID_QelStringSort, Member(2), Bend::RefuseNullText},
     {"text-in-failure", &IID_QelStringSort, Member(3), WildPointer<1>},
-    {"counts-no-types", &IID_QelPlugin, 3, Give<S_OK>},
-    {"gives-types", &IID_QelStringSort, 4, Give<S_OK>},
+    {"counts-no-types", &IID_QelPlugin, 3, Bend::Give<S_OK>},
+    {"gives-types", &IID_QelStringSort, 4, Bend::Give<S_OK>},
     {"late-number-for-text", &IID_QelPlugin, InvokeSlot, OtherType<VT_BSTR, VT_I4>},
-    {"late-empty-version", &IID_QelInfo, InvokeSlot, Skip<0, 2>},
-    {"late-empty-value", &IID_QelStringSort, InvokeSlot, Skip<0, 3>},
-    {"late-database-lost", &IID_QelPlugin, InvokeSlot, Skip<0, 2>},
-    {"late-helper-fails", &IID_QelPluginAnimationMain, InvokeSlot, Skip<0, 4, E_FAIL>},
-    {"late-help-fails", &IID_QelPluginAnimationMain, InvokeSlot, Skip<0, 20, E_FAIL>},
-    {"late-script-lost", &IID_QelPlugin, InvokeSlot, Skip<0, 17>},
-    {"late-about-unseen", &IID_QelInfo, InvokeSlot, Skip<0, 1>},
+    {"late-empty-version", &IID_QelInfo, InvokeSlot, Bend::Skip<0, 2>},
+    {"late-empty-value", &IID_QelStringSort, InvokeSlot, Bend::Skip<0, 3>},
+    {"late-database-lost", &IID_QelPlugin, InvokeSlot, Bend::Skip<0, 2>},
+    {"late-helper-fails", &IID_QelPluginAnimationMain, InvokeSlot, Bend::Skip<0, 4, E_FAIL>},
+    {"late-help-fails", &IID_QelPluginAnimationMain, InvokeSlot, Bend::Skip<0, 20, E_FAIL>},
+    {"late-script-lost", &IID_QelPlugin, InvokeSlot, Bend::Skip<0, 17>},
+    {"late-about-unseen", &IID_QelInfo, InvokeSlot, Bend::Skip<0, 1>},
     {"no-summary", &IID_QelPlugin, Member(10), nullptr, u"El control", u"Un control"},
     {"asks-for-empty-link", &IID_QelPlugin, Member(6), AskTwice<true>},
     {"other-link-number", &IID_QelPlugin, Member(19), nullptr, u"\"2010:", u"\"10:"},
@@ -342,24 +312,25 @@ template <size_t Slot>
 HRESULT Enter(StandIn* theObject, Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h)
 {
     Call myCall{*theObject, Slot, {a, b, c, d, e, f, g, h}};
-    if (AreEqual(theObject->Interface, IID_QelPlugin) && Slot == Member(4) && a != 0)
+    if (theObject->Is(IID_QelPlugin) && Slot == Member(4) && a != 0)
     {
         TheHelper = myCall.Argument<IUnknown*>(0);
     }
     const auto* const myFault = std::find_if(std::begin(Faults), std::end(Faults),
                                              [&](const Fault& myOne)
                                              {
-                                                 const bool isHere = myOne.Interface == nullptr ||
-                                                                     AreEqual(*myOne.Interface, theObject->Interface);
+                                                 const bool isHere =
+                                                     myOne.Interface == nullptr || theObject->Is(*myOne.Interface);
                                                  return isHere && myOne.Slot == Slot && Chosen(myOne.Name);
                                              });
     const bool isEdit = myFault != std::end(Faults) && myFault->Act == nullptr;
     const HRESULT theResult = myFault != std::end(Faults) && !isEdit ? myFault->Act(myCall) : myCall.Forward();
     if (isEdit && a != 0 && SUCCEEDED(theResult))
     {
-        Replace(myCall.Argument<BSTR>(0), ReplaceAll(myCall.Script(), myFault->From, myFault->To));
+        const Text myText = ReplaceAll(myCall.Script(), myFault->From, myFault->To);
+        SysFreeString(std::exchange(myCall.Argument<BSTR>(0), NewBstr(myText)));
     }
-    const bool isCreation = AreEqual(theObject->Interface, IID_IClassFactory) && Slot == CreateSlot;
+    const bool isCreation = theObject->Is(IID_IClassFactory) && Slot == CreateSlot;
     if ((Slot == QuerySlot || isCreation) && SUCCEEDED(theResult))
     {
         auto& theGiven = myCall.Argument<void*>(isCreation ? 2 : 1);
