@@ -102,6 +102,7 @@ class BuildTest(HostTest):
         links = [(self.add_record(*options), href) for options, href in cases]
         links.append(("URL:http://example.org/", "http://example.org/"))
         expected = {self.add_module("index.html", script(link=link)): href for link, href in links}
+        self.host("page", "set", self.site, "index.html", self.file("p", PAGE.replace("<html>", "<html lang='ñ'>")))
         self.host("build", self.site)
         found = re.findall(r'"qelanimsprite(\d+)" style.*?<a href="(.*?)"><img', self.page("index.html"))
         self.assertEqual({int(number): href for number, href in found}, expected)

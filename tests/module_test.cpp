@@ -163,7 +163,7 @@ TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
         const Text myPage = Output(u"link=" + myLink);
         EXPECT_NE(myPage.find(u"50\">" + myTag + u"<img"), Text::npos) << ToUtf8(myPage);
     }
-    EXPECT_NE(Output(u"image=g").find(u"\"images/qelspr17g\""), Text::npos) << "its ending is the last four characters";
+    EXPECT_NE(Output(u"image=g").find(u"\"images/qelspr17g\""), Text::npos) << "four characters are the ending";
     EXPECT_NE(Output(u"image=Globo.jpeg").find(u"\"images/qelspr17jpeg\""), Text::npos);
     EXPECT_FALSE(myFolder.Exists("files/Doc.pdf")) << "there is none to stage, and that is no failure";
     for (const char* const myContent : {"first", "second"})
