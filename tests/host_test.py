@@ -53,8 +53,7 @@ class HostTest(unittest.TestCase):
     def host(self, *arguments, expect=0, stdin="", program=STAGE / "qelhost", text=True, **options):
         """Runs the program and gives what it wrote to its standard output; with `expect` 1 or 2 to the error output."""
         run = subprocess.run([program, *map(str, arguments)], input=stdin, capture_output=True, text=text, timeout=60,
-                             errors="replace" if text else None,
-                             env=self.environment, **options)
+                             errors="replace" if text else None, env=self.environment, **options)
         self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
         return run.stderr if expect else run.stdout
 
@@ -107,19 +106,15 @@ class BuildTest(HostTest):
         self.host("build", self.site)
         found = re.findall(r'"qelanimsprite(\d+)" style.*?<a href="(.*?)"><img', self.page("index.html"))
         self.assertEqual({int(number): href for number, href in found}, expected)
-        self.assertEqual((self.site / "build/images/Foto _del_ año.jpg").read_bytes(), b"picture")
-        self.assertEqual((self.site / "build/files/l_été 100_.pdf").read_bytes(), b"paper")
+        staged = {"images/Foto _del_ año.jpg": b"picture", "files/l_été 100_.pdf": b"paper"}
+        self.assertEqual(tree(self.site / "build") | staged, tree(self.site / "build"))
 
     def test_failed_modules_are_told_and_do_not_stop_the_build(self):
         self.make_site("a.html", "b.html")
-        record = self.add_record("--kind", "none", "--title", "a")
-        gone = self.add_record("--kind", "3", "--address", "x")
+        record, gone, there = (self.add_record("--kind", *options) for options in (["none"], *[["3", "--address", "x"]] * 2))
         self.host("record", "remove", self.site, gone[4:])
-        there = self.add_record("--kind", "3", "--address", "x")
-        reasons = {
-            self.add_module("a.html", script(link=record)): "El vínculo no funciona.",
-            self.add_module("a.html", script(link=gone)): "El vínculo no funciona.",
-            self.add_module("a.html", script(link=there.replace(":", ":0"))): "El vínculo no funciona.",
+        reasons = {self.add_module("a.html", script(link=link)): "El vínculo no funciona."
+                   for link in (record, gone, there.replace(":", ":0"))} | {
             self.add_module("a.html", script(image="Nada.gif")): 'El plug-in "Orvenal" ha provocado el error "53: ',
             self.add_module("a.html", script(image=None)): "No se ha seleccionado ningún motivo.",
         }
@@ -175,16 +170,15 @@ class BuildTest(HostTest):
     def test_imported_picture_comes_from_the_modules_archive(self):
         self.make_site("index.html")
         imported = {"image": "qelspr.gif", "folder": "(USER)", "imagemode": "gif"}
-        first = self.add_module("index.html", script(**imported, archive="module1.dat"), "--archive",
-                                self.file("mine.dat", archive_of("qelspr.gif", GLOBO)))
-        second = self.add_module("index.html", script(**imported, archive="module2.dat"))
-        self.assertIn(f"module {second}:", self.host("build", self.site, expect=1))
         other = (DESIGNS / "Animales" / "Pez.gif").read_bytes()
-        self.host("module", "archive", self.site, second, self.file("b", archive_of("qelspr.gif", other)))
+        self.add_module("index.html", script(**imported, archive="module1.dat"), "--archive",
+                        self.file("mine.dat", archive_of("qelspr.gif", GLOBO)))
+        self.add_module("index.html", script(**imported, archive="module2.dat"))
+        self.assertIn("module 2:", self.host("build", self.site, expect=1))
+        self.host("module", "archive", self.site, 2, self.file("b", archive_of("qelspr.gif", other)))
         self.host("build", self.site)
-        self.assertEqual((self.site / f"build/images/qelspr{first}.gif").read_bytes(), GLOBO)
-        self.assertEqual((self.site / f"build/images/qelspr{second}.gif").read_bytes(), other)
-        self.host("module", "remove", self.site, first)
+        self.assertEqual(tree(self.site / "build/images"), {"qelspr1.gif": GLOBO, "qelspr2.gif": other})
+        self.host("module", "remove", self.site, 1)
         self.assertEqual([path.name for path in (self.site / "data").iterdir()], ["module2.dat"])
 
     def test_build_again_gives_the_same_bytes_and_nothing_stale(self):
@@ -216,7 +210,7 @@ class BuildTest(HostTest):
         mine.mkdir()
         (mine / "precious").touch()
         build.mkdir()
-        (build / "index.html").write_text("mine")
+        self.file(build / "index.html", "mine")
         self.assertIn("did not make", self.host("build", self.site, expect=1))
         (build / "index.html").unlink()
         self.host("build", self.site)
@@ -228,21 +222,22 @@ class BuildTest(HostTest):
             self.assertIn("it is a link", self.host("build", self.site, expect=1))
             (build / name).unlink()
             (build / name / "mine").mkdir(parents=True)
-            (build / name / "kept").touch()
             self.assertIn("did not make this folder", self.host("build", self.site, expect=1))
-            self.assertTrue((build / name / "kept").exists())
             shutil.rmtree(build / name)
         (build / "index.html").unlink()
         (build / "index.html").symlink_to(mine / "precious")
         self.host("build", self.site)
-        self.assertEqual((build / "notes.html").read_text(), "mine")
-        self.assertEqual((mine / "precious").read_bytes(), b"")
+        self.assertEqual((build / "notes.html").read_bytes() + (mine / "precious").read_bytes(), b"mine")
         self.assertEqual(self.page("index.html"), PAGE.replace("<!-- qel:modules -->", ""))
         self.assertFalse([name for name in os.listdir(build) if name.endswith(".new")])
 
-    def test_second_build_of_a_user_waits_for_the_first(self):
+    def test_programs_at_the_same_time_wait_for_each_other(self):
         self.make_site("index.html")
-        self.add_module("index.html", script())
+        adding = [subprocess.Popen([STAGE / "qelhost", "module", "add", self.site, "index.html"], env=self.environment,
+                                   stdout=subprocess.PIPE) for _ in range(8)]
+        modules = sorted(run.communicate(timeout=60)[0].decode() for run in adding)
+        self.assertEqual(modules, [f"module {number}\n" for number in range(1, 9)])
+        self.assertEqual(sorted(row.split()[-1] for row in self.rows("module")), list("12345678"))
         with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
             with subprocess.Popen([STAGE / "qelhost", "build", self.site], stderr=subprocess.PIPE, text=True,
@@ -251,8 +246,7 @@ class BuildTest(HostTest):
                 self.assertFalse((self.site / "build").exists())
                 fcntl.flock(lock, fcntl.LOCK_UN)
                 waiting.communicate(timeout=60)
-        self.assertEqual(waiting.returncode, 0)
-        self.assertIn("qelspr1.gif", self.page("index.html"))
+        self.assertTrue((self.site / "build" / "index.html").exists())
 
 
 class SiteTest(HostTest):
@@ -357,103 +351,71 @@ class SiteTest(HostTest):
         os.close(controller)
         return shown.decode()
 
-    def test_programs_at_the_same_time_do_not_lose_each_others_work(self):
-        self.make_site("index.html")
-        adding = [subprocess.Popen([STAGE / "qelhost", "module", "add", self.site, "index.html"], env=self.environment,
-                                   stdout=subprocess.PIPE) for _ in range(8)]
-        modules = sorted(run.communicate(timeout=60)[0].decode() for run in adding)
-        self.assertEqual(modules, [f"module {number}\n" for number in range(1, 9)])
-        self.assertEqual(sorted(row.split()[-1] for row in self.rows("module")), list("12345678"))
-
     def test_databases_that_are_none_of_its_own_are_refused(self):
         self.assertIn("run qelhost init", self.host("page", "list", self.folder, expect=1))
         self.make_site()
         self.assertIn("is a site already", self.host("init", self.site, expect=1))
         database = self.site / "site.db"
-        with contextlib.closing(sqlite3.connect(database)) as connection:
-            connection.execute("PRAGMA user_version = 99")
-        self.assertIn("newer", self.host("build", self.site, expect=1))
+        for statement, reason in (("PRAGMA user_version = 99", "newer"), ("CREATE TABLE page (name)", "was not made by qelhost")):
+            with contextlib.closing(sqlite3.connect(database)) as connection:
+                connection.execute(statement)
+            self.assertIn(reason, self.host("build", self.site, expect=1))
+            database.unlink()
         database.write_bytes(b"no database at all" * 100)
         self.assertIn("damaged", self.host("build", self.site, expect=1))
-        database.unlink()
-        with contextlib.closing(sqlite3.connect(database)) as connection:
-            connection.execute("CREATE TABLE page (name)")
-        self.assertIn("was not made by qelhost", self.host("build", self.site, expect=1))
         (self.folder / "other" / "data").mkdir(parents=True)
         self.assertIn("there already", self.host("init", self.folder / "other", expect=1))
 
 
 class ArchiveTest(HostTest):
     def test_a_folder_goes_into_an_archive_and_out_again(self):
-        source = self.folder / "in"
-        (source / "Img").mkdir(parents=True)
-        self.file("in/a.txt", b"abc")
-        self.file("in/Img/ñ.gif", bytes(2000))
-        (source / "link").symlink_to("/etc")
-        archive = self.folder / "a.dat"
+        content = {"a.txt": b"abc", "Img/ñ.gif": bytes(2000)}
+        source, archive, out, way, empty, none = (self.folder / name for name in ("in", "a.dat", "out", "way", "2", "none"))
+        for folder in (source / "Img", way / "a.txt", empty):
+            folder.mkdir(parents=True)
+        for name, data in content.items():
+            self.file(f"in/{name}", data)
         self.host("archive", "pack", archive, source)
-        listed = self.host("archive", "list", archive)
-        self.assertRegex(listed, r"1 KB +\\ +a.txt\n2 KB +\\Img\\ +ñ.gif\n2 files, 2003 bytes")
-        self.host("archive", "unpack", archive, self.folder / "out")
-        self.assertEqual(tree(self.folder / "out"), {"a.txt": b"abc", "Img/ñ.gif": bytes(2000)})
+        self.assertRegex(self.host("archive", "list", archive),
+                         r"1 KB +\\ +a.txt\n2 KB +\\Img\\ +ñ.gif\n2 files, 2003 bytes")
+        self.host("archive", "unpack", archive, out)
         before = archive.read_bytes()
         twins = archive_of("\\a", b"1")[:-4] + archive_of("\\A", b"2")[13:]
-        for folder in ("way/a.txt", "in 2"):
-            (self.folder / folder).mkdir(parents=True)
-        unnameable = self.file("in 2/日.txt")
-        for arguments, reason in ((["unpack", archive, self.folder / "out"], "--force"),
-                                  (["pack", archive, source], "--force"),
-                                  (["pack", archive, self.folder / "none"], "no folder"),
-                                  (["pack", self.folder / "none" / "a.dat", source], "archive itself: its folder"),
+        unnameable = self.file("2/日.txt")
+        for arguments, reason in ((["unpack", archive, out], "--force"), (["pack", archive, source], "--force"),
+                                  (["pack", archive, none], "no folder"),
+                                  (["pack", none / "a.dat", source], "archive itself: its folder"),
                                   (["pack", self.folder / "c.dat", unnameable.parent], "日.txt: its name"),
                                   (["list", self.file("b.dat", before[:-1])], "cannot be read"),
                                   (["list", source], "not a file"),
-                                  (["unpack", self.file("d.dat", twins), self.folder / "twins"], "more than once"),
-                                  (["unpack", archive, self.folder / "way"], "as a folder"),
-                                  (["unpack", archive, self.folder / "way", "--force"], "a.txt: a folder"),
-                                  (["unpack", self.folder / "none", source], "no file")):
+                                  (["unpack", self.file("d.dat", twins), none], "more than once"),
+                                  (["unpack", self.file("e.dat", archive_of("..\\evil", b"x")), none], "leads out"),
+                                  (["unpack", archive, way], "as a folder"),
+                                  (["unpack", archive, way, "--force"], "a.txt: a folder"),
+                                  (["unpack", none, source], "no file")):
             self.assertIn(reason, self.host("archive", *arguments, expect=1))
         for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
             self.host("archive", *arguments, expect=2, cwd=source)
-        self.assertEqual(archive.read_bytes(), before)
-        self.host("archive", "unpack", archive, self.folder / "out", "--force")
-        hostile = self.file("hostile.dat", archive_of("..\\evil", b"x"))
-        self.assertIn("leads out", self.host("archive", "unpack", hostile, self.folder / "out", expect=1))
-        self.assertFalse((self.folder / "evil").exists())
+        self.assertEqual((archive.read_bytes(), tree(out)), (before, content))
+        self.host("archive", "unpack", archive, out, "--force")
 
 
 class CommandLineTest(HostTest):
-    def test_every_command_helps(self):
-        def commands_of(words):
-            text = self.host(*words, "--help")
-            self.assertGreater(len(text), 150, words)
-            for name in re.findall(r"^  (\w+)  ", text.partition("Subcommands:")[2], re.MULTILINE):
-                yield from commands_of([*words, name])
-            yield " ".join(words)
-
-        commands = set(commands_of([]))
-        self.assertEqual(len(commands), 31, commands)
-
     def test_misuse_ends_with_2_and_points_to_the_help(self):
         for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],
                           ["module", "move", "site", "one", "1"]):
             self.assertIn("--help", self.host(*arguments, expect=2))
 
-    def test_the_component_is_found_by_option_registry_or_place(self):
-        self.assertIn("Mueve objetos gráficos", self.host("info"))
-        (self.folder / "bin").mkdir()
+    def test_the_component_is_the_one_registered_or_named(self):
         for name in ("qelhost", "libqelcom.so"):
-            shutil.copy(STAGE / name, self.folder / "bin")
-        lone = self.folder / "bin" / "qelhost"
+            shutil.copy(STAGE / name, self.folder)
+        for options, reason in ([], "--plugin"), (["--plugin", "libqelcom.so"], "not a component"):
+            self.assertIn(reason, self.host("info", *options, program=self.folder / "qelhost", expect=1, cwd=self.folder))
         component = STAGE / "QelPluginAnimation.so"
-        self.assertIn("--plugin", self.host("info", program=lone, expect=1))
-        self.assertIn("not a component", self.host("info", "--plugin", "libqelcom.so", program=lone, expect=1,
-                                                   cwd=self.folder / "bin"))
-        self.assertIn("1.0.19", self.host("info", "--plugin", component, program=lone))
-        self.host("register", component, program=lone)
-        self.assertIn("1.0.19", self.host("info", program=lone))
-        self.host("unregister", component, program=lone)
-        self.host("info", program=lone, expect=1)
+        self.host("register", component)
+        self.assertIn("Mueve objetos gráficos", self.host("info", program=self.folder / "qelhost"))
+        self.host("unregister", component)
+        self.host("info", program=self.folder / "qelhost", expect=1)
 
 
 if __name__ == "__main__":
