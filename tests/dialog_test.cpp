@@ -488,6 +488,34 @@ TEST_F(DialogTest, WhatGoesWrongInOpeningIsAFailedCallAndTheNextOpeningIsSound)
     EXPECT_TRUE(myHost->CallBack({Do("cmdOK")}));
 }
 
+TEST_F(DialogTest, CanBeWorkedByKeysAlone)
+{
+    myFolder.Write("mine.gif", Gif(30, 20));
+    myFolder.Write("mine.mid", "my tune");
+    myHost->Records->Link = u"URL:x";
+    const auto Press = [](const std::vector<std::pair<const char*, Qt::Key>>& myKeys)
+    {
+        return Dialog(
+            [=]
+            {
+                for (const auto& [myPlace, myKey] : myKeys)
+                {
+                    TabTo(myPlace), Key(myKey);
+                }
+            });
+    };
+    EXPECT_TRUE(myHost->CallBack({Press({{"cmbImageFolder", Qt::Key_End},
+                                         {"cmbMIDIFolder", Qt::Key_End},
+                                         {"chkMIDI", Qt::Key_Space},
+                                         {"cmdSetLink", Qt::Key_Space},
+                                         {"DateFromSwitch", Qt::Key_Space},
+                                         {"lblImage", Qt::Key_Space}}),
+                                  File(myFolder.Native("mine.gif")), Press({{"lblMIDI", Qt::Key_Space}}),
+                                  File(myFolder.Native("mine.mid")), Press({{"lblMIDI", Qt::Key_Return}})}));
+    EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
+    EXPECT_NE(Stored("from"), "0");
+}
+
 TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
 {
     const QStringList myPlaces =
@@ -530,9 +558,9 @@ TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
             QTest::mouseDClick(myList.viewport(), Qt::LeftButton, {},
                                myList.visualItemRect(myList.currentItem()).center());
             EXPECT_EQ(Played(), "second");
-            Click("ToolbarPlay2");
+            TabTo("ToolbarPlay2"), Key(Qt::Key_Space);
             EXPECT_EQ(Played(), "");
-            Click("ToolbarPlay1");
+            TabTo("ToolbarPlay1"), Key(Qt::Key_Space);
             EXPECT_EQ(Played(), "second");
             Work("ToolbarPlay1|cmbMIDIFolder=animales");
             QTest::mouseDClick(myList.viewport(), Qt::LeftButton);
