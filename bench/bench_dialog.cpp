@@ -1,14 +1,11 @@
 // How long the settings dialog takes with a library of 200 folders of 500 motifs: from the call to a painted window,
 // and from a key in the list of motifs to a painted preview. Arguments: STAGE, then those of every comparison.
 #include "Ball.h"
-#include "com/qelcom.h"
-#include "com/QelHelperInterfaces.h"
-#include "compare.h"
+#include "OpenComponent.h"
 #include "platform/linux/GifFile.h"
 #include "platform/linux/PaletteReduction.h"
 
 #include <cinttypes>
-#include <dlfcn.h>
 #include <fstream>
 #include <QAbstractButton>
 #include <QApplication>
@@ -49,18 +46,6 @@ void MakeStage(const fs::path& mySource, const fs::path& myTarget)
             fs::create_hard_link(myFolder / "Motivo 100.gif", myFolder / ("Motivo " + std::to_string(j) + ".gif"));
         }
     }
-}
-
-QelPlugin& OpenComponent(const fs::path& myStage)
-{
-    void* myLibrary = dlopen((myStage / "QelPluginAnimation.so").c_str(), RTLD_NOW | RTLD_LOCAL);
-    bench::Require(myLibrary != nullptr, "the component loads");
-    const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
-    void* myObject = nullptr;
-    bench::Require(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject) == S_OK, "it has its class");
-    auto* myFactory = static_cast<IClassFactory*>(myObject);
-    bench::Require(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject) == S_OK, "it makes its object");
-    return *static_cast<QelPlugin*>(myObject);
 }
 
 /// What comes next, once, when the preview has been painted with all that is painted together with it.
@@ -162,7 +147,10 @@ int main(int myCount, char** myArguments)
     bench::Require(myCount > 1, "usage: bench_dialog STAGE [--json]");
     if (myCount == 3 && std::string_view(myArguments[1]) == "--once")
     {
-        std::printf("%" PRId64 "\n", int64_t{Open(OpenComponent(myArguments[2])).time_since_epoch().count()});
+        std::printf("%" PRId64 "\n",
+                    int64_t{Open(bench::OpenComponent(fs::path(myArguments[2]) / "QelPluginAnimation.so"))
+                                .time_since_epoch()
+                                .count()});
         return 0;
     }
     const bench::Bench myBench(myCount - 1, myArguments + 1);
@@ -178,7 +166,7 @@ int main(int myCount, char** myArguments)
     OpenInAProcess(myFolder.Path());
     myBench.Record("dialog of 200 folders of 500 motifs, from a process's start",
                    MedianOf([&] { return OpenInAProcess(myFolder.Path()); }), "ms", 150);
-    QelPlugin& myPlugin = OpenComponent(myFolder.Path());
+    QelPlugin& myPlugin = bench::OpenComponent(myFolder.Path() / "QelPluginAnimation.so");
     Open(myPlugin);
     const auto OpenAgain = [&]
     {

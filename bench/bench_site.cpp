@@ -1,10 +1,7 @@
 // A site of 1,000 pages built by qelhost, against a plain program that writes the same pages and copies the same files;
 // and how long opening the component takes. Arguments: STAGE, then those of every comparison.
-#include "com/qelcom.h"
-#include "com/QelHelperInterfaces.h"
-#include "compare.h"
+#include "OpenComponent.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -108,18 +105,11 @@ void Do(const Work& myWork, const fs::path& myTarget)
 }
 
 /// Opens the component in this process, reads one text, and gives the milliseconds that took.
-double OpenComponent(const fs::path& myFile)
+double TimeToOpen(const fs::path& myFile)
 {
     const auto myStart = std::chrono::steady_clock::now();
-    void* myLibrary = dlopen(myFile.c_str(), RTLD_NOW | RTLD_LOCAL);
-    bench::Require(myLibrary != nullptr, "the component loads");
-    const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
-    void* myObject = nullptr;
-    bench::Require(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject) == S_OK, "it has its class");
-    auto* myFactory = static_cast<IClassFactory*>(myObject);
-    bench::Require(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject) == S_OK, "it makes its object");
     BSTR myText = nullptr;
-    bench::Require(static_cast<QelPlugin*>(myObject)->get_TextSettings(&myText) == S_OK, "it gives its text");
+    bench::Require(bench::OpenComponent(myFile).get_TextSettings(&myText) == S_OK, "it gives its text");
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - myStart).count();
 }
 
@@ -131,7 +121,7 @@ double OpenInAProcess(const fs::path& myFile)
     const pid_t myChild = fork();
     if (myChild == 0)
     {
-        const double myTime = OpenComponent(myFile);
+        const double myTime = TimeToOpen(myFile);
         _exit(write(myEnds[1], &myTime, sizeof myTime) == sizeof myTime ? 0 : 1);
     }
     double theTime = 0;
