@@ -138,8 +138,9 @@ int main(int myCount, char** myArguments)
 {
     bench::Require(myCount > 1, "usage: bench_site STAGE [--json] [--runs N]");
     const bench::Bench myBench(myCount - 1, myArguments + 1);
-    const fs::path myStage = fs::absolute(myArguments[1]);
     const bench::WorkFolder myFolder;
+    const fs::path myStage = myFolder / "stage";
+    fs::copy(myArguments[1], myStage, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
     fs::create_directory(myFolder / "tmp");
     fs::permissions(myFolder / "tmp", fs::perms::owner_all);
     setenv("TMPDIR", (myFolder / "tmp").c_str(), 1);
@@ -162,9 +163,10 @@ int main(int myCount, char** myArguments)
     Do(myWork, myPlain);
     Run("diff -r '" + myBuild.string() + "' '" + myPlain.string() + "'");
     myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0,
-                    {[&]
+                    {[&] { Run(myCommand); },
+                     [&]
                      {
-                         Run(myCommand);
+                         fs::remove_all(myBuild);
                      }},
                     {[&] { Do(myWork, myPlain); },
                      [&]

@@ -115,38 +115,53 @@ void Connection::Fail(int myCode) const
     throw Failure(myFilename.string() + ": " + (myAdvice.empty() ? std::string(myReason) : myAdvice));
 }
 
-void Statement::Finisher::operator()(sqlite3_stmt* theHandle) const
+void Connection::Finisher::operator()(sqlite3_stmt* theStatement) const
 {
-    sqlite3_finalize(theHandle);
+    sqlite3_finalize(theStatement);
 }
 
-Statement::Statement(const Connection& theConnection, std::string_view mySQL, std::initializer_list<Value> myValues)
-    : myConnection(theConnection)
+Connection::Statements::node_type Connection::Prepared(std::string_view mySQL)
 {
+    if (const auto myIdle = myIdleStatements.find(mySQL); myIdle != myIdleStatements.end())
+    {
+        return myIdleStatements.extract(myIdle);
+    }
     sqlite3_stmt* theHandle = nullptr;
-    const int myResult = sqlite3_prepare_v2(myConnection.myHandle.get(), mySQL.data(), static_cast<int>(mySQL.size()),
-                                            &theHandle, nullptr);
+    const int myResult = sqlite3_prepare_v3(myHandle.get(), mySQL.data(), static_cast<int>(mySQL.size()),
+                                            SQLITE_PREPARE_PERSISTENT, &theHandle, nullptr);
     if (myResult != SQLITE_OK)
     {
-        myConnection.Fail(myResult);
+        Fail(myResult);
     }
-    myHandle.reset(theHandle);
+    return myIdleStatements.extract(myIdleStatements.emplace(mySQL, theHandle));
+}
+
+Statement::Statement(Connection& theConnection, std::string_view mySQL, std::initializer_list<Value> myValues)
+    : myConnection(theConnection), myStatement(theConnection.Prepared(mySQL))
+{
     Bind(myValues);
+}
+
+Statement::~Statement()
+{
+    sqlite3_reset(Handle());
+    sqlite3_clear_bindings(Handle());
+    myConnection.myIdleStatements.insert(std::move(myStatement));
 }
 
 void Statement::Bind(std::initializer_list<Value> myValues)
 {
-    sqlite3_reset(myHandle.get());
+    sqlite3_reset(Handle());
     int myIndex = 0;
     for (const Value& myValue : myValues)
     {
-        BindValue(myHandle.get(), ++myIndex, myValue);
+        BindValue(Handle(), ++myIndex, myValue);
     }
 }
 
 bool Statement::Next()
 {
-    const int myResult = sqlite3_step(myHandle.get());
+    const int myResult = sqlite3_step(Handle());
     if (myResult != SQLITE_ROW && myResult != SQLITE_DONE)
     {
         myConnection.Fail(myResult);
@@ -156,13 +171,13 @@ bool Statement::Next()
 
 int64_t Statement::Number(int myColumn) const
 {
-    return sqlite3_column_int64(myHandle.get(), myColumn);
+    return sqlite3_column_int64(Handle(), myColumn);
 }
 
 std::string Statement::Text(int myColumn) const
 {
-    const void* myBytes = sqlite3_column_blob(myHandle.get(), myColumn);
-    const auto mySize = static_cast<std::size_t>(sqlite3_column_bytes(myHandle.get(), myColumn));
+    const void* myBytes = sqlite3_column_blob(Handle(), myColumn);
+    const auto mySize = static_cast<std::size_t>(sqlite3_column_bytes(Handle(), myColumn));
     return myBytes == nullptr ? std::string() : std::string(static_cast<const char*>(myBytes), mySize);
 }
 

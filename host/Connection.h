@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -56,17 +57,29 @@ private:
         void operator()(sqlite3* myHandle) const;
     };
 
+    struct Finisher
+    {
+        void operator()(sqlite3_stmt* myStatement) const;
+    };
+    using Statements = std::multimap<std::string, std::unique_ptr<sqlite3_stmt, Finisher>, std::less<>>;
+
     [[noreturn]] void Fail(int myCode) const;
+    Statements::node_type Prepared(std::string_view mySQL);
 
     std::filesystem::path myFilename;
     std::unique_ptr<sqlite3, Closer> myHandle;
+    Statements myIdleStatements; ///< prepared and not in use, by their text
 };
 
-/// A prepared statement with its values. Order of calls: Next, and while it gives true the columns, from 0.
+/// A prepared statement with its values. Order of calls: Next, and while it gives true the columns, from 0. It is
+/// prepared once for all that use the same text on one connection, which must outlive them.
 class Statement
 {
 public:
-    Statement(const Connection& myConnection, std::string_view mySQL, std::initializer_list<Value> myValues = {});
+    Statement(Connection& myConnection, std::string_view mySQL, std::initializer_list<Value> myValues = {});
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+    ~Statement();
 
     /// Starts the statement again with other values.
     void Bind(std::initializer_list<Value> myValues);
@@ -79,13 +92,10 @@ public:
     std::string Text(int myColumn) const;
 
 private:
-    struct Finisher
-    {
-        void operator()(sqlite3_stmt* myHandle) const;
-    };
+    sqlite3_stmt* Handle() const { return myStatement.mapped().get(); }
 
-    const Connection& myConnection;
-    std::unique_ptr<sqlite3_stmt, Finisher> myHandle;
+    Connection& myConnection;
+    Connection::Statements::node_type myStatement;
 };
 
 /// What runs between its making and Commit happens together or, without Commit, not at all.

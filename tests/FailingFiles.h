@@ -45,13 +45,17 @@ public:
     std::vector<Text> List(TextView f, Listing l) override { return Do(myFiles, &Files::List, f, l); }
     void DemandOwnFolder(TextView f) override { Do(myFiles, &Files::DemandOwnFolder, f); }
     Text TemporaryPath() override { return myFiles.TemporaryPath(); }
-    std::unique_ptr<FolderMemory> RememberFolders() override { return myFiles.RememberFolders(); }
+    std::unique_ptr<FolderMemory> RememberFolders(Memory myMemory) override
+    {
+        return myFiles.RememberFolders(myMemory);
+    }
 
 private:
     struct Input final : InputFile
     {
         Input(FailingFiles& theOwner, std::unique_ptr<InputFile> f) : My(theOwner), Real(std::move(f)) {}
         int64_t Length() override { return My.Do(*Real, &InputFile::Length); }
+        std::optional<FileVersion> Version() override { return Real->Version(); }
         int64_t Position() override { return Real->Position(); }
         void Read(std::span<std::byte> b) override { My.Do(*Real, &InputFile::Read, b); }
         void Skip(int64_t n) override { My.Do(*Real, &InputFile::Skip, n); }

@@ -84,7 +84,7 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
     }
     for (const bool myRemembers : {false, true})
     {
-        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
+        const auto myMemory = myRemembers ? myFiles.RememberFolders(Memory::Passing) : nullptr;
         for (const auto& [myAsked, myFound] : {std::pair<TextView, const char*>(u"Img\\Logo.GIF", "Img/Logo.GIF"),
                                                {u"img\\\\..\\.\\IMG/LOGO.gif", "Img/Logo.GIF"},
                                                {u"IMG/áRBOL.TXT", "Img/\xC3\x81rbol.txt"},
@@ -108,9 +108,9 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
 TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
 {
     myFolder.MakeFolder("Sub");
-    const auto myOuter = myFiles.RememberFolders();
+    const auto myOuter = myFiles.RememberFolders(Memory::Passing);
     {
-        const auto myInner = myFiles.RememberFolders();
+        const auto myInner = myFiles.RememberFolders(Memory::Passing);
         WriteAll(u"SUB\\New.txt", "1");
     }
     WriteAll(u"sub\\NEW.TXT", "2"); // another way of writing the same folder
@@ -132,6 +132,51 @@ TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
     EXPECT_EQ(myFolder.Read("Sub/NEW.txt"), "6");
     Link("../outside", "Sub/link");
     EXPECT_EQ(Try(&Files::OpenForWriting, u"sub\\link"), PathAccess); // a link is not followed out, though
+}
+
+TEST_F(FilesTest, WhatOthersDoBetweenLastingMemoriesIsSeen)
+{
+    const auto WriteAndRead = [&](TextView myName, const char* myExpected)
+    {
+        const auto myMemory = myFiles.RememberFolders(Memory::Lasting);
+        WriteAll(myName, "ours");
+        EXPECT_EQ(myFolder.Read(myExpected), "ours") << myExpected;
+    };
+    myFolder.MakeFolder("out");
+    myFolder.MakeFolder("out/images");
+    WriteAndRead(u"out/images/first", "out/images/first");
+
+    myFolder.Write("out/images/MADE", "");
+    WriteAndRead(u"out/images/made", "out/images/MADE");
+    fs::rename(myFolder.Native("out/images/MADE"), myFolder.Native("out/images/Moved"));
+    WriteAndRead(u"out/images/made", "out/images/made");
+    WriteAndRead(u"out/images/moved", "out/images/Moved");
+    fs::remove(myFolder.Native("out/images/Moved"));
+    WriteAndRead(u"out/images/moved", "out/images/moved");
+    fs::rename(myFolder.Native("out/images/moved"), myFolder.Native("out/images/moved2"));
+    fs::rename(myFolder.Native("out/images/moved2"), myFolder.Native("out/images/MOVED"));
+    WriteAndRead(u"out/images/moved", "out/images/MOVED");
+
+    // The folder itself moves, on its own or with the one around it, and another takes its place.
+    myFolder.MakeFolder("other");
+    fs::rename(myFolder.Native("out/images"), myFolder.Native("other/Images"));
+    WriteAndRead(u"other/images/MADE", "other/Images/made");
+    fs::rename(myFolder.Native("other"), myFolder.Native("another"));
+    WriteAndRead(u"another/Images/Made", "another/Images/made");
+    EXPECT_FALSE(myFolder.Exists("other"));
+    fs::remove_all(myFolder.Native("another/Images"));
+    myFolder.MakeFolder("another/Images");
+    WriteAndRead(u"another/Images/Made", "another/Images/Made");
+    EXPECT_FALSE(myFolder.Exists("another/Images/made"));
+
+    // More than the system keeps in its queue.
+    for (int i = 0; i < 20'000; ++i)
+    {
+        myFolder.Write("another/Images/much", "");
+        fs::remove(myFolder.Native("another/Images/much"));
+    }
+    myFolder.Write("another/Images/LAST", "");
+    WriteAndRead(u"another/Images/last", "another/Images/LAST");
 }
 
 TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
@@ -156,7 +201,7 @@ TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
                    {FileNotFound, 0, {u"none"}}};
     for (const bool myRemembers : {false, true})
     {
-        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
+        const auto myMemory = myRemembers ? myFiles.RememberFolders(Memory::Passing) : nullptr;
         for (const auto& [myReading, myWriting, myNames] : myCases)
         {
             for (const Text& myName : myNames)

@@ -11,11 +11,24 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
 namespace qel
 {
+
+/// What tells one state of a file's content from every other, its own and that of any other file.
+struct FileVersion
+{
+    uint64_t Device;
+    uint64_t Number;
+    int64_t Length;
+    int64_t ChangeSeconds;
+    int64_t ChangeNanoseconds;
+
+    bool operator==(const FileVersion&) const = default;
+};
 
 /// A plain file that is open for reading.
 class InputFile
@@ -25,6 +38,9 @@ public:
 
     /// The file's length in bytes at this moment. Error 57: the system cannot tell.
     virtual int64_t Length() = 0;
+
+    /// Nothing while the last change is so recent that another might look the same. No error.
+    virtual std::optional<FileVersion> Version() = 0;
 
     /// The number of bytes from the start of the file to the next byte that is read.
     virtual int64_t Position() = 0;
@@ -55,6 +71,13 @@ class FolderMemory
 {
 public:
     virtual ~FolderMemory() = default;
+};
+
+/// How long a FolderMemory lasts.
+enum class Memory
+{
+    Passing, ///< nothing is kept beyond it
+    Lasting  ///< the next one need not read a folder again where the system tells of all that others change there
 };
 
 /// What a listing yields.
@@ -116,8 +139,9 @@ public:
     virtual Text TemporaryPath() = 0;
 
     /// Until the result goes, a folder is read at most once for lookups without regard to case, and what this object
-    /// makes and deletes there is kept up with. For an operation that touches many files; nesting is allowed.
-    virtual std::unique_ptr<FolderMemory> RememberFolders() = 0;
+    /// makes and deletes there is kept up with. For an operation that touches many files; nesting is allowed, and the
+    /// outermost one's argument holds.
+    virtual std::unique_ptr<FolderMemory> RememberFolders(Memory myMemory) = 0;
 };
 
 } // namespace qel

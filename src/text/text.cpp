@@ -169,10 +169,16 @@ Text ReplaceAll(TextView myText, TextView myOld, TextView myNew)
     size_t myPosition = 0;
     if (!myOld.empty())
     {
-        for (size_t myFound = 0; (myFound = myText.find(myOld, myPosition)) != TextView::npos;)
+        for (size_t myFound = 0; (myFound = Find(myText, myOld.front(), myFound)) != TextView::npos;)
         {
+            if (!myText.substr(myFound).starts_with(myOld))
+            {
+                ++myFound;
+                continue;
+            }
             theResult.append(myText, myPosition, myFound - myPosition).append(myNew);
-            myPosition = myFound + myOld.size();
+            myFound += myOld.size();
+            myPosition = myFound;
         }
     }
     return theResult.append(myText, myPosition);

@@ -93,7 +93,7 @@ std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEnt
 class Remembering final : public FolderMemory
 {
 public:
-    explicit Remembering(PathFinder& myPathFinder) : myFinder(myPathFinder) { myFinder.Remember(); }
+    Remembering(PathFinder& myPathFinder, Memory myMemory) : myFinder(myPathFinder) { myFinder.Remember(myMemory); }
     Remembering(const Remembering&) = delete;
     Remembering& operator=(const Remembering&) = delete;
     ~Remembering() override { myFinder.Forget(); }
@@ -358,9 +358,9 @@ Text LinuxFiles::TemporaryPath()
     return !thePath || thePath->empty() ? Text() : *std::move(thePath) + u"\\";
 }
 
-std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders()
+std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders(Memory myMemory)
 {
-    return std::make_unique<Remembering>(myFinder);
+    return std::make_unique<Remembering>(myFinder, myMemory);
 }
 
 } // namespace qel

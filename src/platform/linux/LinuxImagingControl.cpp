@@ -14,16 +14,15 @@ namespace
 
 constexpr int64_t LongestFile = int64_t{256} * 1024 * 1024;
 
-std::vector<uint8_t> WholeFile(Files& myFiles, TextView myFilename)
+std::vector<uint8_t> WholeFile(InputFile& myFile)
 {
-    const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
-    const int64_t myLength = myFile->Length();
+    const int64_t myLength = myFile.Length();
     if (myLength > LongestFile)
     {
         Raise(ErrorNumber::InvalidPicture);
     }
     std::vector<uint8_t> theBytes(static_cast<size_t>(myLength));
-    myFile->Read(std::as_writable_bytes(std::span(theBytes)));
+    myFile.Read(std::as_writable_bytes(std::span(theBytes)));
     return theBytes;
 }
 
@@ -56,8 +55,17 @@ public:
     void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) override
     {
         DemandSettings(myBitsPerPixel == 24 && myFirstPage == 1 && myPages == 1);
-        myPicture.reset();
-        myPicture = ReadPicture(WholeFile(myFiles, myFilename));
+        std::unique_ptr<Picture> myFormer = std::move(myPicture);
+        const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
+        const std::optional<FileVersion> myVersion = myFile->Version();
+        if (myFormer && myVersion && myVersion == myLoadedVersion)
+        {
+            myPicture = std::move(myFormer); // the pages of a site most often have one motif
+            return;
+        }
+        myFormer.reset();
+        myPicture = ReadPicture(WholeFile(*myFile));
+        myLoadedVersion = myVersion;
     }
 
     float BitmapWidth() override { return static_cast<float>(Current().Width()); }
@@ -72,15 +80,15 @@ public:
         DemandSettings(myColumns > 0 && myRows > 0 && int64_t{myColumns} * myRows <= MostPixels);
         if (myColumns != mySource.Width() || myRows != mySource.Height())
         {
-            myPicture = std::make_unique<PlainPicture>(Resample(mySource.Pixels(myColumns, myRows), myColumns, myRows),
-                                                       mySource.Animated());
+            ReplacePicture(std::make_unique<PlainPicture>(
+                Resample(mySource.Pixels(myColumns, myRows), myColumns, myRows), mySource.Animated()));
         }
     }
 
     void ReduceColors(int16_t myBitsPerPixel, int16_t myPalette, int16_t myDither, int16_t myColours) override
     {
         DemandSettings(myBitsPerPixel == 8 && myPalette == 2 && myDither == 0 && myColours == 0);
-        myPicture = ReduceToPalette(CurrentPicture(), Current().Animated());
+        ReplacePicture(ReduceToPalette(CurrentPicture(), Current().Animated()));
     }
 
     void Save(TextView myFilename, int16_t myFormat, int16_t myBitsPerPixel, int16_t myQuality,
@@ -110,8 +118,16 @@ private:
         return *myPicture;
     }
 
+    /// Puts another picture in the place of the one that was loaded.
+    void ReplacePicture(std::unique_ptr<Picture> myOther)
+    {
+        myPicture = std::move(myOther);
+        myLoadedVersion.reset();
+    }
+
     Files& myFiles;
     std::unique_ptr<Picture> myPicture;
+    std::optional<FileVersion> myLoadedVersion; ///< of the file that the picture is as it stands
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "platform/linux/SystemErrors.h"
 #include "text/encodings.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <sys/stat.h>
 
@@ -75,24 +76,30 @@ std::string FindByReading(FolderReader& myReader, std::string_view myName)
 // The names of twins differ only in letters that have a lower case. None of these is half of a surrogate pair, so the
 // order of their bytes is the order of their character codes.
 
+FolderNames::Map::const_iterator FolderNames::FindExactly(const Text& myLowerCase, std::string_view myName) const
+{
+    const auto [myFirst, myEnd] = myNames.equal_range(myLowerCase);
+    const auto theFound = std::find_if(myFirst, myEnd, [&](const auto& n) { return n.second == myName; });
+    return theFound == myEnd ? myNames.end() : theFound;
+}
+
 void FolderNames::Add(std::string_view myName)
 {
     if (const std::optional<Text> myText = FromUtf8Exactly(myName))
     {
-        myNames.emplace(LowerCase(*myText), myName);
+        Text myLowerCase = LowerCase(*myText);
+        if (FindExactly(myLowerCase, myName) == myNames.end())
+        {
+            myNames.emplace(std::move(myLowerCase), myName);
+        }
     }
 }
 
 void FolderNames::Remove(std::string_view myName)
 {
-    const auto [myFirst, myEnd] = myNames.equal_range(LowerCase(FromUtf8(myName)));
-    for (auto i = myFirst; i != myEnd; ++i)
+    if (const auto myFound = FindExactly(LowerCase(FromUtf8(myName)), myName); myFound != myNames.end())
     {
-        if (i->second == myName)
-        {
-            myNames.erase(i);
-            return;
-        }
+        myNames.erase(myFound);
     }
 }
 
@@ -148,7 +155,7 @@ Place PathFinder::Find(const std::string& myPath)
     {
         const std::string* const myName = myNames->Find(myParts.Name);
         myFound = myName != nullptr ? *myName : std::string();
-        myFolder = myNames->Path();
+        myFolder = myNames->Path;
     }
     const bool myIsThere = !myFound.empty();
     return {myFolder.append(myIsThere ? myFound : myParts.Name).append(myParts.Tail),
@@ -183,20 +190,23 @@ FolderNames& PathFinder::ReadNames(std::string_view mySpelling, const std::strin
     auto myPosition = myFolders.find(myKey);
     if (myPosition == myFolders.end())
     {
-        FolderNames myNames(myFolder);
+        FolderNames myNames;
+        // What changes between this and the end of the reading is told as well, and counts once.
+        myNames.Watch = myOutermost == Memory::Lasting ? myWatch.Begin(myReader.Handle()) : std::nullopt;
         while (const dirent* const myEntry = myReader.Next())
         {
             myNames.Add(myEntry->d_name);
         }
         myPosition = myFolders.emplace(myKey, std::move(myNames)).first;
     }
+    myPosition->second.Path = myFolder;
     mySpellings.emplace(mySpelling, &myPosition->second);
     return myPosition->second;
 }
 
 FolderNames* PathFinder::NamesAround(std::string_view myPath)
 {
-    if (myFolders.empty())
+    if (myRemembering == 0 || myFolders.empty())
     {
         return nullptr;
     }
@@ -215,17 +225,70 @@ FolderNames* PathFinder::NamesAround(std::string_view myPath)
     {
         return nullptr;
     }
+    myNames->second.Path = myFolder; // it may have been read by another path that leads there no longer
     mySpellings.emplace(myFolder, &myNames->second);
     return &myNames->second;
 }
 
+void PathFinder::Remember(Memory myMemory)
+{
+    if (myRemembering++ == 0)
+    {
+        myOutermost = myMemory;
+        CatchUp();
+    }
+}
+
 void PathFinder::Forget()
 {
+    constexpr size_t MostKept = 8;
     if (--myRemembering == 0)
     {
         mySpellings.clear();
-        myFolders.clear();
+        std::erase_if(myFolders, [](const auto& f) { return !f.second.Watch; });
+        if (myFolders.size() > MostKept)
+        {
+            ForgetAll();
+        }
     }
+}
+
+/// Makes the folders that are kept what they are by now.
+void PathFinder::CatchUp()
+{
+    const std::optional<std::vector<FolderChange>> myChanges = myWatch.TakeChanges();
+    if (!myChanges)
+    {
+        ForgetAll();
+        return;
+    }
+    for (const FolderChange& myChange : *myChanges)
+    {
+        const auto myFolder = std::find_if(myFolders.begin(), myFolders.end(),
+                                           [&](const auto& f) { return f.second.Watch == myChange.Watch; });
+        if (myFolder == myFolders.end())
+        {
+            continue;
+        }
+        if (myChange.Name.empty())
+        {
+            myFolders.erase(myFolder);
+        }
+        else if (myChange.IsThere)
+        {
+            myFolder->second.Add(myChange.Name);
+        }
+        else
+        {
+            myFolder->second.Remove(myChange.Name);
+        }
+    }
+}
+
+void PathFinder::ForgetAll()
+{
+    myFolders.clear();
+    myWatch.End();
 }
 
 void PathFinder::Made(std::string_view myPath)

@@ -4,7 +4,9 @@
 /// are alike, which is to say equal in lower case. Paths are in the system's form.
 #pragma once
 
+#include "platform/Files.h"
 #include "platform/linux/FolderReader.h"
+#include "platform/linux/FolderWatch.h"
 #include "text/text.h"
 
 #include <map>
@@ -36,18 +38,21 @@ struct Place
 class FolderNames
 {
 public:
-    explicit FolderNames(std::string myFolderPath) : myPath(std::move(myFolderPath)) {}
+    /// A path of the folder, ending in "/" unless it is the current folder, whose path is empty.
+    std::string Path;
+    std::optional<int> Watch; ///< its number among the folders that are watched
 
-    /// The folder's path, ending in "/" unless it is the current folder, whose path is empty.
-    const std::string& Path() const { return myPath; }
+    /// Adds a name unless it is there.
     void Add(std::string_view myName);
     void Remove(std::string_view myName);
     /// The name itself or the first one that is alike; null when there is none.
     const std::string* Find(std::string_view myName) const;
 
 private:
-    std::string myPath;
-    std::unordered_multimap<Text, std::string> myNames;
+    using Map = std::unordered_multimap<Text, std::string>;
+    Map::const_iterator FindExactly(const Text& myLowerCase, std::string_view myName) const;
+
+    Map myNames;
 };
 
 class PathFinder
@@ -61,8 +66,10 @@ public:
     /// fails the reader is not open and errno says why, with ENOENT and ENOTDIR for a folder that does not exist.
     FolderReader OpenFolder(std::string& theFolder);
 
-    /// From Remember to the Forget that belongs to it the names of a folder are read at most once. They nest.
-    void Remember() { ++myRemembering; }
+    /// From Remember to the Forget that belongs to it the names of a folder are read at most once. They nest. Folders
+    /// that an outermost `Memory::Lasting` has read are kept beyond it, for as long as the system tells of every
+    /// change.
+    void Remember(Memory myMemory);
     void Forget();
 
     /// True when the names of the folder that the path's last part lies in have been read already.
@@ -75,8 +82,12 @@ public:
 private:
     FolderNames* NamesAround(std::string_view myPath);
     FolderNames& ReadNames(std::string_view mySpelling, const std::string& myFolder, FolderReader& myReader);
+    void CatchUp();
+    void ForgetAll();
 
     int myRemembering = 0;
+    Memory myOutermost = Memory::Passing;
+    FolderWatch myWatch;
     /// By device and number, so that every way of writing a folder's path leads to the same names.
     std::map<std::pair<dev_t, ino_t>, FolderNames> myFolders;
     std::map<std::string, FolderNames*, std::less<>> mySpellings;

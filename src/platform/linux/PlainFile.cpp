@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <ctime>
 #include <sys/file.h>
 
 namespace qel
@@ -97,6 +98,19 @@ int64_t PlainInputFile::Length()
         Raise(ErrorNumber::DeviceError);
     }
     return myFacts.st_size;
+}
+
+std::optional<FileVersion> PlainInputFile::Version()
+{
+    // The clock of file systems goes in ticks of some milliseconds, and that of another machine may differ from ours.
+    constexpr time_t SecondsToSettle = 2;
+    struct stat myFacts = {};
+    if (fstat(myFile.Handle(), &myFacts) != 0 || myFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle)
+    {
+        return std::nullopt;
+    }
+    return FileVersion{myFacts.st_dev, myFacts.st_ino, myFacts.st_size, myFacts.st_ctim.tv_sec,
+                       myFacts.st_ctim.tv_nsec};
 }
 
 void PlainInputFile::Read(std::span<std::byte> myTarget)

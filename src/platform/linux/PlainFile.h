@@ -33,6 +33,7 @@ public:
     explicit PlainInputFile(Descriptor myOpenFile) : myFile(std::move(myOpenFile)) {}
 
     int64_t Length() override;
+    std::optional<FileVersion> Version() override;
     int64_t Position() override { return myOffset - static_cast<int64_t>(myEnd - myNext); }
     void Read(std::span<std::byte> myTarget) override;
     void Skip(int64_t myCount) override;
