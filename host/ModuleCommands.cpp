@@ -22,7 +22,7 @@ constexpr const char* myArchiveHelp =
 std::string ReadScript(const std::filesystem::path& myFile)
 {
     std::string theScript = ReadWholeFile(myFile);
-    if (!FromUtf8Exactly(theScript))
+    if (!IsUtf8(theScript))
     {
         throw Failure("the script " + myFile.string() + " is not valid UTF-8; save it as UTF-8");
     }

@@ -47,7 +47,7 @@ PageText::PageText(std::string theContent) : myContent(std::move(theContent))
 {
     const bool myIsAscii = std::all_of(myContent.begin(), myContent.end(),
                                        [](char myByte) { return static_cast<signed char>(myByte) >= 0; });
-    myEncoding = myIsAscii ? Encoding::Ascii : FromUtf8Exactly(myContent) ? Encoding::Utf8 : Encoding::Windows1252;
+    myEncoding = myIsAscii ? Encoding::Ascii : IsUtf8(myContent) ? Encoding::Utf8 : Encoding::Windows1252;
     constexpr std::string_view myOpening = "<!--";
     constexpr std::string_view myClosing = "-->";
     std::size_t myEnd = 0;

@@ -77,7 +77,7 @@ void DemandSuited(RecordKind myKind, const RecordChange& myChange)
     }
     for (const auto& myText : {myChange.Title, myChange.Address})
     {
-        if (myText && !FromUtf8Exactly(*myText))
+        if (myText && !IsUtf8(*myText))
         {
             throw UsageFailure("a title or address is not valid UTF-8; check the terminal's encoding");
         }

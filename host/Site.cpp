@@ -72,7 +72,7 @@ void DemandPageName(std::string_view myName)
 
 void DemandTitle(std::string_view myTitle)
 {
-    if (!FromUtf8Exactly(myTitle))
+    if (!IsUtf8(myTitle))
     {
         throw UsageFailure("the title is not valid UTF-8; check the terminal's encoding");
     }

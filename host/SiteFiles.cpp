@@ -159,7 +159,7 @@ std::string NameProblem(std::string_view myName)
     {
         return "it begins with a full stop";
     }
-    if (!FromUtf8Exactly(myName))
+    if (!IsUtf8(myName))
     {
         return "it is not valid UTF-8";
     }

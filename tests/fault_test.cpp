@@ -208,7 +208,16 @@ protected:
         std::string OnAFullDisk;
     };
 
-    static auto OpenFiles() { return std::distance(fs::directory_iterator("/proc/self/fd"), {}); }
+    /// Files alone: what the system tells of folders comes through a descriptor that stays.
+    static auto OpenFiles()
+    {
+        return std::count_if(fs::directory_iterator("/proc/self/fd"), {},
+                             [](const fs::directory_entry& e)
+                             {
+                                 std::error_code myIgnored; // the folder's own descriptor is gone by now
+                                 return fs::read_symlink(e, myIgnored).string().starts_with('/');
+                             });
+    }
 
     /// Runs an operation on fresh files.
     std::string Run(const Operation& myOperation)

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <gif_lib.h>
 #include <gtest/gtest.h>
@@ -339,6 +341,42 @@ TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)
     }
     ExpectSize(MakeJpeg(16, 16, TJPF_CMYK, TJSAMP_444, 0, myInks), 16, 16);
     EXPECT_EQ(myControl->CurrentPicture().Pixels, myGrey);
+}
+
+TEST_F(PicturesTest, AFileIsShownAsItIsNowHoweverOftenItWasLoaded)
+{
+    const auto Expect = [&](float myWidth)
+    {
+        EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), 0);
+        EXPECT_EQ(myControl->BitmapWidth(), myWidth);
+    };
+    // Files that have been as they are for long, by way of a link that changes.
+    const std::filesystem::path myLibrary = QEL_TEST_DATA "/../../designs/QelPluginAnimationDesigns/Amor";
+    const std::filesystem::path myLink = myFolder.Native("picture.bmp");
+    std::filesystem::create_symlink(myLibrary / "Rosa.gif", myLink);
+    Expect(96);
+    Expect(96);
+    myControl->Resize(48, 70, 4);
+    Expect(96);
+    myControl->ReduceColors(8, 2, 0, 0);
+    myControl->Resize(48, 70, 4);
+    Expect(96);
+    std::filesystem::remove(myLink);
+    EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), ErrorNumber::FileNotFound);
+    EXPECT_EQ(ErrorOf([&] { myControl->BitmapWidth(); }), ErrorNumber::InvalidPicture);
+    std::filesystem::create_symlink(myLibrary / "Anillo.gif", myLink);
+    Expect(99);
+    // One that changes faster than the clock of its file system goes.
+    std::filesystem::remove(myLink);
+    const FileBytes myGif = MakeGif({.ScreenWidth = 40, .ScreenHeight = 30});
+    ASSERT_EQ(Load(myGif), 0);
+    for (char i = 0; i < 100; ++i)
+    {
+        std::fstream(myLink, std::ios::in | std::ios::out | std::ios::binary)
+            .seekp(6)
+            .put(static_cast<char>(40 + i % 2));
+        Expect(static_cast<float>(40 + i % 2));
+    }
 }
 
 TEST_F(PicturesTest, WhatCannotBeDoneIsRefusedAndChangesNothing)

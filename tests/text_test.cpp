@@ -119,10 +119,20 @@ TEST(Encodings, BrokenUtf8IsToldAndReplacedByteByByte)
     {
         EXPECT_EQ(FromUtf8("a" + std::string(myBroken) + "z"), u"a" + Text(myBroken.size(), 0xFFFD) + u"z");
         EXPECT_EQ(FromUtf8Exactly(myBroken), std::nullopt);
+        EXPECT_FALSE(IsUtf8("a" + std::string(myBroken)));
     }
     const std::string myBytes = "a\xC3\xB1\xE2\x82\xAC\xEF\xBB\xBF\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF";
     EXPECT_EQ(FromUtf8Exactly(myBytes), u"añ€\uFEFF\U0001F600\U0010FFFF");
     EXPECT_EQ(ToUtf8Exactly(u"añ€\uFEFF\U0001F600\U0010FFFF"), myBytes);
+    EXPECT_TRUE(IsUtf8(myBytes) && IsUtf8(""));
+    for (size_t i = 0; i < 20; ++i) // the same wherever it stands among others
+    {
+        const std::string myAround(i, '\x7F');
+        const Text myWideAround(i, u'\x7F');
+        EXPECT_EQ(FromUtf8Exactly(myAround + "\xC2\x80" + myAround), myWideAround + u"\x80" + myWideAround) << i;
+        EXPECT_EQ(ToUtf8(myWideAround + u"\x80" + myWideAround), myAround + "\xC2\x80" + myAround) << i;
+        EXPECT_FALSE(IsUtf8(myAround + '\x80' + myAround)) << i;
+    }
     EXPECT_EQ(ToUtf8(Text{0xDE00, 0xD83D, 0xD83D, 0xDE00, 0xD83D}),
               "\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD");
     EXPECT_EQ(ToUtf8Exactly(Text{u'x', 0xD83D}), std::nullopt);

@@ -209,6 +209,20 @@ Text FromUtf8(std::string_view myBytes)
     return theText;
 }
 
+bool IsUtf8(std::string_view myBytes)
+{
+    for (myBytes.remove_prefix(LeadingAscii(myBytes)); !myBytes.empty(); myBytes.remove_prefix(LeadingAscii(myBytes)))
+    {
+        const size_t myLength = DecodeUtf8(myBytes).Length;
+        if (myLength == 0)
+        {
+            return false;
+        }
+        myBytes.remove_prefix(myLength);
+    }
+    return true;
+}
+
 std::optional<Text> FromUtf8Exactly(std::string_view myBytes)
 {
     Text theText;

@@ -20,6 +20,9 @@ std::optional<std::string> ToUtf8Exactly(TextView myText);
 /// The text of UTF-8 bytes. Each byte that is not part of a valid sequence becomes U+FFFD.
 Text FromUtf8(std::string_view myBytes);
 
+/// True when the bytes are valid UTF-8.
+bool IsUtf8(std::string_view myBytes);
+
 /// The text of UTF-8 bytes, or nothing when they are not valid UTF-8.
 std::optional<Text> FromUtf8Exactly(std::string_view myBytes);
 
