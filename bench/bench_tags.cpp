@@ -14,6 +14,7 @@ namespace
 
 using namespace qel;
 using namespace qel::bench;
+using namespace std::string_view_literals;
 
 constexpr size_t Megabyte = size_t{1} << 20;
 
@@ -64,12 +65,12 @@ void ReadScriptTags(TextView myScript, Sink mySink)
     IdleQueue myMessages;
     classScript myScanner(myMessages);
     myScanner.Prefix(u"pg.");
-    myScanner.Script(Text(myScript));
+    myScanner.Script(myScript);
     for (myScanner.GetNextTag(); myScanner.TagType() != TokenType::None; myScanner.GetNextTag())
     {
-        const bool myIsParam = myScanner.BaseTag() == u"param";
-        mySink(myScanner.QueryAttribute(myIsParam ? u"name" : u"uid"));
-        mySink(myScanner.QueryAttribute(myIsParam ? u"value" : u"version"));
+        const bool myIsParam = myScanner.BaseTag() == u"param"sv;
+        mySink(myScanner.QueryAttribute(myIsParam ? u"name"sv : u"uid"sv));
+        mySink(myScanner.QueryAttribute(myIsParam ? u"value"sv : u"version"sv));
     }
 }
 

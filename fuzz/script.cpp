@@ -23,7 +23,7 @@ void DemandWalk(TextView myText, TextView myPrefix)
 {
     classScript myScanner(myMessages);
     myScanner.Prefix(myPrefix);
-    myScanner.Script(Text(myText));
+    myScanner.Script(myText);
     size_t myCharacters = 0;
     int32_t myLine = 1;
     for (myScanner.GetNextTag(); myScanner.TagType() != TokenType::None; myScanner.GetNextTag())
@@ -44,7 +44,7 @@ ModuleSettings Read(TextView myText)
 {
     classScript myScanner(myMessages);
     myScanner.Prefix(u"pg.");
-    myScanner.Script(Text(myText));
+    myScanner.Script(myText);
     myScanner.GetNextTag();
     ModuleSettings theSettings;
     ReadScript(myScanner, theSettings);

@@ -65,6 +65,7 @@ TEST(Tag, ReadsEveryTextInItsDefinedWay)
         {u"t a=\tb c=\r\nd=1", u"t", {{u"a", u"\tb"}, {u"c", u"\r"}, {u"d", u"1"}}},
         {u"t a=\" 1\r\n\"b=\"2\"", u"t", {{u"a", u" 1\r\n"}, {u"b", u"2"}}},
         {u"t a=b=c d==\"e", u"t", {{u"a", u"b=c"}, {u"d", u"=\"e"}}},
+        {u"t longName=\"&amp;, and plain\" b=\"x&amp;", u"t", {{u"longname", u"&amp;, and plain"}, {u"b", u""}}},
         {u"t a='x' b='y z=1'", u"t", {{u"a", u"'x'"}, {u"b", u"'y"}, {u"z", u"1'"}}},
         {u"t a\"b=1 c\r\n\td=2", u"t", {{u"ab", u"1"}, {u"cd", u"2"}}},
         {u"t foo  bar =1 =x", u"t", {{u"foo  bar", u"1"}, {u"", u"x"}}},
@@ -84,7 +85,8 @@ TEST(Tag, ReadsEveryTextInItsDefinedWay)
         EXPECT_EQ(myFound, myAttributes) << ToUtf8(myText);
     }
     myTag.BaseTag(u"Other");
-    EXPECT_EQ(myTag.BaseTag() + myTag.Tag() + myTag.AttributeValue(2), u"Othert A=1 a=2 Ñ=ÑÑ") << "the name alone";
+    EXPECT_EQ(Text(myTag.BaseTag()).append(myTag.Tag()) + myTag.AttributeValue(2), u"Othert A=1 a=2 Ñ=ÑÑ")
+        << "the name alone";
 }
 
 TEST(Tag, EntriesOfAnEarlierTagEndWhereTheLastAttributePutTheBound)
@@ -125,7 +127,8 @@ TEST(Tag, QueryFindsTheFirstOfLikeNamesAmongAnyNumber)
     }
     myTag.Tag(myText);
     EXPECT_EQ(myTag.AttributeCount(), 255);
-    myTag.Tag(myText + u" last=v");
+    myText += u" last=v";
+    myTag.Tag(myText);
     EXPECT_EQ(ErrorOf([&] { myTag.AttributeCount(); }), ErrorNumber::Overflow);
     EXPECT_EQ(Text(myTag.QueryAttribute(u"A", false)).append(myTag.QueryAttribute(u"", false)), u"1x");
     const TextView myPlain = myTag.QueryAttribute(u"B", false);
@@ -150,7 +153,7 @@ using Token = std::tuple<int, Text, Text, int32_t>;
 
 Token CurrentToken(const classScript& myScript)
 {
-    return {static_cast<int>(myScript.TagType()), myScript.Tag(), Text(myScript.BaseTag()), myScript.TagLine()};
+    return {static_cast<int>(myScript.TagType()), Text(myScript.Tag()), Text(myScript.BaseTag()), myScript.TagLine()};
 }
 
 TEST(Script, IsWalkedTokenByToken)
@@ -202,7 +205,7 @@ TEST(Script, ReadsAttributesOfTagsAlone)
     CountingQueue myQueue;
     classScript myScript(myQueue);
     myScript.Prefix(u"pg.");
-    myScript.Script(u"</pg.a X=\"&lt;\" y=2>text");
+    myScript.Script(u"</pg.a X=\"&lt;\" y=2>\rtext");
     myScript.GetNextTag();
     EXPECT_EQ(myScript.AttributeCount(), 2);
     EXPECT_EQ(Text(myScript.AttributeName(0) + myScript.AttributeValue(0)).append(myScript.PlainText()), u"x&lt;");
@@ -212,8 +215,13 @@ TEST(Script, ReadsAttributesOfTagsAlone)
     EXPECT_EQ(myScript.AttributeCount(), 0);
     EXPECT_EQ(Text(myScript.AttributeName(-1) + myScript.AttributeValue(99)).append(myScript.QueryAttribute(u"x")),
               u"");
-    myScript.Script(u"<pg.other>");
-    EXPECT_EQ(myScript.PlainText(), u"text") << "setting a script leaves the current token";
+    myScript.Script(u"<pg.other>\r<pg.b z=3>");
+    EXPECT_EQ(CurrentToken(myScript), (Token{1, u"text", u"", 2})) << "setting a script leaves the current token";
+    myScript.GetNextTag();
+    EXPECT_EQ(myScript.AttributeCount(), 0);
+    EXPECT_EQ(myScript.AttributeValue(1), u"2") << "left by a tag of the script before";
+    myScript.GetNextTag();
+    EXPECT_EQ(CurrentToken(myScript), (Token{2, u"b z=3", u"b", 2})) << "lines count from the new script's start";
 }
 
 TEST(PluginFunctions, MakeTagsAndTellTruthValues)

@@ -47,6 +47,26 @@ struct CommaNumbers : std::numpunct<char>
     char do_decimal_point() const override { return ','; }
 };
 
+TEST(Text, FindLooksAtEveryUnitFromThePosition)
+{
+    for (size_t myLength = 1; myLength <= 35; ++myLength)
+    {
+        for (size_t myPlace = 0; myPlace < myLength; ++myPlace)
+        {
+            Text myText(myLength, u'\x41');
+            myText.back() = u'\x42';
+            myText[myPlace] = u'\x8041';
+            EXPECT_EQ(Find(myText, u'\x8041', Text::npos), Text::npos) << myLength;
+            for (size_t i = 0; i <= myLength + 1; ++i)
+            {
+                EXPECT_EQ(Find(myText, u'\x8041', i), myText.find(u'\x8041', i)) << myLength << " " << myPlace;
+                EXPECT_EQ(FindEither(myText, u'\x42', u'\x8041', i), myText.find_first_of(u"\x42\x8041", i))
+                    << myLength << " " << myPlace << " " << i;
+            }
+        }
+    }
+}
+
 TEST(Text, NumbersAreReadAndWrittenWithoutALocale)
 {
     const std::pair<TextView, double> myCases[] = {

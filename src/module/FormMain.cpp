@@ -91,7 +91,7 @@ void FormMain::Script(TextView myScript)
 {
     classScript myScanner(myPorts.messages);
     myScanner.Prefix(u"pg.");
-    myScanner.Script(Text(myScript));
+    myScanner.Script(myScript);
     myScanner.GetNextTag();
     ResetSettings();
     if (!ReadScript(myScanner, mySettings))

@@ -39,7 +39,8 @@ public:
     Text Script() const;
 
     /// Puts a stored module in hand: everything is reset but the link, then filled from the script. A script of another
-    /// format version leaves a module with nothing chosen, and the reason in ErrorText.
+    /// format version leaves a module with nothing chosen, and the reason in ErrorText. Window messages run meanwhile,
+    /// in which the text must not change.
     /// Error 6: a date out of range; what stands before it is in force.
     void Script(TextView myScript);
 

@@ -4,16 +4,15 @@
 #include "text/errors.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace qel
 {
 
-void classScript::Script(Text theScript)
+void classScript::Script(TextView theScript)
 {
-    myScript = std::move(theScript);
-    myPosition = 0;
-    myLine = 1;
+    CountLines();
+    myScript = theScript;
+    myPosition = myCounted = 0;
     myScanState = ScanState::PlainText;
 }
 
@@ -24,6 +23,10 @@ void classScript::GetBufferedTag(int32_t /*num*/)
 
 void classScript::GetNextTag()
 {
+    if (myPosition == 0)
+    {
+        myCurrentTag.Line = 1;
+    }
     ScanToken();
     myMessageQueue.ProcessPending();
 }
@@ -32,8 +35,12 @@ void classScript::GetNextTag()
 /// begins right behind its mark.
 void classScript::ScanToken()
 {
-    const size_t myStart = std::min(myScript.find_first_not_of(u"\r\n", myPosition), myScript.size());
-    Consume(myStart);
+    size_t myStart = myPosition;
+    while (myStart < myScript.size() && (myScript[myStart] == u'\r' || myScript[myStart] == u'\n'))
+    {
+        ++myStart;
+    }
+    myPosition = myStart;
     if (myScanState != ScanState::PlainText)
     {
         ScanTag(myStart);
@@ -63,7 +70,7 @@ bool classScript::ScanPlainText(size_t myStart)
     {
         myMark = myEnd = myScript.size();
     }
-    Consume(myEnd);
+    myPosition = myEnd;
     if (myMark == myStart && myScanState != ScanState::PlainText)
     {
         return false;
@@ -78,11 +85,11 @@ void classScript::ScanTag(size_t myStart)
     const size_t myEnd = Find(myScript, u'>', myStart);
     if (myEnd == TextView::npos)
     {
-        Consume(myScript.size());
+        myPosition = myScript.size();
         SetToken(TokenType::None, 0, 0);
         return;
     }
-    Consume(myEnd + 1);
+    myPosition = myEnd + 1;
     if (myPrefix.empty() && myScript[myStart] == u'/')
     {
         SetToken(TokenType::ClosingTag, myStart + 1, myEnd);
@@ -113,31 +120,25 @@ classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
 
 bool classScript::PrefixStandsAt(size_t myStart) const
 {
-    const TextView myText = TextView(myScript).substr(myStart, myPrefix.size());
+    const TextView myText = myScript.substr(myStart, myPrefix.size());
     return std::equal(myPrefix.begin(), myPrefix.end(), myText.begin(), myText.end(),
                       [](char16_t p, char16_t t) { return LowerCase(t) == p; });
 }
 
-void classScript::Consume(size_t myEnd)
+void classScript::CountLines() const
 {
-    for (; myPosition < myEnd; ++myPosition)
-    {
-        myLine += myScript[myPosition] == u'\r' ? 1 : 0;
-    }
+    const TextView myText = myScript.substr(myCounted, myPosition - myCounted);
+    myCurrentTag.Line += static_cast<int32_t>(std::count(myText.begin(), myText.end(), u'\r'));
+    myCounted = myPosition;
 }
 
 void classScript::SetToken(TokenType myType, size_t myStart, size_t myEnd)
 {
     myCurrentTag.Type = myType;
-    myCurrentTag.Line = myType == TokenType::None ? 0 : myLine;
-    const TextView myText = TextView(myScript).substr(myStart, myEnd - myStart);
+    myCurrentTag.Value = myScript.substr(myStart, myEnd - myStart);
     if (IsTag())
     {
-        myTagParser.Tag(myText);
-    }
-    else
-    {
-        myCurrentTag.Value = myText;
+        myTagParser.Tag(myCurrentTag.Value);
     }
 }
 
@@ -149,6 +150,12 @@ TextView classScript::PlainText() const
 TextView classScript::BaseTag() const
 {
     return IsTag() ? myTagParser.BaseTag() : TextView();
+}
+
+int32_t classScript::TagLine() const
+{
+    CountLines();
+    return TagType() == TokenType::None ? 0 : myCurrentTag.Line;
 }
 
 TextView classScript::QueryAttribute(TextView myAttribute, bool noUnquote) const

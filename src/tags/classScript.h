@@ -26,9 +26,10 @@ enum class TokenType : uint8_t
 /// One token of a script.
 struct ScriptTag
 {
-    Text Value; ///< plain text, or the inner text of a tag
+    TextView Value; ///< plain text, or the inner text of a tag
     TokenType Type = TokenType::None;
-    int32_t Line = 0; ///< the line that the token ends on, from 1; a line ends with a carriage return
+    /// The line that the token ends on, from 1, once it is counted; a line ends with a carriage return.
+    mutable int32_t Line = 0;
 };
 
 class classScript
@@ -38,13 +39,12 @@ public:
     explicit classScript(MessageQueue& myMessages) : myMessageQueue(myMessages) {}
 
     /// The text that marks a tag behind "<" or "</", in lower case; it is found in any case. With the empty prefix
-    /// every
-    /// "<" opens a tag.
+    /// every "<" opens a tag.
     void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
 
-    /// The script, to be walked from its start. It is kept, since window messages come in between and whoever owns the
-    /// text may change it then. The current token stays until GetNextTag.
-    void Script(Text theScript);
+    /// The script, to be walked from its start. It is not copied and must outlive the object, unchanged, also while
+    /// window messages come in between. The current token stays until GetNextTag.
+    void Script(TextView theScript);
 
     /// Makes a tag that was kept in advance the current token. Error 9: there is none of that number, as no operation
     /// of this class keeps any.
@@ -68,7 +68,7 @@ public:
     TextView BaseTag() const;
 
     /// The line that the token ends on; 0 when there is none.
-    int32_t TagLine() const { return myCurrentTag.Line; }
+    int32_t TagLine() const;
 
     /// See classTag.
     TextView QueryAttribute(TextView myAttribute, bool noUnquote = false) const;
@@ -81,7 +81,7 @@ public:
     Text AttributeValue(int32_t num) const;
 
     /// The token's text: plain text, or a tag's inner text.
-    const Text& Tag() const { return IsTag() ? myTagParser.Tag() : myCurrentTag.Value; }
+    TextView Tag() const { return myCurrentTag.Value; }
 
     /// QueryAttribute, unescaped.
     TextView ResolveAttribute(TextView myAttributeName) const { return QueryAttribute(myAttributeName); }
@@ -99,17 +99,17 @@ private:
     void ScanTag(size_t myStart);
     ScanState MarkAt(size_t myPosition, size_t& theEnd) const;
     bool PrefixStandsAt(size_t myPosition) const;
-    void Consume(size_t myEnd);
+    void CountLines() const;
     void SetToken(TokenType myType, size_t myStart, size_t myEnd);
     bool IsTag() const { return TagType() == TokenType::OpeningTag || TagType() == TokenType::ClosingTag; }
 
     MessageQueue& myMessageQueue;
     ScriptTag myCurrentTag;
     classTag myTagParser;
-    Text myScript;
+    TextView myScript;
     Text myPrefix;
-    size_t myPosition = 0; ///< how many characters are consumed
-    int32_t myLine = 0;
+    size_t myPosition = 0;        ///< how many characters are consumed
+    mutable size_t myCounted = 0; ///< how many of them `Line` takes in; it is counted when it is asked for
     ScanState myScanState = ScanState::PlainText;
 };
 

@@ -12,7 +12,8 @@ namespace
 
 bool IsSeparator(char16_t myCharacter)
 {
-    return myCharacter == u' ' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n';
+    return myCharacter <= u' ' &&
+           (myCharacter == u' ' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n');
 }
 
 /// True for the characters that never get into an attribute name; the blank does.
@@ -56,25 +57,22 @@ constexpr std::pair<TextView, char16_t> Entities[] = {
 
 } // namespace
 
-TextView classTag::Part(TextView myText, Span mySpan)
-{
-    return myText.substr(mySpan.Start, mySpan.Length);
-}
-
 void classTag::Tag(TextView theTag)
 {
-    if (myAttributeCount > 0)
-    {
-        myTag.swap(myFormerTag);
-    }
     myTag = theTag;
     myPlainValues.clear();
     const size_t myNameEnd = EndOfWord(myTag, 0);
-    myBaseTag.assign(myTag, 0, myNameEnd);
+    myBaseTag = myTag.substr(0, myNameEnd);
     ParseAttributes(myNameEnd + 1);
     if (myAttributeCount > 0)
     {
-        KeepEntryBehind(std::exchange(myTableCount, myAttributeCount));
+        myTableCount = myAttributeCount + 1;
+    }
+    // Each attribute found resizes the table, so that the entry behind them is new, unless the first one has cut the
+    // table down to itself and the entry behind.
+    if (myAttributeCount > 1)
+    {
+        myTable[myAttributeCount] = {};
     }
 }
 
@@ -88,65 +86,68 @@ void classTag::ParseAttributes(size_t myPosition)
         {
             ++myPosition;
         }
-        bool myNameIsClean = true;
         size_t myEquals = myPosition;
-        while (myEquals < myTag.size() && myTag[myEquals] != u'=')
+        while (myEquals < myTag.size() && IsSmallLetter(myTag[myEquals]))
         {
-            myNameIsClean &= IsSmallLetter(myTag[myEquals]);
             ++myEquals;
         }
-        if (myEquals >= myTag.size())
+        const bool myNameIsClean = myEquals < myTag.size() && myTag[myEquals] == u'=';
+        if (!myNameIsClean)
+        {
+            myEquals = Find(myTag, u'=', myEquals);
+        }
+        if (myEquals == TextView::npos)
         {
             return;
         }
-        if (myAttributeCount == myTable.size())
+        if (myTable.size() < myAttributeCount + 2)
         {
-            myTable.emplace_back();
+            myTable.resize(myAttributeCount + 2);
         }
         Attribute& myAttribute = myTable[myAttributeCount++];
-        myAttribute.Name = {myPosition, myEquals - myPosition};
+        myAttribute.Name = myTag.substr(myPosition, myEquals - myPosition);
         myAttribute.NameIsClean = myNameIsClean;
-        myAttribute.Plain.reset();
-        myPosition = ParseValue(myEquals + 1, myAttribute.Value);
+        myAttribute.PlainStart = TextView::npos;
+        myPosition = ParseValue(myEquals + 1, myAttribute);
     }
 }
 
 /// Reads a value and gives the position behind it. A quoted value without its closing mark stays empty.
-size_t classTag::ParseValue(size_t myPosition, Span& theValue) const
+size_t classTag::ParseValue(size_t myPosition, Attribute& theAttribute) const
 {
-    theValue = {};
-    myPosition = std::min(myTag.find_first_not_of(u' ', myPosition), myTag.size());
+    theAttribute.Value = {};
+    theAttribute.ValueIsPlain = false;
+    while (myPosition < myTag.size() && myTag[myPosition] == u' ')
+    {
+        ++myPosition;
+    }
     if (myPosition == myTag.size())
     {
         return myPosition;
     }
-    const bool myIsQuoted = myTag[myPosition] == u'"';
-    const size_t myStart = myIsQuoted ? myPosition + 1 : myPosition;
-    // The first character of a plain value belongs to it whatever it is.
-    const size_t myEnd = myIsQuoted ? myTag.find(u'"', myStart) : EndOfWord(myTag, myStart + 1);
-    if (myEnd == Text::npos)
+    size_t myStart = myPosition;
+    size_t myEnd = 0;
+    if (myTag[myStart] == u'"')
+    {
+        ++myStart;
+        myEnd = FindEither(myTag, u'"', u'&', myStart);
+        theAttribute.ValueIsPlain = myEnd != TextView::npos && myTag[myEnd] == u'"';
+        if (!theAttribute.ValueIsPlain)
+        {
+            myEnd = Find(myTag, u'"', myEnd);
+        }
+    }
+    else
+    {
+        // The first character belongs to the value whatever it is.
+        myEnd = EndOfWord(myTag, myStart + 1);
+    }
+    if (myEnd == TextView::npos)
     {
         return myTag.size();
     }
-    theValue = {myStart, myEnd - myStart};
+    theAttribute.Value = myTag.substr(myStart, myEnd - myStart);
     return myEnd + 1;
-}
-
-/// The table grows and shrinks with each attribute found, so that the entry behind them is new, unless the first one
-/// has cut the table down to itself and the entry behind. The table that was left had `myFormerCount` attributes in the
-/// former text.
-void classTag::KeepEntryBehind(size_t myFormerCount)
-{
-    if (myTableCount > 1)
-    {
-        myNameBehind.clear();
-        myValueBehind.clear();
-    }
-    else if (myFormerCount > 1)
-    {
-        myNameBehind = CleanName(Part(myFormerTag, myTable[1].Name));
-        myValueBehind = Part(myFormerTag, myTable[1].Value);
-    }
 }
 
 uint8_t classTag::AttributeCount() const
@@ -160,23 +161,32 @@ uint8_t classTag::AttributeCount() const
 
 Text classTag::AttributeName(int32_t num) const
 {
-    const size_t myIndex = DemandEntry(num);
-    return myIndex == myTableCount ? myNameBehind : CleanName(Part(TableText(), myTable[myIndex].Name));
+    return CleanName(DemandEntry(num).Name);
 }
 
 Text classTag::AttributeValue(int32_t num) const
 {
-    const size_t myIndex = DemandEntry(num);
-    return myIndex == myTableCount ? myValueBehind : Text(Part(TableText(), myTable[myIndex].Value));
+    return Text(DemandEntry(num).Value);
 }
 
-size_t classTag::DemandEntry(int32_t num) const
+const classTag::Attribute& classTag::DemandEntry(int32_t num) const
 {
-    if (num < 0 || myTableCount == 0 || static_cast<size_t>(num) > myTableCount)
+    if (num < 0 || static_cast<size_t>(num) >= myTableCount)
     {
         Raise(ErrorNumber::SubscriptOutOfRange);
     }
-    return static_cast<size_t>(num);
+    return myTable[static_cast<size_t>(num)];
+}
+
+inline bool classTag::IsNamed(const Attribute& myAttribute, TextView myWanted)
+{
+    const TextView myName = myAttribute.Name;
+    if (!myAttribute.NameIsClean)
+    {
+        return CleanName(myName) == LowerCase(myWanted);
+    }
+    return std::equal(myName.begin(), myName.end(), myWanted.begin(), myWanted.end(),
+                      [](char16_t n, char16_t w) { return n == w || n == LowerCase(w); });
 }
 
 TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
@@ -185,8 +195,7 @@ TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
     {
         if (IsNamed(myTable[i], theAttribute))
         {
-            const TextView myValue = Part(myTag, myTable[i].Value);
-            return noUnquote || myValue.find(u'&') == TextView::npos ? myValue : PlainValue(myTable[i]);
+            return noUnquote || myTable[i].ValueIsPlain ? myTable[i].Value : PlainValue(myTable[i]);
         }
     }
     return {};
@@ -194,26 +203,16 @@ TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
 
 TextView classTag::PlainValue(const Attribute& myAttribute) const
 {
-    if (!myAttribute.Plain)
+    if (myAttribute.PlainStart == TextView::npos)
     {
         // Unescaping makes no text longer.
         myPlainValues.reserve(myTag.size());
-        const Text myValue = UnQuote(Part(myTag, myAttribute.Value));
-        myAttribute.Plain = {myPlainValues.size(), myValue.size()};
+        const Text myValue = UnQuote(myAttribute.Value);
+        myAttribute.PlainStart = myPlainValues.size();
+        myAttribute.PlainLength = myValue.size();
         myPlainValues += myValue;
     }
-    return Part(myPlainValues, *myAttribute.Plain);
-}
-
-bool classTag::IsNamed(const Attribute& myAttribute, TextView myWanted) const
-{
-    const TextView myName = Part(myTag, myAttribute.Name);
-    if (!myAttribute.NameIsClean)
-    {
-        return CleanName(myName) == LowerCase(myWanted);
-    }
-    return std::equal(myWanted.begin(), myWanted.end(), myName.begin(), myName.end(),
-                      [](char16_t w, char16_t n) { return LowerCase(w) == n; });
+    return TextView(myPlainValues).substr(myAttribute.PlainStart, myAttribute.PlainLength);
 }
 
 Text classTag::UnQuote(TextView myText)

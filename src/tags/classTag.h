@@ -1,14 +1,14 @@
 /// Splits the inner text of one tag, without its opening mark and ">", into a tag name and attributes.
 ///
-/// No text is an error: malformed input has a defined reading. Attribute names are kept in lower case and without
+/// No text is an error: malformed input has a defined reading. Attribute names are given in lower case and without
 /// blanks at their ends, values as they stand, still escaped. Attributes count from 0. One object serves many tags and
-/// reuses its memory. An object is used by one thread at a time.
+/// reuses its memory. Texts that are written are not copied: each must stay as long as the object is asked for anything
+/// of it. An object is used by one thread at a time.
 #pragma once
 
 #include "text/text.h"
 
 #include <cstddef>
-#include <optional>
 #include <vector>
 
 namespace qel
@@ -18,13 +18,13 @@ class classTag
 {
 public:
     /// The text last written, unchanged.
-    const Text& Tag() const { return myTag; }
+    TextView Tag() const { return myTag; }
 
-    /// Stores the text and parses it at once.
+    /// Keeps the text and parses it at once.
     void Tag(TextView theTag);
 
     /// The tag name, in the case of the text.
-    const Text& BaseTag() const { return myBaseTag; }
+    TextView BaseTag() const { return myBaseTag; }
 
     /// Replaces the tag name alone; text and attributes stay.
     void BaseTag(TextView theBaseTag) { myBaseTag = theBaseTag; }
@@ -46,41 +46,30 @@ public:
     static Text UnQuote(TextView myText);
 
 private:
-    /// Where a piece of a tag's text lies.
-    struct Span
-    {
-        size_t Start = 0;
-        size_t Length = 0;
-    };
-
     /// An attribute as it was written.
     struct Attribute
     {
-        Span Name;
-        Span Value;
-        mutable std::optional<Span> Plain; ///< the unescaped value, once it was asked for, where it is another text
-        bool NameIsClean = true;           ///< callers know the name just as it was written
+        TextView Name;
+        TextView Value;
+        bool NameIsClean = false;  ///< callers know the name just as it was written
+        bool ValueIsPlain = false; ///< it is known that there is nothing to unescape
+        // Where the unescaped value lies, once it was asked for.
+        mutable size_t PlainStart = TextView::npos;
+        mutable size_t PlainLength = 0;
     };
 
-    static TextView Part(TextView myText, Span mySpan);
-    bool IsNamed(const Attribute& myAttribute, TextView myWanted) const;
+    static bool IsNamed(const Attribute& myAttribute, TextView myWanted);
     TextView PlainValue(const Attribute& myAttribute) const;
     void ParseAttributes(size_t myPosition);
-    size_t ParseValue(size_t myPosition, Span& theValue) const;
-    void KeepEntryBehind(size_t myFormerCount);
-    size_t DemandEntry(int32_t num) const;
-    TextView TableText() const { return myAttributeCount > 0 ? myTag : myFormerTag; }
+    size_t ParseValue(size_t myPosition, Attribute& theAttribute) const;
+    const Attribute& DemandEntry(int32_t num) const;
 
-    Text myTag;
-    Text myBaseTag;
-    mutable Text myPlainValues; ///< has room for those of all attributes, so that views into it hold
+    TextView myTag;
+    TextView myBaseTag;
     size_t myAttributeCount = 0;
-    // The table that a caller can reach is that of the last tag with attributes, and one entry behind it.
-    Text myFormerTag; ///< the text that the table lies in when the tag has no attributes
     std::vector<Attribute> myTable;
-    size_t myTableCount = 0; ///< how many entries the last tag with attributes filled
-    Text myNameBehind;
-    Text myValueBehind;
+    size_t myTableCount = 0;    ///< how many entries a caller can reach: those of the last tag with any, and one behind
+    mutable Text myPlainValues; ///< has room for those of all attributes, so that views into it hold
 };
 
 } // namespace qel

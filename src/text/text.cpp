@@ -4,10 +4,13 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
-#include <cstring>
 #include <limits>
 #include <system_error>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace qel
 {
@@ -135,21 +138,31 @@ bool EqualInLowerCase(TextView myFirst, TextView mySecond)
                       [](char16_t a, char16_t b) { return a == b || LowerCase(a) == LowerCase(b); });
 }
 
-size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
+size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t myPosition)
 {
-    // Four units at a time: a zero among them, once the wanted unit is taken away, borrows from the bit above it.
-    constexpr uint64_t myOnes = 0x0001'0001'0001'0001;
-    for (; myPosition + 4 <= myText.size(); myPosition += 4)
+    myPosition = std::min(myPosition, myText.size());
+#ifdef __SSE2__
+    constexpr size_t myStep = sizeof(__m128i) / sizeof(char16_t);
+    const __m128i myFirsts = _mm_set1_epi16(static_cast<int16_t>(myFirst));
+    const __m128i mySeconds = _mm_set1_epi16(static_cast<int16_t>(mySecond));
+    for (; myText.size() - myPosition >= myStep; myPosition += myStep)
     {
-        uint64_t myFour = 0;
-        std::memcpy(&myFour, myText.data() + myPosition, sizeof myFour);
-        myFour ^= myOnes * myUnit;
-        if (((myFour - myOnes) & ~myFour & (myOnes << 15)) != 0)
+        const __m128i myUnits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(myText.data() + myPosition));
+        const __m128i myMatches = _mm_or_si128(_mm_cmpeq_epi16(myUnits, myFirsts), _mm_cmpeq_epi16(myUnits, mySeconds));
+        if (const int myBits = _mm_movemask_epi8(myMatches); myBits != 0) // two for each unit
         {
-            break;
+            return myPosition + static_cast<size_t>(std::countr_zero(static_cast<uint32_t>(myBits))) / 2;
         }
     }
-    return myText.find(myUnit, myPosition);
+#endif
+    for (; myPosition < myText.size(); ++myPosition)
+    {
+        if (myText[myPosition] == myFirst || myText[myPosition] == mySecond)
+        {
+            return myPosition;
+        }
+    }
+    return TextView::npos;
 }
 
 TextView TrimBlanks(TextView myText)

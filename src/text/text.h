@@ -33,8 +33,14 @@ Text LowerCase(TextView myText);
 /// True when both texts have the same lower case.
 bool EqualInLowerCase(TextView myFirst, TextView mySecond);
 
-/// Where a unit first stands at or behind a position; npos when it does not. Fast over long ways.
-size_t Find(TextView myText, char16_t myUnit, size_t myPosition);
+/// Where one of two units first stands at or behind a position; npos when neither does. Fast over long ways.
+size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t myPosition);
+
+/// The same for one unit.
+inline size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
+{
+    return FindEither(myText, myUnit, myUnit, myPosition);
+}
 
 /// The text without the blanks (U+0020 alone) at both ends; a view into the argument.
 TextView TrimBlanks(TextView myText);
