@@ -4,13 +4,10 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
+#include <experimental/simd>
 #include <limits>
 #include <system_error>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace qel
 {
@@ -141,20 +138,16 @@ bool EqualInLowerCase(TextView myFirst, TextView mySecond)
 size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t myPosition)
 {
     myPosition = std::min(myPosition, myText.size());
-#ifdef __SSE2__
-    constexpr size_t myStep = sizeof(__m128i) / sizeof(char16_t);
-    const __m128i myFirsts = _mm_set1_epi16(static_cast<int16_t>(myFirst));
-    const __m128i mySeconds = _mm_set1_epi16(static_cast<int16_t>(mySecond));
-    for (; myText.size() - myPosition >= myStep; myPosition += myStep)
+    using Units = std::experimental::native_simd<uint16_t>;
+    for (; myText.size() - myPosition >= Units::size(); myPosition += Units::size())
     {
-        const __m128i myUnits = _mm_loadu_si128(reinterpret_cast<const __m128i*>(myText.data() + myPosition));
-        const __m128i myMatches = _mm_or_si128(_mm_cmpeq_epi16(myUnits, myFirsts), _mm_cmpeq_epi16(myUnits, mySeconds));
-        if (const int myBits = _mm_movemask_epi8(myMatches); myBits != 0) // two for each unit
+        const Units myUnits([&](size_t i) { return static_cast<uint16_t>(myText[myPosition + i]); });
+        const auto myMatches = myUnits == Units(myFirst) || myUnits == Units(mySecond);
+        if (any_of(myMatches))
         {
-            return myPosition + static_cast<size_t>(std::countr_zero(static_cast<uint32_t>(myBits))) / 2;
+            return myPosition + static_cast<size_t>(find_first_set(myMatches));
         }
     }
-#endif
     for (; myPosition < myText.size(); ++myPosition)
     {
         if (myText[myPosition] == myFirst || myText[myPosition] == mySecond)

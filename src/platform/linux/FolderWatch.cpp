@@ -47,7 +47,7 @@ std::optional<int> FolderWatch::Begin(int myFolderHandle)
 std::optional<std::vector<FolderChange>> FolderWatch::TakeChanges()
 {
     std::vector<FolderChange> theChanges;
-    alignas(inotify_event) std::array<std::byte, 8192> myBytes;
+    alignas(inotify_event) std::array<std::byte, 4096> myBytes{};
     ssize_t myCount = 0;
     while (myQueue.IsOpen() &&
            (myCount = Retrying([&] { return read(myQueue.Handle(), myBytes.data(), myBytes.size()); })) > 0)
