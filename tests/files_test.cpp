@@ -2,6 +2,7 @@
 
 #include "ErrorOf.h"
 #include "platform/Platform.h"
+#include "SmallDisk.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -10,8 +11,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <random>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
@@ -297,22 +296,11 @@ TEST_F(FilesTest, ASmallDiskRunsFull)
 {
     myFolder.Write("long", std::string(300'000, 'x'));
     myFolder.MakeFolder("disk");
-    const pid_t myChild = fork();
-    if (myChild == 0)
-    {
-        const bool myIsMounted = (unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
-                                 mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                                 mount("none", myFolder.Native("disk").c_str(), "tmpfs", 0, "size=64k") == 0;
-        const bool myIsSmall = Try(&Files::Copy, u"long", u"disk\\copy") == DiskFull;
-        _exit(!myIsMounted ? 2 : myIsSmall ? 0 : 1);
-    }
-    int myStatus = -1;
-    waitpid(myChild, &myStatus, 0);
-    if (WEXITSTATUS(myStatus) == 2)
+    if (!OnASmallDisk(myFolder.Native("disk"), "size=64k",
+                      [&] { EXPECT_EQ(Try(&Files::Copy, u"long", u"disk\\copy"), DiskFull); }))
     {
         GTEST_SKIP() << "no disk may be mounted here";
     }
-    EXPECT_EQ(myStatus, 0);
 }
 
 TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
