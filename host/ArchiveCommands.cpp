@@ -215,7 +215,7 @@ void Unpack(const Arguments& myArguments)
     const Text myFolder = LogicalName(myArguments.Folder);
     Files& theFiles = myArchive.System->Ports().files;
     const std::vector<Text> myNames = myArchive.Listed().Names;
-    const auto myMemory = theFiles.RememberFolders(Memory::Passing);
+    const auto myMemory = theFiles.RememberFolders();
     const std::string myInTheWay = myArguments.Force ? "" : FirstInTheWay(myNames, myFolder, theFiles);
     if (!myInTheWay.empty())
     {

@@ -133,7 +133,8 @@ Connection::Statements::node_type Connection::Prepared(std::string_view mySQL)
     {
         Fail(myResult);
     }
-    return myIdleStatements.extract(myIdleStatements.emplace(mySQL, theHandle));
+    Statements::mapped_type theStatement(theHandle);
+    return myIdleStatements.extract(myIdleStatements.emplace(mySQL, std::move(theStatement)));
 }
 
 Statement::Statement(Connection& theConnection, std::string_view mySQL, std::initializer_list<Value> myValues)

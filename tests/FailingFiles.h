@@ -45,10 +45,7 @@ public:
     std::vector<Text> List(TextView f, Listing l) override { return Do(myFiles, &Files::List, f, l); }
     void DemandOwnFolder(TextView f) override { Do(myFiles, &Files::DemandOwnFolder, f); }
     Text TemporaryPath() override { return myFiles.TemporaryPath(); }
-    std::unique_ptr<FolderMemory> RememberFolders(Memory myMemory) override
-    {
-        return myFiles.RememberFolders(myMemory);
-    }
+    std::unique_ptr<FolderMemory> RememberFolders() override { return myFiles.RememberFolders(); }
 
 private:
     struct Input final : InputFile

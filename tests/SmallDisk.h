@@ -45,9 +45,18 @@ inline bool OnASmallDisk(const std::string& myFolder, const char* mySize, const 
         {
             _exit(myRefusal);
         }
-        myWork();
+        bool myIsDone = false;
+        try
+        {
+            myWork();
+            myIsDone = !testing::Test::HasFailure();
+        }
+        catch (const std::exception& myFailure)
+        {
+            std::puts(myFailure.what());
+        }
         std::fflush(nullptr);
-        _exit(testing::Test::HasFailure() ? 1 : 0);
+        _exit(myIsDone ? 0 : 1);
     }
     int myStatus = -1;
     waitpid(myChild, &myStatus, 0);

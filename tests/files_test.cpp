@@ -83,7 +83,7 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
     }
     for (const bool myRemembers : {false, true})
     {
-        const auto myMemory = myRemembers ? myFiles.RememberFolders(Memory::Passing) : nullptr;
+        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
         for (const auto& [myAsked, myFound] : {std::pair<TextView, const char*>(u"Img\\Logo.GIF", "Img/Logo.GIF"),
                                                {u"img\\\\..\\.\\IMG/LOGO.gif", "Img/Logo.GIF"},
                                                {u"IMG/áRBOL.TXT", "Img/\xC3\x81rbol.txt"},
@@ -107,9 +107,9 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
 TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
 {
     myFolder.MakeFolder("Sub");
-    const auto myOuter = myFiles.RememberFolders(Memory::Passing);
+    const auto myOuter = myFiles.RememberFolders();
     {
-        const auto myInner = myFiles.RememberFolders(Memory::Passing);
+        const auto myInner = myFiles.RememberFolders();
         WriteAll(u"SUB\\New.txt", "1");
     }
     WriteAll(u"sub\\NEW.TXT", "2"); // another way of writing the same folder
@@ -133,39 +133,47 @@ TEST_F(FilesTest, RememberedFoldersAreKeptUpWith)
     EXPECT_EQ(Try(&Files::OpenForWriting, u"sub\\link"), PathAccess); // a link is not followed out, though
 }
 
-TEST_F(FilesTest, WhatOthersDoBetweenLastingMemoriesIsSeen)
+TEST_F(FilesTest, WhatOthersDoBetweenCopiesIsSeen)
 {
-    const auto WriteAndRead = [&](TextView myName, const char* myExpected)
+    myFolder.Write("ours", "ours");
+    const auto CopyAndRead = [&](TextView myName, const char* myExpected)
     {
-        const auto myMemory = myFiles.RememberFolders(Memory::Lasting);
-        WriteAll(myName, "ours");
+        EXPECT_EQ(Try(&Files::Copy, u"ours", myName), 0);
         EXPECT_EQ(myFolder.Read(myExpected), "ours") << myExpected;
     };
     myFolder.MakeFolder("out");
     myFolder.MakeFolder("out/images");
-    WriteAndRead(u"out/images/first", "out/images/first");
+    CopyAndRead(u"out/images/first", "out/images/first");
 
     myFolder.Write("out/images/MADE", "");
-    WriteAndRead(u"out/images/made", "out/images/MADE");
+    CopyAndRead(u"out/images/made", "out/images/MADE");
     fs::rename(myFolder.Native("out/images/MADE"), myFolder.Native("out/images/Moved"));
-    WriteAndRead(u"out/images/made", "out/images/made");
-    WriteAndRead(u"out/images/moved", "out/images/Moved");
+    CopyAndRead(u"out/images/made", "out/images/made");
+    CopyAndRead(u"out/images/moved", "out/images/Moved");
     fs::remove(myFolder.Native("out/images/Moved"));
-    WriteAndRead(u"out/images/moved", "out/images/moved");
+    CopyAndRead(u"out/images/moved", "out/images/moved");
     fs::rename(myFolder.Native("out/images/moved"), myFolder.Native("out/images/moved2"));
     fs::rename(myFolder.Native("out/images/moved2"), myFolder.Native("out/images/MOVED"));
-    WriteAndRead(u"out/images/moved", "out/images/MOVED");
+    CopyAndRead(u"out/images/moved", "out/images/MOVED");
+
+    myFolder.Write("out/images/Alpha", "");
+    CopyAndRead(u"out/images/alpha", "out/images/Alpha");
+    const std::string myAlpha = myFolder.Native("out/images/Alpha");
+    myFolder.Write("out/images/Beta", "");
+    ASSERT_EQ(
+        renameat2(AT_FDCWD, myAlpha.c_str(), AT_FDCWD, myFolder.Native("out/images/Beta").c_str(), RENAME_EXCHANGE), 0);
+    CopyAndRead(u"out/images/BETA", "out/images/Beta");
 
     // The folder itself moves, on its own or with the one around it, and another takes its place.
     myFolder.MakeFolder("other");
     fs::rename(myFolder.Native("out/images"), myFolder.Native("other/Images"));
-    WriteAndRead(u"other/images/MADE", "other/Images/made");
+    CopyAndRead(u"other/images/MADE", "other/Images/made");
     fs::rename(myFolder.Native("other"), myFolder.Native("another"));
-    WriteAndRead(u"another/Images/Made", "another/Images/made");
+    CopyAndRead(u"another/Images/Made", "another/Images/made");
     EXPECT_FALSE(myFolder.Exists("other"));
     fs::remove_all(myFolder.Native("another/Images"));
     myFolder.MakeFolder("another/Images");
-    WriteAndRead(u"another/Images/Made", "another/Images/Made");
+    CopyAndRead(u"another/Images/Made", "another/Images/Made");
     EXPECT_FALSE(myFolder.Exists("another/Images/made"));
 
     // More than the system keeps in its queue.
@@ -175,7 +183,7 @@ TEST_F(FilesTest, WhatOthersDoBetweenLastingMemoriesIsSeen)
         fs::remove(myFolder.Native("another/Images/much"));
     }
     myFolder.Write("another/Images/LAST", "");
-    WriteAndRead(u"another/Images/last", "another/Images/LAST");
+    CopyAndRead(u"another/Images/last", "another/Images/LAST");
 }
 
 TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
@@ -200,7 +208,7 @@ TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
                    {FileNotFound, 0, {u"none"}}};
     for (const bool myRemembers : {false, true})
     {
-        const auto myMemory = myRemembers ? myFiles.RememberFolders(Memory::Passing) : nullptr;
+        const auto myMemory = myRemembers ? myFiles.RememberFolders() : nullptr;
         for (const auto& [myReading, myWriting, myNames] : myCases)
         {
             for (const Text& myName : myNames)

@@ -194,7 +194,7 @@ bool classArchive::PackArchive()
     return Succeeds(
         [&]
         {
-            const auto myMemory = myFilePort.RememberFolders(Memory::Passing);
+            const auto myMemory = myFilePort.RememberFolders();
             myFiles.clear();
             ListFolder(u"\\");
             myLastName.clear();
@@ -344,7 +344,7 @@ bool classArchive::UnPackArchive()
     return Succeeds(
         [&]
         {
-            const auto myMemory = myFilePort.RememberFolders(Memory::Passing);
+            const auto myMemory = myFilePort.RememberFolders();
             myLastName.clear();
             ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
             if (!ReadMagic(*myInput.File))

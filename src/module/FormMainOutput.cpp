@@ -69,7 +69,6 @@ std::optional<Text> FormMain::PageText()
 {
     ClearTempFolder();
     UnPackModule(); // an archive that is missing or damaged shows up when one of its files is copied
-    const auto myMemory = myPorts.files.RememberFolders(Memory::Lasting); // a build writes into the same few folders
     Text theResult = MakeScriptTag().append(LineEnd);
     theResult.append(FilledTemplate(900)).append(LineEnd);
     if (DateIsSet(mySettings.myFrom))

@@ -18,7 +18,8 @@
 namespace qel
 {
 
-/// What tells one state of a file's content from every other, its own and that of any other file.
+/// What tells one state of a file's content from every other, its own and that of any other file, as long as nobody
+/// writes to the file by way of memory that it is mapped to.
 struct FileVersion
 {
     uint64_t Device;
@@ -40,7 +41,7 @@ public:
     virtual int64_t Length() = 0;
 
     /// The version that the file is at this moment; nothing while its last change is so recent that another might look
-    /// the same. No error.
+    /// the same, and where others may change it without this system's knowing. No error.
     virtual std::optional<FileVersion> Version() = 0;
 
     /// The number of bytes from the start of the file to the next byte that is read.
@@ -72,13 +73,6 @@ class FolderMemory
 {
 public:
     virtual ~FolderMemory() = default;
-};
-
-/// How long a FolderMemory lasts.
-enum class Memory
-{
-    Passing, ///< nothing is kept beyond it
-    Lasting  ///< the next one need not read a folder again where the system tells of all that others change there
 };
 
 /// What a listing yields.
@@ -140,9 +134,8 @@ public:
     virtual Text TemporaryPath() = 0;
 
     /// Until the result goes, a folder is read at most once for lookups without regard to case, and what this object
-    /// makes and deletes there is kept up with. For an operation that touches many files; nesting is allowed, and the
-    /// outermost one's argument holds.
-    virtual std::unique_ptr<FolderMemory> RememberFolders(Memory myMemory) = 0;
+    /// makes and deletes there is kept up with. For an operation that touches many files; nesting is allowed.
+    virtual std::unique_ptr<FolderMemory> RememberFolders() = 0;
 };
 
 } // namespace qel

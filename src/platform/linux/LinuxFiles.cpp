@@ -229,6 +229,7 @@ int64_t LinuxFiles::Length(TextView myFilename)
 
 void LinuxFiles::Copy(TextView mySource, TextView myTarget)
 {
+    const Remembering myMemory(myFinder, Memory::Lasting); // a build copies into the same few folders over and over
     const SourceFile myInput = OpenSource(mySource, Lock::Shared);
     Descriptor myOutput = OpenTarget(myTarget, &myInput.Facts);
     CopyContent(myInput.File, myOutput, myInput.Facts.st_size);
@@ -358,9 +359,9 @@ Text LinuxFiles::TemporaryPath()
     return !thePath || thePath->empty() ? Text() : *std::move(thePath) + u"\\";
 }
 
-std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders(Memory myMemory)
+std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders()
 {
-    return std::make_unique<Remembering>(myFinder, myMemory);
+    return std::make_unique<Remembering>(myFinder, Memory::Passing);
 }
 
 } // namespace qel

@@ -30,7 +30,7 @@ public:
     std::vector<Text> List(TextView myPattern, Listing myListing) override;
     void DemandOwnFolder(TextView myFolder) override;
     Text TemporaryPath() override;
-    std::unique_ptr<FolderMemory> RememberFolders(Memory myMemory) override;
+    std::unique_ptr<FolderMemory> RememberFolders() override;
 
 private:
     struct SourceFile

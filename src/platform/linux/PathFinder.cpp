@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <sys/stat.h>
 
 namespace qel
@@ -191,7 +192,7 @@ FolderNames& PathFinder::ReadNames(std::string_view mySpelling, const std::strin
     if (myPosition == myFolders.end())
     {
         FolderNames myNames;
-        // What changes between this and the end of the reading is told as well, and counts once.
+        // What changes between this and the end of the reading is told as well, and does no harm when it is seen twice.
         myNames.Watch = myOutermost == Memory::Lasting ? myWatch.Begin(myReader.Handle()) : std::nullopt;
         while (const dirent* const myEntry = myReader.Next())
         {
@@ -232,10 +233,18 @@ FolderNames* PathFinder::NamesAround(std::string_view myPath)
 
 void PathFinder::Remember(Memory myMemory)
 {
-    if (myRemembering++ == 0)
+    if (myRemembering++ > 0)
     {
-        myOutermost = myMemory;
+        return;
+    }
+    myOutermost = myMemory;
+    try
+    {
         CatchUp();
+    }
+    catch (const std::bad_alloc&)
+    {
+        ForgetAll(); // changes that were taken are lost
     }
 }
 
@@ -270,17 +279,17 @@ void PathFinder::CatchUp()
         {
             continue;
         }
-        if (myChange.Name.empty())
+        switch (myChange.What)
         {
-            myFolders.erase(myFolder);
-        }
-        else if (myChange.IsThere)
-        {
+        case FolderChange::NameCame:
             myFolder->second.Add(myChange.Name);
-        }
-        else
-        {
+            break;
+        case FolderChange::NameWent:
             myFolder->second.Remove(myChange.Name);
+            break;
+        case FolderChange::Other:
+            myWatch.End(myChange.Watch);
+            myFolders.erase(myFolder);
         }
     }
 }
@@ -288,7 +297,7 @@ void PathFinder::CatchUp()
 void PathFinder::ForgetAll()
 {
     myFolders.clear();
-    myWatch.End();
+    myWatch.EndAll();
 }
 
 void PathFinder::Made(std::string_view myPath)

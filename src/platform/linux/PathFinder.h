@@ -4,7 +4,6 @@
 /// are alike, which is to say equal in lower case. Paths are in the system's form.
 #pragma once
 
-#include "platform/Files.h"
 #include "platform/linux/FolderReader.h"
 #include "platform/linux/FolderWatch.h"
 #include "text/text.h"
@@ -18,6 +17,13 @@
 
 namespace qel
 {
+
+/// How long the names of folders are kept.
+enum class Memory
+{
+    Passing, ///< no longer than this
+    Lasting  ///< beyond it, up to eight folders, where the system tells of all that changes there
+};
 
 /// The first part of a path that does not exist, if any.
 enum class Missing
@@ -66,9 +72,8 @@ public:
     /// fails the reader is not open and errno says why, with ENOENT and ENOTDIR for a folder that does not exist.
     FolderReader OpenFolder(std::string& theFolder);
 
-    /// From Remember to the Forget that belongs to it the names of a folder are read at most once. They nest. Folders
-    /// that an outermost `Memory::Lasting` has read are kept beyond it, for as long as the system tells of every
-    /// change.
+    /// From Remember to the Forget that belongs to it the names of a folder are read at most once. They nest, and the
+    /// outermost one's argument holds. No error.
     void Remember(Memory myMemory);
     void Forget();
 

@@ -1,5 +1,6 @@
 #include "platform/linux/PlainFile.h"
 
+#include "platform/linux/FolderWatch.h"
 #include "platform/linux/SystemErrors.h"
 #include "text/errors.h"
 
@@ -102,10 +103,11 @@ int64_t PlainInputFile::Length()
 
 std::optional<FileVersion> PlainInputFile::Version()
 {
-    // The clock of file systems goes in ticks of some milliseconds, and that of another machine may differ from ours.
+    // The clock of file systems goes in ticks of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
     struct stat myFacts = {};
-    if (fstat(myFile.Handle(), &myFacts) != 0 || myFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle)
+    if (fstat(myFile.Handle(), &myFacts) != 0 || myFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle ||
+        !IsInLocalFileSystem(myFile.Handle()))
     {
         return std::nullopt;
     }
