@@ -2,7 +2,6 @@
 
 #include "ErrorOf.h"
 #include "platform/Platform.h"
-#include "SmallDisk.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -298,17 +297,6 @@ TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
     setrlimit(RLIMIT_FSIZE, &myOldLimit);
     EXPECT_EQ(std::pair(myClosing, myCopying), std::pair(DiskFull, DiskFull));
     EXPECT_EQ(ReadAll(u"small").size(), 10'000U); // what has been written stays, unlocked
-}
-
-TEST_F(FilesTest, ASmallDiskRunsFull)
-{
-    myFolder.Write("long", std::string(300'000, 'x'));
-    myFolder.MakeFolder("disk");
-    if (!OnASmallDisk(myFolder.Native("disk"), "size=64k",
-                      [&] { EXPECT_EQ(Try(&Files::Copy, u"long", u"disk\\copy"), DiskFull); }))
-    {
-        GTEST_SKIP() << "no disk may be mounted here";
-    }
 }
 
 TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)

@@ -40,8 +40,8 @@ public:
     /// The file's length in bytes at this moment. Error 57: the system cannot tell.
     virtual int64_t Length() = 0;
 
-    /// The version that the file is at this moment; nothing while its last change is so recent that another might look
-    /// the same, and where others may change it without this system's knowing. No error.
+    /// The version that the file was when it was opened; nothing if its last change was so recent then that another
+    /// might look the same, and where others may change it without this system's knowing. No error.
     virtual std::optional<FileVersion> Version() = 0;
 
     /// The number of bytes from the start of the file to the next byte that is read.

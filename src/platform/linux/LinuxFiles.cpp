@@ -132,12 +132,14 @@ bool LinuxFiles::GetFacts(const std::string& myPath, int myFlags, struct stat& t
 
 std::unique_ptr<InputFile> LinuxFiles::OpenForReading(TextView myFilename)
 {
-    return std::make_unique<PlainInputFile>(OpenSource(myFilename, Lock::Exclusive).File);
+    SourceFile mySource = OpenSource(myFilename, Lock::Exclusive);
+    return std::make_unique<PlainInputFile>(std::move(mySource.File), mySource.Facts);
 }
 
 std::unique_ptr<InputFile> LinuxFiles::OpenShared(TextView myFilename)
 {
-    return std::make_unique<PlainInputFile>(OpenSource(myFilename, Lock::Shared).File);
+    SourceFile mySource = OpenSource(myFilename, Lock::Shared);
+    return std::make_unique<PlainInputFile>(std::move(mySource.File), mySource.Facts);
 }
 
 std::unique_ptr<OutputFile> LinuxFiles::OpenForWriting(TextView myFilename)

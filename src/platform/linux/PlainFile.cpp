@@ -105,14 +105,12 @@ std::optional<FileVersion> PlainInputFile::Version()
 {
     // The clock of file systems goes in ticks of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
-    struct stat myFacts = {};
-    if (fstat(myFile.Handle(), &myFacts) != 0 || myFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle ||
-        !IsInLocalFileSystem(myFile.Handle()))
+    if (myFirstFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle || !IsInLocalFileSystem(myFile.Handle()))
     {
         return std::nullopt;
     }
-    return FileVersion{myFacts.st_dev, myFacts.st_ino, myFacts.st_size, myFacts.st_ctim.tv_sec,
-                       myFacts.st_ctim.tv_nsec};
+    return FileVersion{myFirstFacts.st_dev, myFirstFacts.st_ino, myFirstFacts.st_size, myFirstFacts.st_ctim.tv_sec,
+                       myFirstFacts.st_ctim.tv_nsec};
 }
 
 void PlainInputFile::Read(std::span<std::byte> myTarget)

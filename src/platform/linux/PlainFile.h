@@ -30,7 +30,10 @@ void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t
 class PlainInputFile final : public InputFile
 {
 public:
-    explicit PlainInputFile(Descriptor myOpenFile) : myFile(std::move(myOpenFile)) {}
+    PlainInputFile(Descriptor myOpenFile, const struct stat& myPresentFacts)
+        : myFile(std::move(myOpenFile)), myFirstFacts(myPresentFacts)
+    {
+    }
 
     int64_t Length() override;
     std::optional<FileVersion> Version() override;
@@ -50,7 +53,8 @@ private:
     static constexpr size_t LargePiece = 16384;
 
     Descriptor myFile;
-    int64_t myOffset = 0; ///< of the first byte that the system has not been asked for
+    struct stat myFirstFacts; ///< of when it was opened
+    int64_t myOffset = 0;     ///< of the first byte that the system has not been asked for
     std::unique_ptr<std::byte[]> myBuffer;
     size_t myNext = 0;
     size_t myEnd = 0;
