@@ -162,6 +162,10 @@ TEST_F(FilesTest, WhatOthersDoBetweenCopiesIsSeen)
     ASSERT_EQ(
         renameat2(AT_FDCWD, myAlpha.c_str(), AT_FDCWD, myFolder.Native("out/images/Beta").c_str(), RENAME_EXCHANGE), 0);
     CopyAndRead(u"out/images/BETA", "out/images/Beta");
+    EXPECT_FALSE(myFolder.Exists("out/images/BETA"));
+    myFolder.Write("Came", "");
+    fs::rename(myFolder.Native("Came"), myFolder.Native("out/images/Came"));
+    CopyAndRead(u"out/images/CAME", "out/images/Came");
 
     // The folder itself moves, on its own or with the one around it, and another takes its place.
     myFolder.MakeFolder("other");
