@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr uint32_t NameComes = IN_CREATE | IN_MOVED_TO;
-constexpr uint32_t Others = IN_MOVED_FROM | IN_DELETE_SELF | IN_MOVE_SELF;
+constexpr uint32_t Others = IN_MOVED_FROM | IN_DELETE_SELF;
 
 /// How many queues are open. Each thread that copies has one of its own, until the component is unloaded.
 std::atomic<int> theQueues = 0;

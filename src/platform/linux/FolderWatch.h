@@ -23,7 +23,7 @@ struct FolderChange
     {
         NameCame,
         NameWent,
-        Other ///< a name has moved away, perhaps in exchange for another, or the folder itself has moved or gone
+        Other ///< a name has moved away, perhaps in exchange for another, or the folder itself has gone
     };
 
     int Watch; ///< which folder, as FolderWatch::Begin gave it
