@@ -8,7 +8,8 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <map>
+#include <string_view>
+#include <utility>
 
 namespace
 {
@@ -58,49 +59,55 @@ void MakeSite(const std::string& myHost, const fs::path& myFolder)
     }
 }
 
-/// What the plain program has to bring about: pages in memory, with the host's mark of its folder, and files with where
-/// they come from.
-struct Work
+/// What the plain program has to bring about, in one file as the host has it in its database: each page with its text,
+/// and each file with where it comes from, under a line with its name and the text's length.
+void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& myLibrary)
 {
-    std::map<fs::path, std::string> Texts;
-    std::map<fs::path, fs::path> Copies;
-};
-
-Work WorkOf(const fs::path& myBuild, const fs::path& myLibrary)
-{
-    Work theWork;
+    std::ofstream myWork(myFile, std::ios::binary);
     for (const auto& myEntry : fs::recursive_directory_iterator(myBuild))
     {
         const fs::path myName = myEntry.path().lexically_relative(myBuild);
         const fs::path myEnding = myName.extension();
+        if (!myEntry.is_regular_file())
+        {
+            continue;
+        }
+        std::string myText;
         if (myEnding == ".gif" || myEnding == ".mid")
         {
-            theWork.Copies[myName] = myLibrary / (myEnding == ".gif" ? "Globo.gif" : "Vals.mid");
+            myText = myLibrary / (myEnding == ".gif" ? "Globo.gif" : "Vals.mid");
         }
-        else if (myEntry.is_regular_file())
+        else
         {
-            std::ifstream myFile(myEntry.path(), std::ios::binary);
-            theWork.Texts[myName] = std::string(std::istreambuf_iterator<char>(myFile), {});
+            std::ifstream myPage(myEntry.path(), std::ios::binary);
+            myText = std::string(std::istreambuf_iterator<char>(myPage), {});
         }
+        myWork << myName.string() << ' ' << myText.size() << '\n' << myText;
     }
-    return theWork;
 }
 
-void Do(const Work& myWork, const fs::path& myTarget)
+/// The plain program.
+void Do(const fs::path& myFile, const fs::path& myTarget)
 {
     for (const char* myFolder : {"images", "media", "files"})
     {
         fs::create_directories(myTarget / myFolder);
     }
-    for (const auto& [myName, myText] : myWork.Texts)
+    std::ifstream myWork(myFile, std::ios::binary);
+    std::string myText;
+    for (auto [myName, mySize] = std::pair<std::string, size_t>(); myWork >> myName >> mySize;)
     {
-        const int myFile = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-        bench::Require(write(myFile, myText.data(), myText.size()) == static_cast<ssize_t>(myText.size()), "a page");
-        close(myFile);
-    }
-    for (const auto& [myName, mySource] : myWork.Copies)
-    {
-        fs::copy_file(mySource, myTarget / myName, fs::copy_options::overwrite_existing);
+        myText.resize(mySize);
+        myWork.get();
+        myWork.read(myText.data(), static_cast<std::streamsize>(mySize));
+        if (myName.ends_with(".gif") || myName.ends_with(".mid"))
+        {
+            fs::copy_file(myText, myTarget / myName, fs::copy_options::overwrite_existing);
+            continue;
+        }
+        const int myPage = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        bench::Require(write(myPage, myText.data(), mySize) == static_cast<ssize_t>(mySize), "a page");
+        close(myPage);
     }
 }
 
@@ -136,6 +143,11 @@ double OpenInAProcess(const fs::path& myFile)
 
 int main(int myCount, char** myArguments)
 {
+    if (myCount == 4 && std::string_view(myArguments[1]) == "--plain")
+    {
+        Do(myArguments[2], myArguments[3]);
+        return 0;
+    }
     bench::Require(myCount > 1, "usage: bench_site STAGE [--json] [--runs N]");
     const bench::Bench myBench(myCount - 1, myArguments + 1);
     const bench::WorkFolder myFolder;
@@ -158,9 +170,11 @@ int main(int myCount, char** myArguments)
     const fs::path myBuild = myFolder / "site/build";
     const std::string myCommand = myHost + " build '" + (myFolder / "site").string() + "'";
     Run(myCommand);
-    const Work myWork = WorkOf(myBuild, myStage / "QelPluginAnimationDesigns/Fiestas");
+    WriteWork(myFolder / "work", myBuild, myStage / "QelPluginAnimationDesigns/Fiestas");
     const fs::path myPlain = myFolder / "plain";
-    Do(myWork, myPlain);
+    const std::string myPlainCommand = "'" + fs::read_symlink("/proc/self/exe").string() + "' --plain '" +
+                                       (myFolder / "work").string() + "' '" + myPlain.string() + "'";
+    Run(myPlainCommand);
     Run("diff -r '" + myBuild.string() + "' '" + myPlain.string() + "'");
     myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0,
                     {[&] { Run(myCommand); },
@@ -168,7 +182,7 @@ int main(int myCount, char** myArguments)
                      {
                          fs::remove_all(myBuild);
                      }},
-                    {[&] { Do(myWork, myPlain); },
+                    {[&] { Run(myPlainCommand); },
                      [&]
                      {
                          fs::remove_all(myPlain);

@@ -83,9 +83,10 @@ std::optional<std::vector<FolderChange>> FolderWatch::TakeChanges()
     }
     alignas(inotify_event) std::array<std::byte, 4096> myBytes{};
     ssize_t myCount = 0;
-    while ((myCount = Retrying([&] { return read(myQueue.Handle(), myBytes.data(), myBytes.size()); })) > 0)
+    do
     {
-        for (size_t i = 0; i < static_cast<size_t>(myCount);)
+        myCount = Retrying([&] { return read(myQueue.Handle(), myBytes.data(), myBytes.size()); });
+        for (size_t i = 0; myCount > 0 && i < static_cast<size_t>(myCount);)
         {
             inotify_event myEvent = {};
             std::memcpy(&myEvent, &myBytes[i], sizeof myEvent);
@@ -107,7 +108,7 @@ std::optional<std::vector<FolderChange>> FolderWatch::TakeChanges()
             }
             i += myEvent.len;
         }
-    }
+    } while (myCount > static_cast<ssize_t>(myBytes.size() / 2)); // else there was room for more, and so no more
     return theChanges;
 }
 
