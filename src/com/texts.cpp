@@ -32,7 +32,7 @@ BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
         return nullptr;
     }
     const uint32_t myByteCount = myLength * static_cast<uint32_t>(sizeof(char16_t));
-    auto* const myMemory = static_cast<char*>(std::calloc(HeaderSize + myByteCount + sizeof(char16_t), 1));
+    auto* const myMemory = static_cast<char*>(std::malloc(HeaderSize + myByteCount + sizeof(char16_t)));
     if (myMemory == nullptr)
     {
         return nullptr;
@@ -43,6 +43,11 @@ BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
     {
         std::memcpy(theText, myText, myByteCount);
     }
+    else
+    {
+        std::memset(theText, 0, myByteCount);
+    }
+    std::memset(theText + myByteCount, 0, sizeof(char16_t));
     return reinterpret_cast<BSTR>(theText);
 }
 

@@ -5,6 +5,7 @@
 #include "text/errors.h"
 
 #include <algorithm>
+#include <map>
 #include <new>
 #include <utility>
 
@@ -20,6 +21,21 @@ constexpr TextView UnresolvedLink = u"ERROR";
 TextView ExtensionOf(TextView myName)
 {
     return myName.substr(myName.size() - std::min(myName.size(), ExtensionLength));
+}
+
+/// A template of the page with its line ends turned into the page's.
+const Text& PageTemplate(int32_t myTemplate)
+{
+    static const auto theTemplates = []
+    {
+        std::map<int32_t, Text> theResult;
+        for (const int32_t myNumber : {900, 910, 920, 1000, 1010})
+        {
+            theResult.emplace(myNumber, ReplaceAll(LoadResString(myNumber), u"\n", LineEnd));
+        }
+        return theResult;
+    }();
+    return theTemplates.at(myTemplate);
 }
 
 void Fill(Text& theText, TextView myPlaceholder, TextView myValue)
@@ -206,12 +222,10 @@ Text FormMain::StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*
     return ConcatUrl(myAddress, Records().RecordFilename());
 }
 
-/// A template with its line ends turned into the page's and its instance number filled in, which is asked anew for
-/// each.
+/// A template with its instance number filled in, which is asked anew for each.
 Text FormMain::FilledTemplate(int32_t myTemplate)
 {
-    const Text myText = ReplaceAll(LoadResString(myTemplate), u"\n", LineEnd);
-    return ReplaceAll(myText, u"%1", NumberText(int64_t{Helper().InstanceNumber()}));
+    return ReplaceAll(PageTemplate(myTemplate), u"%1", NumberText(int64_t{Helper().InstanceNumber()}));
 }
 
 Text FormMain::SourcePath(TextView myFolder, TextView myName) const

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <type_traits>
@@ -37,9 +38,11 @@ size_t LeadingAscii(std::basic_string_view<Unit> myText)
     {
         Word myWord = 0;
         std::memcpy(&myWord, &myText[theLength], sizeof myWord);
-        if ((myWord & BeyondAscii) != 0)
+        if (const Word myFound = myWord & BeyondAscii; myFound != 0)
         {
-            break;
+            const int myBits =
+                std::endian::native == std::endian::little ? std::countr_zero(myFound) : std::countl_zero(myFound);
+            return theLength + static_cast<size_t>(myBits) / (8 * sizeof(Unit));
         }
     }
     while (theLength < myText.size() && static_cast<Code>(myText[theLength]) < 0x80)
