@@ -55,17 +55,14 @@ public:
     void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) override
     {
         DemandSettings(myBitsPerPixel == 24 && myFirstPage == 1 && myPages == 1);
-        std::unique_ptr<Picture> myFormer = std::move(myPicture);
-        const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
-        const std::optional<FileVersion> myVersion = myFile->Version();
-        if (myFormer && myVersion && myVersion == myLoadedVersion)
+        if (myPicture && myLoadedVersion && myFiles.IsVersion(myFilename, *myLoadedVersion))
         {
-            myPicture = std::move(myFormer); // the pages of a site most often have one motif
-            return;
+            return; // the pages of a site most often have one motif
         }
-        myFormer.reset();
+        myPicture.reset();
+        const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
         myPicture = ReadPicture(WholeFile(*myFile));
-        myLoadedVersion = myVersion;
+        myLoadedVersion = myFile->Version();
     }
 
     float BitmapWidth() override { return static_cast<float>(Current().Width()); }

@@ -53,6 +53,11 @@ struct stat FactsOfPlainFile(const Descriptor& myFile)
     return theFacts;
 }
 
+FileVersion VersionOf(const struct stat& myFacts)
+{
+    return {myFacts.st_dev, myFacts.st_ino, myFacts.st_size, myFacts.st_ctim.tv_sec, myFacts.st_ctim.tv_nsec};
+}
+
 void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t myLength)
 {
     constexpr int64_t AtOnce = int64_t{1} << 30;
@@ -109,8 +114,7 @@ std::optional<FileVersion> PlainInputFile::Version()
     {
         return std::nullopt;
     }
-    return FileVersion{myFirstFacts.st_dev, myFirstFacts.st_ino, myFirstFacts.st_size, myFirstFacts.st_ctim.tv_sec,
-                       myFirstFacts.st_ctim.tv_nsec};
+    return VersionOf(myFirstFacts);
 }
 
 void PlainInputFile::Read(std::span<std::byte> myTarget)

@@ -22,6 +22,9 @@ void LockFile(const Descriptor& myFile, Lock myLock);
 /// What the system tells about an open file. Error 75: it is not a plain one.
 struct stat FactsOfPlainFile(const Descriptor& myFile);
 
+/// The version of a file that the system has told this about.
+FileVersion VersionOf(const struct stat& myFacts);
+
 /// Appends the rest of one file to another, as far as possible without the bytes leaving the kernel. `myLength` is the
 /// length that the source is known to have. Errors as in OutputFile::Write.
 void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t myLength);
