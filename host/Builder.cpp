@@ -48,7 +48,7 @@ void Builder::BuildPage(const Page& myPage, OutputFolder& theOutput)
     ShowProgress("[" + std::to_string(myResult.Pages + 1) + "/" + std::to_string(myPages.size()) + "] " + myPage.Name);
     const PageText myText(mySite.PageContent(myPage.Id));
     std::map<std::string, Text> myModules;
-    for (const Module& myModule : mySite.Modules(myPage.Name))
+    for (const Module& myModule : mySite.Modules(myPage.Id))
     {
         ++myResult.Modules;
         if (myText.HasPlace(myModule.Place))

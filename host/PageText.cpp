@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <sstream>
 
 namespace qel::host
 {
@@ -29,6 +28,16 @@ uint32_t CodeOf(TextView myCharacter)
 {
     return IsPair(myCharacter) ? 0x10000 + ((myCharacter[0] & 0x3FFU) << 10) + (myCharacter[1] & 0x3FFU)
                                : myCharacter.front();
+}
+
+/// Takes the first word from the head of a text; the empty text if it has none.
+std::string_view TakeWord(std::string_view& theText)
+{
+    constexpr std::string_view mySpaces = " \t\n\v\f\r";
+    theText.remove_prefix(std::min(theText.find_first_not_of(mySpaces), theText.size()));
+    const std::string_view theWord = theText.substr(0, theText.find_first_of(mySpaces));
+    theText.remove_prefix(theWord.size());
+    return theWord;
 }
 
 /// Where the unnamed place is in a page that does not show it.
@@ -72,12 +81,10 @@ PageText::PageText(std::string theContent) : myContent(std::move(theContent))
 
 void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
 {
-    std::istringstream myWords(myContent.substr(myStart + 4, myEnd - myStart - 7));
-    std::string myWord;
-    std::string myName;
-    std::string mySurplus;
-    myWords >> myWord >> myName >> mySurplus;
-    if (!mySurplus.empty())
+    std::string_view myWords = std::string_view(myContent).substr(myStart + 4, myEnd - myStart - 7);
+    const std::string_view myWord = TakeWord(myWords);
+    const std::string myName(TakeWord(myWords));
+    if (!TakeWord(myWords).empty())
     {
         return;
     }

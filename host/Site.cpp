@@ -220,7 +220,7 @@ void Site::RemovePage(std::string_view myName, bool myWithModules)
         throw Failure("record " + std::to_string(myUid) + " leads to \"" + std::string(myName) +
                       "\"; change it with qelhost record set, or remove it");
     }
-    const std::vector<Module> myModules = Modules(std::string(myName));
+    const std::vector<Module> myModules = Modules(myId);
     if (!myModules.empty() && !myWithModules)
     {
         throw Failure("\"" + std::string(myName) + "\" holds " + std::to_string(myModules.size()) +

@@ -82,8 +82,8 @@ public:
     /// Removes a module and its archive.
     void RemoveModule(int64_t myId);
     Module ModuleOf(int64_t myId);
-    /// In the order of pages, places and positions; only those of one page if it is given.
-    std::vector<Module> Modules(const std::optional<std::string>& myPage = {});
+    /// In the order of pages, places and positions; only those of one page if its id is given.
+    std::vector<Module> Modules(std::optional<int64_t> myPage = {});
 
     /// The file name of a module's archive below the data folder.
     static std::string ArchiveName(int64_t myModule);

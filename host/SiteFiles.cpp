@@ -39,7 +39,8 @@ class NewFile
 {
 public:
     explicit NewFile(const fs::path& theTarget)
-        : myTarget(theTarget), myName(theTarget.parent_path() / (".qelhost-" + std::to_string(getpid()) + ".new"))
+        : myTarget(theTarget.string()),
+          myName(myTarget.substr(0, myTarget.rfind('/') + 1) + ".qelhost-" + std::to_string(getpid()) + ".new")
     {
     }
     NewFile(const NewFile&) = delete;
@@ -75,7 +76,7 @@ public:
         fs::copy_file(mySource, myName, fs::copy_options::overwrite_existing, myError);
         if (myError)
         {
-            FailWithSystemError("cannot copy " + mySource.string() + " to " + myTarget.string(), myError.value());
+            FailWithSystemError("cannot copy " + mySource.string() + " to " + myTarget, myError.value());
         }
     }
 
@@ -89,10 +90,10 @@ public:
     }
 
 private:
-    [[noreturn]] void Fail(int myError) const { FailWithSystemError("cannot write " + myTarget.string(), myError); }
+    [[noreturn]] void Fail(int myError) const { FailWithSystemError("cannot write " + myTarget, myError); }
 
-    fs::path myTarget;
-    fs::path myName;
+    std::string myTarget;
+    std::string myName;
     bool myIsInPlace = false;
 };
 

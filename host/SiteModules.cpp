@@ -108,9 +108,9 @@ Module Site::ModuleOf(int64_t myId)
     return ReadModule(myStatement);
 }
 
-std::vector<Module> Site::Modules(const std::optional<std::string>& myPage)
+std::vector<Module> Site::Modules(std::optional<int64_t> myPage)
 {
-    Statement myStatement(myConnection, myPage ? mySelect + "WHERE page.name = ? ORDER BY place, module.position"
+    Statement myStatement(myConnection, myPage ? mySelect + "WHERE module.page = ? ORDER BY place, module.position"
                                                : mySelect + "ORDER BY page.position, place, module.position");
     if (myPage)
     {
