@@ -61,8 +61,8 @@ public:
         }
         myPicture.reset();
         const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
+        myLoadedVersion = myFile->Version(); // before it is read, since what changes meanwhile may look the same
         myPicture = ReadPicture(WholeFile(*myFile));
-        myLoadedVersion = myFile->Version();
     }
 
     float BitmapWidth() override { return static_cast<float>(Current().Width()); }
