@@ -138,7 +138,7 @@ bool IsInTheWay(const Text& myFilename, Files& theFiles)
 {
     try
     {
-        theFiles.Length(myFilename);
+        theFiles.Look(myFilename);
         return true;
     }
     catch (const Error& e)

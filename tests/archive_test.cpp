@@ -143,7 +143,7 @@ TEST_F(Archive, ReplacesWhatIsThereButNotWhatALinkLeadsTo)
     std::filesystem::create_symlink(myFolder.Native("outside"), myFolder.Native("base/Img/b.gif"));
     EXPECT_TRUE(UnPack(Example));
     EXPECT_EQ(myFiles.List(myFolder.Logical(u"base\\*.*"), Listing::PlainFiles).size(), 1U);
-    EXPECT_EQ(myFiles.Length(myFolder.Logical(u"base\\a.txt")), 3);
+    EXPECT_EQ(myFiles.Look(myFolder.Logical(u"base\\a.txt")).Length, 3);
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(myFolder.Native("base/Img/b.gif"))));
     EXPECT_EQ(myFolder.Read("outside"), "mine");
 }

@@ -218,7 +218,6 @@ TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
             {
                 SCOPED_TRACE(testing::PrintToString(myName.substr(0, 20)));
                 EXPECT_EQ(Try(&Files::OpenForReading, myName), myReading);
-                EXPECT_EQ(Try(&Files::Length, myName), myReading);
                 EXPECT_EQ(myFiles.IsFolder(In(myName)), myName == u"folder");
                 EXPECT_EQ(Try(&Files::OpenForWriting, myName), myWriting);
             }
@@ -368,6 +367,17 @@ TEST_F(FilesTest, FoldersAndLinksAreToldApart)
     Link("Sub", "link");
     EXPECT_TRUE(myFiles.IsFolder(In(u"LINK\\")) && myFiles.IsLink(In(u"LINK\\"))); // a separator hides no link
     EXPECT_FALSE(myFiles.IsLink(In(u"Sub")) || myFiles.IsFolder(In(u"sub\\x")));
+    Pipe("pipe");
+    const std::pair<Text, EntryKind> myKinds[] = {{u"LINK\\", EntryKind::Link},
+                                                  {u"SUB", EntryKind::Folder},
+                                                  {u"Sub\\X", EntryKind::File},
+                                                  {u"pipe", EntryKind::Other}};
+    for (const auto& [myName, myKind] : myKinds)
+    {
+        EXPECT_EQ(myFiles.Look(In(myName)).Kind, myKind) << testing::PrintToString(myName);
+    }
+    EXPECT_EQ(Try(&Files::Look, u"none"), FileNotFound);
+    EXPECT_EQ(Try(&Files::Look, u"none\\x"), PathNotFound);
     EXPECT_EQ(Try(&Files::MakeFolder, u"SUB\\"), PathAccess);
     EXPECT_EQ(Try(&Files::MakeFolder, u"Sub\\X"), PathAccess);
     EXPECT_EQ(Try(&Files::MakeFolder, u"none\\x"), PathNotFound);
@@ -407,7 +417,7 @@ TEST_F(FilesTest, ASystemThatRefusesIsReported)
     EXPECT_EQ(Try(&Files::OpenForWriting, u"locked\\b"), 0);
     Mode("locked/b", 0);
     EXPECT_EQ(Try(&Files::OpenShared, u"locked\\b"), PermissionDenied);
-    EXPECT_EQ(Try(&Files::Length, u"locked\\b"), 0);
+    EXPECT_EQ(Try(&Files::Look, u"locked\\b"), 0);
     EXPECT_EQ(Try(&Files::OpenShared, u"locked\\B"), FileNotFound);
     EXPECT_EQ(ErrorOf([&] { myFiles.DemandOwnFolder(u"\\proc"); }), PathAccess); // someone else's
     EXPECT_EQ(seteuid(myUser), 0);

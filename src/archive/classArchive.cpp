@@ -231,7 +231,8 @@ void classArchive::ListFolder(const Text& myFolder)
             continue;
         }
         myLastName = Concat(myFolder, myName);
-        if (myFilePort.IsLink(Concat(myFullFolder, myName)))
+        Entry myEntry = myFilePort.Look(Concat(myFullFolder, myName));
+        if (myEntry.Kind == EntryKind::Link)
         {
             continue;
         }
@@ -239,7 +240,8 @@ void classArchive::ListFolder(const Text& myFolder)
         if (mySmallFilenames && myName != myLowerName)
         {
             myName = myLowerName;
-            if (myFilePort.IsLink(Concat(myFullFolder, myName))) // it would be read instead
+            myEntry = myFilePort.Look(Concat(myFullFolder, myName));
+            if (myEntry.Kind == EntryKind::Link) // it would be read instead
             {
                 Raise(ErrorNumber::FileAlreadyExists);
             }
@@ -249,13 +251,13 @@ void classArchive::ListFolder(const Text& myFolder)
             Raise(ErrorNumber::FileAlreadyExists);
         }
         Text myPath = Concat(myFolder, myName);
-        if (myFilePort.IsFolder(Concat(myFullFolder, myName)))
+        if (myEntry.Kind == EntryKind::Folder)
         {
             mySubfolders.push_back(std::move(myPath));
         }
         else
         {
-            AddFile(std::move(myPath));
+            AddFile(std::move(myPath), myEntry.Length);
         }
     }
     for (const Text& mySubfolder : mySubfolders)
@@ -264,15 +266,14 @@ void classArchive::ListFolder(const Text& myFolder)
     }
 }
 
-void classArchive::AddFile(Text myName)
+void classArchive::AddFile(Text myName, int64_t myLength)
 {
     if (LeavesFolder(myName))
     {
         Raise(ErrorNumber::BadFileName);
     }
     AnsiName(myName);
-    const int32_t mySize = SizeOfFile(myFilePort.Length(Concat(myBaseFolder, myName)));
-    myFiles.push_back({std::move(myName), mySize});
+    myFiles.push_back({std::move(myName), SizeOfFile(myLength)});
 }
 
 /// Writes the entries until the flag is raised. The percentage goes by the sizes as they were listed.

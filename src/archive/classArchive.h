@@ -107,7 +107,7 @@ private:
     static constexpr size_t BlockSize = 32000;
 
     void ListFolder(const Text& myFolder);
-    void AddFile(Text myName);
+    void AddFile(Text myName, int64_t myLength);
     void WriteAllEntries(OutputFile& myOutputFile, bool& theCancel);
     void WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry);
     void RaiseCreate(const Text& myFilename, int32_t myPercent, bool& theCancel) const;

@@ -75,6 +75,21 @@ public:
     virtual ~FolderMemory() = default;
 };
 
+enum class EntryKind
+{
+    File,
+    Folder,
+    Link,
+    Other ///< a pipe, a socket, a device, a link that leads nowhere where links are followed
+};
+
+/// What stands under a name.
+struct Entry
+{
+    EntryKind Kind;
+    int64_t Length; ///< in bytes; of a file alone
+};
+
 /// What a listing yields.
 enum class Listing
 {
@@ -99,8 +114,9 @@ public:
     /// until it is closed. Errors as in OpenForReading, and 61: the disk is full.
     virtual std::unique_ptr<OutputFile> OpenForWriting(TextView myFilename) = 0;
 
-    /// The length in bytes of a plain file that need not be readable. Error 53, 76, 75 as above.
-    virtual int64_t Length(TextView myFilename) = 0;
+    /// What the last part of the path names, which need not be readable: a link itself, and not what it leads to.
+    /// Error 53, 76, 70, 52 as above.
+    virtual Entry Look(TextView myPath) = 0;
 
     /// True when the name leads to a file that is still the version that InputFile::Version gave. Whether someone else
     /// holds the file is not looked at. No error.

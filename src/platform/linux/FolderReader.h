@@ -1,19 +1,14 @@
 /// Reads the entries of a folder one after the other, in the file system's order, "." and ".." among them.
 #pragma once
 
+#include "platform/Files.h"
+
 #include <dirent.h>
 #include <memory>
 #include <string>
 
 namespace qel
 {
-
-enum class EntryKind
-{
-    File,
-    Folder,
-    Other ///< a pipe, a socket, a device, a link that leads nowhere
-};
 
 class FolderReader
 {
@@ -26,7 +21,7 @@ public:
     /// The next entry, or null behind the last one. It stays valid until the next call. Error 57: reading failed.
     const dirent* Next();
 
-    /// What an entry is, or what it leads to.
+    /// What an entry is, or what it leads to; never a link.
     EntryKind KindOf(const dirent& myEntry) const;
 
     /// The open folder itself, for the system's calls.

@@ -215,18 +215,24 @@ Descriptor LinuxFiles::OpenOrMake(const std::string& myPath, bool& theFileIsNew)
     return theFile;
 }
 
-int64_t LinuxFiles::Length(TextView myFilename)
+Entry LinuxFiles::Look(TextView myPath)
 {
     struct stat myFacts = {};
-    if (!GetFacts(NativePath(myFilename), 0, myFacts))
+    if (!GetFacts(PathOfEntry(myPath), AT_SYMLINK_NOFOLLOW, myFacts))
     {
         RaiseSystemError(errno);
     }
-    if (!S_ISREG(myFacts.st_mode))
+    switch (myFacts.st_mode & S_IFMT)
     {
-        Raise(ErrorNumber::PathAccess);
+    case S_IFREG:
+        return {EntryKind::File, myFacts.st_size};
+    case S_IFDIR:
+        return {EntryKind::Folder, 0};
+    case S_IFLNK:
+        return {EntryKind::Link, 0};
+    default:
+        return {EntryKind::Other, 0};
     }
-    return myFacts.st_size;
 }
 
 bool LinuxFiles::IsVersion(TextView myFilename, const FileVersion& myVersion)
