@@ -130,7 +130,7 @@ public:
 private:
     HRESULT Folder(const char* myName, BSTR* theFolder, TextView myFolder)
     {
-        return myState.Tell(myName, theFolder, Text(myState.Root).append(myFolder));
+        return myState.Tell(myName, theFolder, JoinTexts({myState.Root, myFolder}));
     }
 
     HostState& myState;
@@ -156,7 +156,7 @@ public:
     HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, u"otra.html"); }
     HRESULT get_DataFolder(BSTR* theFolder) override
     {
-        return myState.Tell("DataFolder", theFolder, Text(myState.Root).append(u"data/"));
+        return myState.Tell("DataFolder", theFolder, JoinTexts({myState.Root, u"data/"}));
     }
     HRESULT ChooseLink(BSTR* /*myPresentLink*/, BSTR* theLink) override
     {

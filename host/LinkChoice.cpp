@@ -33,7 +33,7 @@ std::optional<std::size_t> FindRow(const std::vector<LinkRow>& myRows, TextView 
 Text Shortened(TextView myText)
 {
     constexpr std::size_t myLongest = 60;
-    return myText.size() <= myLongest ? Text(myText) : Text(myText.substr(0, myLongest)).append(u"…");
+    return myText.size() <= myLongest ? Text(myText) : JoinTexts({myText.substr(0, myLongest), u"…"});
 }
 
 } // namespace
@@ -66,10 +66,10 @@ Text LinkOf(const LinkChoice& myChoice)
 {
     if (myChoice.Row)
     {
-        return Text(RecordMark).append(NumberText(myChoice.Rows.at(*myChoice.Row).Uid));
+        return JoinTexts({RecordMark, NumberText(myChoice.Rows.at(*myChoice.Row).Uid)});
     }
     return myChoice.Address.empty() ? Text()
-                                    : Text(AddressMark).append(FromUtf8(EscapedForHtml(ToUtf8(myChoice.Address))));
+                                    : JoinTexts({AddressMark, FromUtf8(EscapedForHtml(ToUtf8(myChoice.Address)))});
 }
 
 } // namespace qel::host

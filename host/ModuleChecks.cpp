@@ -36,7 +36,7 @@ constexpr TextView DefaultScript = u"<pg.plugin uid=\"QelPluginAnimation\" versi
 
 Text Param(TextView myName, TextView myValue)
 {
-    return Text(u"<pg.param name=\"").append(myName).append(u"\" value=\"").append(myValue).append(u"\">");
+    return JoinTexts({u"<pg.param name=\"", myName, u"\" value=\"", myValue, u"\">"});
 }
 
 Text PluginFailure(int64_t myNumber, TextView myReason)

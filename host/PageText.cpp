@@ -136,7 +136,8 @@ std::string PageText::Filled(const std::map<std::string, Text>& myModules, TextV
             thePage += Encoded(myFound->second);
         }
     }
-    return thePage.append(myContent, myDone);
+    thePage.append(myContent, myDone);
+    return thePage;
 }
 
 std::string PageText::Encoded(TextView myText) const

@@ -46,7 +46,7 @@ public:
 private:
     static HRESULT Join(BSTR* theText, TextView myFirst, TextView mySecond)
     {
-        return Answer(theText, [&] { return Text(myFirst).append(mySecond); });
+        return Answer(theText, [&] { return JoinTexts({myFirst, mySecond}); });
     }
 
     Text myOutput; ///< the build folder

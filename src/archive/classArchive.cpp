@@ -455,14 +455,13 @@ double classArchive::TotalSize() const
 
 Text classArchive::Concat(TextView myFirst, TextView mySecond)
 {
-    return Text(WithoutEnd(myFirst, u'\\')).append(u"\\").append(WithoutStart(mySecond, u'\\'));
+    return JoinTexts({WithoutEnd(myFirst, u'\\'), u"\\", WithoutStart(mySecond, u'\\')});
 }
 
 Text classArchive::ConcatUnix(TextView myFirst, TextView mySecond)
 {
-    return Text(WithoutEnd(WithoutEnd(myFirst, u'\\'), u'/'))
-        .append(u"/")
-        .append(WithoutStart(WithoutStart(mySecond, u'\\'), u'/'));
+    return JoinTexts(
+        {WithoutEnd(WithoutEnd(myFirst, u'\\'), u'/'), u"/", WithoutStart(WithoutStart(mySecond, u'\\'), u'/')});
 }
 
 /// The name up to and with its last "\"; empty if there is none.

@@ -45,7 +45,7 @@ bool FormMainDialog::TakeImage()
     if (myFolder != OwnFileEntry)
     {
         Settings().myImageFolder = myFolder;
-        Settings().myImage = Controls().lstImage.SelectedText().append(GifExtension);
+        Settings().myImage = JoinTexts({Controls().lstImage.SelectedText(), GifExtension});
         return true;
     }
     if (Settings().myImageMode == ImageMode::None)
@@ -55,7 +55,7 @@ bool FormMainDialog::TakeImage()
     }
     const bool myIsJpeg = Settings().myImageMode == ImageMode::Jpeg;
     Settings().myImageFolder = UserMarker;
-    Settings().myImage = Text(ImagePrefix).append(myIsJpeg ? JpegExtension : GifExtension);
+    Settings().myImage = JoinTexts({ImagePrefix, myIsJpeg ? JpegExtension : GifExtension});
     return true;
 }
 
@@ -65,7 +65,7 @@ bool FormMainDialog::TakeMIDI()
     if (myFolder != OwnFileEntry)
     {
         Settings().myMIDIFolder = myFolder;
-        Settings().myMIDI = Controls().lstMIDI.SelectedText().append(TuneExtension);
+        Settings().myMIDI = JoinTexts({Controls().lstMIDI.SelectedText(), TuneExtension});
         return true;
     }
     if (!Settings().myMIDIMode)
@@ -74,7 +74,7 @@ bool FormMainDialog::TakeMIDI()
         return false;
     }
     Settings().myMIDIFolder = UserMarker;
-    Settings().myMIDI = Text(TunePrefix).append(TuneExtension);
+    Settings().myMIDI = JoinTexts({TunePrefix, TuneExtension});
     return true;
 }
 

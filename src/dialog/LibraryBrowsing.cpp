@@ -35,7 +35,7 @@ int32_t AddSorted(ComboBox& theBox, const std::vector<Text>& myNames, TextView m
 void FormMainDialog::FillFolderCombo(ComboBox& theCombo, TextView myFolder)
 {
     std::vector<Text> myNames =
-        myPorts.files.List(Text(myLocalConstants.myDesignsFolder).append(u"*.*"), Listing::FilesAndFolders);
+        myPorts.files.List(JoinTexts({myLocalConstants.myDesignsFolder, u"*.*"}), Listing::FilesAndFolders);
     std::erase_if(myNames, [](const Text& s) { return s == u"." || s == u".."; });
     int32_t mySelection = AddSorted(theCombo, myNames, myFolder, 0);
     theCombo.AddItem(OwnFileEntry);
@@ -104,7 +104,7 @@ void FormMainDialog::OpenMIDIFolder()
 
 Text FormMainDialog::LibraryFile(TextView myFolder, TextView myName, TextView myExtension) const
 {
-    return Text(myLocalConstants.myDesignsFolder).append(myFolder).append(u"\\").append(myName).append(myExtension);
+    return JoinTexts({myLocalConstants.myDesignsFolder, myFolder, u"\\", myName, myExtension});
 }
 
 } // namespace qel

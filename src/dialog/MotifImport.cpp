@@ -67,7 +67,7 @@ void FormMainDialog::StageImage(TextView myFilename)
 
 Text FormMainDialog::StagedImage(TextView myExtension) const
 {
-    return Text(myForm.TempFolder()).append(ImagePrefix).append(myExtension);
+    return JoinTexts({myForm.TempFolder(), ImagePrefix, myExtension});
 }
 
 } // namespace qel

@@ -49,7 +49,7 @@ void FormMainDialog::PlayMIDI(const Text& myFile)
     const Text& myCopy = myForm.TempMIDI();
     Succeeds([&] { myPorts.files.Delete(myCopy); });
     Succeeds([&] { myPorts.files.Copy(myFile, myCopy); });
-    myPorts.windows.SendMultimediaCommand(Text(u"open \"").append(myCopy).append(u"\" type sequencer alias qelmidi"));
+    myPorts.windows.SendMultimediaCommand(JoinTexts({u"open \"", myCopy, u"\" type sequencer alias qelmidi"}));
     myPorts.windows.SendMultimediaCommand(u"play qelmidi ");
 }
 
@@ -69,7 +69,7 @@ void FormMainDialog::UpdateMIDILabel()
 
 Text FormMainDialog::StagedMIDI() const
 {
-    return Text(myForm.TempFolder()).append(TunePrefix).append(TuneExtension);
+    return JoinTexts({myForm.TempFolder(), TunePrefix, TuneExtension});
 }
 
 } // namespace qel

@@ -52,7 +52,7 @@ FormMain::FormMain(const Platform& myPlatform, const localConstants& myConstants
         myTempPath += u'\\';
     }
     myTempFolder = myTempPath + u"qelpluginanimtemp\\";
-    myTempMIDI = Text(myTempPath).append(TunePrefix).append(TuneExtension);
+    myTempMIDI = JoinTexts({myTempPath, TunePrefix, TuneExtension});
     try
     {
         myPorts.files.MakeFolder(myTempFolder);

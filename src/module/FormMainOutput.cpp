@@ -108,7 +108,8 @@ std::optional<Text> FormMain::PageText()
     {
         theResult.append(TuneText()).append(LineEnd);
     }
-    return theResult.append(MakeClosingTag(u"script")).append(LineEnd);
+    theResult.append(MakeClosingTag(u"script")).append(LineEnd);
+    return theResult;
 }
 
 bool FormMain::UnPackModule()
@@ -232,15 +233,15 @@ Text FormMain::SourcePath(TextView myFolder, TextView myName) const
 {
     if (myFolder == UserMarker)
     {
-        return Text(myTempFolder).append(myName);
+        return JoinTexts({myTempFolder, myName});
     }
-    return Text(myLocalConstants.myDesignsFolder).append(myFolder).append(u"\\").append(myName);
+    return JoinTexts({myLocalConstants.myDesignsFolder, myFolder, u"\\", myName});
 }
 
 Text FormMain::TargetName(TextView myPrefix, TextView myName) const
 {
     const Text myExtension(ExtensionOf(myName)); // a host that writes a script in the next call takes `myName` away
-    return Text(myPrefix).append(Helper().UniqueName()).append(myExtension);
+    return JoinTexts({myPrefix, Helper().UniqueName(), myExtension});
 }
 
 BuildHelper& FormMain::Helper() const

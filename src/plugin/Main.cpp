@@ -55,8 +55,8 @@ Main::Main()
     Apartment& myApartment = Apartment::OfThisThread();
     const Text& myFolder = myApartment.Ports().componentFolder;
     localConstants& theConstants = myApartment.myConstants;
-    theConstants.myHelpFile = Text(myFolder).append(u"\\").append(ComponentVersion.ProjectName).append(u".chm");
-    theConstants.myDesignsFolder = Text(myFolder).append(myFolder.ends_with(u'\\') ? u"" : u"\\");
+    theConstants.myHelpFile = JoinTexts({myFolder, u"\\", ComponentVersion.ProjectName, u".chm"});
+    theConstants.myDesignsFolder = JoinTexts({myFolder, myFolder.ends_with(u'\\') ? u"" : u"\\"});
     theConstants.myDesignsFolder.append(ComponentVersion.ProjectName).append(u"Designs\\");
 }
 
@@ -138,12 +138,12 @@ HRESULT Main::get_Description(BSTR* theText)
 
 HRESULT Main::get_PreviewImageFilename(BSTR* theName)
 {
-    return Answer(theName, [] { return Text(ComponentVersion.ProjectName).append(u"Preview.bmp"); });
+    return Answer(theName, [] { return JoinTexts({ComponentVersion.ProjectName, u"Preview.bmp"}); });
 }
 
 HRESULT Main::get_LogoFilename(BSTR* theName)
 {
-    return Answer(theName, [] { return Text(ComponentVersion.ProjectName).append(u"Logo.bmp"); });
+    return Answer(theName, [] { return JoinTexts({ComponentVersion.ProjectName, u"Logo.bmp"}); });
 }
 
 HRESULT Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)

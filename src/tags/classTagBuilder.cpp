@@ -23,7 +23,8 @@ Text classTagBuilder::Tag() const
     {
         theResult.append(u" ").append(myAttribute.Name).append(u"=\"").append(myAttribute.Value).append(u"\"");
     }
-    return theResult.append(mySingleTag ? u" />" : u">");
+    theResult.append(mySingleTag ? u" />" : u">");
+    return theResult;
 }
 
 Text classTagBuilder::Quote(TextView myText)

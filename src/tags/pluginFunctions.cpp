@@ -26,12 +26,12 @@ TextView WithoutOneAtStart(TextView myText, char16_t myCharacter)
 
 Text MakeClosingTag(TextView myTagName)
 {
-    return Text(u"</").append(myTagName).append(u">");
+    return JoinTexts({u"</", myTagName, u">"});
 }
 
 Text MakeTag(TextView myTagName, std::span<const TextView> myPairs)
 {
-    Text theResult = Text(u"<").append(myTagName);
+    Text theResult = JoinTexts({u"<", myTagName});
     for (size_t i = 0; i + 1 < myPairs.size(); i += 2)
     {
         const TextView myValue = myPairs[i + 1];
@@ -41,7 +41,8 @@ Text MakeTag(TextView myTagName, std::span<const TextView> myPairs)
             theResult.append(myValue == BlankValue ? TextView() : myValue).append(u"\"");
         }
     }
-    return theResult.append(u">");
+    theResult.append(u">");
+    return theResult;
 }
 
 Text MakeAnchor(TextView myHref, TextView myOnClick, TextView myClass, TextView myTarget)
@@ -70,7 +71,7 @@ Text ConcatUrl(TextView myFirst, TextView mySecond)
 {
     myFirst = WithoutOneAtEnd(WithoutOneAtEnd(myFirst, u'/'), u'\\');
     mySecond = WithoutOneAtStart(WithoutOneAtStart(mySecond, u'/'), u'\\');
-    return Text(myFirst).append(u"/").append(mySecond);
+    return JoinTexts({myFirst, u"/", mySecond});
 }
 
 bool FileIsReadable(Files& myFiles, TextView myFilename)

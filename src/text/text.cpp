@@ -158,6 +158,22 @@ size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t m
     return TextView::npos;
 }
 
+Text JoinTexts(std::initializer_list<TextView> myTexts)
+{
+    size_t myLength = 0;
+    for (const TextView myText : myTexts)
+    {
+        myLength += myText.size();
+    }
+    Text theResult;
+    theResult.reserve(myLength);
+    for (const TextView myText : myTexts)
+    {
+        theResult += myText;
+    }
+    return theResult;
+}
+
 TextView TrimBlanks(TextView myText)
 {
     const size_t myFirst = myText.find_first_not_of(u' ');
@@ -187,7 +203,8 @@ Text ReplaceAll(TextView myText, TextView myOld, TextView myNew)
             myPosition = myFound;
         }
     }
-    return theResult.append(myText, myPosition);
+    theResult.append(myText, myPosition);
+    return theResult;
 }
 
 Text NumberText(int64_t myNumber)

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -41,6 +42,9 @@ inline size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
 {
     return FindEither(myText, myUnit, myUnit, myPosition);
 }
+
+/// The texts one behind the other.
+Text JoinTexts(std::initializer_list<TextView> myTexts);
 
 /// The text without the blanks (U+0020 alone) at both ends; a view into the argument.
 TextView TrimBlanks(TextView myText);

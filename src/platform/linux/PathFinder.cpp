@@ -159,8 +159,8 @@ Place PathFinder::Find(const std::string& myPath)
         myFolder = myNames->Path;
     }
     const bool myIsThere = !myFound.empty();
-    return {myFolder.append(myIsThere ? myFound : myParts.Name).append(myParts.Tail),
-            myIsThere ? Missing::Nothing : Missing::Name};
+    myFolder.append(myIsThere ? myFound : myParts.Name).append(myParts.Tail);
+    return {std::move(myFolder), myIsThere ? Missing::Nothing : Missing::Name};
 }
 
 FolderReader PathFinder::OpenFolder(std::string& theFolder)
