@@ -150,8 +150,8 @@ void UnpackWithLibrary(const Case& myCase)
 void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
 {
     const fs::path& myFolder = myCase.Folder;
-    // Before each time as many bytes are written and deleted as the run will write. A virtual machine gives memory that
-    // lies idle for a while back to its host, and whoever runs next would pay for getting it again.
+    // Before each timing as many bytes are written and deleted as the run will write. A virtual machine gives memory
+    // that lies idle for a while back to its host, and whoever runs next would pay for getting it again.
     const auto WarmsMemory = [&]
     {
         fs::copy(myFolder / "in", myFolder / "scratch", fs::copy_options::recursive);

@@ -64,7 +64,6 @@ void Connection::Closer::operator()(sqlite3* theHandle) const
 
 Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : myFilename(theFilename)
 {
-    // One thread uses a connection, so it needs no locks of its own.
     const int myFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (myMode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     sqlite3* theHandle = nullptr;
     const int myResult = sqlite3_open_v2(myFilename.c_str(), &theHandle, myFlags, nullptr);
@@ -77,7 +76,7 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
     Run("PRAGMA foreign_keys = ON");
     if (myMode == Mode::Create)
     {
-        Run("PRAGMA page_size = 16384");  // for good: contents are some kilobytes long each and are read whole
+        Run("PRAGMA page_size = 16384");  // most pages' contents are some kilobytes long
         Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
     }
 }

@@ -25,7 +25,8 @@ struct Blob
 /// What is bound to a parameter of a statement; std::monostate is NULL.
 using Value = std::variant<std::monostate, int64_t, std::string_view, Blob>;
 
-/// An open database: foreign keys are enforced, and it waits some seconds for other programs that hold it.
+/// An open database: foreign keys are enforced, and it waits some seconds for other programs that hold it. It and its
+/// statements take no locks of their own and are used on one thread.
 class Connection
 {
 public:

@@ -2,7 +2,7 @@
 ///
 /// The database knows the site's pages, each with the HTML text that its author wrote, the modules on them, each with
 /// its script, and the records that links can lead to. Positions count from 1 and stay without gaps. An operation that
-/// fails throws Failure and has changed nothing.
+/// fails throws Failure and has changed nothing. A site is used on one thread.
 #pragma once
 
 #include "Connection.h"

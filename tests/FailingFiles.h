@@ -37,7 +37,6 @@ public:
     std::unique_ptr<InputFile> OpenShared(TextView f) override { return Open<Input>(&Files::OpenShared, f); }
     std::unique_ptr<OutputFile> OpenForWriting(TextView f) override { return Open<Output>(&Files::OpenForWriting, f); }
     Entry Look(TextView f) override { return Do(myFiles, &Files::Look, f); }
-    bool IsVersion(TextView f, const FileVersion& v) override { return myFiles.IsVersion(f, v); }
     void Copy(TextView f, TextView t) override { Do(myFiles, &Files::Copy, f, t); }
     bool Delete(TextView f) override { return Do(myFiles, &Files::Delete, f); }
     void MakeFolder(TextView f) override { Do(myFiles, &Files::MakeFolder, f); }

@@ -1,7 +1,6 @@
 #include "platform/ImagingControl.h"
 
 #include "ErrorOf.h"
-#include "FailingFiles.h"
 #include "platform/linux/GifFile.h"
 #include "platform/linux/JpegFile.h"
 #include "platform/linux/LinuxFiles.h"
@@ -11,14 +10,12 @@
 #include "text/errors.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gif_lib.h>
 #include <gtest/gtest.h>
-#include <thread>
 #include <turbojpeg.h>
 
 using namespace qel;
@@ -406,29 +403,6 @@ TEST_F(PicturesTest, WhatCannotBeDoneIsRefusedAndChangesNothing)
     EXPECT_FALSE(myFolder.Exists("out"));
     const auto myHolder = myFiles.OpenForReading(myName);
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), PermissionDenied);
-}
-
-TEST_F(PicturesTest, OnlyAFileThatIsUnchangedIsNotReadAgain)
-{
-    FailingFiles myPort(myFiles);
-    const auto myOther = MakeImagingControl(myPort);
-    const auto myLoad = [&](bool myReads)
-    {
-        myPort.FailAt(myReads ? 0 : 1, Fault::ForGood);
-        return ErrorOf([&] { myOther->Load(myName, 24, 1, 1); });
-    };
-    ASSERT_EQ(Load(MakeGif({.ScreenWidth = 30})), 0);
-    std::this_thread::sleep_for(std::chrono::seconds(2));
-    if (!myFiles.OpenShared(myName)->Version())
-    {
-        GTEST_SKIP() << "this file system does not tell of every change";
-    }
-    EXPECT_EQ(myLoad(true), 0);
-    EXPECT_EQ(myLoad(false), 0);
-    const auto myTime = std::filesystem::last_write_time(myFolder.Native("picture.bmp"));
-    ASSERT_EQ(Load(MakeGif({.ScreenWidth = 31})), 0);
-    std::filesystem::last_write_time(myFolder.Native("picture.bmp"), myTime);
-    EXPECT_EQ(myLoad(false), ErrorNumber::DeviceError);
 }
 
 } // namespace

@@ -32,7 +32,8 @@ BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
         return nullptr;
     }
     const uint32_t myByteCount = myLength * static_cast<uint32_t>(sizeof(char16_t));
-    auto* const myMemory = static_cast<char*>(std::malloc(HeaderSize + myByteCount + sizeof(char16_t)));
+    const size_t mySize = HeaderSize + myByteCount + sizeof(char16_t);
+    auto* const myMemory = static_cast<char*>(myText == nullptr ? std::calloc(mySize, 1) : std::malloc(mySize));
     if (myMemory == nullptr)
     {
         return nullptr;
@@ -42,12 +43,8 @@ BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
     if (myText != nullptr)
     {
         std::memcpy(theText, myText, myByteCount);
+        std::memset(theText + myByteCount, 0, sizeof(char16_t));
     }
-    else
-    {
-        std::memset(theText, 0, myByteCount);
-    }
-    std::memset(theText + myByteCount, 0, sizeof(char16_t));
     return reinterpret_cast<BSTR>(theText);
 }
 

@@ -118,10 +118,6 @@ public:
     /// Error 53, 76, 70, 52 as above.
     virtual Entry Look(TextView myPath) = 0;
 
-    /// True when the name leads to a file that is still the version that InputFile::Version gave. Whether someone else
-    /// holds the file is not looked at. No error.
-    virtual bool IsVersion(TextView myFilename, const FileVersion& myVersion) = 0;
-
     /// Copies a plain file byte for byte and replaces a target that is there. A copy that fails midway leaves what has
     /// been written. Errors of OpenForReading for the source and of OpenForWriting for the target, and
     /// 70: source and target are one file.

@@ -235,19 +235,6 @@ Entry LinuxFiles::Look(TextView myPath)
     }
 }
 
-bool LinuxFiles::IsVersion(TextView myFilename, const FileVersion& myVersion)
-{
-    try
-    {
-        struct stat myFacts = {};
-        return GetFacts(NativePath(myFilename), 0, myFacts) && VersionOf(myFacts) == myVersion;
-    }
-    catch (const Error&)
-    {
-        return false;
-    }
-}
-
 void LinuxFiles::Copy(TextView mySource, TextView myTarget)
 {
     const Remembering myMemory(myFinder, Memory::Lasting); // a build copies into the same few folders over and over

@@ -22,7 +22,6 @@ public:
     std::unique_ptr<InputFile> OpenShared(TextView myFilename) override;
     std::unique_ptr<OutputFile> OpenForWriting(TextView myFilename) override;
     Entry Look(TextView myPath) override;
-    bool IsVersion(TextView myFilename, const FileVersion& myVersion) override;
     void Copy(TextView mySource, TextView myTarget) override;
     bool Delete(TextView myFilename) override;
     void MakeFolder(TextView myFolder) override;

@@ -55,14 +55,17 @@ public:
     void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) override
     {
         DemandSettings(myBitsPerPixel == 24 && myFirstPage == 1 && myPages == 1);
-        if (myPicture && myLoadedVersion && myFiles.IsVersion(myFilename, *myLoadedVersion))
-        {
-            return; // the pages of a site most often have one motif
-        }
-        myPicture.reset();
+        std::unique_ptr<Picture> myFormer = std::move(myPicture);
         const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
-        myLoadedVersion = myFile->Version(); // before it is read, since what changes meanwhile may look the same
+        const std::optional<FileVersion> myVersion = myFile->Version();
+        if (myFormer && myVersion && myVersion == myLoadedVersion)
+        {
+            myPicture = std::move(myFormer); // the pages of a site most often have one motif
+            return;
+        }
+        myFormer.reset();
         myPicture = ReadPicture(WholeFile(*myFile));
+        myLoadedVersion = myVersion;
     }
 
     float BitmapWidth() override { return static_cast<float>(Current().Width()); }

@@ -53,11 +53,6 @@ struct stat FactsOfPlainFile(const Descriptor& myFile)
     return theFacts;
 }
 
-FileVersion VersionOf(const struct stat& myFacts)
-{
-    return {myFacts.st_dev, myFacts.st_ino, myFacts.st_size, myFacts.st_ctim.tv_sec, myFacts.st_ctim.tv_nsec};
-}
-
 void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t myLength)
 {
     constexpr int64_t AtOnce = int64_t{1} << 30;
@@ -110,11 +105,12 @@ std::optional<FileVersion> PlainInputFile::Version()
 {
     // The clock of file systems goes in ticks of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
-    if (myFirstFacts.st_ctim.tv_sec > time(nullptr) - SecondsToSettle || !IsInLocalFileSystem(myFile.Handle()))
+    if (myFirstFacts.st_ctim.tv_sec > myOpeningTime - SecondsToSettle || !IsInLocalFileSystem(myFile.Handle()))
     {
         return std::nullopt;
     }
-    return VersionOf(myFirstFacts);
+    return FileVersion{myFirstFacts.st_dev, myFirstFacts.st_ino, myFirstFacts.st_size, myFirstFacts.st_ctim.tv_sec,
+                       myFirstFacts.st_ctim.tv_nsec};
 }
 
 void PlainInputFile::Read(std::span<std::byte> myTarget)

@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "platform/linux/Descriptor.h"
 
+#include <ctime>
 #include <sys/stat.h>
 
 namespace qel
@@ -21,9 +22,6 @@ void LockFile(const Descriptor& myFile, Lock myLock);
 
 /// What the system tells about an open file. Error 75: it is not a plain one.
 struct stat FactsOfPlainFile(const Descriptor& myFile);
-
-/// The version of a file that the system has told this about.
-FileVersion VersionOf(const struct stat& myFacts);
 
 /// Appends the rest of one file to another, as far as possible without the bytes leaving the kernel. `myLength` is the
 /// length that the source is known to have. Errors as in OutputFile::Write.
@@ -57,7 +55,8 @@ private:
 
     Descriptor myFile;
     struct stat myFirstFacts; ///< of when it was opened
-    int64_t myOffset = 0;     ///< of the first byte that the system has not been asked for
+    time_t myOpeningTime = time(nullptr);
+    int64_t myOffset = 0; ///< of the first byte that the system has not been asked for
     std::unique_ptr<std::byte[]> myBuffer;
     size_t myNext = 0;
     size_t myEnd = 0;
