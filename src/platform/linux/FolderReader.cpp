@@ -8,6 +8,21 @@
 namespace qel
 {
 
+EntryKind KindOfMode(mode_t myMode)
+{
+    switch (myMode & S_IFMT)
+    {
+    case S_IFREG:
+        return EntryKind::File;
+    case S_IFDIR:
+        return EntryKind::Folder;
+    case S_IFLNK:
+        return EntryKind::Link;
+    default:
+        return EntryKind::Other;
+    }
+}
+
 FolderReader::FolderReader(const std::string& myFolder) : myStream(opendir(myFolder.empty() ? "." : myFolder.c_str()))
 {
 }
@@ -27,16 +42,10 @@ EntryKind FolderReader::KindOf(const dirent& myEntry) const
 {
     if (myEntry.d_type != DT_LNK && myEntry.d_type != DT_UNKNOWN)
     {
-        return myEntry.d_type == DT_REG   ? EntryKind::File
-               : myEntry.d_type == DT_DIR ? EntryKind::Folder
-                                          : EntryKind::Other;
+        return KindOfMode(DTTOIF(myEntry.d_type));
     }
     struct stat myFacts = {};
-    if (fstatat(Handle(), myEntry.d_name, &myFacts, 0) != 0)
-    {
-        return EntryKind::Other;
-    }
-    return S_ISREG(myFacts.st_mode) ? EntryKind::File : S_ISDIR(myFacts.st_mode) ? EntryKind::Folder : EntryKind::Other;
+    return fstatat(Handle(), myEntry.d_name, &myFacts, 0) == 0 ? KindOfMode(myFacts.st_mode) : EntryKind::Other;
 }
 
 } // namespace qel

@@ -6,9 +6,13 @@
 #include <dirent.h>
 #include <memory>
 #include <string>
+#include <sys/types.h>
 
 namespace qel
 {
+
+/// What a file's mode says that it is.
+EntryKind KindOfMode(mode_t myMode);
 
 class FolderReader
 {

@@ -222,17 +222,7 @@ Entry LinuxFiles::Look(TextView myPath)
     {
         RaiseSystemError(errno);
     }
-    switch (myFacts.st_mode & S_IFMT)
-    {
-    case S_IFREG:
-        return {EntryKind::File, myFacts.st_size};
-    case S_IFDIR:
-        return {EntryKind::Folder, 0};
-    case S_IFLNK:
-        return {EntryKind::Link, 0};
-    default:
-        return {EntryKind::Other, 0};
-    }
+    return {KindOfMode(myFacts.st_mode), myFacts.st_size};
 }
 
 void LinuxFiles::Copy(TextView mySource, TextView myTarget)
