@@ -2,7 +2,7 @@
 // 8 KB, and one of 1 GiB.
 #include "archive/classArchive.h"
 #include "compare.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 #include "text/encodings.h"
 
 #include <archive.h>

@@ -2,10 +2,11 @@
 /// modules take turns, each with a file of its own, since a motif that is decoded already would not be decoded again.
 #include "Ball.h"
 #include "compare.h"
+#include "imaging/GifPicture.h"
+#include "imaging/paletteReduction.h"
 #include "module/FormMain.h"
-#include "platform/linux/GifFile.h"
-#include "platform/linux/NativePath.h"
-#include "platform/linux/PaletteReduction.h"
+#include "platform/linux/nativePath.h"
+#include "platform/shared/SystemPlatform.h"
 #include "text/encodings.h"
 
 #include <array>

@@ -2,10 +2,10 @@
 // file and end with the pixels in memory.
 #include "Ball.h"
 #include "compare.h"
+#include "imaging/JpegPicture.h"
 #include "platform/ImagingControl.h"
-#include "platform/linux/JpegFile.h"
-#include "platform/linux/NativePath.h"
-#include "platform/Platform.h"
+#include "platform/linux/nativePath.h"
+#include "platform/shared/SystemPlatform.h"
 
 #include <fstream>
 #include <vips/vips.h>

@@ -1,7 +1,7 @@
 /// Archives: whatever the file holds, nothing is written outside the folder; and what was packed unpacks to the same.
 #include "archive/classArchive.h"
 #include "fuzz.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 #include "text/encodings.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

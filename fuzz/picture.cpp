@@ -1,7 +1,7 @@
 /// Pictures: any file is a picture or an error, and what was saved loads as it was.
 #include "fuzz.h"
 #include "platform/ImagingControl.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 #include "text/errors.h"
 
 #include <algorithm>
@@ -68,10 +68,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* myBytes, size_t mySize)
     const float myNewHeight = std::min(myHeight + 1, 35.0F);
     theControl.Resize(myNewWidth, myNewHeight, 4);
     DemandSize(theControl, myNewWidth, myNewHeight);
-    theControl.Save(myWork.Folder.Logical("a"), JpegFormat, 24, 20, false);
+    theControl.Save(myWork.Folder.Logical("a"), ImagingSettings::JpegFormat, 24, 20, false);
     theControl.ReduceColors(8, 2, 0, 0);
     const std::vector<uint8_t> myPixels = theControl.CurrentPicture().Pixels;
-    theControl.Save(myWork.Folder.Logical("b"), GifFormat, 8, 0, false);
+    theControl.Save(myWork.Folder.Logical("b"), ImagingSettings::GifFormat, 8, 0, false);
 
     Demand(IsPicture(theControl, myWork.Folder.Logical("a")), "a saved JPEG loads");
     DemandSize(theControl, myNewWidth, myNewHeight);

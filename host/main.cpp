@@ -2,8 +2,8 @@
 ///
 /// The program ends with 0 when all went well, 1 when something failed, 2 when the command was not understood.
 
-#include "Commands.h"
-#include "Failure.h"
+#include "commands/Commands.h"
+#include "site/Failure.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 

@@ -1,8 +1,8 @@
 /// Picture files for tests.
 #pragma once
 
-#include "platform/linux/GifFile.h"
-#include "platform/linux/JpegFile.h"
+#include "imaging/GifPicture.h"
+#include "imaging/JpegPicture.h"
 
 #include <string>
 

@@ -68,7 +68,7 @@ struct RecordedPicker final : DatePicker
     std::optional<Date> Day;
 };
 
-struct RecordedWindow final : FormMainWindow, Windows, HelpViewer
+struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
 {
     FormMainControls& Controls() override { return All; }
     void Show(FormMainEvents& theEvents) override
@@ -92,8 +92,6 @@ struct RecordedWindow final : FormMainWindow, Windows, HelpViewer
         return Chosen;
     }
     int32_t MsgBox(TextView t, int32_t s) override { return Happened.Add(std::to_string(s) + ToUtf8(t)), PressedOK; }
-    void DemandDisplay() override {}
-    std::unique_ptr<FormMainWindow> MakeFormMain() override { return nullptr; }
     void SendMultimediaCommand(TextView myCommand) override { Happened.Add(ToUtf8(myCommand)); }
     void ShowContext(TextView f, int32_t myContext) override
     {

@@ -1,7 +1,7 @@
 /// A fresh folder of a test's own, removed with all that lies in it.
 #pragma once
 
-#include "platform/linux/NativePath.h"
+#include "platform/linux/nativePath.h"
 #include "text/text.h"
 
 #include <cstdlib>

@@ -2,7 +2,7 @@
 #include "archive/classArchive.h"
 #include "ErrorOf.h"
 #include "platform/ListView.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
 

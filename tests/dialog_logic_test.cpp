@@ -3,6 +3,7 @@
 #include "dialog/pictureSize.h"
 #include "ErrorOf.h"
 #include "MadePictures.h"
+#include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
 #include "TemporaryFolder.h"
 
@@ -38,8 +39,8 @@ protected:
     RecordedWindow myWindow;
     std::string& myWords = myWindow.Happened.Words;
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow,
-                     MakeImagingControl,      myFolder.Logical(),         myWindow};
+    Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow, myWindow, myWindow,
+                     MakeImagingControl,      myFolder.Logical()};
     localConstants myConstants{myFolder.Logical(u"library\\"), u"help.chm"};
     FormLead myLead{myPorts};
     FormMain myForm{myPorts, myConstants, myLead};

@@ -5,6 +5,7 @@
 #include "ErrorOf.h"
 #include "FailingFiles.h"
 #include "MadePictures.h"
+#include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
 #include "SmallDisk.h"
 #include "TemporaryFolder.h"
@@ -247,9 +248,8 @@ protected:
     Files& myRealFiles = mySystem->Ports().files;
     FailingFiles myFiles{myRealFiles};
     RecordedWindow mySystemWindows;
-    Platform myPorts{
-        myFiles,        mySystem->Ports().messages, mySystem->Ports().help, MakeImagingControl, myFolder.Logical(),
-        mySystemWindows};
+    Platform myPorts{myFiles,         mySystem->Ports().messages, mySystem->Ports().help, mySystemWindows,
+                     mySystemWindows, MakeImagingControl,         myFolder.Logical()};
     localConstants myConstants{myFolder.Logical(u"library\\"), {}};
     FormLead myLead{myPorts};
     std::unique_ptr<FormMain> myForm;

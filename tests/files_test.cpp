@@ -1,7 +1,7 @@
 #include "platform/linux/LinuxFiles.h"
 
 #include "ErrorOf.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 

@@ -1,8 +1,8 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
+#include "build/LinkWindow.h"
 #include "DialogUser.h"
-#include "LinkWindow.h"
-#include "PageText.h"
+#include "site/PageText.h"
 
 #include <QAccessible>
 #include <QTreeWidget>

@@ -3,6 +3,7 @@
 #include "MadePictures.h"
 #include "module/FormMain.h"
 #include "module/ModuleScript.h"
+#include "platform/shared/SystemPlatform.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"

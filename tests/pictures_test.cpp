@@ -1,11 +1,11 @@
 #include "platform/ImagingControl.h"
 
 #include "ErrorOf.h"
-#include "platform/linux/GifFile.h"
-#include "platform/linux/JpegFile.h"
+#include "imaging/GifPicture.h"
+#include "imaging/JpegPicture.h"
+#include "imaging/paletteReduction.h"
+#include "imaging/resampling.h"
 #include "platform/linux/LinuxFiles.h"
-#include "platform/linux/PaletteReduction.h"
-#include "platform/linux/Resampling.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -274,7 +274,7 @@ TEST_F(PicturesTest, AShrunkGifKeepsTransparencyColoursAndItsAnimatedMark)
     const Text myOutput = myFolder.Logical(u"out.gif");
     myControl->ReduceColors(8, 2, 0, 0);
     EXPECT_TRUE(myControl->IsAnimated());
-    myControl->Save(myOutput, GifFormat, 8, 0, false);
+    myControl->Save(myOutput, ImagingSettings::GifFormat, 8, 0, false);
 
     myControl->Load(myOutput, 24, 1, 1);
     EXPECT_FALSE(myControl->IsAnimated());
@@ -322,7 +322,7 @@ TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
         ExpectSize(WriteJpeg(myLarge, 95), myWidth, myHeight);
         EXPECT_GT(Likeness(myControl->CurrentPicture(), myLarge), 40);
         myControl->Resize(240, 180, 4);
-        myControl->Save(myFolder.Logical(u"out.jpg"), JpegFormat, 24, 20, false);
+        myControl->Save(myFolder.Logical(u"out.jpg"), ImagingSettings::JpegFormat, 24, 20, false);
         ExpectSize(AsFile(myFolder.Read("out.jpg")), 240, 180);
         EXPECT_GT(Likeness(myControl->CurrentPicture(), Gradient(240, 180, 0)), 33);
     }
@@ -391,14 +391,15 @@ TEST_F(PicturesTest, WhatCannotBeDoneIsRefusedAndChangesNothing)
         [&] { myControl->Resize(350, 0.5F, 4); },
         [&] { myControl->Resize(-1, 10, 4); },
         [&] { myControl->Resize(65536, 65536, 4); },
-        [&] { myControl->Save(myOutput, JpegFormat, 24, 2, false); },
-        [&] { myControl->Save(myOutput, GifFormat, 8, 0, false); },
+        [&] { myControl->Save(myOutput, ImagingSettings::JpegFormat, 24, 2, false); },
+        [&] { myControl->Save(myOutput, ImagingSettings::GifFormat, 8, 0, false); },
     };
     for (const auto& myCall : myCalls)
     {
         EXPECT_EQ(ErrorOf(myCall), InvalidArgument);
     }
-    EXPECT_EQ(ErrorOf([&] { myControl->Save(myOutput + u"\\x", JpegFormat, 24, 20, false); }), PathNotFound);
+    EXPECT_EQ(ErrorOf([&] { myControl->Save(myOutput + u"\\x", ImagingSettings::JpegFormat, 24, 20, false); }),
+              PathNotFound);
     EXPECT_EQ(myControl->BitmapWidth(), 40.0F);
     EXPECT_FALSE(myFolder.Exists("out"));
     const auto myHolder = myFiles.OpenForReading(myName);

@@ -1,4 +1,4 @@
-#include "LinkDialog.h"
+#include "window/LinkDialog.h"
 
 #include "platform/linux/window/toolkitText.h"
 

@@ -4,7 +4,7 @@
 /// the list. The window cannot be confirmed while neither does.
 #pragma once
 
-#include "LinkChoice.h"
+#include "site/LinkChoice.h"
 
 #include <QDialog>
 #include <QLabel>

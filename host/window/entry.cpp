@@ -1,7 +1,7 @@
 /// The entry point of the host's window module (see LinkWindow.h).
-#include "LinkDialog.h"
-#include "LinkWindow.h"
+#include "build/LinkWindow.h"
 #include "platform/linux/window/Application.h"
+#include "window/LinkDialog.h"
 
 #include <QApplication>
 

@@ -3,9 +3,9 @@
 #include "text/dates.h"
 #include "text/encodings.h"
 #include "text/errors.h"
+#include "text/succeeds.h"
 
 #include <algorithm>
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -156,42 +156,28 @@ Text ReadName(ArchiveInput& theInput)
     return FromAnsi(myCharacters);
 }
 
-/// Runs an operation; any failure in it is the result False, and its number is kept.
+/// Runs an operation that tells whether it is complete. A failure, also one of a subscriber, is the result false, and
+/// its number is kept.
 template <class Operation>
-bool Succeeds(Operation myOperation, int32_t& theFailureNumber)
+bool Completes(Operation myOperation, int32_t& theFailureNumber)
 {
+    theFailureNumber = 0;
     try
     {
-        theFailureNumber = 0;
         return myOperation();
     }
-    catch (const Error& e)
+    catch (...)
     {
-        theFailureNumber = e.Number;
+        theFailureNumber = ErrorInHand().Number;
+        return false;
     }
-    catch (const std::bad_alloc&)
-    {
-        theFailureNumber = ErrorNumber::OutOfMemory;
-    }
-    catch (...) // a subscriber's
-    {
-        theFailureNumber = ErrorNumber::InvalidArgument;
-    }
-    return false;
-}
-
-template <class Operation>
-bool Succeeds(Operation myOperation)
-{
-    int32_t myIgnored = 0;
-    return Succeeds(myOperation, myIgnored);
 }
 
 } // namespace
 
 bool classArchive::PackArchive()
 {
-    return Succeeds(
+    return Completes(
         [&]
         {
             const auto myMemory = myFilePort.RememberFolders();
@@ -316,7 +302,8 @@ void classArchive::RaiseCreate(const Text& myFilename, int32_t myPercent, bool& 
 
 bool classArchive::ReadArchive()
 {
-    const bool theResult = Succeeds(
+    int32_t myIgnored = 0;
+    const bool theResult = Completes(
         [&]
         {
             myFiles.clear();
@@ -332,7 +319,8 @@ bool classArchive::ReadArchive()
                 myFiles.push_back({std::move(myName), mySize});
             }
             return true;
-        });
+        },
+        myIgnored);
     if (!theResult)
     {
         myFiles.clear();
@@ -342,7 +330,7 @@ bool classArchive::ReadArchive()
 
 bool classArchive::UnPackArchive()
 {
-    return Succeeds(
+    return Completes(
         [&]
         {
             const auto myMemory = myFilePort.RememberFolders();

@@ -1,6 +1,6 @@
 #include "archive/classArchive.h"
 #include "platform/ListView.h"
-#include "platform/Locale.h"
+#include "platform/locale.h"
 #include "text/dates.h"
 
 #include <algorithm>
@@ -56,7 +56,7 @@ const FileClass& ClassOfName(TextView myFilename)
 /// Whole kilobytes, at least one.
 Text SizeText(const NumberGrouping& myGrouping, int32_t mySize)
 {
-    return myGrouping.GroupedNumberText(mySize / 1024 + 1) + u" KB";
+    return GroupedNumberText(mySize / 1024 + 1, myGrouping) + u" KB";
 }
 
 } // namespace
@@ -64,7 +64,7 @@ Text SizeText(const NumberGrouping& myGrouping, int32_t mySize)
 void classArchive::FillList(ListView& myListView) const
 {
     myListView.Clear();
-    const NumberGrouping myGrouping;
+    const NumberGrouping myGrouping = UserNumberGrouping();
     for (const ArchiveEntry& myEntry : myFiles)
     {
         const FileClass& myClass = ClassOfName(myEntry.Name);
@@ -87,9 +87,9 @@ Text classArchive::Status() const
     {
         return u"Es wurden keine Dateien geladen";
     }
-    const NumberGrouping myGrouping;
+    const NumberGrouping myGrouping = UserNumberGrouping();
     const Text myStatus = ReplaceAll(u"%1 in %2 Dateien", u"%1", SizeText(myGrouping, RoundToWhole(TotalSize())));
-    return ReplaceAll(myStatus, u"%2", myGrouping.GroupedNumberText(static_cast<int64_t>(myFiles.size())));
+    return ReplaceAll(myStatus, u"%2", GroupedNumberText(static_cast<int64_t>(myFiles.size()), myGrouping));
 }
 
 } // namespace qel

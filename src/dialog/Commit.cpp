@@ -1,8 +1,8 @@
 #include "archive/classArchive.h"
 #include "dialog/FormMainDialog.h"
-#include "dialog/Succeeds.h"
 #include "resources/stringTable.h"
 #include "text/errors.h"
+#include "text/succeeds.h"
 
 #include <cmath>
 

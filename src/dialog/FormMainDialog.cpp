@@ -1,10 +1,9 @@
 #include "dialog/FormMainDialog.h"
 
-#include "platform/Clock.h"
+#include "platform/clock.h"
 #include "tags/pluginFunctions.h"
 #include "text/errors.h"
-
-#include <new>
+#include "text/succeeds.h"
 
 namespace qel
 {
@@ -31,27 +30,6 @@ void FillPicker(DatePicker& thePicker, Date myDate)
     {
         thePicker.Value(Today());
         thePicker.Value(std::nullopt);
-    }
-}
-
-/// For a catch clause: what to tell of the exception in hand.
-Text DescriptionOfFailure()
-{
-    try
-    {
-        throw;
-    }
-    catch (const Error& e)
-    {
-        return e.Description;
-    }
-    catch (const std::bad_alloc&)
-    {
-        return Text(ErrorDescription(ErrorNumber::OutOfMemory));
-    }
-    catch (...)
-    {
-        return Text(ErrorDescription(ErrorNumber::InvalidArgument));
     }
 }
 
@@ -124,18 +102,11 @@ void FormMainDialog::Handle(Operation myOperation)
     }
     try
     {
-        try
-        {
-            myOperation();
-        }
-        catch (...)
-        {
-            ShowMessage(DescriptionOfFailure());
-        }
+        myOperation();
     }
     catch (...)
     {
-        // Not even the message could be shown.
+        Succeeds([&] { ShowMessage(ErrorInHand().Description); });
     }
 }
 

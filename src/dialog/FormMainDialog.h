@@ -7,8 +7,8 @@
 /// An object serves one opening, on the thread of its window.
 #pragma once
 
+#include "dialog/ports/FormMainWindow.h"
 #include "module/FormMain.h"
-#include "platform/Windows.h"
 
 namespace qel
 {

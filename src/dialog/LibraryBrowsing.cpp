@@ -1,4 +1,5 @@
 #include "dialog/FormMainDialog.h"
+#include "text/ScopeGuard.h"
 #include "utilities/classStringSort.h"
 
 namespace qel
@@ -60,15 +61,8 @@ void FormMainDialog::FillFileList(TextView myExtension, ListBox& theList, TextVi
 /// Writes a selected index; the box's click handler runs inside, and its failures come out.
 void FormMainDialog::Select(ComboBox& theBox, int32_t myIndex)
 {
-    struct Write
-    {
-        explicit Write(int32_t& theCount) : myCount(theCount) { ++myCount; }
-        Write(const Write&) = delete;
-        Write& operator=(const Write&) = delete;
-        ~Write() { --myCount; }
-        int32_t& myCount;
-    };
-    const Write myWrite(myIndexWrites);
+    ++myIndexWrites;
+    const ScopeGuard myGuard([&] { --myIndexWrites; });
     theBox.ListIndex(myIndex);
 }
 

@@ -1,8 +1,8 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/openDialog.h"
 #include "dialog/pictureSize.h"
-#include "dialog/Succeeds.h"
 #include "resources/stringTable.h"
+#include "text/succeeds.h"
 
 namespace qel
 {
@@ -52,14 +52,15 @@ void FormMainDialog::StageImage(TextView myFilename)
             return;
         }
         Shrink(LeadIn());
+        using namespace ImagingSettings;
         if (myIsJpeg)
         {
-            LeadIn().Save(myTarget, JpegFormat, 24, 20, false);
+            LeadIn().Save(myTarget, JpegFormat, JpegBitsPerPixel, JpegQuality, MultiplePages);
         }
         else
         {
-            LeadIn().ReduceColors(8, 2, 0, 0);
-            LeadIn().Save(myTarget, GifFormat, 8, 0, false);
+            LeadIn().ReduceColors(ReducedBitsPerPixel, PaletteOption, DitherOption, ColourCount);
+            LeadIn().Save(myTarget, GifFormat, GifBitsPerPixel, GifQuality, MultiplePages);
         }
     }
     Settings().myImageMode = myIsJpeg ? ImageMode::Jpeg : ImageMode::Gif;

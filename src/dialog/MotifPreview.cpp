@@ -1,8 +1,8 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/pictureSize.h"
-#include "dialog/Succeeds.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
+#include "text/succeeds.h"
 
 namespace qel
 {

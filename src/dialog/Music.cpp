@@ -1,8 +1,8 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/openDialog.h"
-#include "dialog/Succeeds.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
+#include "text/succeeds.h"
 
 namespace qel
 {
@@ -49,14 +49,14 @@ void FormMainDialog::PlayMIDI(const Text& myFile)
     const Text& myCopy = myForm.TempMIDI();
     Succeeds([&] { myPorts.files.Delete(myCopy); });
     Succeeds([&] { myPorts.files.Copy(myFile, myCopy); });
-    myPorts.windows.SendMultimediaCommand(JoinTexts({u"open \"", myCopy, u"\" type sequencer alias qelmidi"}));
-    myPorts.windows.SendMultimediaCommand(u"play qelmidi ");
+    myPorts.sound.SendMultimediaCommand(JoinTexts({u"open \"", myCopy, u"\" type sequencer alias qelmidi"}));
+    myPorts.sound.SendMultimediaCommand(u"play qelmidi ");
 }
 
 void FormMainDialog::StopMIDI()
 {
-    myPorts.windows.SendMultimediaCommand(u"stop qelmidi ");
-    myPorts.windows.SendMultimediaCommand(u"close qelmidi ");
+    myPorts.sound.SendMultimediaCommand(u"stop qelmidi ");
+    myPorts.sound.SendMultimediaCommand(u"close qelmidi ");
 }
 
 /// Tells in the import box whether a tune is there.

@@ -1,7 +1,7 @@
 /// The dialog for choosing a file to import.
 #pragma once
 
-#include "platform/Windows.h"
+#include "dialog/ports/FormMainWindow.h"
 #include "resources/stringTable.h"
 
 namespace qel

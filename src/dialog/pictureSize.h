@@ -35,7 +35,7 @@ inline PictureSize FitInto(PictureSize myRoom, double myWidth, double myHeight)
 /// Gives the control's picture that size, in the one mode that is used.
 inline void ResizePicture(ImagingControl& theControl, PictureSize mySize)
 {
-    theControl.Resize(static_cast<float>(mySize.Width), static_cast<float>(mySize.Height), 4);
+    theControl.Resize(static_cast<float>(mySize.Width), static_cast<float>(mySize.Height), ImagingSettings::ResizeMode);
 }
 
 } // namespace qel

@@ -30,10 +30,11 @@ private:
     std::unique_ptr<ImagingControl> myControl;
 };
 
-/// The settings that every Load of a picture passes: 24 bits per pixel, the first page alone.
+/// Makes the first page of a file the control's current picture. Errors of ImagingControl::Load.
 inline void LoadPicture(ImagingControl& myControl, TextView myFilename)
 {
-    myControl.Load(myFilename, 24, 1, 1);
+    using namespace ImagingSettings;
+    myControl.Load(myFilename, LoadBitsPerPixel, FirstPage, PageCount);
 }
 
 } // namespace qel

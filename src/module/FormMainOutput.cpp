@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <map>
-#include <new>
 #include <utility>
 
 namespace qel
@@ -52,7 +51,6 @@ Text FormMain::Output()
         myError = LoadResString(720);
         return {};
     }
-    Error myFailure{};
     try
     {
         if (std::optional<Text> theResult = PageText())
@@ -60,22 +58,13 @@ Text FormMain::Output()
             return *std::move(theResult);
         }
         myError = LoadResString(730);
-        return Text(LoadResString(700));
     }
-    catch (const Error& e)
+    catch (...)
     {
-        myFailure = e;
+        const Error myFailure = ErrorInHand();
+        const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
+        myError = ReplaceAll(LoadResString(710), u"%1", myReason);
     }
-    catch (const std::bad_alloc&)
-    {
-        myFailure = {ErrorNumber::OutOfMemory, Text(ErrorDescription(ErrorNumber::OutOfMemory))};
-    }
-    catch (const std::exception&)
-    {
-        myFailure = {ErrorNumber::InvalidArgument, Text(ErrorDescription(ErrorNumber::InvalidArgument))};
-    }
-    const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
-    myError = ReplaceAll(LoadResString(710), u"%1", myReason);
     return Text(LoadResString(700));
 }
 

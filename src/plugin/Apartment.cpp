@@ -3,6 +3,7 @@
 #include "com/ComHostServices.h"
 #include "dialog/FormMainDialog.h"
 #include "text/errors.h"
+#include "text/ScopeGuard.h"
 
 #include <mutex>
 #include <vector>
@@ -78,17 +79,11 @@ bool Apartment::ShowDialog()
     {
         throw Error{ErrorNumber::InvalidArgument, u"El cuadro de diálogo ya está abierto"};
     }
-    struct Opening
-    {
-        explicit Opening(bool& theFlag) : myFlag(theFlag) { myFlag = true; }
-        Opening(const Opening&) = delete;
-        Opening& operator=(const Opening&) = delete;
-        ~Opening() { myFlag = false; }
-        bool& myFlag;
-    };
-    Ports().windows.DemandDisplay();
-    const Opening myOpening(myDialogIsOpen);
-    const std::unique_ptr<FormMainWindow> myWindow = Ports().windows.MakeFormMain();
+    FormMainWindowMaker& myMaker = mySystem->FormWindows();
+    myMaker.DemandDisplay();
+    myDialogIsOpen = true;
+    const ScopeGuard myClosing([&] { myDialogIsOpen = false; });
+    const std::unique_ptr<FormMainWindow> myWindow = myMaker.MakeFormMain();
     FormMainDialog(Ports(), myConstants, myFormLead, theForm, *myWindow).Show();
     return theForm.ExitButton == FormMain::Confirmed;
 }

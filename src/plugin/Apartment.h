@@ -4,10 +4,10 @@
 #include "module/FormLead.h"
 #include "module/FormMain.h"
 #include "module/localConstants.h"
-#include "platform/Platform.h"
+#include "platform/shared/SystemPlatform.h"
 
+#include <filesystem>
 #include <memory>
-#include <string>
 
 namespace qel
 {
@@ -26,8 +26,8 @@ public:
 
     const Platform& Ports() const { return mySystem->Ports(); }
 
-    /// The component's own file, absolute, as the system names it.
-    std::string ComponentFile() const { return mySystem->ComponentFile(); }
+    /// The component's own file as it was loaded: absolute, links not resolved.
+    std::filesystem::path ComponentFile() const { return mySystem->ComponentFile(); }
 
     /// The settings of the running component.
     localConstants myConstants;
@@ -36,8 +36,8 @@ public:
     FormMain& Form();
 
     /// Opens the settings dialog and returns when it is closed. True: it was confirmed. Brings the record to life
-    /// before anything else, as every use of it does. Errors of Windows::DemandDisplay, with the settings and the
-    /// temporary folder left as they were; those of FormMainDialog::Show; 5: the dialog is open already.
+    /// before anything else, as every use of it does. Errors of FormMainWindowMaker::DemandDisplay, with the settings
+    /// and the temporary folder left as they were; those of FormMainDialog::Show; 5: the dialog is open already.
     bool ShowDialog();
 
 private:

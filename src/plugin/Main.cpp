@@ -184,7 +184,7 @@ HRESULT Main::get_RequiresPHP(VARIANT_BOOL* theAnswer)
 
 HRESULT Main::About()
 {
-    return Guarded([] { Apartment::OfThisThread().Ports().windows.MsgBox(AboutText(), InformationStyle); });
+    return Guarded([] { Apartment::OfThisThread().Ports().messageBox.MsgBox(AboutText(), InformationStyle); });
 }
 
 HRESULT Main::get_Version(BSTR* theText)

@@ -67,7 +67,7 @@ private:
 
 HRESULT RegisterClasses()
 {
-    const std::string myFile = Apartment::OfThisThread().ComponentFile();
+    const std::filesystem::path myFile = Apartment::OfThisThread().ComponentFile();
     for (const CreatableClass& myClass : Classes)
     {
         const HRESULT theResult = QelRegisterClass(myClass.Identifier, myClass.ProgramName, myFile.c_str());

@@ -1,6 +1,6 @@
 #include "tags/classScript.h"
 
-#include "platform/Platform.h"
+#include "platform/MessageQueue.h"
 #include "text/errors.h"
 
 #include <algorithm>

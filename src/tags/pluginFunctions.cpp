@@ -1,6 +1,7 @@
 #include "tags/pluginFunctions.h"
 
-#include "platform/Platform.h"
+#include "platform/Files.h"
+#include "platform/HelpViewer.h"
 #include "text/errors.h"
 
 #include <array>

@@ -57,6 +57,12 @@ Date CheckedDate(double myDays)
     return myDays;
 }
 
+Date DateOfDay(CalendarDay myDay)
+{
+    const std::chrono::sys_days myDays = std::chrono::year(myDay.Year) / myDay.Month / myDay.Day;
+    return static_cast<Date>((myDays - DayZero).count());
+}
+
 CalendarDay DayOfDate(Date myDate)
 {
     const std::chrono::days myDays{static_cast<int32_t>(std::trunc(CheckedDate(myDate)))};

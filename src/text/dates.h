@@ -32,6 +32,9 @@ bool DateIsSet(Date myDate);
 /// The number as a date. Error 6: outside the range of dates, or not a number.
 Date CheckedDate(double myDays);
 
+/// The date of a day of the calendar, which must exist and be in the range of dates.
+Date DateOfDay(CalendarDay myDay);
+
 /// The day of the calendar that a date lies in, its time of day cut off. Error 6: outside the range of dates.
 CalendarDay DayOfDate(Date myDate);
 

@@ -1,5 +1,7 @@
 #include "text/errors.h"
 
+#include <new>
+
 namespace qel
 {
 namespace
@@ -31,6 +33,11 @@ constexpr NumberedText Descriptions[] = {
     {ErrorNumber::InvalidPicture, u"La imagen no es válida"},
 };
 
+Error ErrorOf(int32_t myNumber)
+{
+    return {myNumber, Text(ErrorDescription(myNumber))};
+}
+
 } // namespace
 
 TextView ErrorDescription(int32_t myNumber)
@@ -45,9 +52,29 @@ TextView ErrorDescription(int32_t myNumber)
     return u"Error del programa anfitrión o del sistema";
 }
 
+Error ErrorInHand()
+{
+    try
+    {
+        throw;
+    }
+    catch (const Error& e)
+    {
+        return e;
+    }
+    catch (const std::bad_alloc&)
+    {
+        return ErrorOf(ErrorNumber::OutOfMemory);
+    }
+    catch (...)
+    {
+        return ErrorOf(ErrorNumber::InvalidArgument);
+    }
+}
+
 void Raise(int32_t myNumber)
 {
-    throw Error{myNumber, Text(ErrorDescription(myNumber))};
+    throw ErrorOf(myNumber);
 }
 
 } // namespace qel

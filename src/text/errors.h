@@ -39,6 +39,10 @@ inline constexpr int32_t InvalidPicture = 481;
 /// The Spanish description of one of the numbers above; for any other number a general one.
 TextView ErrorDescription(int32_t myNumber);
 
+/// For a catch clause: the exception in hand as an Error. Memory running out is error 7; any exception that is not an
+/// Error is error 5. Throws std::bad_alloc where there is no memory for the description.
+Error ErrorInHand();
+
 /// Throws the Error of that number with its description.
 [[noreturn]] void Raise(int32_t myNumber);
 

@@ -1,6 +1,6 @@
 #include "platform/linux/FolderReader.h"
 
-#include "platform/linux/SystemErrors.h"
+#include "platform/linux/systemErrors.h"
 
 #include <cerrno>
 #include <sys/stat.h>

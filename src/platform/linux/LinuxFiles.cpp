@@ -1,8 +1,9 @@
 #include "platform/linux/LinuxFiles.h"
 
-#include "platform/linux/NativePath.h"
-#include "platform/linux/SystemErrors.h"
-#include "platform/linux/TemporaryPath.h"
+#include "platform/linux/nativePath.h"
+#include "platform/linux/systemErrors.h"
+#include "platform/linux/temporaryPath.h"
+#include "platform/shared/wildCards.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 
@@ -41,38 +42,6 @@ std::string PathOfEntry(TextView myPath)
     return thePath;
 }
 
-/// Matches "*" (any run of characters) and "?" (one); both texts in lower case.
-bool Matches(TextView myName, TextView myPattern)
-{
-    size_t myStar = TextView::npos; // the last "*" and where the name stood when it was met
-    size_t myRetry = 0;
-    size_t myAt = 0;
-    size_t i = 0;
-    while (i < myName.size())
-    {
-        if (myAt < myPattern.size() && myPattern[myAt] == u'*')
-        {
-            myStar = myAt++;
-            myRetry = i;
-        }
-        else if (myAt < myPattern.size() && (myPattern[myAt] == u'?' || myPattern[myAt] == myName[i]))
-        {
-            ++myAt;
-            ++i;
-        }
-        else if (myStar != TextView::npos)
-        {
-            myAt = myStar + 1;
-            i = ++myRetry;
-        }
-        else
-        {
-            return false;
-        }
-    }
-    return myPattern.find_first_not_of(u'*', myAt) == TextView::npos;
-}
-
 /// The name that a listing shows for an entry, or nothing when it leaves it out.
 std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEntry, TextView myPattern,
                                Listing myListing)
@@ -80,7 +49,7 @@ std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEnt
     const std::string_view myName = myEntry.d_name;
     const bool myIsHidden = myName.starts_with('.') && myName != "." && myName != "..";
     std::optional<Text> theName = myIsHidden ? std::nullopt : LogicalPath(myName);
-    if (!theName || !Matches(LowerCase(*theName), myPattern))
+    if (!theName || !MatchesPattern(LowerCase(*theName), myPattern))
     {
         return std::nullopt;
     }
@@ -311,8 +280,7 @@ bool LinuxFiles::IsLink(TextView myPath)
 std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
-    const TextView myNames = myPattern.substr(myStart);
-    const Text myLowered = myNames == u"*.*" ? Text(u"*") : LowerCase(myNames);
+    const Text myLowered = LoweredPattern(myPattern.substr(myStart));
     std::string myFolder = NativePath(myPattern.substr(0, myStart));
     FolderReader myReader = myFinder.OpenFolder(myFolder);
     std::vector<Text> theNames;

@@ -1,6 +1,6 @@
 #include "platform/linux/LinuxHelpViewer.h"
 
-#include "platform/linux/NativePath.h"
+#include "platform/linux/nativePath.h"
 #include "text/errors.h"
 
 #include <array>

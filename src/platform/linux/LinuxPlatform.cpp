@@ -1,9 +1,9 @@
-#include "platform/linux/ComponentFile.h"
+#include "platform/linux/componentFile.h"
 #include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxHelpViewer.h"
-#include "platform/linux/LinuxWindows.h"
-#include "platform/linux/NativePath.h"
-#include "platform/Platform.h"
+#include "platform/linux/nativePath.h"
+#include "platform/linux/WindowModuleLoader.h"
+#include "platform/shared/SystemPlatform.h"
 
 #include <algorithm>
 
@@ -20,18 +20,28 @@ Text FolderOf(const std::string& myNativeFile)
     return myEnd == Text::npos ? u"\\" : myFile.substr(0, std::max<size_t>(myEnd, 1));
 }
 
+/// The file with its links resolved, or as it is where that fails.
+std::string RealFile(const std::string& myNativeFile)
+{
+    std::string theFile = RealPath(myNativeFile);
+    return theFile.empty() ? myNativeFile : theFile;
+}
+
 class LinuxPlatform final : public SystemPlatform
 {
 public:
     const Platform& Ports() const override { return myPorts; }
-    std::string ComponentFile() const override { return myComponentFile; }
+    FormMainWindowMaker& FormWindows() override { return myWindowModule; }
+    std::filesystem::path ComponentFile() const override { return myComponentFile; }
 
 private:
     LinuxFiles myFiles;
     LinuxHelpViewer myHelp;
     std::string myComponentFile = NativeComponentFile();
-    LinuxWindows myWindows{myComponentFile.substr(0, myComponentFile.rfind('/') + 1)};
-    Platform myPorts{myFiles, myWindows, myHelp, MakeImagingControl, FolderOf(myComponentFile), myWindows};
+    std::string myRealFile = RealFile(myComponentFile);
+    WindowModuleLoader myWindowModule{myRealFile.substr(0, myRealFile.rfind('/') + 1)};
+    Platform myPorts{
+        myFiles, myWindowModule, myHelp, myWindowModule, myWindowModule, MakeImagingControl, FolderOf(myRealFile)};
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "platform/linux/PathFinder.h"
 
-#include "platform/linux/SystemErrors.h"
+#include "platform/linux/systemErrors.h"
 #include "text/encodings.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "platform/linux/PlainFile.h"
 
 #include "platform/linux/FolderWatch.h"
-#include "platform/linux/SystemErrors.h"
+#include "platform/linux/systemErrors.h"
 #include "text/errors.h"
 
 #include <algorithm>

@@ -3,22 +3,24 @@
 /// Both are made in one build. Calls and Error cross it as within one library; nothing is thrown through the toolkit.
 #pragma once
 
-#include "platform/Platform.h"
-#include "platform/Windows.h"
+#include "dialog/ports/FormMainWindow.h"
+#include "platform/MessageBox.h"
+#include "platform/MessageQueue.h"
+#include "platform/Sound.h"
 
 #include <cstdint>
 
 namespace qel
 {
 
-/// What the window module gives. It lasts as long as the process, outlives the component that has loaded it, and keeps
-/// nothing of the component's between calls.
-class WindowModule : public Windows, public MessageQueue
+/// What the window module offers. It lasts as long as the process, outlives the component that has loaded it, and keeps
+/// no pointer into the component between calls.
+class WindowModule : public FormMainWindowMaker, public MessageBox, public Sound, public MessageQueue
 {
 };
 
 /// Changes with every change of the ports that the module implements.
-inline constexpr int32_t WindowModuleVersion = 1;
+inline constexpr int32_t WindowModuleVersion = 2;
 
 /// The module's one entry point: null for a component of another version.
 using WindowModuleEntry = WindowModule*(int32_t myVersion) noexcept;

@@ -26,13 +26,16 @@ constexpr ClickHandler ClickHandlers[] = {
 class Listening
 {
 public:
-    Listening(EventRoad& theRoad, FormMainEvents& theEvents) : myRoad(theRoad) { myRoad.Listener(&theEvents); }
-    ~Listening() { myRoad.Listener(nullptr); }
+    Listening(EventForwarder& theForwarder, FormMainEvents& theEvents) : myForwarder(theForwarder)
+    {
+        myForwarder.Receiver(&theEvents);
+    }
+    ~Listening() { myForwarder.Receiver(nullptr); }
     Listening(const Listening&) = delete;
     Listening& operator=(const Listening&) = delete;
 
 private:
-    EventRoad& myRoad;
+    EventForwarder& myForwarder;
 };
 
 } // namespace
@@ -47,7 +50,7 @@ void FormWindow::ConnectClicks()
     for (const ClickHandler& myEntry : ClickHandlers)
     {
         QObject::connect(&myDialog.Control<QAbstractButton>(myEntry.Control), &QAbstractButton::clicked, &myDialog,
-                         [this, myHandler = myEntry.Click] { myRoad.CallFromToolkit(myHandler); });
+                         [this, myHandler = myEntry.Click] { myForwarder.CallFromSystem(myHandler); });
     }
     int32_t myIndex = 0;
     for (const QToolButton* const myButton : myDialog.Control<QWidget>(u"ToolbarPlay").findChildren<QToolButton*>())
@@ -55,13 +58,13 @@ void FormWindow::ConnectClicks()
         ++myIndex;
         QObject::connect(myButton, &QAbstractButton::clicked, &myDialog,
                          [this, myIndex]
-                         { myRoad.CallFromToolkit(&FormMainEvents::ToolbarPlay_ButtonClick, myIndex); });
+                         { myForwarder.CallFromSystem(&FormMainEvents::ToolbarPlay_ButtonClick, myIndex); });
     }
 }
 
 void FormWindow::Show(FormMainEvents& theEvents)
 {
-    const Listening myListening(myRoad, theEvents);
+    const Listening myListening(myForwarder, theEvents);
     theEvents.Form_Load();
     if (!myIsUnloaded)
     {

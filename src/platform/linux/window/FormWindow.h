@@ -1,9 +1,9 @@
 /// The dialog's window as its logic sees it.
 #pragma once
 
+#include "dialog/ports/FormMainWindow.h"
 #include "platform/linux/window/controls.h"
 #include "platform/linux/window/FormDialog.h"
-#include "platform/Windows.h"
 
 namespace qel
 {
@@ -24,17 +24,17 @@ public:
 private:
     void ConnectClicks();
 
-    EventRoad myRoad;
+    EventForwarder myForwarder;
     FormDialog myDialog;
     bool myIsUnloaded = false;
 
-    ToolkitComboBox myImageFolders{myDialog.Control<QComboBox>(u"cmbImageFolder"), myRoad,
+    ToolkitComboBox myImageFolders{myDialog.Control<QComboBox>(u"cmbImageFolder"), myForwarder,
                                    &FormMainEvents::cmbImageFolder_Click};
-    ToolkitComboBox myMIDIFolders{myDialog.Control<QComboBox>(u"cmbMIDIFolder"), myRoad,
+    ToolkitComboBox myMIDIFolders{myDialog.Control<QComboBox>(u"cmbMIDIFolder"), myForwarder,
                                   &FormMainEvents::cmbMIDIFolder_Click};
-    ToolkitListBox myImages{myDialog.Control<SelectionList>(u"lstImage"), myRoad, &FormMainEvents::lstImage_Click,
+    ToolkitListBox myImages{myDialog.Control<SelectionList>(u"lstImage"), myForwarder, &FormMainEvents::lstImage_Click,
                             nullptr};
-    ToolkitListBox myMIDIs{myDialog.Control<SelectionList>(u"lstMIDI"), myRoad, nullptr,
+    ToolkitListBox myMIDIs{myDialog.Control<SelectionList>(u"lstMIDI"), myForwarder, nullptr,
                            &FormMainEvents::lstMIDI_DblClick};
     ToolkitPictureBox myImageBox{myDialog.Control<QFrame>(u"picImage")};
     ToolkitPictureBox myMIDIBox{myDialog.Control<QFrame>(u"picMIDI")};

@@ -11,11 +11,11 @@
 namespace qel
 {
 
-ToolkitComboBox::ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick)
-    : myWidget(myComboBox), myEvents(myRoad), myHandler(myClick)
+ToolkitComboBox::ToolkitComboBox(QComboBox& myComboBox, EventForwarder& myForwarder, Handler myClick)
+    : myWidget(myComboBox), myEvents(myForwarder), myHandler(myClick)
 {
     // This tells of every pick of the user's, by mouse, key or wheel, also of the entry that is selected already.
-    QObject::connect(&myWidget, &QComboBox::activated, &myWidget, [this] { myEvents.CallFromToolkit(myHandler); });
+    QObject::connect(&myWidget, &QComboBox::activated, &myWidget, [this] { myEvents.CallFromSystem(myHandler); });
 }
 
 ToolkitComboBox::~ToolkitComboBox()
@@ -42,16 +42,17 @@ Text ToolkitComboBox::SelectedText()
     return FromToolkit(myWidget.currentText());
 }
 
-ToolkitListBox::ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick)
-    : myWidget(myList), myEvents(myRoad), myHandler(myClick)
+ToolkitListBox::ToolkitListBox(SelectionList& myList, EventForwarder& myForwarder, Handler myClick,
+                               Handler myDoubleClick)
+    : myWidget(myList), myEvents(myForwarder), myHandler(myClick)
 {
     myWidget.Picked = [this]
     {
-        myEvents.CallFromToolkit(myHandler);
+        myEvents.CallFromSystem(myHandler);
     };
     myWidget.DoubleClicked = [this, myDoubleClick]
     {
-        myEvents.CallFromToolkit(myDoubleClick);
+        myEvents.CallFromSystem(myDoubleClick);
     };
 }
 

@@ -1,59 +1,19 @@
 /// The controls of the dialog as its logic sees them, each on one widget.
 #pragma once
 
+#include "dialog/ports/FormMainControls.h"
 #include "platform/linux/window/widgets.h"
-#include "platform/Windows.h"
+#include "platform/shared/EventForwarder.h"
 
 #include <QComboBox>
 
 namespace qel
 {
 
-/// A handler of the logic without arguments; null for none.
-using Handler = void (FormMainEvents::*)();
-
-/// Leads what the user does to the logic, while there is one that listens.
-class EventRoad
-{
-public:
-    /// Within a call of the logic's: what the handler throws comes out.
-    void Call(Handler myHandler)
-    {
-        if (myEvents != nullptr && myHandler != nullptr)
-        {
-            (myEvents->*myHandler)();
-        }
-    }
-
-    /// From the toolkit, which nothing may be thrown through. The logic has dealt with its failures; what comes out all
-    /// the same, for want of memory, leaves the dialog as it is.
-    template <class... Arguments>
-    void CallFromToolkit(void (FormMainEvents::*myHandler)(Arguments...), Arguments... myArguments) noexcept
-    {
-        if (myEvents == nullptr || myHandler == nullptr)
-        {
-            return;
-        }
-        try
-        {
-            (myEvents->*myHandler)(myArguments...);
-        }
-        catch (...) // NOLINT(bugprone-empty-catch)
-        {
-        }
-    }
-
-    /// Null: nobody listens.
-    void Listener(FormMainEvents* theEvents) { myEvents = theEvents; }
-
-private:
-    FormMainEvents* myEvents = nullptr;
-};
-
 class ToolkitComboBox final : public ComboBox
 {
 public:
-    ToolkitComboBox(QComboBox& myComboBox, EventRoad& myRoad, Handler myClick);
+    ToolkitComboBox(QComboBox& myComboBox, EventForwarder& myForwarder, Handler myClick);
     /// The widget outlives this object, and leads nowhere from then on.
     ~ToolkitComboBox() override;
     ToolkitComboBox(const ToolkitComboBox&) = delete;
@@ -67,14 +27,14 @@ public:
 
 private:
     QComboBox& myWidget;
-    EventRoad& myEvents;
+    EventForwarder& myEvents;
     Handler myHandler;
 };
 
 class ToolkitListBox final : public ListBox
 {
 public:
-    ToolkitListBox(SelectionList& myList, EventRoad& myRoad, Handler myClick, Handler myDoubleClick);
+    ToolkitListBox(SelectionList& myList, EventForwarder& myForwarder, Handler myClick, Handler myDoubleClick);
     /// The widget outlives this object, and leads nowhere from then on.
     ~ToolkitListBox() override;
     ToolkitListBox(const ToolkitListBox&) = delete;
@@ -90,7 +50,7 @@ public:
 
 private:
     SelectionList& myWidget;
-    EventRoad& myEvents;
+    EventForwarder& myEvents;
     Handler myHandler;
 };
 

@@ -1,6 +1,6 @@
 #include "platform/linux/window/dialogs.h"
 
-#include "platform/linux/NativePath.h"
+#include "platform/linux/nativePath.h"
 #include "platform/linux/window/appearance.h"
 #include "platform/linux/window/Application.h"
 #include "platform/linux/window/toolkitText.h"

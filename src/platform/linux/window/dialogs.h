@@ -1,7 +1,8 @@
 /// The two small dialogs: a message, and the choice of a file.
 #pragma once
 
-#include "platform/Windows.h"
+#include "dialog/ports/FormMainWindow.h"
+#include "platform/MessageBox.h"
 
 #include <QWidget>
 

@@ -26,7 +26,7 @@ QDate ToToolkitDay(CalendarDay myDay)
 
 Date ToDate(QDate myDay)
 {
-    return static_cast<Date>(QDate(1899, 12, 30).daysTo(myDay));
+    return DateOfDay({myDay.year(), myDay.month(), myDay.day()});
 }
 
 } // namespace

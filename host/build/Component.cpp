@@ -1,0 +1,193 @@
+#include "build/Component.h"
+
+#include "com/Bstr.h"
+#include "site/Failure.h"
+#include "text/encodings.h"
+
+#include <array>
+#include <cstdio>
+
+#include <dlfcn.h>
+
+namespace qel::host
+{
+
+namespace
+{
+
+constexpr const char16_t* myProgramName = u"QelPluginAnimation.Main";
+
+std::string ReasonOf(HRESULT myResult)
+{
+    ComPtr<IErrorInfo> myInfo;
+    Bstr myDescription;
+    if (GetErrorInfo(0, myInfo.Receive()) == S_OK)
+    {
+        myInfo->GetDescription(myDescription.Pointer());
+    }
+    std::array<char, 16> myNumber{};
+    std::snprintf(myNumber.data(), myNumber.size(), "0x%08X", static_cast<unsigned>(myResult));
+    const std::string myText = ToUtf8(myDescription.Value());
+    return myText.empty() ? "error " + std::string(myNumber.data()) : myText + " (" + myNumber.data() + ")";
+}
+
+void Check(HRESULT myResult, const std::string& myWhat)
+{
+    if (FAILED(myResult))
+    {
+        throw Failure(myWhat + ": " + ReasonOf(myResult));
+    }
+}
+
+void* OpenLibrary(const std::filesystem::path& myFile)
+{
+    // A name without a folder would be looked for where the system keeps its libraries.
+    void* theHandle = dlopen(std::filesystem::absolute(myFile).c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (theHandle == nullptr)
+    {
+        throw Failure(std::string("the component cannot be opened: ") + dlerror() +
+                      "; give its file with --plugin, or enter it with qelhost register FILE");
+    }
+    return theHandle;
+}
+
+template <class Function>
+Function EntryPoint(void* myLibrary, const char* myName)
+{
+    void* const myAddress = dlsym(myLibrary, myName);
+    if (myAddress == nullptr)
+    {
+        throw Failure(std::string("the file is not a component: it has no ") + myName + "; give another one");
+    }
+    return reinterpret_cast<Function>(myAddress);
+}
+
+/// Calls an entry point without arguments in a component's file.
+void CallEntryPoint(const std::filesystem::path& myFile, const char* myName, const std::string& myWhat)
+{
+    const Library myLibrary(OpenLibrary(myFile));
+    Check(EntryPoint<DllRegisterServerFunction>(myLibrary.get(), myName)(), myWhat);
+}
+
+} // namespace
+
+void LibraryCloser::operator()(void* theHandle) const
+{
+    dlclose(theHandle);
+}
+
+Component::Component(const std::optional<std::filesystem::path>& myFile)
+{
+    CLSID myClass{};
+    if (!myFile && SUCCEEDED(CLSIDFromProgID(myProgramName, &myClass)))
+    {
+        void* myObject = nullptr;
+        Check(CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_QelPlugin, &myObject),
+              "the registered component cannot be opened; enter it again with qelhost register, or give --plugin");
+        myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
+        return;
+    }
+    myLibrary.reset(OpenLibrary(myFile ? *myFile : ComponentBesideProgram()));
+    const auto myGetClass = EntryPoint<DllGetClassObjectFunction>(myLibrary.get(), "DllGetClassObject");
+    void* myObject = nullptr;
+    Check(myGetClass(&CLSID_Main, &IID_IClassFactory, &myObject), "the file has no such component");
+    const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
+    Check(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), "the component cannot be started");
+    myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
+}
+
+namespace
+{
+
+/// False while something of a component is in use, or when it cannot tell.
+bool CanUnload(void* myLibrary)
+{
+    const auto myFunction = reinterpret_cast<DllCanUnloadNowFunction>(dlsym(myLibrary, "DllCanUnloadNow"));
+    return myFunction != nullptr && myFunction() == S_OK;
+}
+
+} // namespace
+
+Component::~Component()
+{
+    if (myBuildService)
+    {
+        QelDatabase* myNoDatabase = nullptr;
+        QelBuildHelper* myNoBuildHelper = nullptr;
+        myPlugin->putref_QelDatabase(&myNoDatabase);
+        myPlugin->putref_QelBuildHelper(&myNoBuildHelper);
+    }
+    myPlugin.Reset();
+    CoFreeUnusedLibraries();
+    if (myLibrary && !CanUnload(myLibrary.get()))
+    {
+        static_cast<void>(myLibrary.release()); // something of it is still in use
+    }
+}
+
+void Component::Serve(Site& theSite)
+{
+    const auto myDatabaseService = MakeCounted<DatabaseService>(theSite);
+    myBuildService = MakeCounted<BuildService>(theSite);
+    QelDatabase* myDatabase = myDatabaseService.Get();
+    QelBuildHelper* myBuildHelper = myBuildService.Get();
+    Check(myPlugin->putref_QelDatabase(&myDatabase), "the component does not take the database");
+    Check(myPlugin->putref_QelBuildHelper(&myBuildHelper), "the component does not take the build service");
+}
+
+void Component::PutInHand(int64_t myModule, std::string_view myScript)
+{
+    myBuildService->SetModule(myModule);
+    Bstr myText(FromUtf8(myScript));
+    Check(myPlugin->put_Script(myText.Pointer()), "the component does not take the script");
+}
+
+bool Component::Edit() const
+{
+    int32_t mySettingsDialog = 0; // the one window that the component has
+    VARIANT_BOOL theAnswer = VARIANT_FALSE;
+    Check(myPlugin->CallBack(&mySettingsDialog, &theAnswer), "the settings dialog failed");
+    return theAnswer != VARIANT_FALSE;
+}
+
+Text Component::Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const
+{
+    Bstr theText;
+    Check((myPlugin.Get()->*myMember)(theText.Pointer()), "the component failed");
+    return theText.Value();
+}
+
+bool Component::RequiresPHP() const
+{
+    VARIANT_BOOL theAnswer = VARIANT_FALSE;
+    Check(myPlugin->get_RequiresPHP(&theAnswer), "the component failed");
+    return theAnswer != VARIANT_FALSE;
+}
+
+Text Component::Version() const
+{
+    const ComPtr<QelInfo> myInfo = myPlugin.Query<QelInfo>();
+    Bstr theText;
+    if (myInfo)
+    {
+        Check(myInfo->get_Version(theText.Pointer()), "the component failed");
+    }
+    return theText.Value();
+}
+
+void RegisterComponent(const std::filesystem::path& myFile)
+{
+    CallEntryPoint(myFile, "DllRegisterServer", "the component cannot be registered");
+}
+
+void UnregisterComponent(const std::filesystem::path& myFile)
+{
+    CallEntryPoint(myFile, "DllUnregisterServer", "the component cannot be taken out of the registry");
+}
+
+std::filesystem::path ComponentBesideProgram()
+{
+    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "QelPluginAnimation.so";
+}
+
+} // namespace qel::host

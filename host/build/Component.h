@@ -1,0 +1,79 @@
+/// The component, opened as a host opens it, and what the host hands in.
+#pragma once
+
+#include "build/Services.h"
+#include "com/ComPtr.h"
+#include "com/QelHelperInterfaces.h"
+#include "site/Site.h"
+#include "text/text.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace qel::host
+{
+
+struct LibraryCloser
+{
+    void operator()(void* theHandle) const;
+};
+
+/// An opened shared object, closed when it goes.
+using Library = std::unique_ptr<void, LibraryCloser>;
+
+/// The plug-in object of the component. Order of calls: Serve, and PutInHand before anything that is about a module.
+///
+/// A call that fails is a Failure with the component's reason.
+class Component
+{
+public:
+    /// Opens the component's file, or without one the registered component, or the one beside this program.
+    explicit Component(const std::optional<std::filesystem::path>& myFile);
+    Component(const Component&) = delete;
+    Component& operator=(const Component&) = delete;
+    ~Component();
+
+    /// Hands in the services of a site, which outlives the component.
+    void Serve(Site& theSite);
+
+    /// Writes a module's script to the component; a module that is yet to be added has the number 0.
+    /// Failure: the component does not take it.
+    void PutInHand(int64_t myModule, std::string_view myScript);
+
+    // ---- About the module in hand ----
+
+    /// Its piece of the page; its files are copied into the output.
+    Text Output() const { return Read(&QelPlugin::get_Output); }
+    /// Its summary, with mark-up.
+    Text TextSettings() const { return Read(&QelPlugin::get_TextSettings); }
+    /// The reason of the last failure since it was put in hand, or the empty text.
+    Text ErrorText() const { return Read(&QelPlugin::get_ErrorText); }
+
+    /// Opens its settings dialog and gives true once the author has confirmed it; the module in hand has new settings
+    /// then. False: the author has cancelled it.
+    bool Edit() const;
+    /// Its settings, to be stored.
+    Text Script() const { return Read(&QelPlugin::get_Script); }
+
+    // ---- About the component ----
+
+    /// Any other text of the plug-in.
+    Text Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const;
+    bool RequiresPHP() const;
+    Text Version() const;
+
+private:
+    Library myLibrary; ///< none when the component came from the class registry
+    ComPtr<QelPlugin> myPlugin;
+    ComPtr<BuildService> myBuildService;
+};
+
+/// Enters a component's file in the class registry, or takes it out. Failure: it cannot be opened, or refuses.
+void RegisterComponent(const std::filesystem::path& myFile);
+void UnregisterComponent(const std::filesystem::path& myFile);
+
+/// The component's file beside this program.
+std::filesystem::path ComponentBesideProgram();
+
+} // namespace qel::host

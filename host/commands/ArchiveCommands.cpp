@@ -1,0 +1,265 @@
+#include "archive/classArchive.h"
+#include "commands/Commands.h"
+#include "platform/linux/nativePath.h"
+#include "platform/ListView.h"
+#include "platform/shared/SystemPlatform.h"
+#include "site/Failure.h"
+#include "site/Markup.h"
+#include "text/encodings.h"
+#include "text/errors.h"
+
+#include <algorithm>
+#include <iostream>
+#include <unordered_set>
+#include <utility>
+
+#include <unistd.h>
+
+namespace qel::host
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+/// Takes the items as rows of a table, and their full names.
+class ListedFiles final : public ListView
+{
+public:
+    void Clear() override { Rows = {{"SIZE", "FOLDER", "FILE"}}; }
+    void Add(const ListItem& myItem) override
+    {
+        Rows.push_back({ToUtf8(myItem.SubItems[0]), ToUtf8(myItem.SubItems[1]), ToUtf8(myItem.Caption)});
+        Names.push_back(myItem.Tag);
+    }
+
+    std::vector<std::vector<std::string>> Rows;
+    std::vector<Text> Names;
+};
+
+/// Why an operation on an archive failed, by the number of its error, in words for whoever gave the command.
+constexpr std::pair<int32_t, const char*> Reasons[] = {
+    {ErrorNumber::Overflow, "it has 2 GiB or more, which an archive cannot hold"},
+    {ErrorNumber::OutOfMemory, "there is not enough memory"},
+    {ErrorNumber::BadFileName, "its name leads out of the folder, or has characters that an archive cannot hold"},
+    {ErrorNumber::FileNotFound, "it is not there any more"},
+    {ErrorNumber::FileAlreadyExists, "its folder holds another name that differs in case alone"},
+    {ErrorNumber::DiskFull, "the disk is full"},
+    {ErrorNumber::InputPastEnd, "it has become shorter meanwhile"},
+    {ErrorNumber::PermissionDenied, "there is no permission, or someone else has it open"},
+    {ErrorNumber::PathAccess, "a folder, a link or something else is in the way, or a folder cannot be read"},
+    {ErrorNumber::PathNotFound, "its folder is not there, or cannot be made"},
+};
+
+/// Where and why packing or unpacking failed.
+std::string FailureOf(const classArchive& myArchive)
+{
+    const auto* const myReason =
+        std::ranges::find(Reasons, myArchive.FailureNumber(), &std::pair<int32_t, const char*>::first);
+    const Text& myName = myArchive.LastName();
+    return (myName.empty() ? "at the archive itself" : "at " + Tamed(ToUtf8(myName))) + ": " +
+           (myReason != std::end(Reasons) ? myReason->second : "the disk has failed");
+}
+
+/// The absolute path without links, also of what is not there yet.
+fs::path RealName(const fs::path& myPath)
+{
+    if (myPath.empty())
+    {
+        throw UsageFailure("an empty name leads to no file and no folder");
+    }
+    return fs::weakly_canonical(fs::absolute(myPath));
+}
+
+Text LogicalName(const fs::path& myPath)
+{
+    const std::optional<Text> theName = LogicalPath(RealName(myPath).string());
+    if (!theName)
+    {
+        throw UsageFailure(Tamed(myPath.string()) +
+                           " cannot be named to the component: use a path without \"\\\", in UTF-8");
+    }
+    return *theName;
+}
+
+/// An archive with the ports that it works on.
+class OpenArchive
+{
+public:
+    explicit OpenArchive(const fs::path& theFile) : myFile(theFile) { Archive.ArchiveFilename(LogicalName(myFile)); }
+
+    ListedFiles Listed()
+    {
+        if (!fs::is_regular_file(myFile))
+        {
+            throw Failure(fs::exists(myFile) ? myFile.string() + " is not a file"
+                                             : "there is no file " + myFile.string());
+        }
+        if (!Archive.ReadArchive())
+        {
+            throw Failure(myFile.string() + " cannot be read as an archive: it is damaged, in use, or something else");
+        }
+        ListedFiles theFiles;
+        Archive.FillList(theFiles);
+        return theFiles;
+    }
+
+    std::unique_ptr<SystemPlatform> System = MakeSystemPlatform();
+    classArchive Archive{System->Ports().files};
+
+private:
+    fs::path myFile;
+};
+
+/// Writes one line over and over while a terminal looks on, and clears it when it goes.
+class ProgressLine
+{
+public:
+    ProgressLine() = default;
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+    ~ProgressLine() { Show(""); }
+
+    void Show(const std::string& myText) const
+    {
+        if (myIsTerminal)
+        {
+            std::cerr << "\r\033[K" << myText << std::flush;
+        }
+    }
+
+private:
+    bool myIsTerminal = isatty(STDERR_FILENO) != 0;
+};
+
+/// True when writing a file would replace something, which is found without regard to case as the writing does.
+bool IsInTheWay(const Text& myFilename, Files& theFiles)
+{
+    try
+    {
+        theFiles.Look(myFilename);
+        return true;
+    }
+    catch (const Error& e)
+    {
+        return e.Number != ErrorNumber::FileNotFound && e.Number != ErrorNumber::PathNotFound;
+    }
+}
+
+void List(const Arguments& myArguments)
+{
+    OpenArchive myArchive(myArguments.File);
+    PrintTable(myArchive.Listed().Rows);
+    std::cout << ToUtf8(myArchive.Archive.FileCount()) << " files, "
+              << static_cast<int64_t>(myArchive.Archive.TotalSize()) << " bytes\n";
+}
+
+void Pack(const Arguments& myArguments)
+{
+    if (!fs::is_directory(RealName(myArguments.Folder)))
+    {
+        throw Failure("there is no folder " + myArguments.Folder.string() + " to pack");
+    }
+    const auto myWay = RealName(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
+    if (!myWay.empty() && *myWay.begin() != "..")
+    {
+        throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
+    }
+    OpenArchive myArchive(myArguments.File);
+    if (IsInTheWay(LogicalName(myArguments.File), myArchive.System->Ports().files) && !myArguments.Force)
+    {
+        throw Failure(myArguments.File.string() + " is there already; --force replaces it");
+    }
+    const ProgressLine myLine;
+    myArchive.Archive.BaseFolder(LogicalName(myArguments.Folder));
+    bool myHasBegun = false;
+    myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
+    {
+        myHasBegun = true;
+        myLine.Show(std::to_string(myPercent) + " % " + Tamed(ToUtf8(myName)));
+    };
+    if (!myArchive.Archive.PackArchive())
+    {
+        const bool myIsLeft = myHasBegun && fs::is_regular_file(myArguments.File);
+        throw Failure("packing failed " + FailureOf(myArchive.Archive) +
+                      (myIsLeft ? ". An incomplete " + myArguments.File.string() + " is left" : ""));
+    }
+}
+
+/// What is said of the first file below a folder that unpacking would replace, one from the archive itself among them;
+/// empty if there is none.
+std::string FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder, Files& theFiles)
+{
+    std::unordered_set<Text> myLowerTargets;
+    for (const Text& myName : myNames)
+    {
+        const Text myTarget = classArchive::Concat(myFolder, myName);
+        if (IsInTheWay(myTarget, theFiles))
+        {
+            return NativePath(myTarget) + " is there already" +
+                   (theFiles.IsFolder(myTarget) ? ", as a folder; move it away" : "; --force replaces it");
+        }
+        if (!myLowerTargets.insert(LowerCase(myTarget)).second)
+        {
+            return "the archive holds " + Tamed(ToUtf8(myName)) +
+                   " more than once, without regard to case; --force unpacks them all, and the last one stays";
+        }
+    }
+    return {};
+}
+
+void Unpack(const Arguments& myArguments)
+{
+    OpenArchive myArchive(myArguments.File);
+    const Text myFolder = LogicalName(myArguments.Folder);
+    Files& theFiles = myArchive.System->Ports().files;
+    const std::vector<Text> myNames = myArchive.Listed().Names;
+    const auto myMemory = theFiles.RememberFolders();
+    const std::string myInTheWay = myArguments.Force ? "" : FirstInTheWay(myNames, myFolder, theFiles);
+    if (!myInTheWay.empty())
+    {
+        throw Failure(myInTheWay);
+    }
+    const ProgressLine myLine;
+    size_t myCount = 0;
+    myArchive.Archive.BaseFolder(myFolder);
+    myArchive.Archive.ProgessUnpack = [&](const Text& myName, bool& /*myCancel*/)
+    {
+        myLine.Show(std::to_string(++myCount) + "/" + std::to_string(myNames.size()) + " " + Tamed(ToUtf8(myName)));
+    };
+    if (!myArchive.Archive.UnPackArchive())
+    {
+        throw Failure("unpacking failed " + FailureOf(myArchive.Archive) + ". What came before it stays");
+    }
+}
+
+CLI::App* AddArchiveCommand(CLI::App& theGroup, const char* myName, const char* myHelp, Arguments& theArguments,
+                            void (*myAction)(const Arguments&))
+{
+    CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
+    theCommand->add_option("FILE", theArguments.File, "The archive")->required()->type_name("");
+    theCommand->callback([&theArguments, myAction] { myAction(theArguments); });
+    return theCommand;
+}
+
+} // namespace
+
+void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
+{
+    CLI::App* const myGroup = AddGroup(theApplication, "archive", "Design archives, the files with imported designs");
+    AddArchiveCommand(*myGroup, "list", "Lists what an archive holds", theArguments, List);
+    CLI::App* const myPack = AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder", theArguments, Pack);
+    myPack->footer(
+        "Left out are links, names with a leading dot, names that hold \"\\\" or are not UTF-8, and whatever is "
+        "no plain file.");
+    CLI::App* const myUnpack =
+        AddArchiveCommand(*myGroup, "unpack", "Unpacks an archive into a folder", theArguments, Unpack);
+    for (CLI::App* const myCommand : {myPack, myUnpack})
+    {
+        myCommand->add_option("FOLDER", theArguments.Folder, "The folder")->required()->type_name("");
+        myCommand->add_flag("--force", theArguments.Force, "Replaces what is there already");
+    }
+}
+
+} // namespace qel::host

@@ -1,0 +1,142 @@
+#include "commands/Commands.h"
+
+#include "build/Builder.h"
+#include "build/Component.h"
+#include "site/Failure.h"
+#include "site/Markup.h"
+#include "site/Site.h"
+#include "site/UserLock.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+
+#include <unistd.h>
+
+namespace qel::host
+{
+
+namespace
+{
+
+/// The number of characters of UTF-8: its bytes without the continuing ones.
+std::size_t WidthOf(const std::string& myText)
+{
+    return static_cast<std::size_t>(
+        std::count_if(myText.begin(), myText.end(), [](char myByte) { return (myByte & 0xC0) != 0x80; }));
+}
+
+void Build(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    const UserLock myLock(std::cerr);
+    Builder myBuilder(mySite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0);
+    const BuildResult myResult = myBuilder.Build(myArguments.OtherPage);
+    std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules << ", failed: " << myResult.Failures
+              << ". They are in " << mySite.BuildFolder().string() << std::endl;
+    if (myResult.Failures > 0)
+    {
+        throw CLI::RuntimeError(1);
+    }
+}
+
+void PrintInfo(const Arguments& myArguments)
+{
+    const Component myComponent(myArguments.Plugin);
+    const bool myWithEscapes = WantsEscapes();
+    const auto Print = [&](const char* myHeading, const Text& myText)
+    {
+        std::cout << myHeading << RenderedMarkup(ToUtf8(myText), myWithEscapes) << "\n";
+    };
+    Print("Description:  ", myComponent.Read(&QelPlugin::get_Description));
+    Print("Version:      ", myComponent.Version());
+    Print("Function:     ", myComponent.Read(&QelPlugin::get_TextFunction));
+    Print("Settings:     ", myComponent.Read(&QelPlugin::get_TextConfig));
+    Print("Server:       ", myComponent.Read(&QelPlugin::get_TextRequirementsServer));
+    Print("Browser:      ", myComponent.Read(&QelPlugin::get_TextRequirementsClient));
+    Print("Requires PHP: ", myComponent.RequiresPHP() ? u"yes" : u"no");
+    Print("Logo:         ", myComponent.Read(&QelPlugin::get_LogoFilename));
+    Print("Preview:      ", myComponent.Read(&QelPlugin::get_PreviewImageFilename));
+}
+
+} // namespace
+
+bool WantsEscapes()
+{
+    const char* const myWish = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) != 0 && (myWish == nullptr || *myWish == '\0');
+}
+
+void PrintTable(const std::vector<std::vector<std::string>>& myRows)
+{
+    std::vector<std::size_t> myWidths(myRows.front().size());
+    for (const auto& myRow : myRows)
+    {
+        for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
+        {
+            myWidths[myColumn] = std::max(myWidths[myColumn], WidthOf(Tamed(myRow[myColumn])));
+        }
+    }
+    for (const auto& myRow : myRows)
+    {
+        std::string myLine;
+        for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
+        {
+            myLine +=
+                Tamed(myRow[myColumn]) + std::string(myWidths[myColumn] - WidthOf(Tamed(myRow[myColumn])) + 2, ' ');
+        }
+        std::cout << myLine.substr(0, myLine.find_last_not_of(' ') + 1) << "\n";
+    }
+}
+
+CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp)
+{
+    CLI::App* const theGroup = theApplication.add_subcommand(myName, myHelp);
+    theGroup->require_subcommand(1);
+    return theGroup;
+}
+
+CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,
+                         Arguments& theArguments)
+{
+    CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
+    theCommand->add_option("SITE", theArguments.Site, "The site's folder")->required()->type_name("");
+    return theCommand;
+}
+
+void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
+{
+    CLI::App* const myInit = AddSiteCommand(theApplication, "init", "Makes a new site", theArguments);
+    myInit->add_option("--title", theArguments.Title, "Its title, for <!-- qel:title --> in the pages");
+    myInit->callback([&theArguments] { Site::Create(theArguments.Site, theArguments.Title.value_or("")); });
+
+    CLI::App* const myBuild = AddSiteCommand(theApplication, "build", "Builds the pages into SITE/build", theArguments);
+    myBuild->add_option("--only", theArguments.OtherPage, "Builds this page and leaves the others as they are")
+        ->type_name("PAGE");
+    myBuild->footer("A module that fails does not stop the build: its reason is shown, and the program ends with 1.");
+    myBuild->callback([&theArguments] { Build(theArguments); });
+}
+
+void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments)
+{
+    theApplication.add_subcommand("info", "Tells about the component")
+        ->callback([&theArguments] { PrintInfo(theArguments); });
+
+    const auto AddRegistration =
+        [&](const char* myName, const char* myHelp, void (*myAction)(const std::filesystem::path&))
+    {
+        CLI::App* const myCommand = theApplication.add_subcommand(myName, myHelp);
+        myCommand
+            ->add_option("FILE", theArguments.OptionalFile, "The component; without it the one beside this program")
+            ->type_name("");
+        myCommand->callback([&theArguments, myAction]
+                            { myAction(theArguments.OptionalFile.value_or(ComponentBesideProgram())); });
+    };
+    AddRegistration("register", "Enters a component in the user's class registry", RegisterComponent);
+    AddRegistration("unregister", "Takes a component out of the user's class registry", UnregisterComponent);
+}
+
+} // namespace qel::host

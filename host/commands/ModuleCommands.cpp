@@ -1,0 +1,184 @@
+#include "build/Component.h"
+#include "commands/Commands.h"
+#include "site/Failure.h"
+#include "site/Markup.h"
+#include "site/Site.h"
+#include "site/SiteFiles.h"
+#include "site/UserLock.h"
+#include "text/encodings.h"
+
+#include <iostream>
+
+namespace qel::host
+{
+
+namespace
+{
+
+constexpr const char* myArchiveHelp =
+    "An archive holds the files that a module's author imported. The site keeps it as module and the module's id and\n"
+    ".dat, as in module3.dat, and the module's script has to name it so: <pg.file filename=\"module3.dat\">";
+
+std::string ReadScript(const std::filesystem::path& myFile)
+{
+    std::string theScript = ReadWholeFile(myFile);
+    if (!IsUtf8(theScript))
+    {
+        throw Failure("the script " + myFile.string() + " is not valid UTF-8; save it as UTF-8");
+    }
+    return theScript;
+}
+
+/// Has the component take the script, and passes on what it says about it.
+void TryScript(Component& theComponent, int64_t myModule, const std::string& myScript)
+{
+    theComponent.PutInHand(myModule, myScript);
+    if (const Text myReason = theComponent.ErrorText(); !myReason.empty())
+    {
+        std::cerr << "qelhost: the component says of this script: " << ToUtf8(myReason) << std::endl;
+    }
+}
+
+void Add(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    const std::string myScript = myArguments.OptionalFile ? ReadScript(*myArguments.OptionalFile)
+                                                          : ToUtf8(myComponent.Read(&QelPlugin::get_InitialScript));
+    TryScript(myComponent, 0, myScript);
+    const int64_t myId =
+        mySite.AddModule(myArguments.Page, myArguments.Place.value_or(""), myScript, myArguments.Archive);
+    std::cout << "module " << myId << std::endl;
+}
+
+void PrintOrSetScript(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    if (!myArguments.OptionalFile)
+    {
+        std::cout << mySite.ModuleOf(myArguments.Id).Script << std::flush;
+        return;
+    }
+    const std::string myScript = ReadScript(*myArguments.OptionalFile);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    TryScript(myComponent, myArguments.Id, myScript);
+    mySite.SetScript(myArguments.Id, myScript);
+}
+
+/// Prints what the module in hand will do.
+void PrintSummary(const Component& myComponent)
+{
+    const bool myWithEscapes = WantsEscapes();
+    std::cout << RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) << "\n";
+    if (const Text myReason = myComponent.ErrorText(); !myReason.empty())
+    {
+        std::cout << RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) << "\n";
+    }
+}
+
+void Show(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    const Module myModule = mySite.ModuleOf(myArguments.Id);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    myComponent.PutInHand(myModule.Id, myModule.Script);
+    PrintSummary(myComponent);
+}
+
+void Edit(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    Component myComponent(myArguments.Plugin);
+    myComponent.Serve(mySite);
+    const UserLock myLock(std::cerr);
+    // Read only now: whoever held the lock may have changed it.
+    TryScript(myComponent, myArguments.Id, mySite.ModuleOf(myArguments.Id).Script);
+    if (!myComponent.Edit())
+    {
+        std::cout << "module " << myArguments.Id << " is unchanged: the dialog was cancelled" << std::endl;
+        return;
+    }
+    mySite.SetScript(myArguments.Id, ToUtf8(myComponent.Script()));
+    PrintSummary(myComponent);
+}
+
+void List(const Arguments& myArguments)
+{
+    std::vector<std::vector<std::string>> myRows{{"MODULE", "PAGE", "PLACE", "POSITION"}};
+    for (const Module& myModule : Site(myArguments.Site).Modules())
+    {
+        myRows.push_back({std::to_string(myModule.Id), myModule.Page, myModule.Place.empty() ? "-" : myModule.Place,
+                          std::to_string(myModule.Position)});
+    }
+    PrintTable(myRows);
+}
+
+} // namespace
+
+void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
+{
+    CLI::App* const myGroup = AddGroup(theApplication, "module", "The modules on the pages of a site");
+    const auto AddModuleCommand = [&](const char* myName, const char* myHelp)
+    {
+        CLI::App* const theCommand = AddSiteCommand(*myGroup, myName, myHelp, theArguments);
+        theCommand->add_option("ID", theArguments.Id, "The module's id")->required()->type_name("");
+        return theCommand;
+    };
+
+    CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a module to a page and prints its id", theArguments);
+    myAdd->add_option("PAGE", theArguments.Page, "The page's name")->required()->type_name("");
+    myAdd->add_option("--place", theArguments.Place, "A named place of the page")->type_name("NAME");
+    myAdd
+        ->add_option("--script", theArguments.OptionalFile,
+                     "Its script, if not that of a new module; - reads the standard input")
+        ->type_name("FILE");
+    myAdd->add_option("--archive", theArguments.Archive, "Its archive of imported files")->type_name("FILE");
+    myAdd->footer(myArchiveHelp);
+    myAdd->callback([&theArguments] { Add(theArguments); });
+
+    CLI::App* const myMove = AddModuleCommand("move", "Moves a module to another position, place or page");
+    myMove->add_option("POSITION", theArguments.Position, "Counts from 1 in its place")->required()->type_name("");
+    myMove
+        ->add_option("--page", theArguments.OtherPage,
+                     "To this page, there to the unnamed place unless --place is given")
+        ->type_name("PAGE");
+    myMove->add_option("--place", theArguments.Place, "To this place of the page; '' is the unnamed one")
+        ->type_name("NAME");
+    myMove->callback(
+        [&theArguments]
+        {
+            Site(theArguments.Site)
+                .MoveModule(theArguments.Id, theArguments.Position, theArguments.OtherPage, theArguments.Place);
+        });
+
+    CLI::App* const myEdit = AddModuleCommand("edit", "Opens a module's settings dialog, and stores what it confirms");
+    myEdit->footer("The dialog needs a display. Its button for links opens a window with the site's records.\n"
+                   "Where the dialog is cancelled the module stays as it is.");
+    myEdit->callback([&theArguments] { Edit(theArguments); });
+
+    AddModuleCommand("remove", "Removes a module and its archive")
+        ->callback([&theArguments] { Site(theArguments.Site).RemoveModule(theArguments.Id); });
+
+    CLI::App* const myScript = AddModuleCommand("script", "Prints a module's script, or stores another one");
+    myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
+        ->type_name("");
+    myScript->footer("A new script is stored as you give it, once the component has taken it. It should name\n"
+                     "the link even if there is none: without, a build keeps that of the module before it.");
+    myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
+
+    CLI::App* const myArchive = AddModuleCommand("archive", "Gives a module its archive of imported files");
+    myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
+    myArchive->footer(myArchiveHelp);
+    myArchive->callback([&theArguments]
+                        { Site(theArguments.Site).SetArchive(theArguments.Id, *theArguments.Archive); });
+
+    AddModuleCommand("show", "Tells what a module will do")->callback([&theArguments] { Show(theArguments); });
+
+    AddSiteCommand(*myGroup, "list", "Lists the modules", theArguments)
+        ->callback([&theArguments] { List(theArguments); });
+}
+
+} // namespace qel::host

@@ -1,0 +1,80 @@
+#include "commands/Commands.h"
+#include "site/Failure.h"
+#include "site/Site.h"
+
+#include <iostream>
+
+namespace qel::host
+{
+
+namespace
+{
+
+constexpr const char* myKindsHelp = "The kinds and what they take:\n"
+                                    "  0 none      nothing; a link to it does not work\n"
+                                    "  1 page      --page PAGE, or --address of a page elsewhere\n"
+                                    "  2 section   --page PAGE, --address '#id', or both\n"
+                                    "  3 address   --address, such as https://example.org/\n"
+                                    "  4 picture   --file, copied into the site and into the pictures of a build\n"
+                                    "  5 file      --file, copied into the site and into the files of a build\n"
+                                    "  6 mail      --address, such as name@example.org\n"
+                                    "The link text of a record is UID: and its uid, as record add prints it.";
+
+RecordChange ChangeOf(const Arguments& myArguments)
+{
+    return {myArguments.Title, myArguments.OtherPage, myArguments.Address, myArguments.OptionalFile};
+}
+
+void List(const Arguments& myArguments)
+{
+    std::vector<std::vector<std::string>> myRows{{"UID", "KIND", "LEADS TO", "TITLE"}};
+    for (const Record& myRecord : Site(myArguments.Site).Records())
+    {
+        myRows.push_back({std::to_string(myRecord.Uid), std::string(KindName(myRecord.Kind)),
+                          HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord), myRecord.Title});
+    }
+    PrintTable(myRows);
+}
+
+} // namespace
+
+void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
+{
+    CLI::App* const myGroup = AddGroup(theApplication, "record", "What links of a site can lead to");
+    const auto AddUid = [&](CLI::App* theCommand)
+    {
+        theCommand->add_option("UID", theArguments.Id, "The record's uid")->required()->type_name("");
+    };
+    const auto AddContent = [&](CLI::App* theCommand)
+    {
+        theCommand->add_option("--title", theArguments.Title, "For yourself, in the list");
+        theCommand->add_option("--page", theArguments.OtherPage, "A page of the site")->type_name("PAGE");
+        theCommand->add_option("--address", theArguments.Address, "An address, or what follows the page's");
+        theCommand->add_option("--file", theArguments.OptionalFile, "A file of yours")->type_name("FILE");
+        theCommand->footer(myKindsHelp);
+    };
+
+    CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a record and prints its link text", theArguments);
+    myAdd->add_option("--kind", theArguments.Kind, "Its kind, by number or name")->required();
+    AddContent(myAdd);
+    myAdd->callback(
+        [&theArguments]
+        {
+            const RecordKind myKind = ParseKind(theArguments.Kind);
+            std::cout << "UID:" << Site(theArguments.Site).AddRecord(myKind, ChangeOf(theArguments)) << std::endl;
+        });
+
+    CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes what is given of a record", theArguments);
+    AddUid(mySet);
+    AddContent(mySet);
+    mySet->callback([&theArguments] { Site(theArguments.Site).SetRecord(theArguments.Id, ChangeOf(theArguments)); });
+
+    CLI::App* const myRemove = AddSiteCommand(*myGroup, "remove", "Removes a record and its file", theArguments);
+    AddUid(myRemove);
+    myRemove->callback([&theArguments] { Site(theArguments.Site).RemoveRecord(theArguments.Id); });
+
+    AddSiteCommand(*myGroup, "list", "Lists the records", theArguments)
+        ->callback([&theArguments] { List(theArguments); });
+}
+
+} // namespace qel::host

@@ -1,0 +1,213 @@
+#include "site/Connection.h"
+
+#include "site/Failure.h"
+
+#include <sqlite3.h>
+
+namespace qel::host
+{
+
+namespace
+{
+
+constexpr int myWaitInMilliseconds = 10'000;
+
+std::string Advice(int myCode)
+{
+    switch (myCode & 0xFF)
+    {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return "another program is working on it; try again when that has ended";
+    case SQLITE_CANTOPEN:
+    case SQLITE_PERM:
+    case SQLITE_READONLY:
+        return "it cannot be opened for writing; check its permissions and those of its folder";
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        return "it is damaged or not a SQLite database; put back a copy of it";
+    case SQLITE_FULL:
+        return "the disk is full; make room and try again";
+    default:
+        return {};
+    }
+}
+
+void BindValue(sqlite3_stmt* myStatement, int myIndex, const Value& myValue)
+{
+    if (const auto* myNumber = std::get_if<int64_t>(&myValue))
+    {
+        sqlite3_bind_int64(myStatement, myIndex, *myNumber);
+    }
+    else if (const auto* myText = std::get_if<std::string_view>(&myValue))
+    {
+        sqlite3_bind_text64(myStatement, myIndex, myText->data() != nullptr ? myText->data() : "", myText->size(),
+                            SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    else if (const auto* myBlob = std::get_if<Blob>(&myValue))
+    {
+        sqlite3_bind_blob64(myStatement, myIndex, myBlob->Bytes.data() != nullptr ? myBlob->Bytes.data() : "",
+                            myBlob->Bytes.size(), SQLITE_TRANSIENT);
+    }
+    else
+    {
+        sqlite3_bind_null(myStatement, myIndex);
+    }
+}
+
+} // namespace
+
+void Connection::Closer::operator()(sqlite3* theHandle) const
+{
+    sqlite3_close_v2(theHandle);
+}
+
+Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : myFilename(theFilename)
+{
+    const int myFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (myMode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    sqlite3* theHandle = nullptr;
+    const int myResult = sqlite3_open_v2(myFilename.c_str(), &theHandle, myFlags, nullptr);
+    myHandle.reset(theHandle);
+    if (myResult != SQLITE_OK)
+    {
+        Fail(myResult);
+    }
+    sqlite3_busy_timeout(myHandle.get(), myWaitInMilliseconds);
+    Run("PRAGMA foreign_keys = ON");
+    if (myMode == Mode::Create)
+    {
+        Run("PRAGMA page_size = 16384");  // most pages' contents are some kilobytes long
+        Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
+    }
+}
+
+void Connection::Run(std::string_view mySQL, std::initializer_list<Value> myValues)
+{
+    Statement myStatement(*this, mySQL, myValues);
+    while (myStatement.Next())
+    {
+    }
+}
+
+void Connection::RunAll(const std::string& mySQL)
+{
+    if (const int myResult = sqlite3_exec(myHandle.get(), mySQL.c_str(), nullptr, nullptr, nullptr);
+        myResult != SQLITE_OK)
+    {
+        Fail(myResult);
+    }
+}
+
+int64_t Connection::Number(std::string_view mySQL, std::initializer_list<Value> myValues)
+{
+    Statement myStatement(*this, mySQL, myValues);
+    return myStatement.Next() ? myStatement.Number(0) : 0;
+}
+
+int64_t Connection::LastKey() const
+{
+    return sqlite3_last_insert_rowid(myHandle.get());
+}
+
+void Connection::Fail(int myCode) const
+{
+    const std::string myAdvice = Advice(myCode);
+    const char* myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
+    throw Failure(myFilename.string() + ": " + (myAdvice.empty() ? std::string(myReason) : myAdvice));
+}
+
+void Connection::Finisher::operator()(sqlite3_stmt* theStatement) const
+{
+    sqlite3_finalize(theStatement);
+}
+
+Connection::Statements::node_type Connection::Prepared(std::string_view mySQL)
+{
+    if (const auto myIdle = myIdleStatements.find(mySQL); myIdle != myIdleStatements.end())
+    {
+        return myIdleStatements.extract(myIdle);
+    }
+    sqlite3_stmt* theHandle = nullptr;
+    const int myResult = sqlite3_prepare_v3(myHandle.get(), mySQL.data(), static_cast<int>(mySQL.size()),
+                                            SQLITE_PREPARE_PERSISTENT, &theHandle, nullptr);
+    if (myResult != SQLITE_OK)
+    {
+        Fail(myResult);
+    }
+    Statements::mapped_type theStatement(theHandle);
+    return myIdleStatements.extract(myIdleStatements.emplace(mySQL, std::move(theStatement)));
+}
+
+Statement::Statement(Connection& theConnection, std::string_view mySQL, std::initializer_list<Value> myValues)
+    : myConnection(theConnection), myStatement(theConnection.Prepared(mySQL))
+{
+    Bind(myValues);
+}
+
+Statement::~Statement()
+{
+    sqlite3_reset(Handle());
+    sqlite3_clear_bindings(Handle());
+    myConnection.myIdleStatements.insert(std::move(myStatement));
+}
+
+void Statement::Bind(std::initializer_list<Value> myValues)
+{
+    sqlite3_reset(Handle());
+    int myIndex = 0;
+    for (const Value& myValue : myValues)
+    {
+        BindValue(Handle(), ++myIndex, myValue);
+    }
+}
+
+bool Statement::Next()
+{
+    const int myResult = sqlite3_step(Handle());
+    if (myResult != SQLITE_ROW && myResult != SQLITE_DONE)
+    {
+        myConnection.Fail(myResult);
+    }
+    return myResult == SQLITE_ROW;
+}
+
+int64_t Statement::Number(int myColumn) const
+{
+    return sqlite3_column_int64(Handle(), myColumn);
+}
+
+std::string Statement::Text(int myColumn) const
+{
+    const void* myBytes = sqlite3_column_blob(Handle(), myColumn);
+    const auto mySize = static_cast<std::size_t>(sqlite3_column_bytes(Handle(), myColumn));
+    return myBytes == nullptr ? std::string() : std::string(static_cast<const char*>(myBytes), mySize);
+}
+
+Transaction::Transaction(Connection& theConnection, Kind myKind) : myConnection(theConnection)
+{
+    myConnection.Run(myKind == Kind::Writing ? "BEGIN IMMEDIATE" : "BEGIN");
+}
+
+Transaction::~Transaction()
+{
+    if (!myIsOpen)
+    {
+        return;
+    }
+    try
+    {
+        myConnection.Run("ROLLBACK");
+    }
+    catch (const Failure&)
+    {
+        // The database has rolled back by itself, or will when it is opened next.
+    }
+}
+
+void Transaction::Commit()
+{
+    myConnection.Run("COMMIT");
+    myIsOpen = false;
+}
+
+} // namespace qel::host

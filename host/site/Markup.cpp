@@ -1,0 +1,105 @@
+#include "site/Markup.h"
+
+#include <algorithm>
+#include <array>
+
+namespace qel::host
+{
+
+namespace
+{
+
+struct MarkupWord
+{
+    std::string_view Name;
+    std::string_view Escape; ///< what a terminal gets
+    std::string_view Plain;  ///< what stands for it in plain text
+    bool HasCaption;
+};
+
+constexpr std::array myWords{
+    MarkupWord{"b", "\033[1m", "", false},
+    MarkupWord{"/b", "\033[22m", "", false},
+    MarkupWord{"warning", "\u26A0 ", "\u26A0 ", false},
+    MarkupWord{"callback", "\033[4m", "", true},
+    MarkupWord{"help", "\033[4m", "", true},
+};
+constexpr std::string_view myEndOfCaption = "\033[24m";
+
+const MarkupWord* FindWord(std::string_view myTag)
+{
+    const std::string_view myName = myTag.substr(0, myTag.find(' '));
+    for (const MarkupWord& myWord : myWords)
+    {
+        if (myWord.Name == myName)
+        {
+            return &myWord;
+        }
+    }
+    return nullptr;
+}
+
+std::string_view CaptionOf(std::string_view myTag)
+{
+    constexpr std::string_view myAttribute = " caption=\"";
+    const std::size_t myStart = myTag.find(myAttribute);
+    if (myStart == std::string_view::npos)
+    {
+        return {};
+    }
+    const std::string_view myRest = myTag.substr(myStart + myAttribute.size());
+    return myRest.substr(0, myRest.find('"'));
+}
+
+/// Appends UTF-8 with a "?" for each control character, line ends aside: those below the blank, the one behind "~", and
+/// the two bytes of those behind it.
+void AppendTamed(std::string& theText, std::string_view myText)
+{
+    for (std::size_t i = 0; i < myText.size(); ++i)
+    {
+        const auto Code = [&](std::size_t myIndex)
+        {
+            return static_cast<unsigned char>(myText[myIndex]);
+        };
+        const bool myIsHigh = Code(i) == 0xC2 && i + 1 < myText.size() && Code(i + 1) >= 0x80 && Code(i + 1) < 0xA0;
+        const bool myIsControl = myIsHigh || (Code(i) < 0x20 && myText[i] != '\n') || Code(i) == 0x7F;
+        theText += myIsControl ? '?' : myText[i];
+        i += myIsHigh ? 1 : 0;
+    }
+}
+
+} // namespace
+
+std::string Tamed(std::string_view myText)
+{
+    std::string theText;
+    AppendTamed(theText, myText);
+    std::replace(theText.begin(), theText.end(), '\n', '?');
+    return theText;
+}
+
+std::string RenderedMarkup(std::string_view myText, bool myWithEscapes)
+{
+    std::string theText;
+    while (!myText.empty())
+    {
+        const std::size_t myEnd = myText.front() == '<' ? myText.find('>') : std::string_view::npos;
+        const std::string_view myTag = myEnd == std::string_view::npos ? "" : myText.substr(1, myEnd - 1);
+        if (const MarkupWord* const myWord = FindWord(myTag))
+        {
+            theText += myWithEscapes ? myWord->Escape : myWord->Plain;
+            AppendTamed(theText, CaptionOf(myTag));
+            theText += myWord->HasCaption && myWithEscapes ? myEndOfCaption : "";
+            myText.remove_prefix(myEnd + 1);
+        }
+        else
+        {
+            const std::size_t myNext = myText.find('<', 1);
+            AppendTamed(theText, myText.substr(0, myNext));
+            myText.remove_prefix(myNext == std::string_view::npos ? myText.size() : myNext);
+        }
+    }
+    return theText;
+}
+
+} // namespace qel::host

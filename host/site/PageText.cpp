@@ -1,0 +1,225 @@
+#include "site/PageText.h"
+
+#include "site/Failure.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace qel::host
+{
+
+namespace
+{
+
+std::string CharacterReference(uint32_t myCode)
+{
+    return "&#" + std::to_string(myCode) + ";";
+}
+
+/// True when a text begins with the two halves of one character.
+bool IsPair(TextView myText)
+{
+    return myText.size() > 1 && (myText[0] & 0xFC00) == 0xD800 && (myText[1] & 0xFC00) == 0xDC00;
+}
+
+uint32_t CodeOf(TextView myCharacter)
+{
+    return IsPair(myCharacter) ? 0x10000 + ((myCharacter[0] & 0x3FFU) << 10) + (myCharacter[1] & 0x3FFU)
+                               : myCharacter.front();
+}
+
+/// Takes the first word from the head of a text; the empty text if it has none.
+std::string_view TakeWord(std::string_view& theText)
+{
+    constexpr std::string_view mySpaces = " \t\n\v\f\r";
+    theText.remove_prefix(std::min(theText.find_first_not_of(mySpaces), theText.size()));
+    const std::string_view theWord = theText.substr(0, theText.find_first_of(mySpaces));
+    theText.remove_prefix(theWord.size());
+    return theWord;
+}
+
+/// Where the unnamed place is in a page that does not show it.
+std::size_t DefaultPlace(std::string_view myContent)
+{
+    constexpr std::string_view myTag = "</body";
+    const std::string_view::iterator myEnd =
+        std::find_end(myContent.begin(), myContent.end(), myTag.begin(), myTag.end(),
+                      [](char myLeft, char myRight) { return (myLeft | 0x20) == (myRight | 0x20); });
+    return static_cast<std::size_t>(myEnd - myContent.begin());
+}
+
+} // namespace
+
+PageText::PageText(std::string theContent) : myContent(std::move(theContent))
+{
+    const bool myIsAscii = std::all_of(myContent.begin(), myContent.end(),
+                                       [](char myByte) { return static_cast<signed char>(myByte) >= 0; });
+    myEncoding = myIsAscii ? Encoding::Ascii : IsUtf8(myContent) ? Encoding::Utf8 : Encoding::Windows1252;
+    constexpr std::string_view myOpening = "<!--";
+    constexpr std::string_view myClosing = "-->";
+    std::size_t myEnd = 0;
+    for (std::size_t myStart = 0; (myStart = myContent.find(myOpening, myEnd)) != std::string::npos;)
+    {
+        myEnd = myContent.find(myClosing, myStart + myOpening.size());
+        if (myEnd == std::string::npos)
+        {
+            break;
+        }
+        myEnd += myClosing.size();
+        ReadPlace(myStart, myEnd);
+    }
+    if (!HasPlace(""))
+    {
+        const std::size_t myDefault = DefaultPlace(myContent);
+        const auto myNext = std::find_if(myPlaces.begin(), myPlaces.end(),
+                                         [&](const Place& myPlace) { return myPlace.Start >= myDefault; });
+        myPlaces.insert(myNext, {myDefault, myDefault, PlaceKind::Modules, {}, true});
+    }
+}
+
+void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
+{
+    std::string_view myWords = std::string_view(myContent).substr(myStart + 4, myEnd - myStart - 7);
+    const std::string_view myWord = TakeWord(myWords);
+    const std::string myName(TakeWord(myWords));
+    if (!TakeWord(myWords).empty())
+    {
+        return;
+    }
+    if (myWord == "qel:modules")
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Modules, myName, !HasPlace(myName)});
+    }
+    else if (myWord == "qel:title" && myName.empty())
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Title, {}, true});
+    }
+    else if (myWord == "qel:menu" && myName.empty())
+    {
+        myPlaces.push_back({myStart, myEnd, PlaceKind::Menu, {}, true});
+    }
+}
+
+bool PageText::HasPlace(std::string_view myName) const
+{
+    return std::any_of(myPlaces.begin(), myPlaces.end(),
+                       [&](const Place& myPlace)
+                       { return myPlace.Kind == PlaceKind::Modules && myPlace.Name == myName; });
+}
+
+bool PageText::HasMenu() const
+{
+    return std::any_of(myPlaces.begin(), myPlaces.end(),
+                       [](const Place& myPlace) { return myPlace.Kind == PlaceKind::Menu; });
+}
+
+std::string PageText::Filled(const std::map<std::string, Text>& myModules, TextView myTitle, TextView myMenu) const
+{
+    std::string thePage;
+    std::size_t myDone = 0;
+    for (const Place& myPlace : myPlaces)
+    {
+        thePage.append(myContent, myDone, myPlace.Start - myDone);
+        myDone = myPlace.End;
+        if (myPlace.Kind == PlaceKind::Title)
+        {
+            thePage += Encoded(myTitle);
+        }
+        else if (myPlace.Kind == PlaceKind::Menu)
+        {
+            thePage += Encoded(myMenu);
+        }
+        else if (const auto myFound = myModules.find(myPlace.Name); myFound != myModules.end() && myPlace.IsFirst)
+        {
+            thePage += Encoded(myFound->second);
+        }
+    }
+    thePage.append(myContent, myDone);
+    return thePage;
+}
+
+std::string PageText::Encoded(TextView myText) const
+{
+    if (myEncoding == Encoding::Utf8)
+    {
+        return ToUtf8(myText);
+    }
+    std::string theBytes;
+    while (!myText.empty())
+    {
+        const TextView::iterator myRun =
+            std::find_if(myText.begin(), myText.end(), [](char16_t myUnit) { return myUnit >= 0x80; });
+        theBytes.append(myText.begin(), myRun);
+        myText.remove_prefix(static_cast<std::size_t>(myRun - myText.begin()));
+        const TextView myCharacter = myText.substr(0, IsPair(myText) ? 2 : 1);
+        const auto myAnsi = myEncoding == Encoding::Ascii ? std::nullopt : ToAnsi(myCharacter);
+        theBytes += myAnsi ? *myAnsi : myCharacter.empty() ? "" : CharacterReference(CodeOf(myCharacter));
+        myText.remove_prefix(myCharacter.size());
+    }
+    return theBytes;
+}
+
+void DemandPageContent(std::string_view myContent)
+{
+    if (myContent.find('\0') != std::string_view::npos || myContent.starts_with("\xFF\xFE") ||
+        myContent.starts_with("\xFE\xFF"))
+    {
+        throw Failure("the page is not HTML text that can be worked on; save it as UTF-8");
+    }
+}
+
+std::string EscapedForHtml(std::string_view myText)
+{
+    constexpr std::string_view mySpecial = "&<>\"'\\%";
+    std::string theText;
+    for (const char myCharacter : myText)
+    {
+        const auto myCode = static_cast<unsigned char>(myCharacter);
+        const bool myIsPlain = myCode >= 0x20 && mySpecial.find(myCharacter) == std::string_view::npos;
+        theText += myIsPlain ? std::string(1, myCharacter) : CharacterReference(myCode);
+    }
+    return theText;
+}
+
+namespace
+{
+
+/// The character of ASCII that a reference, such as "&#38;" or "&amp;", stands for; 0 if it is none.
+char ReferredCharacter(std::string_view myReference)
+{
+    constexpr std::array<std::pair<std::string_view, char>, 4> myNames{
+        {{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}}};
+    const auto* const myName = std::ranges::find(myNames, myReference, &std::pair<std::string_view, char>::first);
+    if (myName != myNames.end())
+    {
+        return myName->second;
+    }
+    int theCode = 0;
+    if (myReference.starts_with("&#"))
+    {
+        const char* const myEnd = myReference.data() + myReference.size() - 1;
+        const auto myParsed = std::from_chars(myReference.data() + 2, myEnd, theCode);
+        theCode = myParsed.ptr == myEnd && theCode > 0 && theCode < 0x80 ? theCode : 0;
+    }
+    return static_cast<char>(theCode);
+}
+
+} // namespace
+
+std::string UnescapedFromHtml(std::string_view myText)
+{
+    constexpr std::size_t myLongest = 6; // "&quot;" and "&#127;"
+    std::string theText;
+    while (!myText.empty())
+    {
+        const std::string_view myReference = myText.substr(0, myText.substr(0, myLongest).find(';') + 1);
+        const char myCharacter = ReferredCharacter(myReference);
+        theText += myCharacter == 0 ? myText.front() : myCharacter;
+        myText.remove_prefix(myCharacter == 0 ? 1 : myReference.size());
+    }
+    return theText;
+}
+
+} // namespace qel::host

@@ -1,0 +1,266 @@
+#include "site/Site.h"
+
+#include "site/Failure.h"
+#include "site/PageText.h"
+#include "site/SiteFiles.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <array>
+
+#include <sqlite3.h>
+
+namespace qel::host
+{
+
+static_assert(SQLITE_VERSION_NUMBER >= 3037000, "The schema uses strict tables.");
+
+namespace
+{
+
+constexpr int64_t myApplication = 0x51454C53; // "QELS" in the file's header
+
+/// The schema's history: entry N leads from format N to N + 1. Entries are never changed, only added.
+constexpr std::array myMigrations{
+    R"(
+    CREATE TABLE site (
+        only INTEGER PRIMARY KEY CHECK (only = 1),
+        title TEXT NOT NULL
+    ) STRICT;
+    CREATE TABLE page (
+        id INTEGER PRIMARY KEY AUTOINCREMENT,
+        name TEXT NOT NULL COLLATE NOCASE UNIQUE,
+        title TEXT NOT NULL,
+        position INTEGER NOT NULL,
+        content BLOB NOT NULL
+    ) STRICT;
+    CREATE TABLE module (
+        id INTEGER PRIMARY KEY AUTOINCREMENT,
+        page INTEGER NOT NULL REFERENCES page ON DELETE CASCADE,
+        place TEXT NOT NULL,
+        position INTEGER NOT NULL,
+        script TEXT NOT NULL
+    ) STRICT;
+    CREATE INDEX module_order ON module (page, place, position);
+    CREATE TABLE record (
+        uid INTEGER PRIMARY KEY AUTOINCREMENT,
+        kind INTEGER NOT NULL CHECK (kind BETWEEN 0 AND 6),
+        title TEXT NOT NULL,
+        page INTEGER REFERENCES page ON DELETE RESTRICT,
+        address TEXT NOT NULL,
+        filename TEXT NOT NULL,
+        CHECK ((kind IN (4, 5)) = (filename <> ''))
+    ) STRICT;
+    CREATE INDEX record_page ON record (page) WHERE page IS NOT NULL;
+    )",
+};
+
+void DemandPageName(std::string_view myName)
+{
+    std::string myProblem = NameProblem(myName);
+    const Text myLowerName = LowerCase(FromUtf8(myName));
+    if (myProblem.empty() && !myLowerName.ends_with(u".html") && !myLowerName.ends_with(u".htm"))
+    {
+        myProblem = "it does not end in .html";
+    }
+    if (!myProblem.empty())
+    {
+        throw Failure("\"" + std::string(myName) + "\" cannot be the name of a page: " + myProblem +
+                      "; give it one with --name");
+    }
+}
+
+void DemandTitle(std::string_view myTitle)
+{
+    if (!IsUtf8(myTitle))
+    {
+        throw UsageFailure("the title is not valid UTF-8; check the terminal's encoding");
+    }
+}
+
+} // namespace
+
+void DemandPosition(int64_t myPosition, int64_t myLast)
+{
+    if (myPosition < 1 || myPosition > myLast)
+    {
+        throw Failure("there is no position " + std::to_string(myPosition) + "; give one from 1 to " +
+                      std::to_string(myLast));
+    }
+}
+
+void Site::Create(const fs::path& myFolder, std::string_view myTitle)
+{
+    DemandTitle(myTitle);
+    if (fs::exists(myFolder / "site.db"))
+    {
+        throw Failure(myFolder.string() + " is a site already; work on it, or give another folder");
+    }
+    for (const char* mySubfolder : {"data", "build"})
+    {
+        if (fs::exists(fs::symlink_status(myFolder / mySubfolder)))
+        {
+            throw Failure((myFolder / mySubfolder).string() + " is there already; give another folder for the site");
+        }
+    }
+    fs::create_directories(myFolder / "data");
+    Connection(myFolder / "site.db", Connection::Mode::Create)
+        .RunAll("PRAGMA application_id = " + std::to_string(myApplication));
+    Site(myFolder).myConnection.Run("INSERT INTO site VALUES (1, ?)", {myTitle});
+}
+
+Site::Site(const fs::path& theFolder)
+    : myFolder(fs::canonical(
+          fs::exists(theFolder / "site.db")
+              ? theFolder
+              : throw Failure(theFolder.string() + " is not a site: run qelhost init " + theFolder.string()))),
+      myConnection(myFolder / "site.db", Connection::Mode::Existing)
+{
+    Migrate();
+}
+
+void Site::Migrate()
+{
+    if (myConnection.Number("PRAGMA application_id") != myApplication)
+    {
+        throw Failure((myFolder / "site.db").string() + " was not made by qelhost; give another folder");
+    }
+    const int64_t myNewest = myMigrations.size();
+    const auto myVersion = [&]
+    {
+        return myConnection.Number("PRAGMA user_version");
+    };
+    if (myVersion() > myNewest)
+    {
+        throw Failure(myFolder.string() + " has the format " + std::to_string(myVersion()) +
+                      " of a newer qelhost, and this one knows " + std::to_string(myNewest) + "; use the newer one");
+    }
+    while (myVersion() < myNewest)
+    {
+        Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+        const int64_t myOld = myVersion();
+        if (myOld < myNewest)
+        {
+            myConnection.RunAll(myMigrations[static_cast<std::size_t>(myOld)]);
+            myConnection.RunAll("PRAGMA user_version = " + std::to_string(myOld + 1));
+        }
+        myTransaction.Commit();
+    }
+}
+
+std::string Site::Title()
+{
+    Statement myStatement(myConnection, "SELECT title FROM site");
+    return myStatement.Next() ? myStatement.Text(0) : std::string();
+}
+
+int64_t Site::PageId(std::string_view myName)
+{
+    const int64_t theId = myConnection.Number("SELECT id FROM page WHERE name = ?", {myName});
+    if (theId == 0)
+    {
+        throw Failure("the site has no page \"" + std::string(myName) + "\"; qelhost page list shows those it has");
+    }
+    return theId;
+}
+
+void Site::AddPage(std::string_view myName, std::string_view myTitle, std::string_view myContent)
+{
+    DemandPageName(myName);
+    DemandTitle(myTitle);
+    DemandPageContent(myContent);
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    if (myConnection.Number("SELECT 1 FROM page WHERE name = ?", {myName}) != 0)
+    {
+        throw Failure("the site has a page \"" + std::string(myName) +
+                      "\" already; replace it with qelhost page set, or give another --name");
+    }
+    myConnection.Run(
+        "INSERT INTO page (name, title, position, content) VALUES (?, ?, (SELECT count(*) + 1 FROM page), ?)",
+        {myName, myTitle, Blob{myContent}});
+    myTransaction.Commit();
+}
+
+void Site::SetPage(std::string_view myName, const std::optional<std::string>& myTitle,
+                   const std::optional<std::string>& myContent)
+{
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    const int64_t myId = PageId(myName);
+    if (myTitle)
+    {
+        DemandTitle(*myTitle);
+        myConnection.Run("UPDATE page SET title = ? WHERE id = ?", {*myTitle, myId});
+    }
+    if (myContent)
+    {
+        DemandPageContent(*myContent);
+        myConnection.Run("UPDATE page SET content = ? WHERE id = ?", {Blob{*myContent}, myId});
+    }
+    myTransaction.Commit();
+}
+
+void Site::MovePage(std::string_view myName, int64_t myPosition)
+{
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    const int64_t myId = PageId(myName);
+    const int64_t myOld = myConnection.Number("SELECT position FROM page WHERE id = ?", {myId});
+    DemandPosition(myPosition, myConnection.Number("SELECT count(*) FROM page"));
+    myConnection.Run("UPDATE page SET position = position - 1 WHERE position > ?", {myOld});
+    myConnection.Run("UPDATE page SET position = position + 1 WHERE position >= ?", {myPosition});
+    myConnection.Run("UPDATE page SET position = ? WHERE id = ?", {myPosition, myId});
+    myTransaction.Commit();
+}
+
+void Site::RemovePage(std::string_view myName, bool myWithModules)
+{
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    const int64_t myId = PageId(myName);
+    if (const int64_t myUid = myConnection.Number("SELECT min(uid) FROM record WHERE page = ?", {myId}); myUid != 0)
+    {
+        throw Failure("record " + std::to_string(myUid) + " leads to \"" + std::string(myName) +
+                      "\"; change it with qelhost record set, or remove it");
+    }
+    const std::vector<Module> myModules = Modules(myId);
+    if (!myModules.empty() && !myWithModules)
+    {
+        throw Failure("\"" + std::string(myName) + "\" holds " + std::to_string(myModules.size()) +
+                      " modules; move or remove them, or give --with-modules to remove them too");
+    }
+    const int64_t myPosition = myConnection.Number("SELECT position FROM page WHERE id = ?", {myId});
+    myConnection.Run("DELETE FROM page WHERE id = ?", {myId});
+    myConnection.Run("UPDATE page SET position = position - 1 WHERE position > ?", {myPosition});
+    myTransaction.Commit();
+    for (const Module& myModule : myModules)
+    {
+        RemoveDataFile(ArchiveName(myModule.Id));
+    }
+}
+
+std::vector<Page> Site::Pages()
+{
+    Statement myStatement(myConnection,
+                          "SELECT id, position, name, title, (SELECT count(*) FROM module WHERE page = page.id)"
+                          " FROM page ORDER BY position");
+    std::vector<Page> thePages;
+    while (myStatement.Next())
+    {
+        thePages.push_back({myStatement.Number(0), myStatement.Number(1), myStatement.Text(2), myStatement.Text(3),
+                            myStatement.Number(4)});
+    }
+    return thePages;
+}
+
+Page Site::PageOf(std::string_view myName)
+{
+    const int64_t myId = PageId(myName);
+    const std::vector<Page> myPages = Pages();
+    return *std::find_if(myPages.begin(), myPages.end(), [&](const Page& myPage) { return myPage.Id == myId; });
+}
+
+std::string Site::PageContent(int64_t myPage)
+{
+    Statement myStatement(myConnection, "SELECT content FROM page WHERE id = ?", {myPage});
+    return myStatement.Next() ? myStatement.Text(0) : std::string();
+}
+
+} // namespace qel::host

@@ -1,0 +1,37 @@
+#include "site/UserLock.h"
+
+#include "platform/linux/temporaryPath.h"
+#include "site/Failure.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace qel::host
+{
+
+UserLock::UserLock(std::ostream& theMessages)
+{
+    const std::string myFolder = NativeTemporaryPath();
+    if (myFolder.empty())
+    {
+        throw Failure("there is no temporary folder of this user alone; make one with mode 700 and set TMPDIR to it");
+    }
+    const std::string myName = myFolder + "/qelhost.lock";
+    myFile = Descriptor(open(myName.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    int myResult = myFile.IsOpen() ? flock(myFile.Handle(), LOCK_EX | LOCK_NB) : -1;
+    if (myResult != 0 && errno == EWOULDBLOCK)
+    {
+        theMessages << "Another qelhost of yours is building, or has a dialog open; waiting until it has finished."
+                    << std::endl;
+        myResult = Retrying([&] { return flock(myFile.Handle(), LOCK_EX); });
+    }
+    if (myResult != 0)
+    {
+        throw Failure("cannot lock " + myName + ": " + std::strerror(errno));
+    }
+}
+
+} // namespace qel::host
