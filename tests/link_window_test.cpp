@@ -1,6 +1,6 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
-#include "build/LinkWindow.h"
+#include "build/linkWindow.h"
 #include "DialogUser.h"
 #include "site/PageText.h"
 

@@ -1,7 +1,7 @@
 #include "build/Builder.h"
 
 #include "site/Failure.h"
-#include "site/Markup.h"
+#include "site/markup.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 

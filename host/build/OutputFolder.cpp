@@ -1,7 +1,7 @@
 #include "build/OutputFolder.h"
 
 #include "site/Failure.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 
 #include <array>
 #include <sstream>

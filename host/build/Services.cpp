@@ -1,6 +1,6 @@
 #include "build/Services.h"
 
-#include "build/LinkWindow.h"
+#include "build/linkWindow.h"
 #include "com/Failure.h"
 #include "site/Failure.h"
 #include "site/PageText.h"

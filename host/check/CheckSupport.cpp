@@ -1,6 +1,6 @@
 #include "check/CheckSupport.h"
 
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/nativePath.h"
 #include "site/Failure.h"
-#include "site/Markup.h"
+#include "site/markup.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Checks of the entry points, and of the rules that every counted object keeps.
 #include "check/CheckSupport.h"
 
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 // Checks of what a module is for: its script, its page, the calls that this takes, and what is left behind.
 #include "check/CheckSupport.h"
 
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 
 #include <algorithm>

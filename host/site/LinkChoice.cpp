@@ -1,6 +1,6 @@
 #include "site/LinkChoice.h"
 
-#include "site/Markup.h"
+#include "site/markup.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 

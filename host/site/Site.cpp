@@ -2,7 +2,7 @@
 
 #include "site/Failure.h"
 #include "site/PageText.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 
 #include <algorithm>

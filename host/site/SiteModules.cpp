@@ -1,7 +1,7 @@
 #include "site/Failure.h"
 #include "site/PageText.h"
 #include "site/Site.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 
 namespace qel::host
 {

@@ -1,6 +1,6 @@
 #include "site/Failure.h"
 #include "site/Site.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 
 namespace qel::host

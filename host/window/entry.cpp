@@ -1,5 +1,5 @@
 /// The entry point of the host's window module (see LinkWindow.h).
-#include "build/LinkWindow.h"
+#include "build/linkWindow.h"
 #include "platform/linux/window/Application.h"
 #include "window/LinkDialog.h"
 

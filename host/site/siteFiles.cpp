@@ -1,4 +1,4 @@
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 
 #include "platform/linux/Descriptor.h"
 #include "site/Failure.h"

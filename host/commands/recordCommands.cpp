@@ -1,4 +1,4 @@
-#include "commands/Commands.h"
+#include "commands/commands.h"
 #include "site/Failure.h"
 #include "site/Site.h"
 

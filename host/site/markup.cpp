@@ -1,4 +1,4 @@
-#include "site/Markup.h"
+#include "site/markup.h"
 
 #include <algorithm>
 #include <array>

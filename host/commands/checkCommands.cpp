@@ -1,8 +1,8 @@
 #include "check/Checker.h"
 #include "check/CheckSupport.h"
-#include "commands/Commands.h"
+#include "commands/commands.h"
 #include "site/Failure.h"
-#include "site/Markup.h"
+#include "site/markup.h"
 #include "text/encodings.h"
 
 #include <algorithm>

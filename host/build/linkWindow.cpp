@@ -1,4 +1,4 @@
-#include "build/LinkWindow.h"
+#include "build/linkWindow.h"
 
 #include "text/encodings.h"
 #include "text/errors.h"

@@ -1,10 +1,10 @@
 #include "archive/classArchive.h"
-#include "commands/Commands.h"
+#include "commands/commands.h"
 #include "platform/linux/nativePath.h"
 #include "platform/ListView.h"
 #include "platform/shared/SystemPlatform.h"
 #include "site/Failure.h"
-#include "site/Markup.h"
+#include "site/markup.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 

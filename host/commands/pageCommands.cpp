@@ -1,7 +1,7 @@
-#include "commands/Commands.h"
+#include "commands/commands.h"
 #include "site/Failure.h"
 #include "site/Site.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 
 namespace qel::host
 {

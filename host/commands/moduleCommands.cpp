@@ -1,9 +1,9 @@
 #include "build/Component.h"
-#include "commands/Commands.h"
+#include "commands/commands.h"
 #include "site/Failure.h"
-#include "site/Markup.h"
+#include "site/markup.h"
 #include "site/Site.h"
-#include "site/SiteFiles.h"
+#include "site/siteFiles.h"
 #include "site/UserLock.h"
 #include "text/encodings.h"
 
