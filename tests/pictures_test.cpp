@@ -108,10 +108,50 @@ FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySub
 }
 
 /// Where the record of a JPEG begins that holds its height, width and sampling, at 5, 7 and 11.
-size_t FrameOf(const FileBytes& myJpeg)
+size_t FrameOf(const FileBytes& myJpeg, uint8_t myMarker = 0xC0)
 {
-    constexpr uint8_t Start[] = {0xFF, 0xC0};
-    return static_cast<size_t>(std::search(myJpeg.begin(), myJpeg.end(), Start, Start + 2) - myJpeg.begin());
+    const uint8_t myStart[] = {0xFF, myMarker};
+    return static_cast<size_t>(std::search(myJpeg.begin(), myJpeg.end(), myStart, myStart + 2) - myJpeg.begin());
+}
+
+/// A JPEG of 32 by 16 pixels whose quarters are red, green (above), blue and white (below).
+FileBytes MakeQuarters()
+{
+    FileBytes myPixels;
+    for (int i = 0; i < 16 * 32; ++i)
+    {
+        const bool myIsRight = i % 32 >= 16;
+        const bool myIsLow = i / 32 >= 8;
+        const uint8_t myWhite = myIsRight && myIsLow ? 255 : 0;
+        myPixels.push_back(!myIsRight && !myIsLow ? 255 : myWhite);
+        myPixels.push_back(myIsRight && !myIsLow ? 255 : myWhite);
+        myPixels.push_back(!myIsRight && myIsLow ? 255 : myWhite);
+    }
+    return MakeJpeg(32, 16, TJPF_RGB, TJSAMP_444, 0, myPixels);
+}
+
+/// The JPEG with an EXIF record in front that names an orientation, with the bytes of numbers in either order.
+FileBytes WithOrientation(FileBytes myJpeg, uint16_t myValue, bool myIsLittleEndian, uint16_t myType = 3)
+{
+    FileBytes myExif = {'E', 'x', 'i', 'f', 0, 0};
+    const auto myPut = [&](uint32_t myNumber, int mySize)
+    {
+        for (int i = 0; i < mySize; ++i)
+        {
+            myExif.push_back(static_cast<uint8_t>(myNumber >> 8 * (myIsLittleEndian ? i : mySize - 1 - i)));
+        }
+    };
+    myPut(myIsLittleEndian ? 0x4949 : 0x4D4D, 2);
+    myPut(42, 2);
+    myPut(8, 4); // the place of the directory
+    myPut(2, 2); // its entries: first the maker's name, then the orientation
+    myPut(0x010F, 2), myPut(2, 2), myPut(1, 4), myPut(0, 4);
+    myPut(0x0112, 2), myPut(myType, 2), myPut(1, 4), myPut(myValue, 2), myPut(0, 2);
+    myPut(0, 4);
+    const FileBytes myHead = {0xFF, 0xE1, 0, static_cast<uint8_t>(myExif.size() + 2)};
+    myExif.insert(myExif.begin(), myHead.begin(), myHead.end());
+    myJpeg.insert(myJpeg.begin() + 2, myExif.begin(), myExif.end());
+    return myJpeg;
 }
 
 class PicturesTest : public testing::Test
@@ -131,6 +171,22 @@ protected:
         ASSERT_EQ(Load(myFile), 0);
         EXPECT_EQ(myControl->BitmapWidth(), static_cast<float>(myWidth));
         EXPECT_EQ(myControl->BitmapHeight(), static_cast<float>(myHeight));
+    }
+
+    /// The colours of the four corners of the current picture by their first letters, such as "rg/bw".
+    std::string Corners()
+    {
+        const PixelPicture myPicture = myControl->CurrentPicture();
+        std::string theResult;
+        for (const auto& [x, y] : {std::pair(0, 0), std::pair(1, 0), std::pair(0, 1), std::pair(1, 1)})
+        {
+            const int myPixel = y * (myPicture.Height - 1) * myPicture.Width + x * (myPicture.Width - 1);
+            const uint8_t* const myColour = &myPicture.Pixels[static_cast<size_t>(myPixel) * 4];
+            const int myBits = (myColour[0] > 128) + 2 * (myColour[1] > 128) + 4 * (myColour[2] > 128);
+            theResult += y == 1 && x == 0 ? "/" : "";
+            theResult += "-rg?b??w"[myBits];
+        }
+        return theResult;
     }
 
     TemporaryFolder myFolder;
@@ -328,6 +384,79 @@ TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
     }
     ExpectSize(WriteJpeg({1, 1, {0, 0, 0, 51}}, 95), 1, 1);
     EXPECT_NEAR(myControl->CurrentPicture().Pixels[0], 204, 2);
+}
+
+TEST_F(PicturesTest, Load_SetsPhotographsUpright)
+{
+    const struct
+    {
+        uint16_t Orientation;
+        const char* Corners;
+    } myCases[] = {{0, "rg/bw"}, {1, "rg/bw"}, {2, "gr/wb"}, {3, "wb/gr"}, {4, "bw/rg"},
+                   {5, "rb/gw"}, {6, "br/wg"}, {7, "wg/br"}, {8, "gw/rb"}, {9, "rg/bw"}};
+    for (const auto& [myOrientation, myCorners] : myCases)
+    {
+        SCOPED_TRACE(myOrientation);
+        const bool mySwaps = myOrientation >= 5 && myOrientation <= 8;
+        for (const bool myIsLittleEndian : {true, false})
+        {
+            ExpectSize(WithOrientation(MakeQuarters(), myOrientation, myIsLittleEndian), mySwaps ? 16 : 32,
+                       mySwaps ? 32 : 16);
+            EXPECT_EQ(Corners(), myCorners);
+        }
+    }
+}
+
+TEST_F(PicturesTest, Load_TakesADamagedOrientationForNone)
+{
+    const FileBytes mySound = WithOrientation(MakeQuarters(), 6, true);
+    constexpr size_t Tiff = 2 + 4 + 6; // where the record's own header begins
+    const auto myWith = [&](size_t myPlace, uint8_t myByte)
+    {
+        FileBytes theFile(mySound);
+        theFile[Tiff + myPlace] = myByte;
+        return theFile;
+    };
+    for (const FileBytes& myFile : {myWith(0, 'X'), myWith(2, 43), myWith(4, 200), myWith(7, 0xFF), myWith(8, 1),
+                                    myWith(26, 2), WithOrientation(MakeQuarters(), 6, true, 4)})
+    {
+        ExpectSize(myFile, 32, 16);
+    }
+}
+
+TEST_F(PicturesTest, Save_WritesAnUprightPictureWithoutAnOrientation)
+{
+    const FileBytes myPhotograph = WithOrientation(MakeQuarters(), 6, true);
+    ExpectSize(myPhotograph, 16, 32);
+    myControl->Resize(12, 24, 4);
+    myControl->Save(myFolder.Logical(u"out.jpg"), ImagingSettings::JpegFormat, 24, 20, false);
+    myControl->ReduceColors(8, 2, 0, 0);
+    myControl->Save(myFolder.Logical(u"out.gif"), ImagingSettings::GifFormat, 8, 0, false);
+    for (const char* const myOutput : {"out.jpg", "out.gif"})
+    {
+        ExpectSize(AsFile(myFolder.Read(myOutput)), 12, 24);
+        EXPECT_EQ(Corners(), "br/wg");
+    }
+}
+
+TEST_F(PicturesTest, Load_TakesLargePhotographsThatNeedLittleMemory)
+{
+    // 16,000 by 16,000 pixels, of which the file holds the first rows.
+    const auto myEnlarged = [](FileBytes theFile, uint8_t myMarker)
+    {
+        const size_t mySides = FrameOf(theFile, myMarker) + 5;
+        for (size_t i = 0; i < 4; ++i)
+        {
+            theFile[mySides + i] = i % 2 == 0 ? 16000 >> 8 : 16000 & 0xFF;
+        }
+        return theFile;
+    };
+    ExpectSize(myEnlarged(MakeJpeg(64, 64), 0xC0), 16000, 16000);
+    EXPECT_EQ(ErrorOf([&] { myControl->CurrentPicture(); }), ErrorNumber::InvalidPicture);
+    myControl->Resize(350, 350, 4);
+    EXPECT_EQ(myControl->CurrentPicture().Width, 350);
+    EXPECT_EQ(Load(myEnlarged(MakeJpeg(64, 64, TJPF_RGB, TJSAMP_420, TJFLAG_PROGRESSIVE), 0xC2)),
+              ErrorNumber::InvalidPicture);
 }
 
 TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)

@@ -1,5 +1,6 @@
 #include "imaging/JpegPicture.h"
 
+#include "imaging/jpegHeader.h"
 #include "text/errors.h"
 
 #include <algorithm>
@@ -14,6 +15,9 @@ namespace
 /// The longer side, in pixels, that a large picture is decoded to at once: twice what the dialog shows or imports at
 /// most, so that it is not decoded again.
 constexpr int32_t UsualSide = 880;
+
+/// What a file may have that is decoded at a fraction of its size without ever being in memory whole.
+constexpr int64_t MostSequentialPixels = 4 * MostPixels;
 
 struct Closer
 {
@@ -67,7 +71,7 @@ void MixInks(std::vector<uint8_t>& thePixels)
     }
 }
 
-struct Header
+struct Frame
 {
     int Width = 0;
     int Height = 0;
@@ -75,24 +79,33 @@ struct Header
     int ColourSpace = 0;
 };
 
-/// An unusual subsampling counts as a failure here, but not for the decoder: whether there is a size is what matters.
-Header ReadHeader(const Codec& myDecoder, std::span<const uint8_t> myFile)
+void DemandPixels(int32_t myWidth, int32_t myHeight, int64_t myMost)
 {
-    Header theHeader;
-    tjDecompressHeader3(myDecoder.get(), myFile.data(), myFile.size(), &theHeader.Width, &theHeader.Height,
-                        &theHeader.Subsampling, &theHeader.ColourSpace);
-    if (theHeader.Width <= 0 || theHeader.Height <= 0 || int64_t{theHeader.Width} * theHeader.Height > MostPixels)
+    if (int64_t{myWidth} * myHeight > myMost)
     {
         Raise(ErrorNumber::InvalidPicture);
     }
-    return theHeader;
+}
+
+/// An unusual subsampling counts as a failure here, but not for the decoder: whether there is a size is what matters.
+Frame ReadFrame(const Codec& myDecoder, std::span<const uint8_t> myFile)
+{
+    Frame theFrame;
+    tjDecompressHeader3(myDecoder.get(), myFile.data(), myFile.size(), &theFrame.Width, &theFrame.Height,
+                        &theFrame.Subsampling, &theFrame.ColourSpace);
+    if (theFrame.Width <= 0 || theFrame.Height <= 0)
+    {
+        Raise(ErrorNumber::InvalidPicture);
+    }
+    return theFrame;
 }
 
 /// A warning means that there is a picture all the same.
-PixelPicture Decode(const Codec& myDecoder, std::span<const uint8_t> myFile, const Header& myHeader, int32_t myDivisor)
+PixelPicture Decode(const Codec& myDecoder, std::span<const uint8_t> myFile, const Frame& myFrame, int32_t myDivisor)
 {
-    const bool myHasFourInks = myHeader.ColourSpace == TJCS_CMYK || myHeader.ColourSpace == TJCS_YCCK;
-    PixelPicture theResult{Scaled(myHeader.Width, myDivisor), Scaled(myHeader.Height, myDivisor), {}};
+    const bool myHasFourInks = myFrame.ColourSpace == TJCS_CMYK || myFrame.ColourSpace == TJCS_YCCK;
+    PixelPicture theResult{Scaled(myFrame.Width, myDivisor), Scaled(myFrame.Height, myDivisor), {}};
+    DemandPixels(theResult.Width, theResult.Height, MostPixels);
     theResult.Pixels.resize(static_cast<size_t>(theResult.Width) * static_cast<size_t>(theResult.Height) * 4);
     if (tjDecompress2(myDecoder.get(), myFile.data(), myFile.size(), theResult.Pixels.data(), theResult.Width, 0,
                       theResult.Height, myHasFourInks ? TJPF_CMYK : TJPF_RGBA, TJFLAG_LIMITSCANS) != 0 &&
@@ -134,7 +147,7 @@ PixelPicture JpegPicture::Pixels(int32_t myNeededWidth, int32_t myNeededHeight) 
         return myPixels;
     }
     const Codec myDecoder = Made(tjInitDecompress());
-    return Decode(myDecoder, myFile, ReadHeader(myDecoder, myFile), myWanted);
+    return Upright(Decode(myDecoder, myFile, ReadFrame(myDecoder, myFile), myWanted), myOrientation);
 }
 
 bool IsJpeg(std::span<const uint8_t> myFile)
@@ -145,10 +158,15 @@ bool IsJpeg(std::span<const uint8_t> myFile)
 std::unique_ptr<JpegPicture> ReadJpeg(std::vector<uint8_t> myFile)
 {
     const Codec myDecoder = Made(tjInitDecompress());
-    const Header myHeader = ReadHeader(myDecoder, myFile);
-    const int32_t mySide = std::max(myHeader.Width, myHeader.Height);
-    PixelPicture myPixels = Decode(myDecoder, myFile, myHeader, DivisorFor(mySide, mySide, UsualSide, UsualSide));
-    return std::make_unique<JpegPicture>(myHeader.Width, myHeader.Height, std::move(myFile), std::move(myPixels));
+    const Frame myFrame = ReadFrame(myDecoder, myFile);
+    const JpegHeader myHeader = ReadJpegHeader(myFile);
+    DemandPixels(myFrame.Width, myFrame.Height, myHeader.IsSequential ? MostSequentialPixels : MostPixels);
+    const int32_t mySide = std::max(myFrame.Width, myFrame.Height);
+    const int32_t myDivisor = DivisorFor(mySide, mySide, UsualSide, UsualSide);
+    PixelPicture myPixels = Upright(Decode(myDecoder, myFile, myFrame, myDivisor), myHeader.Upright);
+    const auto [myWidth, myHeight] = SwapsSides(myHeader.Upright) ? std::pair(myFrame.Height, myFrame.Width)
+                                                                  : std::pair(myFrame.Width, myFrame.Height);
+    return std::make_unique<JpegPicture>(myWidth, myHeight, std::move(myFile), myHeader.Upright, std::move(myPixels));
 }
 
 std::vector<uint8_t> WriteJpeg(const PixelPicture& myPicture, int myQuality)

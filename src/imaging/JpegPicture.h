@@ -1,6 +1,7 @@
 /// Reads and writes JPEG files.
 #pragma once
 
+#include "imaging/orientation.h"
 #include "imaging/Picture.h"
 
 #include <cstdint>
@@ -12,14 +13,16 @@
 namespace qel
 {
 
-/// A JPEG that is known to be decodable. It is kept as the file has it, and as a picture of moderate size.
+/// A JPEG that is known to be decodable, set upright as its EXIF record says. It is kept as the file has it, and as a
+/// picture of moderate size.
 class JpegPicture final : public Picture
 {
 public:
+    /// The size and the decoded picture are upright.
     JpegPicture(int32_t myPictureWidth, int32_t myPictureHeight, std::vector<uint8_t> myWholeFile,
-                PixelPicture myDecodedFile)
+                Orientation myFileOrientation, PixelPicture myDecodedFile)
         : Picture(myPictureWidth, myPictureHeight, false), myFile(std::move(myWholeFile)),
-          myPixels(std::move(myDecodedFile))
+          myOrientation(myFileOrientation), myPixels(std::move(myDecodedFile))
     {
     }
 
@@ -27,13 +30,15 @@ public:
 
 private:
     std::vector<uint8_t> myFile;
+    Orientation myOrientation;
     PixelPicture myPixels;
 };
 
 bool IsJpeg(std::span<const uint8_t> myFile);
 
-/// Decodes the picture, a large one at a fraction of its size. Error 481: it cannot be decoded, or it is too large. A
-/// picture whose data ends early is shown by browsers as far as it goes, and passes.
+/// Decodes the picture, a large one at a fraction of its size. Error 481: it cannot be decoded, or it has more than
+/// MostPixels, or more than four times as many where the file can be decoded in a few rows of memory. A picture whose
+/// data ends early is shown by browsers as far as it goes, and passes.
 std::unique_ptr<JpegPicture> ReadJpeg(std::vector<uint8_t> myFile);
 
 /// A file of the picture over white; the quality goes from 1 to 100. Error 481: a side is longer than a JPEG can tell.

@@ -9,7 +9,7 @@
 namespace qel
 {
 
-/// More pixels than this are refused before anything is allocated for them: 64 megapixels.
+/// More pixels than this are never allocated for one picture: 64 megapixels.
 inline constexpr int64_t MostPixels = int64_t{64} * 1024 * 1024;
 
 /// A picture that its codec has found sound to the last byte that counts.
@@ -30,8 +30,8 @@ public:
     /// True when the file holds more than one image.
     bool Animated() const { return myAnimated; }
 
-    /// What it shows. Where that comes cheaper it is a smaller picture, but at least twice as large each way as what is
-    /// needed. Error 481: it cannot be decoded.
+    /// What it shows. Where that is cheaper it is a smaller picture, but at least twice as large each way as what is
+    /// needed. Error 481: it cannot be decoded, or that would take more than MostPixels.
     virtual PixelPicture Pixels(int32_t myNeededWidth, int32_t myNeededHeight) const = 0;
 
 private:

@@ -23,8 +23,9 @@ public:
 
     /// Makes the first page of a file the current picture. The format is told by the content, never by the name.
     /// Settings: LoadBitsPerPixel, FirstPage, PageCount.
-    /// Error 481: not a picture, a broken one, a truncated GIF, or one of more than 64 megapixels; then there is no
-    /// current picture. Errors of Files::OpenShared.
+    /// A photograph is set upright as its EXIF record says; width and height are those of the upright picture.
+    /// Error 481: not a picture, a broken one, a truncated GIF, or one of more than 64 megapixels (256 for a JPEG whose
+    /// one scan holds it whole, which most have); then there is no current picture. Errors of Files::OpenShared.
     virtual void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) = 0;
 
     /// The width of the current picture in pixels.
@@ -50,7 +51,7 @@ public:
     virtual void Save(TextView myFilename, int16_t myFormat, int16_t myBitsPerPixel, int16_t myQuality,
                       bool myMultiplePages) = 0;
 
-    /// The current picture at its current size.
+    /// The current picture at its current size. Error 481: that is more than 64 megapixels.
     virtual PixelPicture CurrentPicture() = 0;
 
     /// True when the file that was loaded last holds more than one page; stays so through the operations above.

@@ -1,0 +1,35 @@
+/// How a camera was held, and the turning that sets its picture upright.
+#pragma once
+
+#include "platform/PixelPicture.h"
+
+#include <cstdint>
+#include <span>
+
+namespace qel
+{
+
+/// What has to be done with the stored rows so that the picture stands upright. The numbers are those of EXIF.
+enum class Orientation : uint8_t
+{
+    AsStored = 1,
+    MirrorColumns = 2,
+    TurnHalf = 3,
+    MirrorRows = 4,
+    Transpose = 5,      ///< rows become columns
+    TurnRight = 6,      ///< by 90 degrees
+    TurnTransposed = 7, ///< rows become columns, then half a turn
+    TurnLeft = 8        ///< by 90 degrees
+};
+
+/// The orientation that an EXIF record names, which begins with its TIFF header. AsStored when it names none or is
+/// damaged. No error.
+Orientation OrientationOfExif(std::span<const uint8_t> myExif);
+
+/// True when width and height change places.
+bool SwapsSides(Orientation myOrientation);
+
+/// The picture upright.
+PixelPicture Upright(PixelPicture myPicture, Orientation myOrientation);
+
+} // namespace qel
