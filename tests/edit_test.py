@@ -15,7 +15,7 @@ from pathlib import Path
 PLUGINS = Path(sys.argv.pop(2)).resolve()
 sys.dont_write_bytecode = True  # leave the sources' folder as it is
 
-from host_test import STAGE, HostTest, script  # takes its own argument away
+from host_test import GLOBO, STAGE, HostTest, archive_of, script  # takes its own argument away
 
 NEW_MOTIF = ["FormMain type Fiestas", "FormMain key Tab", "FormMain key Tab", "FormMain type Globo"]
 CHOOSE_LINK = "FormMain key Alt+V"
@@ -73,6 +73,55 @@ class EditTest(HostTest):
         shown = self.edit(module, *CHANGE_LINK, "ChooseLink key Alt+A", "ChooseLink type new", "ChooseLink key Enter", "FormMain key Esc")
         self.assertEqual(shown, f"module {module} is unchanged: the dialog was cancelled\n")
         self.assertEqual(self.script(module), before)
+
+    def module_that_is_packed_before_it_is_refused(self, archive):
+        """A module with an imported motif and a period that ends before it starts. Its archive, of the given name, is
+        packed again by the first OK, and no longer the same: a packed name is in lower case."""
+        packed = archive_of("Qelspr.GIF", GLOBO)
+        text = script(image="qelspr.gif", folder="(USER)", imagemode="gif", archive=archive, **{"from": 40001, "to": 40000})
+        module = self.add_module("index.html", text)
+        (self.site / "data" / archive).write_bytes(packed)
+        return module, packed
+
+    def files(self):
+        return {path.name: path.read_bytes() for path in (self.site / "data").iterdir()}
+
+    def test_edit_cancelled_after_a_refused_commit_keeps_the_archive(self):
+        for archive in ("module1.dat", "other.dat"):  # in the second case the module had none of its own name
+            with self.subTest(archive):
+                module, packed = self.module_that_is_packed_before_it_is_refused(archive)
+                before = self.files()
+                self.assertEqual(before[archive], packed)
+                self.edit(module, CONFIRM, "MsgBox key Enter", "FormMain key Esc")
+                self.assertEqual(self.files(), before)
+
+    def test_edit_whose_script_cannot_be_stored_keeps_the_archive(self):
+        module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as connection, connection:
+            connection.execute("UPDATE module SET script = replace(script, '40001', '39999')")
+            connection.execute("CREATE TRIGGER no BEFORE UPDATE ON module BEGIN SELECT raise(FAIL, 'no room'); END")
+        self.assertIn("no room", self.edit(module, CONFIRM, expect=1))
+        self.assertEqual(self.files(), {"module1.dat": packed})
+
+    def test_edit_that_is_killed_is_undone_by_the_next_command_that_writes(self):
+        module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
+        self.file("steps", CONFIRM)
+        with subprocess.Popen([STAGE / "qelhost", "module", "edit", self.site, str(module)],
+                              env=self.environment) as editor:
+            while self.files()["module1.dat"] == packed:
+                self.assertIsNone(editor.poll())
+            editor.kill()
+        self.host("module", "show", self.site, module)
+        self.assertNotEqual(self.files()["module1.dat"], packed)
+        self.host("module", "script", self.site, module, self.file("script", self.script(module)))
+        self.assertEqual(self.files(), {"module1.dat": packed})
+
+    def test_edit_confirmed_leaves_no_copy(self):
+        module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
+        self.host("module", "script", self.site, module,
+                  self.file("script", script(image="qelspr.gif", folder="(USER)", imagemode="gif", archive="module1.dat")))
+        self.edit(module, CONFIRM)
+        self.assertEqual(self.files(), {"module1.dat": packed.replace(b"Qelspr.GIF", b"qelspr.gif")})
 
     def test_a_dialog_that_cannot_open_is_a_failure_with_its_reason(self):
         module = self.new_module()

@@ -316,13 +316,23 @@ class SiteTest(HostTest):
     def test_scripts_are_kept_to_the_byte_once_the_component_took_them(self):
         self.make_site("index.html")
         self.host("module", "add", self.site, "index.html")
-        self.assertEqual(self.host("module", "script", self.site, 1), '<pg.plugin uid="QelPluginAnimation" version="1.0">')
         odd = (script(link="URL:ñ😀") + "free text\n\t<unknown>").encode()
         self.host("module", "script", self.site, 1, "-", stdin=odd, text=False)
-        for wrong in (script(**{"from": "1e300"}).encode(), b"\xff"):
+        for wrong in (script(**{"from": "1e300"}).encode(), b"\xff", b"", PAGE.encode()):
             self.host("module", "script", self.site, 1, "-", stdin=wrong, text=False, expect=1)
             self.assertEqual(self.host("module", "script", self.site, 1, text=False), odd)
         self.assertIn("has no module 2", self.host("module", "script", self.site, 2, expect=1))
+
+    def test_scripts_without_a_link_get_an_empty_one(self):
+        self.make_site("index.html")
+        tag, no_link = '<pg.plugin uid="QelPluginAnimation" version="1.0">', '<pg.param name="link">'
+        for given, stored in ((tag, f"{tag}\n{no_link}\n"), (tag + "<pg.open", f"{no_link}\n{tag}<pg.open"),
+                              (tag + '<pg.param name="LINK">', f'{tag}<pg.param name="LINK">\n{no_link}\n'),
+                              (tag + "<PG.param link=1 name=link>", tag + "<PG.param link=1 name=link>")):
+            module = self.add_module("index.html", given)
+            self.assertEqual(self.host("module", "script", self.site, module), stored)
+            self.host("module", "script", self.site, module, "-", stdin=given)
+            self.assertEqual(self.host("module", "script", self.site, module), stored)
 
     def test_summaries_are_rendered_for_a_terminal_only(self):
         self.make_site("index.html")

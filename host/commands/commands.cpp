@@ -32,7 +32,7 @@ void Build(const Arguments& myArguments)
     Site mySite(myArguments.Site);
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
-    const UserLock myLock(std::cerr);
+    const UserLock myLock = LockForWriting(mySite);
     Builder myBuilder(mySite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0);
     const BuildResult myResult = myBuilder.Build(myArguments.OtherPage);
     std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules << ", failed: " << myResult.Failures
@@ -105,6 +105,17 @@ CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const st
     CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
     theCommand->add_option("SITE", theArguments.Site, "The site's folder")->required()->type_name("");
     return theCommand;
+}
+
+UserLock LockForWriting(Site& theSite)
+{
+    UserLock theLock(std::cerr);
+    for (const int64_t myModule : theSite.UndoInterruptedEdits())
+    {
+        std::cerr << "qelhost: the dialog of module " << myModule << " was interrupted; the module is as it was before."
+                  << std::endl;
+    }
+    return theLock;
 }
 
 void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)

@@ -3,6 +3,9 @@
 /// A command runs while the command line is read, on the calling thread, and throws Failure when it fails.
 #pragma once
 
+#include "site/Site.h"
+#include "site/UserLock.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cstdint>
@@ -55,6 +58,10 @@ CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const st
 
 /// Adds a group of commands, one of which has to be given.
 CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp);
+
+/// Takes the user's lock for a command that changes modules or builds, and undoes what a program left that ended while
+/// a dialog was open, which is reported on the standard error.
+UserLock LockForWriting(Site& theSite);
 
 /// Writes rows to the standard output, their columns one below the other; the first row is the heading.
 void PrintTable(const std::vector<std::vector<std::string>>& myRows);

@@ -4,8 +4,9 @@
 #include "site/markup.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
-#include "site/UserLock.h"
 #include "text/encodings.h"
+#include "text/ScopeGuard.h"
+#include "text/succeeds.h"
 
 #include <iostream>
 
@@ -21,12 +22,39 @@ constexpr const char* myArchiveHelp =
 
 std::string ReadScript(const std::filesystem::path& myFile)
 {
+    const auto myProblem = [&](const char* myReason)
+    {
+        return Failure("the script " + myFile.string() + " " + myReason);
+    };
     std::string theScript = ReadWholeFile(myFile);
     if (!IsUtf8(theScript))
     {
-        throw Failure("the script " + myFile.string() + " is not valid UTF-8; save it as UTF-8");
+        throw myProblem("is not valid UTF-8; save it as UTF-8");
+    }
+    if (LowerCase(FromUtf8(theScript)).find(u"<pg.") == Text::npos)
+    {
+        throw myProblem("has no tag of a module's script, such as <pg.param name=\"image\" value=\"Globo.gif\">; "
+                        "qelhost module script SITE ID prints one");
     }
     return theScript;
+}
+
+/// The script with a link of its own: one that names no link would leave that of the module before it in force. The
+/// component itself is asked, since it alone knows how a script is read.
+std::string WithLink(Component& theComponent, const std::string& myScript)
+{
+    const std::string myNoLink = "<pg.param name=\"link\">\r\n";
+    const std::string myMark = "URL:no link in this script";
+    theComponent.PutInHand(0, "<pg.param name=\"link\" value=\"" + myMark + "\">");
+    theComponent.PutInHand(0, myScript);
+    if (ToUtf8(theComponent.Script()).find(myMark) == std::string::npos)
+    {
+        return myScript;
+    }
+    // At the end, unless the script ends within a tag.
+    const std::size_t myEnd = myScript.find_last_not_of("\r\n") + 1;
+    const bool myIsClosed = myEnd > 0 && myScript[myEnd - 1] == '>';
+    return myIsClosed ? myScript.substr(0, myEnd) + "\r\n" + myNoLink : myNoLink + myScript;
 }
 
 /// Has the component take the script, and passes on what it says about it.
@@ -46,9 +74,10 @@ void Add(const Arguments& myArguments)
     myComponent.Serve(mySite);
     const std::string myScript = myArguments.OptionalFile ? ReadScript(*myArguments.OptionalFile)
                                                           : ToUtf8(myComponent.Read(&QelPlugin::get_InitialScript));
-    TryScript(myComponent, 0, myScript);
+    const std::string myStored = WithLink(myComponent, myScript);
+    TryScript(myComponent, 0, myStored);
     const int64_t myId =
-        mySite.AddModule(myArguments.Page, myArguments.Place.value_or(""), myScript, myArguments.Archive);
+        mySite.AddModule(myArguments.Page, myArguments.Place.value_or(""), myStored, myArguments.Archive);
     std::cout << "module " << myId << std::endl;
 }
 
@@ -60,9 +89,10 @@ void PrintOrSetScript(const Arguments& myArguments)
         std::cout << mySite.ModuleOf(myArguments.Id).Script << std::flush;
         return;
     }
-    const std::string myScript = ReadScript(*myArguments.OptionalFile);
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
+    const UserLock myLock = LockForWriting(mySite);
+    const std::string myScript = WithLink(myComponent, ReadScript(*myArguments.OptionalFile));
     TryScript(myComponent, myArguments.Id, myScript);
     mySite.SetScript(myArguments.Id, myScript);
 }
@@ -93,15 +123,25 @@ void Edit(const Arguments& myArguments)
     Site mySite(myArguments.Site);
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
-    const UserLock myLock(std::cerr);
+    const UserLock myLock = LockForWriting(mySite);
     // Read only now: whoever held the lock may have changed it.
     TryScript(myComponent, myArguments.Id, mySite.ModuleOf(myArguments.Id).Script);
-    if (!myComponent.Edit())
+    mySite.BeginEdit(myArguments.Id);
+    bool myIsStored = false;
+    {
+        // Whatever ends the dialog other than a stored script, the module stays as it was.
+        const ScopeGuard myUndo([&] { myIsStored || Succeeds([&] { mySite.UndoEdit(myArguments.Id); }); });
+        if (myComponent.Edit())
+        {
+            mySite.EndEdit(myArguments.Id, ToUtf8(myComponent.Script()));
+            myIsStored = true;
+        }
+    }
+    if (!myIsStored)
     {
         std::cout << "module " << myArguments.Id << " is unchanged: the dialog was cancelled" << std::endl;
         return;
     }
-    mySite.SetScript(myArguments.Id, ToUtf8(myComponent.Script()));
     PrintSummary(myComponent);
 }
 
@@ -160,20 +200,31 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
     myEdit->callback([&theArguments] { Edit(theArguments); });
 
     AddModuleCommand("remove", "Removes a module and its archive")
-        ->callback([&theArguments] { Site(theArguments.Site).RemoveModule(theArguments.Id); });
+        ->callback(
+            [&theArguments]
+            {
+                Site mySite(theArguments.Site);
+                const UserLock myLock = LockForWriting(mySite);
+                mySite.RemoveModule(theArguments.Id);
+            });
 
     CLI::App* const myScript = AddModuleCommand("script", "Prints a module's script, or stores another one");
     myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
         ->type_name("");
-    myScript->footer("A new script is stored as you give it, once the component has taken it. It should name\n"
-                     "the link even if there is none: without, a build keeps that of the module before it.");
+    myScript->footer("A new script is stored as you give it, once the component has taken it. Where it names no\n"
+                     "link an empty one is added: without it a build would keep that of the module before it.");
     myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
 
     CLI::App* const myArchive = AddModuleCommand("archive", "Gives a module its archive of imported files");
     myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
     myArchive->footer(myArchiveHelp);
-    myArchive->callback([&theArguments]
-                        { Site(theArguments.Site).SetArchive(theArguments.Id, *theArguments.Archive); });
+    myArchive->callback(
+        [&theArguments]
+        {
+            Site mySite(theArguments.Site);
+            const UserLock myLock = LockForWriting(mySite);
+            mySite.SetArchive(theArguments.Id, *theArguments.Archive);
+        });
 
     AddModuleCommand("show", "Tells what a module will do")->callback([&theArguments] { Show(theArguments); });
 

@@ -82,8 +82,13 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
 
     CLI::App* const myRemove = AddPageCommand("remove", "Removes a page");
     myRemove->add_flag("--with-modules", theArguments.WithModules, "Removes the modules on it too");
-    myRemove->callback([&theArguments]
-                       { Site(theArguments.Site).RemovePage(theArguments.Page, theArguments.WithModules); });
+    myRemove->callback(
+        [&theArguments]
+        {
+            Site mySite(theArguments.Site);
+            const UserLock myLock = LockForWriting(mySite);
+            mySite.RemovePage(theArguments.Page, theArguments.WithModules);
+        });
 
     AddSiteCommand(*myGroup, "list", "Lists the pages in their order", theArguments)
         ->callback([&theArguments] { List(theArguments); });

@@ -53,6 +53,18 @@ constexpr std::array myMigrations{
     ) STRICT;
     CREATE INDEX record_page ON record (page) WHERE page IS NOT NULL;
     )",
+    // The modules whose dialog is open. The file that a page came from, and the hash of its content then. A script
+    // without a link would leave the link of the module before it in force.
+    R"(
+    CREATE TABLE edit (
+        module INTEGER PRIMARY KEY REFERENCES module ON DELETE CASCADE,
+        had_archive INTEGER NOT NULL CHECK (had_archive IN (0, 1))
+    ) STRICT;
+    ALTER TABLE page ADD COLUMN source TEXT;
+    ALTER TABLE page ADD COLUMN source_hash TEXT;
+    UPDATE module SET script = '<pg.param name="link">' || char(13, 10) || script
+        WHERE instr(script, 'name="link"') = 0;
+    )",
 };
 
 void DemandPageName(std::string_view myName)
@@ -232,7 +244,7 @@ void Site::RemovePage(std::string_view myName, bool myWithModules)
     myTransaction.Commit();
     for (const Module& myModule : myModules)
     {
-        RemoveDataFile(ArchiveName(myModule.Id));
+        RemoveArchives(myModule.Id);
     }
 }
 

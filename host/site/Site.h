@@ -82,6 +82,23 @@ public:
     /// Removes a module and its archive.
     void RemoveModule(int64_t myId);
     Module ModuleOf(int64_t myId);
+
+    // ---- The editing of a module in the component's dialog, which may write the module's archive ----
+    //
+    // Order of calls: BeginEdit, the dialog, then EndEdit or UndoEdit. The caller holds the user's lock throughout, and
+    // has called UndoInterruptedEdits after it took the lock.
+
+    /// Keeps a copy of the module's archive, and marks in the database that the module is being edited.
+    void BeginEdit(int64_t myId);
+    /// Stores the confirmed script and ends the editing, both in one transaction.
+    void EndEdit(int64_t myId, std::string_view myScript);
+    /// Gives the module back the archive that it had, or none. Does nothing for a module that is not being edited.
+    void UndoEdit(int64_t myId);
+    /// Undoes the edits of programs that ended before they could; gives the ids of their modules.
+    std::vector<int64_t> UndoInterruptedEdits();
+
+    // ---- More of the modules ----
+
     /// In the order of pages, places and positions; only those of one page if its id is given.
     std::vector<Module> Modules(std::optional<int64_t> myPage = {});
 
@@ -108,6 +125,8 @@ private:
     /// The name that a file gets below the data folder. Failure: another file than `myOwnName` has it.
     std::string DataName(const std::filesystem::path& mySource, std::string_view myOwnName) const;
     void RemoveDataFile(const std::string& myName) const;
+    /// Removes the archive of a module that is gone, and the copy of an edit.
+    void RemoveArchives(int64_t myModule) const;
     /// Writes the record with the change applied, copies its new file and commits; gives its uid.
     int64_t StoreRecord(Transaction& myTransaction, Record theRecord, const RecordChange& myChange);
 

@@ -81,7 +81,7 @@ void Site::RemoveModule(int64_t myId)
     myConnection.Run("UPDATE module SET position = position - 1 WHERE page = ? AND place = ? AND position > ?",
                      {PageId(myOld.Page), myOld.Place, myOld.Position});
     myTransaction.Commit();
-    RemoveDataFile(ArchiveName(myId));
+    RemoveArchives(myId);
 }
 
 namespace

@@ -1,0 +1,87 @@
+// A dialog may write the module's archive before its author cancels. What follows keeps script and archive of one
+// state: a copy of the archive and a mark in the database exist from before the dialog opens until it is known how it
+// ended.
+#include "site/Failure.h"
+#include "site/Site.h"
+#include "site/siteFiles.h"
+
+namespace qel::host
+{
+
+namespace
+{
+
+/// The copy's name. No record's file can have it, since it begins with a full stop.
+std::string CopyName(int64_t myModule)
+{
+    return ".module" + std::to_string(myModule) + ".before-edit";
+}
+
+} // namespace
+
+void Site::BeginEdit(int64_t myId)
+{
+    ModuleOf(myId);
+    const fs::path myArchive = DataFolder() / ArchiveName(myId);
+    const bool myHasArchive = fs::exists(fs::symlink_status(myArchive));
+    if (myHasArchive)
+    {
+        CopyWholeFile(myArchive, DataFolder() / CopyName(myId));
+    }
+    myConnection.Run("INSERT INTO edit (module, had_archive) VALUES (?, ?)", {myId, int64_t{myHasArchive}});
+}
+
+void Site::EndEdit(int64_t myId, std::string_view myScript)
+{
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    ModuleOf(myId);
+    myConnection.Run("UPDATE module SET script = ? WHERE id = ?", {myScript, myId});
+    myConnection.Run("DELETE FROM edit WHERE module = ?", {myId});
+    myTransaction.Commit();
+    RemoveDataFile(CopyName(myId));
+}
+
+void Site::UndoEdit(int64_t myId)
+{
+    Statement myMark(myConnection, "SELECT had_archive FROM edit WHERE module = ?", {myId});
+    if (!myMark.Next())
+    {
+        return;
+    }
+    const fs::path myArchive = DataFolder() / ArchiveName(myId);
+    const fs::path myCopy = DataFolder() / CopyName(myId);
+    if (myMark.Number(0) == 0)
+    {
+        fs::remove(myArchive);
+    }
+    else if (fs::exists(fs::symlink_status(myCopy))) // else it has been put back already
+    {
+        fs::rename(myCopy, myArchive);
+    }
+    myConnection.Run("DELETE FROM edit WHERE module = ?", {myId});
+}
+
+std::vector<int64_t> Site::UndoInterruptedEdits()
+{
+    std::vector<int64_t> theModules;
+    {
+        Statement myMarks(myConnection, "SELECT module FROM edit ORDER BY module");
+        while (myMarks.Next())
+        {
+            theModules.push_back(myMarks.Number(0));
+        }
+    }
+    for (const int64_t myModule : theModules)
+    {
+        UndoEdit(myModule);
+    }
+    return theModules;
+}
+
+void Site::RemoveArchives(int64_t myModule) const
+{
+    RemoveDataFile(ArchiveName(myModule));
+    RemoveDataFile(CopyName(myModule));
+}
+
+} // namespace qel::host
