@@ -5,6 +5,7 @@
 #include "com/Failure.h"
 #include "com/InterfaceTables.h"
 #include "ErrorOf.h"
+#include "FailingMemory.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
@@ -19,8 +20,10 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <sys/stat.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace qel
@@ -159,17 +162,51 @@ void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
     }
 }
 
-/// The description in this thread's error information, which is taken away; "-" without one.
-std::string TakenDescription()
+struct TakenError
+{
+    std::string Source = "-";
+    std::string Description = "-";
+};
+
+/// This thread's error information, which is taken away.
+TakenError TakeError()
 {
     ComPtr<IErrorInfo> myInfo;
     if (GetErrorInfo(0, myInfo.Receive()) != S_OK)
     {
-        return "-";
+        return {};
     }
-    Bstr theText;
-    EXPECT_EQ(myInfo->GetDescription(theText.Pointer()), S_OK);
-    return ToUtf8(theText.Value());
+    Bstr mySource;
+    Bstr myDescription;
+    EXPECT_EQ(myInfo->GetSource(mySource.Pointer()), S_OK);
+    EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
+    return {ToUtf8(mySource.Value()), ToUtf8(myDescription.Value())};
+}
+
+std::string TakenDescription()
+{
+    return TakeError().Description;
+}
+
+/// A call that fails, with the error information that it leaves.
+struct FailingCall
+{
+    std::function<HRESULT()> Call;
+    HRESULT Result;
+    std::string Description;
+};
+
+void ExpectOwnErrors(const std::string& mySource, const std::vector<FailingCall>& myCalls)
+{
+    for (const FailingCall& myCall : myCalls)
+    {
+        SCOPED_TRACE(myCall.Description);
+        Guarded([] { throw Error{6, u"older failure"}; });
+        EXPECT_EQ(myCall.Call(), myCall.Result);
+        const TakenError myError = TakeError();
+        EXPECT_EQ(myError.Description, myCall.Description);
+        EXPECT_EQ(myError.Source, mySource);
+    }
 }
 
 TEST(Texts, CarryTheirLengthInFrontAndAZeroBehind)
@@ -272,6 +309,41 @@ TEST(Variants, HoldAReferenceOfTheirOwnToAnObject)
     EXPECT_EQ(myLife.use_count(), 2) << "a reference owns nothing";
     VariantClear(&myOther);
     EXPECT_EQ(myLife.use_count(), 1);
+}
+
+TEST(VariantInit, OfAnythingGivesAnEmptyVariantAndFreesNothing)
+{
+    VARIANT myValue;
+    std::memset(&myValue, 0x5A, sizeof myValue); // a type that is unknown, and a pointer to nowhere
+    VariantInit(&myValue);
+    EXPECT_EQ(myValue.vt, VT_EMPTY);
+    EXPECT_EQ(myValue.byref, nullptr);
+    VariantInit(nullptr);
+}
+
+TEST(ErrorInformation, GivesBackWhatWasSet)
+{
+    ComPtr<ICreateErrorInfo> myWriter;
+    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
+    const auto myReader = myWriter.Query<IErrorInfo>();
+    GUID theInterface = IID_IUnknown;
+    uint32_t theContext = 1;
+    EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
+    EXPECT_TRUE(SameId(theInterface, GUID_NULL)) << "as long as none is set";
+    EXPECT_EQ(myWriter->SetGUID(&IID_QelPlugin), S_OK);
+    EXPECT_EQ(myWriter->SetGUID(nullptr), E_POINTER);
+    EXPECT_EQ(myWriter->SetHelpFile(u"ayuda.chm"), S_OK);
+    EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
+    EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
+    EXPECT_TRUE(SameId(theInterface, IID_QelPlugin));
+    EXPECT_EQ(myReader->GetGUID(nullptr), E_POINTER);
+    Bstr theFile;
+    EXPECT_EQ(myReader->GetHelpFile(theFile.Pointer()), S_OK);
+    EXPECT_EQ(theFile.Value(), u"ayuda.chm");
+    EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
+    EXPECT_EQ(theContext, 100U);
+    EXPECT_EQ(myReader->GetHelpContext(nullptr), E_POINTER);
+    EXPECT_EQ(myReader->GetDescription(nullptr), E_POINTER);
 }
 
 TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
@@ -425,6 +497,79 @@ TEST(LateBinding, AnswersCallsAsDocumented)
     EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
 }
 
+TEST(LateBinding, RefusedCall_LeavesItsOwnErrorInformation)
+{
+    const auto myHost = MakeCounted<TestDatabase>();
+    IDispatch& myObject = *myHost.Get();
+    Text myUnknown = u"Nothing";
+    char16_t* myNames[] = {myUnknown.data()};
+    const auto FindsName = [&](DISPID* theNumber)
+    {
+        return myObject.GetIDsOfNames(&GUID_NULL, myNames, 1, 0, theNumber);
+    };
+    const auto Invokes = [&](DISPID myMember, uint16_t myFlags, std::vector<VARIANT> myArguments, const IID& myReserved)
+    {
+        DISPPARAMS myParams{myArguments.data(), nullptr, static_cast<uint32_t>(myArguments.size()), 0};
+        return myObject.Invoke(myMember, &myReserved, 0, myFlags, &myParams, nullptr, nullptr, nullptr);
+    };
+    const Value myText(u"x");
+    const Value myOne(1);
+    const Value myLarge(1e10);
+    const Value myNothing(VT_BYREF | VT_I4, nullptr);
+    const Value myStrange(999, nullptr);
+    constexpr uint16_t Get = DISPATCH_PROPERTYGET;
+    constexpr uint16_t Method = DISPATCH_METHOD;
+    DISPID theNumber = 0;
+    ITypeInfo* theInfo = nullptr;
+    ExpectOwnErrors(
+        "com_test",
+        {
+            {[&] { return Invokes(99, Get, {}, GUID_NULL); }, DISP_E_MEMBERNOTFOUND,
+             "El objeto no tiene ese miembro, o no se llama de esa manera"},
+            {[&] { return Invokes(1, Method, {}, GUID_NULL); }, DISP_E_MEMBERNOTFOUND,
+             "El objeto no tiene ese miembro, o no se llama de esa manera"},
+            {[&] { return Invokes(7, Method, {}, GUID_NULL); }, DISP_E_BADPARAMCOUNT,
+             "El número de argumentos no es correcto"},
+            {[&] {
+                 return Invokes(4, Method, {myText, myText, myText}, GUID_NULL);
+             },
+             DISP_E_TYPEMISMATCH, "Los tipos no coinciden"},
+            {[&] {
+                 return Invokes(4, Method, {myLarge, myOne, myText}, GUID_NULL);
+             },
+             DISP_E_OVERFLOW, "Desbordamiento"},
+            {[&] {
+                 return Invokes(4, Method, {myStrange, myOne, myText}, GUID_NULL);
+             },
+             DISP_E_BADVARTYPE, "Tipo de valor desconocido"},
+            {[&] {
+                 return Invokes(4, Method, {myNothing, myOne, myText}, GUID_NULL);
+             },
+             E_POINTER, "Falta un puntero"},
+            {[&] { return Invokes(1, Get, {}, IID_IUnknown); }, DISP_E_UNKNOWNINTERFACE,
+             "El argumento reservado debe ser el identificador nulo"},
+            {[&] { return myObject.Invoke(1, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr); }, E_POINTER,
+             "Falta un puntero"},
+            {[&] { return FindsName(&theNumber); }, DISP_E_UNKNOWNNAME, "Nombre desconocido"},
+            {[&] { return FindsName(nullptr); }, E_POINTER, "Falta un puntero"},
+            {[&] { return myObject.GetTypeInfo(0, 0, &theInfo); }, DISP_E_BADINDEX, "No hay descripciones de tipos"},
+            {[&] { return myObject.GetTypeInfo(0, 0, nullptr); }, E_POINTER, "Falta un puntero"},
+            {[&] { return myObject.GetTypeInfoCount(nullptr); }, E_POINTER, "Falta un puntero"},
+            {[&] { return myHost->get_RecordType(nullptr); }, E_POINTER, "Falta un puntero"},
+        });
+}
+
+TEST(QueryInterface, LeavesTheErrorInformationForWhoAsksAboutAFailure)
+{
+    const auto myHost = MakeCounted<TestDatabase>();
+    Guarded([] { throw Error{6, u"mío"}; });
+    void* theObject = nullptr;
+    EXPECT_EQ(myHost->QueryInterface(&IID_ISupportErrorInfo, &theObject), E_NOINTERFACE);
+    EXPECT_EQ(myHost->QueryInterface(&IID_QelDatabase, &theObject), S_OK);
+    myHost->Release();
+    EXPECT_EQ(TakenDescription(), "mío");
+}
+
 /// A registry of its own, for the user and for one package.
 class ClassRegistry : public testing::Test
 {
@@ -460,6 +605,12 @@ protected:
         const HRESULT myResult = CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject);
         EXPECT_EQ(theObject, nullptr);
         return myResult == CO_E_DLLNOTFOUND ? TakenDescription() : std::to_string(myResult);
+    }
+
+    static bool ComponentIsLoaded()
+    {
+        void* const myHandle = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_NOLOAD);
+        return myHandle != nullptr && dlclose(myHandle) == 0;
     }
 
     static fs::path MakeFolder()
@@ -554,13 +705,68 @@ TEST_F(ClassRegistry, LiesBelowTheHomeFolderUnlessAnAbsoluteDataFolderIsNamed)
     EXPECT_TRUE(fs::exists(myRoot / ".local/share/qel/classes" / myFilename));
 }
 
+TEST_F(ClassRegistry, RefusedCall_LeavesItsOwnErrorInformation)
+{
+    CLSID theClass{};
+    void* theObject = nullptr;
+    IUnknown* const myOuter = reinterpret_cast<IUnknown*>(&theClass);
+    const auto Creates = [&](const CLSID* myClass, IUnknown* myOwner, uint32_t myContext)
+    {
+        return CoCreateInstance(myClass, myOwner, myContext, &IID_IUnknown, &theObject);
+    };
+    ExpectOwnErrors(
+        "qelcom",
+        {
+            {[&] { return CLSIDFromProgID(u"A.Main", &theClass); }, CO_E_CLASSSTRING,
+             "No hay ninguna clase registrada con ese nombre"},
+            {[&] { return CLSIDFromProgID(nullptr, &theClass); }, E_POINTER, "Falta un puntero"},
+            {[&] { return Creates(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER); }, REGDB_E_CLASSNOTREG,
+             "La clase no está registrada"},
+            {[&] { return Creates(&CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
+            {[&] { return Creates(&CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
+             "La clase no admite agregación"},
+            {[&] { return Creates(nullptr, nullptr, CLSCTX_INPROC_SERVER); }, E_POINTER, "Falta un puntero"},
+            {[&] { return QelRegisterClass(&CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
+             "Llamada a procedimiento o argumento no válidos"},
+            {[&] { return QelUnregisterClass(nullptr); }, E_POINTER, "Falta un puntero"},
+        });
+}
+
+TEST_F(ClassRegistry, WithoutMemory_EndsInThatAndNotAsIfNothingWereRegistered)
+{
+    Write(mySystem / myFilename, "ProgID=A.Main\nLibrary=" QEL_STAGE "/QelPluginAnimation.so\n");
+    const std::set myOutcomes = {E_OUTOFMEMORY, S_OK};
+    std::set<HRESULT> myResults;
+    CLSID theClass{};
+    FailEachPieceOfMemory([&] { return CLSIDFromProgID(u"A.Main", &theClass); },
+                          [&](HRESULT myResult) { myResults.insert(myResult); });
+    EXPECT_EQ(myResults, myOutcomes) << "finding a class";
+
+    myResults.clear();
+    FailEachPieceOfMemory([&] { return QelRegisterClass(&CLSID_classStringSort, u"A.Sort", "/none.so"); },
+                          [&](HRESULT myResult)
+                          {
+                              myResults.insert(myResult);
+                              EXPECT_TRUE(!fs::exists(myUser) || fs::is_empty(myUser) || myResult == S_OK);
+                          });
+    EXPECT_EQ(myResults, myOutcomes) << "registering a class";
+
+    myResults.clear();
+    void* theObject = nullptr;
+    FailEachPieceOfMemory(
+        [&] { return CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject); },
+        [&](HRESULT myResult)
+        {
+            myResults.insert(myResult);
+            ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(std::exchange(theObject, nullptr)));
+            CoFreeUnusedLibraries();
+            EXPECT_FALSE(ComponentIsLoaded());
+        });
+    EXPECT_EQ(myResults, (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK})) << "creating an object";
+}
+
 TEST_F(ClassRegistry, HoldsAComponentThatIsUnloadedWithItsLastObjectAndNotBefore)
 {
-    const auto IsLoaded = []
-    {
-        void* const myHandle = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_NOLOAD);
-        return myHandle != nullptr && dlclose(myHandle) == 0;
-    };
     fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", mySystem / "../component.so");
     Write(mySystem / myFilename, "ProgID=QelPluginAnimation.Main\nLibrary=../component.so\n"); // as a package does
     void* theObject = nullptr;
@@ -583,11 +789,11 @@ TEST_F(ClassRegistry, HoldsAComponentThatIsUnloadedWithItsLastObjectAndNotBefore
     };
     ExpectOutcomes(*myMain.Get(), myCalls);
     CoFreeUnusedLibraries();
-    EXPECT_TRUE(IsLoaded());
+    EXPECT_TRUE(ComponentIsLoaded());
     myMain.Reset();
-    EXPECT_TRUE(IsLoaded());
+    EXPECT_TRUE(ComponentIsLoaded());
     CoFreeUnusedLibraries();
-    EXPECT_FALSE(IsLoaded());
+    EXPECT_FALSE(ComponentIsLoaded());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "com/Bstr.h"
 #include "com/CountedObject.h"
 #include "com/InterfaceTables.h"
+#include "FailingMemory.h"
 #include "text/encodings.h"
 
 #include <dlfcn.h>
@@ -42,14 +43,18 @@ public:
         return reinterpret_cast<Function>(dlsym(myLibrary, myName));
     }
 
-    ComPtr<QelPlugin> Plugin() const
+    ComPtr<IClassFactory> Factory() const
     {
         const auto myClassObject = EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
-        void* myFactory = nullptr;
-        EXPECT_EQ(myClassObject(&CLSID_Main, &IID_IClassFactory, &myFactory), S_OK);
-        const auto myHeld = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myFactory));
+        void* theFactory = nullptr;
+        EXPECT_EQ(myClassObject(&CLSID_Main, &IID_IClassFactory, &theFactory), S_OK);
+        return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
+    }
+
+    ComPtr<QelPlugin> Plugin() const
+    {
         void* thePlugin = nullptr;
-        EXPECT_EQ(myHeld->CreateInstance(nullptr, &IID_QelPlugin, &thePlugin), S_OK);
+        EXPECT_EQ(Factory()->CreateInstance(nullptr, &IID_QelPlugin, &thePlugin), S_OK);
         return ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(thePlugin));
     }
 
@@ -270,6 +275,47 @@ TEST_F(ComponentTest, OpenedByARelativePathRegistersTheAbsoluteOne)
         CoFreeUnusedLibraries();
     }
     fs::current_path(myWorkingFolder);
+}
+
+TEST_F(ComponentTest, LoadedThroughALink_WorksFromItsRealFolderAndRegistersTheLink)
+{
+    const fs::path myLink = myFolder / "enlace.so";
+    fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", myLink);
+    const Component myComponent(myLink.c_str());
+    EXPECT_TRUE(LibraryPage(*myComponent.Plugin().Get()).starts_with(u"<script")) << "the library lies beside the file";
+    EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
+    std::ifstream myEntry(myFolder / "data/qel/classes/{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class");
+    const std::string myLines((std::istreambuf_iterator<char>(myEntry)), {});
+    EXPECT_NE(myLines.find("Library=" + myLink.string() + "\n"), std::string::npos) << myLines;
+}
+
+TEST_F(ComponentTest, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)
+{
+    const Component myComponent;
+    const auto CanUnloadNow = myComponent.EntryPoint<DllCanUnloadNowFunction>("DllCanUnloadNow");
+    auto myFactory = myComponent.Factory();
+    EXPECT_EQ(myFactory->LockServer(0), S_OK);
+    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "the factory is in use";
+    EXPECT_EQ(myFactory->LockServer(1), S_OK);
+    myFactory.Reset();
+    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "locked";
+    EXPECT_EQ(myComponent.Factory()->LockServer(0), S_OK);
+    EXPECT_EQ(CanUnloadNow(), S_OK);
+}
+
+TEST_F(ComponentTest, CreateInstance_WithoutMemory_ChangesNothingForTheObjectsThatAreThere)
+{
+    const Component myComponent;
+    const auto myPlugin = myComponent.Plugin();
+    const auto myFactory = myComponent.Factory();
+    void* theObject = nullptr;
+    FailEachPieceOfMemory([&] { return myFactory->CreateInstance(nullptr, &IID_QelPlugin, &theObject); },
+                          [&](HRESULT myResult)
+                          {
+                              EXPECT_EQ(myResult == S_OK, theObject != nullptr);
+                              EXPECT_TRUE(LibraryPage(*myPlugin.Get()).starts_with(u"<script"));
+                          });
+    static_cast<QelPlugin*>(theObject)->Release();
 }
 
 } // namespace

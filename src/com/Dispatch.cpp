@@ -1,5 +1,7 @@
 #include "com/Dispatch.h"
 
+#include "com/Failure.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -84,14 +86,14 @@ VARIANT* Referenced(VARIANT& myArgument)
     return myArgument.vt == (VT_BYREF | VT_VARIANT) ? myArgument.pvarVal : &myArgument;
 }
 
-/// Calls the member; what it leaves goes where the caller wants it.
+/// Calls the member and stores its result or its failure where the caller wants it.
 HRESULT CallMember(const DispatchMember& myMember, void* myObject, const DISPPARAMS& myParams, VARIANT* theResult,
                    EXCEPINFO* theException, uint32_t* theArgument)
 {
     VARIANT myResult{};
     MemberCall myCall{
         myObject, myParams.rgvarg, myMember.ArgumentCount, HasResult(myMember.Kind) ? &myResult : nullptr, 0, false};
-    SetErrorInfo(0, nullptr); // an older failure must not pass for one of this call
+    SetErrorInfo(0, nullptr); // the error of an older call must not count as one of this call
     const HRESULT theOutcome = myMember.Call(myCall);
     if (theResult != nullptr)
     {
@@ -104,13 +106,44 @@ HRESULT CallMember(const DispatchMember& myMember, void* myObject, const DISPPAR
         {
             *theArgument = myCall.Position;
         }
-        return theOutcome;
+        return Refuse(theOutcome);
     }
     if (FAILED(theOutcome) && theException != nullptr)
     {
         TakeException(theOutcome, *theException);
     }
     return FAILED(theOutcome) ? DISP_E_EXCEPTION : S_OK;
+}
+
+/// Finds the number of the first name. The others would be parameters, which have no names.
+HRESULT FindNumbers(std::span<const DispatchMember> myMembers, const IID* myReserved, char16_t** myNames,
+                    uint32_t myNameCount, DISPID* theNumbers)
+{
+    if (myReserved == nullptr || myNames == nullptr || theNumbers == nullptr)
+    {
+        return E_POINTER;
+    }
+    if (!SameId(*myReserved, GUID_NULL))
+    {
+        return DISP_E_UNKNOWNINTERFACE;
+    }
+    if (myNameCount == 0)
+    {
+        return E_INVALIDARG;
+    }
+    std::fill_n(theNumbers, myNameCount, DISPID_UNKNOWN);
+    if (myNames[0] == nullptr)
+    {
+        return E_POINTER;
+    }
+    const auto theMember = std::ranges::find_if(myMembers, [myName = TextView(myNames[0])](const auto& myEntry)
+                                                { return EqualInLowerCase(myEntry.Name, myName); });
+    if (theMember == myMembers.end())
+    {
+        return DISP_E_UNKNOWNNAME;
+    }
+    theNumbers[0] = theMember->Number;
+    return myNameCount == 1 ? S_OK : DISP_E_UNKNOWNNAME;
 }
 
 } // namespace
@@ -162,31 +195,8 @@ HRESULT ObjectOfArgument(VARIANT& myArgument, const IID& myInterface, void** the
 HRESULT FindMemberNumbers(std::span<const DispatchMember> myMembers, const IID* myReserved, char16_t** myNames,
                           uint32_t myNameCount, DISPID* theNumbers) noexcept
 {
-    if (myReserved == nullptr || myNames == nullptr || theNumbers == nullptr)
-    {
-        return E_POINTER;
-    }
-    if (!SameId(*myReserved, GUID_NULL))
-    {
-        return DISP_E_UNKNOWNINTERFACE;
-    }
-    if (myNameCount == 0)
-    {
-        return E_INVALIDARG;
-    }
-    std::fill_n(theNumbers, myNameCount, DISPID_UNKNOWN);
-    if (myNames[0] == nullptr)
-    {
-        return E_POINTER;
-    }
-    const auto theMember = std::ranges::find_if(myMembers, [myName = TextView(myNames[0])](const auto& myEntry)
-                                                { return EqualInLowerCase(myEntry.Name, myName); });
-    if (theMember == myMembers.end())
-    {
-        return DISP_E_UNKNOWNNAME;
-    }
-    theNumbers[0] = theMember->Number;
-    return myNameCount == 1 ? S_OK : DISP_E_UNKNOWNNAME;
+    const HRESULT theResult = FindNumbers(myMembers, myReserved, myNames, myNameCount, theNumbers);
+    return FAILED(theResult) ? Refuse(theResult) : theResult;
 }
 
 HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObject, DISPID myNumber,
@@ -195,25 +205,25 @@ HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObj
 {
     if (myReserved == nullptr || myParams == nullptr)
     {
-        return E_POINTER;
+        return Refuse(E_POINTER);
     }
     if (!SameId(*myReserved, GUID_NULL))
     {
-        return DISP_E_UNKNOWNINTERFACE;
+        return Refuse(DISP_E_UNKNOWNINTERFACE);
     }
     const DispatchMember* const myMember = FindMember(myMembers, myNumber, myFlags);
     if (myMember == nullptr)
     {
-        return DISP_E_MEMBERNOTFOUND;
+        return Refuse(DISP_E_MEMBERNOTFOUND);
     }
     if (const HRESULT myFailure = CheckParams(*myMember, *myParams); FAILED(myFailure))
     {
-        return myFailure;
+        return Refuse(myFailure);
     }
     void* myPointer = nullptr;
     if (FAILED(myObject.QueryInterface(myMember->Interface, &myPointer)))
     {
-        return DISP_E_MEMBERNOTFOUND;
+        return Refuse(DISP_E_MEMBERNOTFOUND);
     }
     const auto myHold = ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(myPointer));
     return CallMember(*myMember, myPointer, *myParams, theResult, theException, theArgument);

@@ -1,9 +1,10 @@
 /// Late binding by a table: an interface lists its members once, and the rest follows from their signatures.
 ///
-/// Nothing here throws. What the calls take and give is told at IDispatch.
+/// Nothing here throws. qelcom.h documents the calls at IDispatch. A call that fails leaves error information.
 #pragma once
 
 #include "com/ComPtr.h"
+#include "com/Failure.h"
 #include "com/qelcom.h"
 #include "text/text.h"
 
@@ -43,7 +44,7 @@ struct MemberCall
     bool Entered;           ///< all arguments are taken, and the member is called
 };
 
-/// One line of an interface's table.
+/// One row of an interface's table.
 struct DispatchMember
 {
     TextView Name;
@@ -58,7 +59,7 @@ struct DispatchMember
 /// points there.
 HRESULT PointerToArgument(VARIANT& myArgument, VARTYPE myType, VARIANT& theOwn, void*& thePointer) noexcept;
 
-/// Asks the argument's object for an interface; the null object has them all.
+/// Asks the argument's object for an interface; a null object stays null.
 HRESULT ObjectOfArgument(VARIANT& myArgument, const IID& myInterface, void** theObject) noexcept;
 
 template <class Value>
@@ -165,7 +166,7 @@ private:
     }
 };
 
-/// Makes a line of a table: Member<&QelPlugin::put_Script>(u"Script", 17, MemberKind::Put).
+/// Makes a row of a table: Member<&QelPlugin::put_Script>(u"Script", 17, MemberKind::Put).
 template <auto myMember>
 constexpr DispatchMember Member(TextView myName, DISPID myNumber, MemberKind myKind)
 {
@@ -197,12 +198,17 @@ class DispatchImplementation : public Interface
 public:
     HRESULT GetTypeInfoCount(uint32_t* theCount) override
     {
-        return theCount == nullptr ? E_POINTER : (*theCount = 0, S_OK);
+        return Answer(theCount, [] { return 0U; });
     }
 
     HRESULT GetTypeInfo(uint32_t /*myIndex*/, uint32_t /*myLocale*/, ITypeInfo** theInfo) override
     {
-        return theInfo == nullptr ? E_POINTER : (*theInfo = nullptr, DISP_E_BADINDEX);
+        if (theInfo == nullptr)
+        {
+            return Refuse(E_POINTER);
+        }
+        *theInfo = nullptr;
+        return Refuse(DISP_E_BADINDEX);
     }
 
     HRESULT GetIDsOfNames(const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t /*myLocale*/,

@@ -1,7 +1,9 @@
 #include "com/Failure.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <iterator>
 #include <new>
 
 namespace qel
@@ -11,27 +13,41 @@ namespace
 
 constexpr uint32_t ErrorResult = 0x800A0000U;
 
-/// Leaves the failure in the thread's error information, or nothing there if memory is out.
-void LeaveErrorInfo(const char16_t* myDescription) noexcept
+struct Refusal
 {
-    SetErrorInfo(0, nullptr);
-    ComPtr<ICreateErrorInfo> myInfo;
-    if (SUCCEEDED(CreateErrorInfo(myInfo.Receive())) && SUCCEEDED(myInfo->SetSource(ErrorSource)) &&
-        SUCCEEDED(myInfo->SetDescription(myDescription)))
-    {
-        SetErrorInfo(0, myInfo.Query<IErrorInfo>().Get());
-    }
-}
+    HRESULT Result;
+    const char16_t* Description;
+};
+
+constexpr Refusal Refusals[] = {
+    {E_POINTER, u"Falta un puntero"},
+    {E_NOINTERFACE, u"El objeto no tiene esa interfaz"},
+    {E_ACCESSDENIED, u"No se puede escribir en el registro de clases"},
+    {E_OUTOFMEMORY, u"Memoria insuficiente"},
+    {CLASS_E_NOAGGREGATION, u"La clase no admite agregación"},
+    {CLASS_E_CLASSNOTAVAILABLE, u"El componente no tiene esa clase"},
+    {REGDB_E_CLASSNOTREG, u"La clase no está registrada"},
+    {CO_E_CLASSSTRING, u"No hay ninguna clase registrada con ese nombre"},
+    {DISP_E_UNKNOWNINTERFACE, u"El argumento reservado debe ser el identificador nulo"},
+    {DISP_E_MEMBERNOTFOUND, u"El objeto no tiene ese miembro, o no se llama de esa manera"},
+    {DISP_E_TYPEMISMATCH, u"Los tipos no coinciden"},
+    {DISP_E_UNKNOWNNAME, u"Nombre desconocido"},
+    {DISP_E_NONAMEDARGS, u"El miembro no admite argumentos con nombre"},
+    {DISP_E_BADVARTYPE, u"Tipo de valor desconocido"},
+    {DISP_E_OVERFLOW, u"Desbordamiento"},
+    {DISP_E_BADINDEX, u"No hay descripciones de tipos"},
+    {DISP_E_BADPARAMCOUNT, u"El número de argumentos no es correcto"},
+    {DISP_E_PARAMNOTOPTIONAL, u"Falta el nombre del valor que se asigna"},
+};
 
 HRESULT ReportNumber(int32_t myNumber, const char16_t* myDescription) noexcept
 {
-    LeaveErrorInfo(myDescription);
     if (myNumber < 0)
     {
-        return myNumber;
+        return ReportFailure(myNumber, myDescription);
     }
     const int32_t theNumber = myNumber <= 0xFFFF ? myNumber : ErrorNumber::InvalidArgument;
-    return QEL_RESULT(ErrorResult | static_cast<uint32_t>(theNumber));
+    return ReportFailure(QEL_RESULT(ErrorResult | static_cast<uint32_t>(theNumber)), myDescription);
 }
 
 Text TakeDescription()
@@ -54,6 +70,26 @@ Text DescriptionOfResult(HRESULT myResult)
 }
 
 } // namespace
+
+HRESULT ReportFailure(HRESULT myResult, const char16_t* myDescription) noexcept
+{
+    SetErrorInfo(0, nullptr);
+    ComPtr<ICreateErrorInfo> myInfo;
+    if (SUCCEEDED(CreateErrorInfo(myInfo.Receive())) && SUCCEEDED(myInfo->SetSource(ErrorSource)) &&
+        SUCCEEDED(myInfo->SetDescription(myDescription)))
+    {
+        SetErrorInfo(0, myInfo.Query<IErrorInfo>().Get());
+    }
+    return myResult;
+}
+
+HRESULT Refuse(HRESULT myResult) noexcept
+{
+    const auto* const myRefusal = std::ranges::find(Refusals, myResult, &Refusal::Result);
+    return ReportFailure(myResult, myRefusal != std::end(Refusals)
+                                       ? myRefusal->Description
+                                       : ErrorDescription(ErrorNumber::InvalidArgument).data());
+}
 
 HRESULT ReportFailure() noexcept
 {

@@ -1,7 +1,8 @@
 /// Failures on their way across the binary interface, in both directions: no exception leaves, and none is lost.
 ///
 /// A member of an object is written as one Answer or Accept, or as Guarded where neither fits; a call into the host as
-/// one CallHost.
+/// one CallHost. Every failed call leaves error information of its own in the thread, never that of an older call; only
+/// when memory runs out there may be none.
 #pragma once
 
 #include "com/Bstr.h"
@@ -15,15 +16,23 @@
 namespace qel
 {
 
-/// What failures name as their source. Each component or program that links this defines it once, with its own name.
+/// What failures name as their source. Each component, library or program that links this defines it once.
 extern const char16_t* const ErrorSource;
 
 /// For a catch clause: turns the exception in hand into a result, and into the thread's error information.
 /// An Error gives 0x800A0000 and its number, or its number itself if that is negative, which is a host's failure.
-/// Memory running out is error 7 and needs none to be reported; any other exception is error 5.
+/// Memory running out is error 7; any other exception is error 5.
 HRESULT ReportFailure() noexcept;
 
-/// Runs the operation. Gives the result that it returns, S_OK if it returns none, or the result of what it threw.
+/// Leaves a failure with this description in the thread's error information, and returns its result.
+HRESULT ReportFailure(HRESULT myResult, const char16_t* myDescription) noexcept;
+
+/// Leaves a refusal, one of the results that qelcom.h lists, in the thread's error information with a description in
+/// Spanish, and returns it.
+HRESULT Refuse(HRESULT myResult) noexcept;
+
+/// Runs the operation. Returns its result, S_OK if it has none, or the result of what it threw. An operation that
+/// returns a failure leaves the error information itself.
 template <class Operation>
 HRESULT Guarded(Operation&& myOperation) noexcept
 {
@@ -54,6 +63,10 @@ inline void Give(int32_t* theValue, int32_t myNumber)
 {
     *theValue = myNumber;
 }
+inline void Give(uint32_t* theValue, uint32_t myNumber)
+{
+    *theValue = myNumber;
+}
 inline void Give(VARIANT_BOOL* theValue, bool myAnswer)
 {
     *theValue = myAnswer ? VARIANT_TRUE : VARIANT_FALSE;
@@ -65,7 +78,7 @@ HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
 {
     if (theValue == nullptr)
     {
-        return E_POINTER;
+        return Refuse(E_POINTER);
     }
     *theValue = Value{};
     return Guarded([&] { Give(theValue, myOperation()); });
@@ -75,11 +88,15 @@ HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
 template <class Value, class Result, class Operation>
 HRESULT AnswerTo(const Value* myValue, Result* theResult, Operation&& myOperation) noexcept
 {
-    if (myValue == nullptr && theResult != nullptr)
+    if (myValue != nullptr)
+    {
+        return Answer(theResult, [&] { return myOperation(*myValue); });
+    }
+    if (theResult != nullptr)
     {
         *theResult = Result{};
     }
-    return myValue == nullptr ? E_POINTER : Answer(theResult, [&] { return myOperation(*myValue); });
+    return Refuse(E_POINTER);
 }
 
 /// A member with one argument by reference: the operation takes a text as Text, anything else as it is. E_POINTER.
@@ -88,7 +105,7 @@ HRESULT Accept(const Value* myValue, Operation&& myOperation) noexcept
 {
     if (myValue == nullptr)
     {
-        return E_POINTER;
+        return Refuse(E_POINTER);
     }
     return Guarded(
         [&]
@@ -108,7 +125,7 @@ HRESULT Accept(const Value* myValue, Operation&& myOperation) noexcept
 /// taken away, or a general one. Its number is the low 16 bits of 0x800A...., else the result.
 void CheckHostCall(HRESULT myResult);
 
-/// Calls a member of a host's object. Throws as CheckHostCall; error 91: there is no object.
+/// Calls a member of a host's object. Throws as CheckHostCall does; error 91: there is no object.
 template <class Interface, class... Parameters>
 void CallHost(ComPtr<Interface> myHost, HRESULT (Interface::*myMember)(Parameters...),
               std::type_identity_t<Parameters>... myArguments)
@@ -118,7 +135,7 @@ void CallHost(ComPtr<Interface> myHost, HRESULT (Interface::*myMember)(Parameter
     {
         Raise(ErrorNumber::ObjectNotSet);
     }
-    SetErrorInfo(0, nullptr); // an older failure must not pass for one of this call
+    SetErrorInfo(0, nullptr); // the error of an older call must not count as one of this call
     CheckHostCall((myHost.Get()->*myMember)(myArguments...));
 }
 

@@ -1,4 +1,4 @@
-/// Counts what keeps the component loaded: its objects, and the host's locks.
+/// What keeps the component loaded: its objects, and the host's locks. Both are counted on any thread.
 #pragma once
 
 #include <atomic>
@@ -7,7 +7,10 @@
 namespace qel
 {
 
-inline std::atomic<int32_t> LivingObjectCount = 0;
+inline std::atomic<uint32_t> LivingObjectCount = 0;
+
+/// Counted apart from the objects, so that a lock undone too often leaves the objects in use.
+inline std::atomic<uint32_t> LockCount = 0;
 
 /// A member of every object that the host can hold.
 class LivingObject
@@ -18,5 +21,14 @@ public:
     LivingObject(const LivingObject&) = delete;
     LivingObject& operator=(const LivingObject&) = delete;
 };
+
+/// Undoes one lock. Without a lock it does nothing.
+inline void Unlock() noexcept
+{
+    uint32_t myCount = LockCount;
+    while (myCount > 0 && !LockCount.compare_exchange_weak(myCount, myCount - 1))
+    {
+    }
+}
 
 } // namespace qel

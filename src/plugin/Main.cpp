@@ -9,6 +9,7 @@
 #include "text/errors.h"
 
 #include <memory>
+#include <utility>
 
 namespace qel
 {
@@ -20,7 +21,7 @@ FormMain& Form()
     return Apartment::OfThisThread().Form();
 }
 
-/// Keeps a service of the host behind the port that the logic calls; null lets the present one go.
+/// Keeps a service of the host as the port that the logic calls; null releases the present one.
 template <class Adapter, class Port, class Service>
 HRESULT KeepService(std::unique_ptr<Port> FormMain::*myField, Service** myService) noexcept
 {
@@ -35,7 +36,7 @@ Text VersionText()
            NumberText(int64_t{ComponentVersion.Revision});
 }
 
-/// What the box about the component says.
+/// The text of the box about the component.
 Text AboutText()
 {
     constexpr TextView EmptyLine = u"\r\n\r\n";
@@ -54,10 +55,12 @@ Main::Main()
 {
     Apartment& myApartment = Apartment::OfThisThread();
     const Text& myFolder = myApartment.Ports().componentFolder;
-    localConstants& theConstants = myApartment.myConstants;
-    theConstants.myHelpFile = JoinTexts({myFolder, u"\\", ComponentVersion.ProjectName, u".chm"});
-    theConstants.myDesignsFolder = JoinTexts({myFolder, myFolder.ends_with(u'\\') ? u"" : u"\\"});
-    theConstants.myDesignsFolder.append(ComponentVersion.ProjectName).append(u"Designs\\");
+    const TextView mySeparator = myFolder.ends_with(u'\\') ? u"" : u"\\";
+    Text myHelpFile = JoinTexts({myFolder, u"\\", ComponentVersion.ProjectName, u".chm"});
+    Text myDesignsFolder = JoinTexts({myFolder, mySeparator, ComponentVersion.ProjectName, u"Designs\\"});
+    // The other objects of the thread use both: memory must not run out between the two.
+    myApartment.myConstants.myHelpFile = std::move(myHelpFile);
+    myApartment.myConstants.myDesignsFolder = std::move(myDesignsFolder);
 }
 
 HRESULT Main::InterfaceSupportsErrorInfo(const IID* myInterface)
@@ -73,7 +76,7 @@ HRESULT Main::InterfaceSupportsErrorInfo(const IID* myInterface)
 
 HRESULT Main::putref_QelThumbnails(QelThumbnails** myThumbnails)
 {
-    return myThumbnails == nullptr ? E_POINTER : S_OK;
+    return Accept(myThumbnails, [](QelThumbnails* /*myService*/) {});
 }
 
 HRESULT Main::putref_QelDatabase(QelDatabase** myDatabase)
@@ -83,7 +86,7 @@ HRESULT Main::putref_QelDatabase(QelDatabase** myDatabase)
 
 HRESULT Main::putref_QelTopic(QelTopic** myTopic)
 {
-    return myTopic == nullptr ? E_POINTER : S_OK;
+    return Accept(myTopic, [](QelTopic* /*myService*/) {});
 }
 
 HRESULT Main::putref_QelBuildHelper(QelBuildHelper** myBuildHelper)

@@ -1,5 +1,5 @@
-/// The object that the host creates. It holds nothing of its own: what concerns a module it hands on to the one
-/// FormMain of its thread, the rest it answers from the string table.
+/// The object that the host creates. It holds nothing of its own: it forwards what concerns a module to the one
+/// FormMain of its thread, and answers the rest from the string table.
 #pragma once
 
 #include "com/CountedObject.h"
@@ -10,8 +10,8 @@
 namespace qel
 {
 
-/// The members are told at the interfaces. Each fails with a result and the thread's error information, never with an
-/// exception. An object is called on the thread that made it.
+/// QelHelperInterfaces.h documents the members. A failed one returns a result and leaves error information, and no
+/// exception gets out. An object is called on the thread that made it.
 class Main final : public CountedObject<QelPluginAnimationMain, QelPlugin, QelInfo, ISupportErrorInfo>
 {
 public:

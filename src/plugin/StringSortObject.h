@@ -1,4 +1,4 @@
-/// The list of texts that scripts and hosts can create: classStringSort behind its interface.
+/// The list of texts that scripts and hosts can create: classStringSort with its interface.
 #pragma once
 
 #include "com/CountedObject.h"
@@ -10,7 +10,7 @@
 namespace qel
 {
 
-/// The members are told at the interface. An object is called on the thread that made it.
+/// QelHelperInterfaces.h documents the members. An object is called on the thread that made it.
 class StringSortObject final : public CountedObject<QelStringSort, ISupportErrorInfo>
 {
 public:

@@ -24,10 +24,12 @@ struct CreatableClass
     HRESULT (*Create)(const IID* myInterface, void** theObject);
 };
 
-template <class Object>
-HRESULT Create(const IID* myInterface, void** theObject)
+/// Makes an object and hands it out by one of its interfaces.
+template <class Object, class... Arguments>
+HRESULT Create(const IID* myInterface, void** theObject, const Arguments&... myArguments)
 {
-    return MakeCounted<Object>()->QueryInterface(myInterface, theObject);
+    const HRESULT theResult = MakeCounted<Object>(myArguments...)->QueryInterface(myInterface, theObject);
+    return FAILED(theResult) ? Refuse(theResult) : theResult;
 }
 
 constexpr CreatableClass Classes[] = {
@@ -44,19 +46,26 @@ public:
     {
         if (theObject == nullptr)
         {
-            return E_POINTER;
+            return Refuse(E_POINTER);
         }
         *theObject = nullptr;
         if (myOuter != nullptr)
         {
-            return CLASS_E_NOAGGREGATION;
+            return Refuse(CLASS_E_NOAGGREGATION);
         }
         return Guarded([&] { return myClass.Create(myInterface, theObject); });
     }
 
     HRESULT LockServer(int32_t myLock) override
     {
-        LivingObjectCount += myLock != 0 ? 1 : -1;
+        if (myLock != 0)
+        {
+            ++LockCount;
+        }
+        else
+        {
+            Unlock();
+        }
         return S_OK;
     }
 
@@ -105,23 +114,21 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const II
 {
     if (myClass == nullptr || myInterface == nullptr || theObject == nullptr)
     {
-        return E_POINTER;
+        return qel::Refuse(E_POINTER);
     }
     *theObject = nullptr;
     for (const qel::CreatableClass& myCandidate : qel::Classes)
     {
         if (qel::SameId(*myClass, *myCandidate.Identifier))
         {
-            return qel::Guarded(
-                [&]
-                { return qel::MakeCounted<qel::ClassFactory>(myCandidate)->QueryInterface(myInterface, theObject); });
+            return qel::Guarded([&] { return qel::Create<qel::ClassFactory>(myInterface, theObject, myCandidate); });
         }
     }
-    return CLASS_E_CLASSNOTAVAILABLE;
+    return qel::Refuse(CLASS_E_CLASSNOTAVAILABLE);
 }
 
 /// S_OK when no object and no lock is left, else S_FALSE. The record of the module in hand does not count.
 QEL_EXTERN_C QEL_EXPORT HRESULT DllCanUnloadNow()
 {
-    return qel::LivingObjectCount == 0 ? S_OK : S_FALSE;
+    return qel::LivingObjectCount == 0 && qel::LockCount == 0 ? S_OK : S_FALSE;
 }

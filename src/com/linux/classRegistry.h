@@ -1,4 +1,4 @@
-/// The class registry on disk, as qelcom.h tells it.
+/// The class registry on disk, as qelcom.h documents it.
 #pragma once
 
 #include "com/qelcom.h"
@@ -9,7 +9,7 @@
 namespace qel
 {
 
-/// The absolute path of the library that a class is registered with; nothing if it is not registered.
+/// The absolute path of the library that a class is registered with; nothing if it is not registered. std::bad_alloc.
 std::optional<std::string> LibraryOfClass(const CLSID& myClass);
 
 } // namespace qel

@@ -1,5 +1,6 @@
-#include "com/classRegistry.h"
+#include "com/linux/classRegistry.h"
 
+#include "com/linux/contained.h"
 #include "text/encodings.h"
 #include "text/text.h"
 
@@ -9,12 +10,16 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
+#include <iterator>
+#include <memory>
+#include <new>
 #include <pwd.h>
 #include <set>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <vector>
@@ -29,6 +34,11 @@ namespace fs = std::filesystem;
 constexpr std::string_view ProgIdKey = "ProgID=";
 constexpr std::string_view LibraryKey = "Library=";
 constexpr size_t LargestFile = 8192;
+
+struct FolderCloser
+{
+    void operator()(DIR* myListing) const noexcept { closedir(myListing); }
+};
 
 struct ClassEntry
 {
@@ -110,22 +120,50 @@ std::vector<fs::path> ClassFolders()
     return theFolders;
 }
 
-/// The bytes of a plain file; nothing for any other, and for one that is too large.
-std::optional<std::string> ReadSmallFile(const fs::path& myPath)
+/// For a failed call of the system: a lookup that lacks memory is not one that finds nothing.
+void ThrowIfMemoryIsOut(int myError)
 {
-    std::error_code myError;
-    if (!fs::is_regular_file(myPath, myError))
+    if (myError == ENOMEM)
     {
-        return std::nullopt; // a pipe would block
+        throw std::bad_alloc();
     }
-    std::ifstream myFile(myPath, std::ios::binary);
-    std::string theBytes(LargestFile + 1, '\0');
-    myFile.read(theBytes.data(), static_cast<std::streamsize>(theBytes.size()));
-    theBytes.resize(static_cast<size_t>(myFile.gcount()));
-    return theBytes.size() > LargestFile ? std::nullopt : std::optional(theBytes);
 }
 
-/// What stands behind the first line that begins with the key; empty if there is none.
+/// Reads up to that many bytes; none if what is open is not a plain file. Throws nothing.
+size_t ReadPlainFile(int myDescriptor, char* theBytes, size_t myLimit)
+{
+    struct stat myStatus
+    {
+    };
+    if (fstat(myDescriptor, &myStatus) != 0 || !S_ISREG(myStatus.st_mode))
+    {
+        return 0;
+    }
+    size_t theCount = 0;
+    for (ssize_t myPart = 1; myPart > 0 && theCount < myLimit;)
+    {
+        myPart = read(myDescriptor, theBytes + theCount, myLimit - theCount);
+        theCount += myPart > 0 ? static_cast<size_t>(myPart) : 0;
+    }
+    return theCount;
+}
+
+/// The bytes of a plain file; nothing for one that is too large, and none for anything else. std::bad_alloc.
+std::optional<std::string> ReadSmallFile(const fs::path& myPath)
+{
+    std::string theBytes(LargestFile + 1, '\0');
+    const int myDescriptor = open(myPath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); // a pipe must not block
+    if (myDescriptor < 0)
+    {
+        ThrowIfMemoryIsOut(errno);
+        return std::nullopt;
+    }
+    theBytes.resize(ReadPlainFile(myDescriptor, theBytes.data(), theBytes.size()));
+    close(myDescriptor);
+    return theBytes.size() > LargestFile ? std::nullopt : std::optional(std::move(theBytes));
+}
+
+/// The rest of the first line that begins with the key; empty if there is none.
 std::string_view ValueOf(std::string_view myKey, std::string_view myLines)
 {
     while (!myLines.empty())
@@ -166,11 +204,9 @@ bool ReplaceFile(const fs::path& myPath, std::string_view myBytes)
     {
         return false;
     }
-    close(myDescriptor);
-    std::ofstream myFile(myTemporary, std::ios::binary);
-    myFile << myBytes;
-    myFile.close();
-    if (myFile && rename(myTemporary.c_str(), myPath.c_str()) == 0)
+    const bool isWritten = write(myDescriptor, myBytes.data(), myBytes.size()) == std::ssize(myBytes);
+    const bool isClosed = close(myDescriptor) == 0;
+    if (isWritten && isClosed && rename(myTemporary.c_str(), myPath.c_str()) == 0)
     {
         return true;
     }
@@ -189,18 +225,19 @@ HRESULT WriteEntry(const CLSID& myClass, TextView myProgId, std::string_view myL
     if (!myName || myName->empty() || HasControlCharacter(*myName) || !myLibrary.starts_with('/') ||
         HasControlCharacter(myLibrary))
     {
-        return E_INVALIDARG;
+        return Refuse(E_INVALIDARG);
     }
     std::string myBytes;
     myBytes.append(ProgIdKey).append(*myName).append("\n").append(LibraryKey).append(myLibrary).append("\n");
     if (myBytes.size() > LargestFile)
     {
-        return E_INVALIDARG;
+        return Refuse(E_INVALIDARG);
     }
     const fs::path myFolder = UserFolder();
     std::error_code myError;
     fs::create_directories(myFolder, myError);
-    return !myFolder.empty() && ReplaceFile(myFolder / FilenameOf(myClass), myBytes) ? S_OK : E_ACCESSDENIED;
+    const bool isWritten = !myFolder.empty() && ReplaceFile(myFolder / FilenameOf(myClass), myBytes);
+    return isWritten ? S_OK : Refuse(E_ACCESSDENIED);
 }
 
 HRESULT RemoveEntry(const CLSID& myClass)
@@ -214,18 +251,22 @@ HRESULT RemoveEntry(const CLSID& myClass)
     {
         return S_OK;
     }
-    return errno == ENOENT || errno == ENOTDIR ? S_FALSE : E_ACCESSDENIED;
+    return errno == ENOENT || errno == ENOTDIR ? S_FALSE : Refuse(E_ACCESSDENIED);
 }
 
-/// The names of the class files in a folder, in order.
+/// The names of the class files in a folder, in order. std::bad_alloc.
 std::set<std::string> ClassFilesIn(const fs::path& myFolder)
 {
     std::set<std::string> theNames;
-    std::error_code myError;
-    for (fs::directory_iterator myEntry(myFolder, myError); !myError && myEntry != fs::directory_iterator();
-         myEntry.increment(myError))
+    const std::unique_ptr<DIR, FolderCloser> myListing(opendir(myFolder.c_str()));
+    if (!myListing)
     {
-        if (std::string myName = myEntry->path().filename(); ClassOfFilename(myName))
+        ThrowIfMemoryIsOut(errno);
+        return theNames;
+    }
+    while (const dirent* const myEntry = readdir(myListing.get()))
+    {
+        if (std::string myName = myEntry->d_name; ClassOfFilename(myName))
         {
             theNames.insert(std::move(myName));
         }
@@ -250,20 +291,6 @@ std::optional<CLSID> FindProgId(TextView myProgId)
     return std::nullopt;
 }
 
-/// Runs a function of the library that may run out of memory.
-template <class Operation>
-HRESULT Contained(Operation&& myOperation) noexcept
-{
-    try
-    {
-        return myOperation();
-    }
-    catch (...)
-    {
-        return E_OUTOFMEMORY;
-    }
-}
-
 } // namespace
 
 std::optional<std::string> LibraryOfClass(const CLSID& myClass)
@@ -284,28 +311,31 @@ HRESULT QelRegisterClass(const CLSID* myClass, const char16_t* myProgID, const c
 {
     if (myClass == nullptr || myProgID == nullptr || myLibrary == nullptr)
     {
-        return E_POINTER;
+        return qel::Refuse(E_POINTER);
     }
     return qel::Contained([&] { return qel::WriteEntry(*myClass, myProgID, myLibrary); });
 }
 
 HRESULT QelUnregisterClass(const CLSID* myClass)
 {
-    return myClass == nullptr ? E_POINTER : qel::Contained([&] { return qel::RemoveEntry(*myClass); });
+    return myClass == nullptr ? qel::Refuse(E_POINTER) : qel::Contained([&] { return qel::RemoveEntry(*myClass); });
 }
 
 HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID* theClass)
 {
+    if (theClass != nullptr)
+    {
+        *theClass = GUID_NULL;
+    }
     if (myProgID == nullptr || theClass == nullptr)
     {
-        return E_POINTER;
+        return qel::Refuse(E_POINTER);
     }
-    *theClass = GUID_NULL;
     return qel::Contained(
         [&]
         {
             const std::optional<CLSID> myFound = qel::FindProgId(myProgID);
             *theClass = myFound.value_or(GUID_NULL);
-            return myFound ? S_OK : CO_E_CLASSSTRING;
+            return myFound ? S_OK : qel::Refuse(CO_E_CLASSSTRING);
         });
 }

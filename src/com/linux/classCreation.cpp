@@ -1,31 +1,41 @@
 // CoCreateInstance and the components that it has loaded.
-#include "com/classRegistry.h"
 #include "com/ComPtr.h"
+#include "com/Failure.h"
+#include "com/linux/classRegistry.h"
+#include "com/linux/contained.h"
 #include "com/qelcom.h"
 #include "text/encodings.h"
 
 #include <dlfcn.h>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace qel
 {
 namespace
 {
 
+struct LibraryCloser
+{
+    void operator()(void* myHandle) const noexcept { dlclose(myHandle); }
+};
+
+/// A loaded component; closed when it goes.
 struct Library
 {
-    void* Handle = nullptr;
+    std::unique_ptr<void, LibraryCloser> Handle;
     DllGetClassObjectFunction GetClassObject = nullptr;
     DllCanUnloadNowFunction CanUnloadNow = nullptr;
 };
 
 /// The loaded components, by the path that they are registered with. They stay loaded when the process ends.
 ///
-/// The lock is held while a component is loaded and makes its object, so that it is not unloaded under way; it lets the
-/// same thread in again, for a component that creates objects of another one.
+/// The lock is held while a component is loaded and creates its object, so that no other thread unloads it meanwhile.
+/// It is recursive for a component that creates objects of another one.
 struct LibraryTable
 {
     std::recursive_mutex Lock;
@@ -38,38 +48,24 @@ LibraryTable& Loaded()
     return theTable;
 }
 
-/// Puts the reason of the loader into the thread's error information.
+/// Leaves the loader's reason in the thread's error information.
 HRESULT ReportLoader()
 {
     const char* const myReason = dlerror();
-    const Text myText = FromUtf8(myReason == nullptr ? "" : myReason);
-    ComPtr<ICreateErrorInfo> myInfo;
-    if (SUCCEEDED(CreateErrorInfo(myInfo.Receive())))
-    {
-        myInfo->SetSource(u"qelcom");
-        myInfo->SetDescription(myText.c_str());
-        SetErrorInfo(0, myInfo.Query<IErrorInfo>().Get());
-    }
-    return CO_E_DLLNOTFOUND;
+    return ReportFailure(CO_E_DLLNOTFOUND, FromUtf8(myReason == nullptr ? "" : myReason).c_str());
 }
 
 HRESULT Load(const std::string& myPath, Library& theLibrary)
 {
-    theLibrary.Handle = dlopen(myPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (theLibrary.Handle == nullptr)
+    theLibrary.Handle.reset(dlopen(myPath.c_str(), RTLD_NOW | RTLD_LOCAL));
+    void* const myHandle = theLibrary.Handle.get();
+    if (myHandle == nullptr)
     {
         return ReportLoader();
     }
-    theLibrary.GetClassObject =
-        reinterpret_cast<DllGetClassObjectFunction>(dlsym(theLibrary.Handle, "DllGetClassObject"));
-    theLibrary.CanUnloadNow = reinterpret_cast<DllCanUnloadNowFunction>(dlsym(theLibrary.Handle, "DllCanUnloadNow"));
-    if (theLibrary.GetClassObject == nullptr || theLibrary.CanUnloadNow == nullptr)
-    {
-        ReportLoader();
-        dlclose(theLibrary.Handle);
-        return CO_E_DLLNOTFOUND;
-    }
-    return S_OK;
+    theLibrary.GetClassObject = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myHandle, "DllGetClassObject"));
+    theLibrary.CanUnloadNow = reinterpret_cast<DllCanUnloadNowFunction>(dlsym(myHandle, "DllCanUnloadNow"));
+    return theLibrary.GetClassObject == nullptr || theLibrary.CanUnloadNow == nullptr ? ReportLoader() : S_OK;
 }
 
 HRESULT Create(const CLSID& myClass, const IID& myInterface, void** theObject)
@@ -77,7 +73,7 @@ HRESULT Create(const CLSID& myClass, const IID& myInterface, void** theObject)
     const std::optional<std::string> myPath = LibraryOfClass(myClass);
     if (!myPath)
     {
-        return REGDB_E_CLASSNOTREG;
+        return Refuse(REGDB_E_CLASSNOTREG);
     }
     LibraryTable& myTable = Loaded();
     const std::lock_guard myGuard(myTable.Lock);
@@ -89,8 +85,9 @@ HRESULT Create(const CLSID& myClass, const IID& myInterface, void** theObject)
         {
             return myFailure;
         }
-        myEntry = myTable.Entries.emplace(*myPath, myLibrary).first;
+        myEntry = myTable.Entries.emplace(*myPath, std::move(myLibrary)).first;
     }
+    SetErrorInfo(0, nullptr); // what is there afterwards comes from the component
     void* myFactory = nullptr;
     const HRESULT theOutcome = myEntry->second.GetClassObject(&myClass, &IID_IClassFactory, &myFactory);
     const auto myHold = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myFactory));
@@ -103,37 +100,28 @@ HRESULT Create(const CLSID& myClass, const IID& myInterface, void** theObject)
 HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext, const IID* myInterface,
                          void** theObject)
 {
-    if (theObject == nullptr)
+    if (theObject != nullptr)
     {
-        return E_POINTER;
+        *theObject = nullptr;
     }
-    *theObject = nullptr;
-    if (myClass == nullptr || myInterface == nullptr)
+    if (myClass == nullptr || myInterface == nullptr || theObject == nullptr)
     {
-        return E_POINTER;
+        return qel::Refuse(E_POINTER);
     }
     if (myOuter != nullptr)
     {
-        return CLASS_E_NOAGGREGATION;
+        return qel::Refuse(CLASS_E_NOAGGREGATION);
     }
     if ((myContext & CLSCTX_INPROC_SERVER) == 0)
     {
-        return REGDB_E_CLASSNOTREG;
+        return qel::Refuse(REGDB_E_CLASSNOTREG);
     }
-    try
-    {
-        return qel::Create(*myClass, *myInterface, theObject);
-    }
-    catch (...)
-    {
-        return E_OUTOFMEMORY;
-    }
+    return qel::Contained([&] { return qel::Create(*myClass, *myInterface, theObject); });
 }
 
 void CoFreeUnusedLibraries(void)
 {
     qel::LibraryTable& myTable = qel::Loaded();
     const std::lock_guard myGuard(myTable.Lock);
-    std::erase_if(myTable.Entries, [](const auto& myEntry)
-                  { return myEntry.second.CanUnloadNow() == S_OK && dlclose(myEntry.second.Handle) == 0; });
+    std::erase_if(myTable.Entries, [](const auto& myEntry) { return myEntry.second.CanUnloadNow() == S_OK; });
 }

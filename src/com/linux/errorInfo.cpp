@@ -1,5 +1,6 @@
 // The reason of the last failure on a thread.
 #include "com/CountedObject.h"
+#include "com/Failure.h"
 #include "com/qelcom.h"
 
 #include <new>
@@ -8,6 +9,9 @@
 
 namespace qel
 {
+
+const char16_t* const ErrorSource = u"qelcom";
+
 namespace
 {
 
