@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <iterator>
-#include <new>
 
 namespace qel
 {
@@ -95,19 +94,12 @@ HRESULT ReportFailure() noexcept
 {
     try
     {
-        throw;
-    }
-    catch (const Error& myError)
-    {
+        const Error myError = ErrorInHand();
         return ReportNumber(myError.Number, myError.Description.c_str());
     }
-    catch (const std::bad_alloc&)
+    catch (...) // there is no memory for a copy of the description
     {
         return ReportNumber(ErrorNumber::OutOfMemory, ErrorDescription(ErrorNumber::OutOfMemory).data());
-    }
-    catch (...)
-    {
-        return ReportNumber(ErrorNumber::InvalidArgument, ErrorDescription(ErrorNumber::InvalidArgument).data());
     }
 }
 
