@@ -1,8 +1,11 @@
 /* The component object model where the system brings none: types, texts, variants, error information, and the creation
- * of objects by class. For C and C++; what is declared here lies in libqelcom.so, which hosts and components share.
+ * of objects by class. For C11 and C++17. The functions are in libqelcom.so, which hosts and components share.
  *
  * Every function may be called on any thread; error information belongs to the thread that set it. Results are 0 or
- * positive for success and negative for failure. */
+ * positive for success and negative for failure. The functions on classes, and the members of a component's interfaces,
+ * leave error information when they fail, never that of an older call; only when memory runs out there may be none.
+ * What a caller uses to find out about a failure (QueryInterface, AddRef, Release, ISupportErrorInfo) and the functions
+ * on texts and variants leave the error information as it is. */
 #ifndef QEL_QELCOM_H
 #define QEL_QELCOM_H
 
@@ -46,6 +49,7 @@ typedef struct GUID
 typedef GUID IID;
 typedef GUID CLSID;
 
+/* The results. Each function and member documents which ones it returns and why. */
 #define QEL_RESULT(value) ((HRESULT)(value))
 
 #define S_OK QEL_RESULT(0)
@@ -83,6 +87,7 @@ typedef GUID CLSID;
 
 typedef uint16_t VARTYPE;
 
+/* The types of values. */
 enum
 {
     VT_EMPTY = 0,
@@ -104,7 +109,8 @@ enum
 struct IUnknown;
 struct IDispatch;
 
-/* A value with its type. A member with a "p" belongs to the type together with VT_BYREF. */
+/* A value with its type, which says which member of the union is in use. A member with a "p" belongs to the type
+ * together with VT_BYREF; it points to a value of someone else. Make it empty by VariantInit before its first use. */
 typedef struct VARIANT
 {
     VARTYPE vt;
@@ -136,6 +142,7 @@ typedef struct VARIANT
     };
 } VARIANT;
 
+/* The kinds of a late-bound call. */
 enum
 {
     DISPATCH_METHOD = 1,
@@ -147,7 +154,8 @@ enum
 #define DISPID_UNKNOWN ((DISPID)-1)
 #define DISPID_PROPERTYPUT ((DISPID)-3)
 
-/* The arguments of a late-bound call, the last one first. */
+/* The arguments of a late-bound call: `rgvarg` has `cArgs` values, the last argument first; `rgdispidNamedArgs` has the
+ * numbers of the first `cNamedArgs` of them. */
 typedef struct DISPPARAMS
 {
     VARIANT* rgvarg;
@@ -156,6 +164,7 @@ typedef struct DISPPARAMS
     uint32_t cNamedArgs;
 } DISPPARAMS;
 
+/* A failure of a late-bound member: its result is `scode`, and `wCode` is 0. The caller frees the texts. */
 typedef struct EXCEPINFO
 {
     uint16_t wCode;
@@ -172,8 +181,8 @@ typedef struct EXCEPINFO
 /* ---- Interfaces -------------------------------------------------------------------------------------------------- */
 
 /* An interface is declared once, for both languages. In C an object is a pointer to its table of members, lpVtbl, and
- * each member takes the object first; in C++ it is an abstract class, whose table the compiler lays out alike.
- * Before a declaration QEL_THIS is defined as the interface's name. An object ends by Release, so that its table has no
+ * each member takes the object first; in C++ it is an abstract class, whose table has the same layout.
+ * Before a declaration QEL_THIS is defined as the interface's name. Release destroys an object, so its table has no
  * place for a destructor. */
 /* clang-format off */
 #ifdef __cplusplus
@@ -214,12 +223,16 @@ struct ITypeInfo;
 
 #define QEL_THIS IUnknown
 QEL_ROOT_INTERFACE(IUnknown)
-    /* Gives the object's pointer for an interface, with a reference of its own. E_NOINTERFACE: it has none, and the
-     * pointer is null. Asked for IID_IUnknown an object always gives one and the same pointer. */
+    /* Gives the object's pointer for an interface, with a reference that the caller releases. For IID_IUnknown an
+     * object always gives the same pointer, whichever interface is asked. On any thread.
+     * E_NOINTERFACE: the object has no such interface, and the pointer is null. E_POINTER: one of the two is null. */
 #ifdef __cplusplus
     QEL_MEMBER(QueryInterface, const IID* myInterface, void** theObject)
-    QEL_COUNT_MEMBER(AddRef)  /* one holder more; gives the count, for tests only */
-    QEL_COUNT_MEMBER(Release) /* one holder less; with the last one the object goes */
+    /* Adds a reference. Returns how many there are, for tests only. On any thread. */
+    QEL_COUNT_MEMBER(AddRef)
+    /* Removes a reference; with the last one the object is destroyed. Returns how many are left, for tests only. On any
+     * thread, but the last one on the thread that created the object. */
+    QEL_COUNT_MEMBER(Release)
 #else
     QEL_C_UNKNOWN_MEMBERS
 #endif
@@ -229,26 +242,31 @@ QEL_END_INTERFACE(IUnknown)
 #define QEL_THIS IDispatch
 QEL_INTERFACE(IDispatch, IUnknown)
 #ifdef __cplusplus
-    /* Gives 0: there are no type descriptions. */
+    /* Gives 0: there are no type descriptions. E_POINTER. */
     QEL_MEMBER(GetTypeInfoCount, uint32_t* theCount)
-    /* DISP_E_BADINDEX: there are no type descriptions. */
+    /* Always fails, with null. DISP_E_BADINDEX: there are no type descriptions. E_POINTER. */
     QEL_MEMBER(GetTypeInfo, uint32_t myIndex, uint32_t myLocale, struct ITypeInfo** theInfo)
-    /* The number of a member, by its name without regard to case. Only the first name is a member's; parameters have
-     * no names. `myReserved` is GUID_NULL. DISP_E_UNKNOWNNAME: a name is unknown, and its number is DISPID_UNKNOWN.
-     * DISP_E_UNKNOWNINTERFACE, E_POINTER, E_INVALIDARG: no names at all. */
+    /* Gives the number of a member, by its name without regard to case. `myNames` and `theNumbers` have `myNameCount`
+     * entries; only the first name is a member's, because parameters have no names. `myReserved` is GUID_NULL;
+     * `myLocale` is ignored.
+     * DISP_E_UNKNOWNNAME: a name is unknown, and its number is DISPID_UNKNOWN. DISP_E_UNKNOWNINTERFACE: `myReserved` is
+     * something else. E_INVALIDARG: there is no name. E_POINTER. */
     QEL_MEMBER(GetIDsOfNames, const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t myLocale,
                DISPID* theNumbers)
-    /* Calls a member by its number with variants. Arguments by reference and by value are both taken and converted
-     * where VariantChangeType can; an object is asked for the interface that the member wants. `myFlags` is one of the
-     * kinds above, or METHOD and PROPERTYGET together for either; an object is put with PROPERTYPUT or PROPERTYPUTREF. A
-     * put names its value DISPID_PROPERTYPUT; no other argument is named. A property that is read and put has two slots
-     * and answers to the number of either. `myReserved` is GUID_NULL. `theResult`, `theException` and `theArgument` may
-     * be null.
-     * DISP_E_MEMBERNOTFOUND: no such number, or not of that kind. DISP_E_BADPARAMCOUNT. DISP_E_NONAMEDARGS;
-     * DISP_E_PARAMNOTOPTIONAL: a put without its name. DISP_E_UNKNOWNINTERFACE. DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW,
-     * DISP_E_BADVARTYPE, E_POINTER for a null reference: an argument, whose place in the list is given. These come
-     * before the member is called. DISP_E_EXCEPTION: the member failed; `theException` takes its result and the
-     * thread's error information over, and without it the error information stays. */
+    /* Calls a member by its number with variants. Arguments by reference and by value are both accepted, and
+     * converted where VariantChangeType can; an object is asked for the interface that the member needs. `myFlags`
+     * is one of the kinds above, or METHOD and PROPERTYGET together for either; an object is put with PROPERTYPUT or
+     * PROPERTYPUTREF. A put names its value DISPID_PROPERTYPUT; no other argument is named. A property that is read
+     * and put has two slots and can be called by the number of either. `myReserved` is GUID_NULL; `myLocale` is
+     * ignored. `theResult`, which is overwritten and belongs to the caller, `theException` and `theArgument` may be
+     * null.
+     * Refusals, before the member is called: DISP_E_MEMBERNOTFOUND: no such number, or not of that kind.
+     * DISP_E_BADPARAMCOUNT: too many or too few arguments. DISP_E_NONAMEDARGS: an argument is named.
+     * DISP_E_PARAMNOTOPTIONAL: the value of a put is not named. DISP_E_UNKNOWNINTERFACE: `myReserved` is something
+     * else. E_POINTER: no `myParams`, or no arguments. DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADVARTYPE,
+     * E_POINTER (a null reference): an argument does not fit, and `theArgument` is its index in `rgvarg`.
+     * DISP_E_EXCEPTION: the member failed. `theException` takes its result and the thread's error information; where
+     * it is null, the error information stays in the thread. */
     QEL_MEMBER(Invoke, DISPID myMember, const IID* myReserved, uint32_t myLocale, uint16_t myFlags,
                DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument)
 #else
@@ -257,33 +275,45 @@ QEL_INTERFACE(IDispatch, IUnknown)
 QEL_END_INTERFACE(IDispatch)
 #undef QEL_THIS
 
+/* Creates the objects of one class of a component. On any thread; an object belongs to the thread that created it. */
 #define QEL_THIS IClassFactory
 QEL_INTERFACE(IClassFactory, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    /* Makes an object. `myOuter` must be null: CLASS_E_NOAGGREGATION. */
+    /* Creates an object and gives one of its interfaces. `myOuter` is null. On failure `theObject` is null and nothing
+     * has changed for other objects. CLASS_E_NOAGGREGATION: there is an outer object. E_NOINTERFACE. E_POINTER.
+     * 0x800A0007: there is no memory. */
     QEL_MEMBER(CreateInstance, IUnknown* myOuter, const IID* myInterface, void** theObject)
-    /* Keeps the component loaded (not 0) or lets it go again (0). */
+    /* Keeps the component loaded (not 0) or undoes one such lock (0). Locks belong to the component, not to the
+     * factory. Undoing a lock that is not there has no effect. */
     QEL_MEMBER(LockServer, int32_t myLock)
 QEL_END_INTERFACE(IClassFactory)
 #undef QEL_THIS
 
-/* The reason of the last failure on a thread. The caller frees the texts. */
+/* The reason of the last failure on a thread. The caller frees the texts; one that was not set is null. Each member:
+ * E_POINTER; those that give a text: E_OUTOFMEMORY. On any thread. */
 #define QEL_THIS IErrorInfo
 QEL_INTERFACE(IErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
+    /* The interface that failed; GUID_NULL if that was not set, as in failures of this component. */
     QEL_MEMBER(GetGUID, GUID* theInterface)
+    /* The name of the component, library or program that failed, such as QelPluginAnimation. */
     QEL_MEMBER(GetSource, BSTR* theSource)
+    /* What happened, in words for the user. */
     QEL_MEMBER(GetDescription, BSTR* theDescription)
+    /* The full path of a help file. This component sets none. */
     QEL_MEMBER(GetHelpFile, BSTR* theHelpFile)
+    /* The number of a topic in that file; 0 if that was not set. */
     QEL_MEMBER(GetHelpContext, uint32_t* theContext)
 QEL_END_INTERFACE(IErrorInfo)
 #undef QEL_THIS
 
-/* Fills an error information; an object of CreateErrorInfo answers IErrorInfo as well. Texts are copied. */
+/* Fills in error information. An object of CreateErrorInfo has this interface and IErrorInfo. Texts are zero-terminated
+ * and copied; null removes one. Those that take a text: E_OUTOFMEMORY, and the text before stays. To be called before
+ * SetErrorInfo hands the object over. */
 #define QEL_THIS ICreateErrorInfo
 QEL_INTERFACE(ICreateErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    QEL_MEMBER(SetGUID, const GUID* myInterface)
+    QEL_MEMBER(SetGUID, const GUID* myInterface) /* E_POINTER */
     QEL_MEMBER(SetSource, const char16_t* mySource)
     QEL_MEMBER(SetDescription, const char16_t* myDescription)
     QEL_MEMBER(SetHelpFile, const char16_t* myHelpFile)
@@ -291,10 +321,11 @@ QEL_INTERFACE(ICreateErrorInfo, IUnknown)
 QEL_END_INTERFACE(ICreateErrorInfo)
 #undef QEL_THIS
 
+/* Says for which of its interfaces an object leaves error information. */
 #define QEL_THIS ISupportErrorInfo
 QEL_INTERFACE(ISupportErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    /* S_OK: failures of that interface leave error information. S_FALSE: they do not. */
+    /* S_OK: failed members of that interface leave error information. S_FALSE: they do not. E_POINTER. */
     QEL_MEMBER(InterfaceSupportsErrorInfo, const IID* myInterface)
 QEL_END_INTERFACE(ISupportErrorInfo)
 #undef QEL_THIS
@@ -311,10 +342,10 @@ QEL_CONSTANT IID IID_ISupportErrorInfo = {0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x6
 
 /* ---- Texts ------------------------------------------------------------------------------------------------------- */
 
-/* A BSTR points to UTF-16 units with a zero behind them; the length in bytes stands as a 32-bit number just before.
- * Whoever gets one out of a call frees it; whoever passes one in keeps it. */
+/* A BSTR points to UTF-16 units with a zero after them; their length in bytes is the 32-bit number just before them.
+ * Whoever receives one from a call frees it; whoever passes one in keeps it. */
 
-/* A copy of a zero-terminated text; null for null or without memory. */
+/* A copy of a zero-terminated text; null for null, or without memory. */
 QEL_EXTERN_C QEL_EXPORT BSTR SysAllocString(const char16_t* myText);
 /* A text of `myLength` units, copied from `myText` unless that is null; null without memory. */
 QEL_EXTERN_C QEL_EXPORT BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength);
@@ -325,9 +356,9 @@ QEL_EXTERN_C QEL_EXPORT uint32_t SysStringLen(const char16_t* myText);
 
 /* ---- Variants ---------------------------------------------------------------------------------------------------- */
 
-/* Makes a variant empty without looking at what it held. */
+/* Makes a variant empty. What it held is neither looked at nor freed. Does nothing for null. */
 QEL_EXTERN_C QEL_EXPORT void VariantInit(VARIANT* theVariant);
-/* Frees the text or releases the object that a variant holds by value, and makes it empty. E_POINTER for null;
+/* Frees the text or releases the object that a variant holds by value, and makes the variant empty. E_POINTER for null.
  * DISP_E_BADVARTYPE: a type that is not in the list above, and the variant stays. */
 QEL_EXTERN_C QEL_EXPORT HRESULT VariantClear(VARIANT* theVariant);
 /* Converts a value, by reference or not, to another of the types above, by value; source and target may be the same
@@ -343,14 +374,22 @@ QEL_EXTERN_C QEL_EXPORT HRESULT VariantChangeType(VARIANT* theTarget, const VARI
 
 /* A new, empty error information. E_POINTER, E_OUTOFMEMORY. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CreateErrorInfo(ICreateErrorInfo** theInfo);
-/* Makes it this thread's error information, with a reference of its own; null clears. `myReserved` is 0. */
+/* Makes an object this thread's error information, which holds a reference to it; null removes the one that is there.
+ * `myReserved` is 0. E_INVALIDARG: it is not. E_OUTOFMEMORY. */
 QEL_EXTERN_C QEL_EXPORT HRESULT SetErrorInfo(uint32_t myReserved, IErrorInfo* myInfo);
-/* Takes this thread's error information away. S_FALSE and null: there is none. */
+/* Takes this thread's error information: the caller releases it, and the thread has none any more. `myReserved` is 0.
+ * S_FALSE and null: there is none. E_INVALIDARG: `myReserved` is not 0. E_POINTER. */
 QEL_EXTERN_C QEL_EXPORT HRESULT GetErrorInfo(uint32_t myReserved, IErrorInfo** theInfo);
 
 /* ---- Classes ----------------------------------------------------------------------------------------------------- */
 
-/* A component is a shared object with these four entry points and no others. */
+/* A component is a shared object with these four entry points and no others, each under its name without "Function":
+ * DllRegisterServer writes its classes into the user's class registry, with the path as the component was loaded, and
+ * fails as QelRegisterClass does.
+ * DllUnregisterServer removes them; classes that are not there are no failure. E_ACCESSDENIED.
+ * DllGetClassObject gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
+ * E_NOINTERFACE, E_POINTER; 0x800A0007: there is no memory.
+ * DllCanUnloadNow returns S_OK when no object and no lock is left, else S_FALSE. */
 typedef HRESULT (*DllRegisterServerFunction)(void);
 typedef HRESULT (*DllUnregisterServerFunction)(void);
 typedef HRESULT (*DllGetClassObjectFunction)(const CLSID* myClass, const IID* myInterface, void** theObject);
@@ -360,31 +399,35 @@ typedef HRESULT (*DllCanUnloadNowFunction)(void);
 
 /* The class registry is one small text file per class in the folder qel/classes below $XDG_DATA_HOME (or
  * ~/.local/share), and after it below each folder of $XDG_DATA_DIRS (or /usr/local/share and /usr/share). The first one
- * that names a class counts; folders that are not absolute are passed over. A file is named by its class, in upper
+ * that names a class counts; folders that are not absolute are ignored. A file is named by its class, in upper
  * case: {4FCC59CA-C869-4963-A843-14D7C29AFA23}.class. It has two lines, in UTF-8, and may have others:
  *
  *     ProgID=QelPluginAnimation.Main
  *     Library=/usr/lib/qel/QelPluginAnimation.so
  *
- * A library that is not absolute is meant from the folder of the file, so that a package can be moved as a whole. Files
- * without both lines, above 8,192 bytes or not plain are passed over. */
+ * A path of a library that is not absolute starts at the folder of the file, so that a package can be moved as a whole.
+ * Files without both lines, above 8,192 bytes or not plain are ignored. The functions fail with E_OUTOFMEMORY when
+ * memory runs out; a lookup then says nothing about what is registered. */
 
-/* Writes the user's entry of a class, over one that is there. `myProgID` is its program name, `myLibrary` the
+/* Writes the user's entry of a class and replaces one that is there. `myProgID` is its program name, `myLibrary` the
  * component's absolute path. E_ACCESSDENIED: the folder or file cannot be written. E_INVALIDARG: an empty name, a path
  * that is not absolute, a control character, too long. E_POINTER. */
 QEL_EXTERN_C QEL_EXPORT HRESULT QelRegisterClass(const CLSID* myClass, const char16_t* myProgID, const char* myLibrary);
 /* Removes the user's entry of a class. S_FALSE: there was none. E_ACCESSDENIED, E_POINTER. */
 QEL_EXTERN_C QEL_EXPORT HRESULT QelUnregisterClass(const CLSID* myClass);
 /* The class of a program name, such as QelPluginAnimation.Main, without regard to case.
- * CO_E_CLASSSTRING: not registered. E_POINTER. */
+ * CO_E_CLASSSTRING: it is not registered, and `theClass` is GUID_NULL. E_POINTER. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID* theClass);
-/* Makes an object of a registered class; loads its component if need be. `myOuter` is null (CLASS_E_NOAGGREGATION).
- * REGDB_E_CLASSNOTREG: not registered, or `myContext` is without CLSCTX_INPROC_SERVER. CO_E_DLLNOTFOUND: its component
- * cannot be loaded, and the error information says why. E_POINTER. Else what the component answers. */
+/* Creates an object of a registered class and gives one of its interfaces; loads its component if need be. `myOuter` is
+ * null, and `myContext` is CLSCTX_INPROC_SERVER. On failure `theObject` is null and what was there before is unchanged.
+ * REGDB_E_CLASSNOTREG: the class is not registered, or `myContext` is something else. CO_E_DLLNOTFOUND: its component
+ * cannot be loaded, and the error information says why. CLASS_E_NOAGGREGATION: there is an outer object. E_POINTER.
+ * Otherwise what DllGetClassObject and CreateInstance of the component return. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext,
                                                  const IID* myInterface, void** theObject);
-/* Unloads the components loaded by CoCreateInstance that have no object any more: DllCanUnloadNow gives S_OK. To be
- * called while no other thread is inside a component, not even in its last Release. */
+/* Unloads the components loaded by CoCreateInstance whose DllCanUnloadNow returns S_OK. All that such a component keeps
+ * for its threads goes with it. To be called while no other thread is inside a component, not even in its last
+ * Release. */
 QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
 
 #endif
