@@ -1,5 +1,5 @@
-// The component object model: texts, variants, failures, the class registry, and late binding as far as the component
-// itself, which qelhost check calls late-bound, does not show it.
+// The component object model: texts, variants, failures, the class registry, and the late binding that calls of the
+// component by qelhost check do not reach.
 #include "com/ComHostServices.h"
 #include "com/CountedObject.h"
 #include "com/Failure.h"

@@ -1,7 +1,8 @@
-// The built component, opened through its entry points as a host opens it. What any component has to do is asked by
-// qelhost check; here stands what is true of this one alone.
+// The built component, opened through its entry points as a host opens it. qelhost check tests what every component has
+// to do; these tests are about this one alone.
 #include "com/Bstr.h"
 #include "com/CountedObject.h"
+#include "com/Failure.h"
 #include "com/InterfaceTables.h"
 #include "FailingMemory.h"
 #include "text/encodings.h"
@@ -287,6 +288,42 @@ TEST_F(ComponentTest, LoadedThroughALink_WorksFromItsRealFolderAndRegistersTheLi
     std::ifstream myEntry(myFolder / "data/qel/classes/{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class");
     const std::string myLines((std::istreambuf_iterator<char>(myEntry)), {});
     EXPECT_NE(myLines.find("Library=" + myLink.string() + "\n"), std::string::npos) << myLines;
+}
+
+TEST_F(ComponentTest, RefusedCall_LeavesErrorInformationOfTheComponent)
+{
+    const Component myComponent;
+    const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
+    const auto myFactory = myComponent.Factory();
+    const auto myPlugin = myComponent.Plugin();
+    void* theObject = nullptr;
+    VARIANT_BOOL theAnswer = VARIANT_TRUE;
+    const std::pair<std::function<HRESULT()>, HRESULT> myCases[] = {
+        {[&] { return myClassObject(&IID_IUnknown, &IID_IClassFactory, &theObject); }, CLASS_E_CLASSNOTAVAILABLE},
+        {[&] { return myClassObject(&CLSID_Main, &IID_QelPlugin, &theObject); }, E_NOINTERFACE},
+        {[&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, nullptr); }, E_POINTER},
+        {[&] { return myFactory->CreateInstance(myFactory.Get(), &IID_QelPlugin, &theObject); }, CLASS_E_NOAGGREGATION},
+        {[&] { return myFactory->CreateInstance(nullptr, &IID_QelDatabase, &theObject); }, E_NOINTERFACE},
+        {[&] { return myFactory->CreateInstance(nullptr, &IID_QelPlugin, nullptr); }, E_POINTER},
+        {[&] { return myPlugin->putref_QelThumbnails(nullptr); }, E_POINTER},
+        {[&] { return myPlugin->putref_QelTopic(nullptr); }, E_POINTER},
+        {[&] { return myPlugin->putref_QelDatabase(nullptr); }, E_POINTER},
+        {[&] { return myPlugin->put_Script(nullptr); }, E_POINTER},
+        {[&] { return myPlugin->get_Output(nullptr); }, E_POINTER},
+        {[&] { return myPlugin->CallBack(nullptr, &theAnswer); }, E_POINTER},
+    };
+    for (int i = 0; const auto& [myCall, myResult] : myCases)
+    {
+        SCOPED_TRACE(i++);
+        ReportFailure(E_FAIL, u"older failure");
+        EXPECT_EQ(myCall(), myResult);
+        ComPtr<IErrorInfo> myInfo;
+        ASSERT_EQ(GetErrorInfo(0, myInfo.Receive()), S_OK);
+        Bstr mySource;
+        EXPECT_EQ(myInfo->GetSource(mySource.Pointer()), S_OK);
+        EXPECT_EQ(mySource.Value(), u"QelPluginAnimation");
+    }
+    EXPECT_EQ(theAnswer, VARIANT_FALSE) << "a failed call gives an empty value";
 }
 
 TEST_F(ComponentTest, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)

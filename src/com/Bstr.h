@@ -1,4 +1,4 @@
-/// Texts on their way across the binary interface.
+/// Texts that cross the binary interface.
 #pragma once
 
 #include "com/qelcom.h"
@@ -11,13 +11,13 @@
 namespace qel
 {
 
-/// A copy of a text that came across; null is the empty text. std::bad_alloc.
+/// A copy of a text that was received; null is the empty text. std::bad_alloc.
 inline Text TextOfBstr(const char16_t* myBstr)
 {
     return myBstr == nullptr ? Text() : Text(myBstr, SysStringLen(myBstr));
 }
 
-/// A text to hand out, which the caller frees. std::bad_alloc.
+/// A new text, which the receiver frees. std::bad_alloc.
 inline BSTR NewBstr(TextView myText)
 {
     const bool fits = myText.size() <= std::numeric_limits<uint32_t>::max();
@@ -29,7 +29,7 @@ inline BSTR NewBstr(TextView myText)
     return theBstr;
 }
 
-/// A text that is freed when it goes: one to pass into a call, or the place for one that a call gives out.
+/// Owns a text: one to pass into a call, or the place for one that a call returns. Frees it at the end of its life.
 class Bstr
 {
 public:

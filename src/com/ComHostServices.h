@@ -1,4 +1,4 @@
-/// The host's services over the binary interface. A failed call throws as CallHost does.
+/// The host's services, called through the binary interface. A failed call throws as CallHost does.
 #pragma once
 
 #include "com/Bstr.h"
@@ -10,7 +10,7 @@
 namespace qel
 {
 
-/// A reference to an object of the host, and the reads that its adapters are made of.
+/// A reference to an object of the host, and how its adapters read a member.
 template <class Interface>
 class HostObject
 {
@@ -38,7 +38,7 @@ protected:
     ComPtr<Interface> myHost;
 };
 
-/// The host's build service, held.
+/// Calls the host's build service, and holds a reference to it.
 class ComBuildHelper final : public BuildHelper, public HostObject<QelBuildHelper>
 {
 public:
@@ -55,7 +55,7 @@ public:
     Text ArchiveName() override { return ReadText(&QelBuildHelper::get_ArchiveName); }
 };
 
-/// The host's database, held.
+/// Calls the host's database, and holds a reference to it.
 class ComDatabase final : public Database, public HostObject<QelDatabase>
 {
 public:

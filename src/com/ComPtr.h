@@ -1,4 +1,4 @@
-/// Counted objects, held from C++.
+/// References to counted objects.
 #pragma once
 
 #include "com/qelcom.h"
@@ -13,8 +13,8 @@ namespace qel
 template <class Interface>
 struct UnknownInterface;
 
-/// The identifier of an interface, for those that are asked for by their type. Others do not compile (see
-/// InterfaceTables.h).
+/// The identifier of an interface, by its C++ type. InterfaceTables.h has those of QelHelperInterfaces.h; others do not
+/// compile.
 template <class Interface>
 inline constexpr const IID* InterfaceId = UnknownInterface<Interface>::Id;
 template <>
@@ -38,14 +38,14 @@ inline bool SameId(const GUID& myFirst, const GUID& mySecond) noexcept
 // The analyser does not know that an object lives for as long as it has holders.
 // NOLINTBEGIN(clang-analyzer-cplusplus.NewDelete)
 
-/// A reference to a counted object, or null. Released when it goes; nothing here throws.
+/// A reference to a counted object, or null. It releases the object at the end of its life. Nothing here throws.
 template <class Interface>
 class ComPtr
 {
 public:
     ComPtr() noexcept = default;
 
-    /// Takes a reference of its own.
+    /// Adds a reference of its own.
     explicit ComPtr(Interface* myPointer) noexcept : myObject(myPointer)
     {
         if (myObject != nullptr)
@@ -76,7 +76,7 @@ public:
     Interface* operator->() const noexcept { return myObject; }
     explicit operator bool() const noexcept { return myObject != nullptr; }
 
-    /// The place for a call to put a reference; what was held is released first.
+    /// The place for a reference that a call returns; what was held is released first.
     Interface** Receive() noexcept
     {
         Reset();
@@ -91,7 +91,7 @@ public:
         }
     }
 
-    /// Gives the reference out of hand: whoever takes it releases it.
+    /// Returns the reference without releasing it; the caller releases it.
     Interface* Detach() noexcept { return std::exchange(myObject, nullptr); }
 
     /// The same object's pointer for another interface; null if it has none, or for null.

@@ -12,13 +12,13 @@
 namespace qel
 {
 
-/// What an object inherits for an interface.
+/// The base that an object inherits for an interface.
 template <class Interface>
 using Implementation =
     std::conditional_t<std::derived_from<Interface, IDispatch>, DispatchImplementation<Interface>, Interface>;
 
-/// Gives an object its identity, its count of holders, and late binding for each of its dual interfaces. The members of
-/// the interfaces are left to the class that derives from it; make it with MakeCounted.
+/// Implements QueryInterface, the reference count, and late binding for each dual interface of an object. The derived
+/// class implements the members of the interfaces. Create it with MakeCounted.
 ///
 /// `Default` comes first: it is the object's IUnknown and, if it is a dual interface, its IDispatch.
 template <class Default, class... Others>
@@ -76,7 +76,7 @@ private:
     std::atomic<uint32_t> myHolders = 1;
 };
 
-/// Makes a counted object and holds it. Whatever the constructor throws.
+/// Creates a counted object. Throws what its constructor throws, and std::bad_alloc.
 template <class Object, class... Arguments>
 ComPtr<Object> MakeCounted(Arguments&&... myArguments)
 {

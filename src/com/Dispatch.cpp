@@ -10,7 +10,7 @@ namespace qel
 namespace
 {
 
-/// The flags that a kind of member is called with. A client that puts an object need not know that it goes by
+/// The flags that a kind of member is called with. A client that puts an object need not know that this is done by
 /// reference.
 uint16_t FlagsOf(MemberKind myKind)
 {
@@ -32,7 +32,7 @@ bool IsPut(const DispatchMember& myMember)
     return myMember.Kind == MemberKind::Put || myMember.Kind == MemberKind::PutRef;
 }
 
-/// The member of that number and kind; null if there is none. A property with two slots answers to both numbers.
+/// The member of that number and kind; null if there is none. A property with two slots has both numbers.
 const DispatchMember* FindMember(std::span<const DispatchMember> myMembers, DISPID myNumber, uint16_t myFlags)
 {
     const auto myNamed = std::ranges::find(myMembers, myNumber, &DispatchMember::Number);
@@ -80,7 +80,7 @@ void TakeException(HRESULT myFailure, EXCEPINFO& theException)
     }
 }
 
-/// The variant that another one stands for; null for a null reference.
+/// The variant that an argument refers to, or the argument itself; null for a null reference.
 VARIANT* Referenced(VARIANT& myArgument)
 {
     return myArgument.vt == (VT_BYREF | VT_VARIANT) ? myArgument.pvarVal : &myArgument;

@@ -33,15 +33,15 @@ constexpr bool HasResult(MemberKind myKind)
     return myKind == MemberKind::Function || myKind == MemberKind::Get;
 }
 
-/// One call on its way to a member.
+/// One call of a member.
 struct MemberCall
 {
     void* Object;           ///< the pointer for the member's interface
     VARIANT* Arguments;     ///< the last one first
     uint32_t ArgumentCount; ///< as many as the member takes
     VARIANT* Result;        ///< empty; null for a member without one
-    uint32_t Position;      ///< of the argument that is being taken, in `Arguments`
-    bool Entered;           ///< all arguments are taken, and the member is called
+    uint32_t Position;      ///< index in `Arguments` of the argument that is being read
+    bool Entered;           ///< all arguments fit, and the member is called
 };
 
 /// One row of an interface's table.
@@ -179,7 +179,7 @@ constexpr DispatchMember Member(TextView myName, DISPID myNumber, MemberKind myK
             &Signature::Call};
 }
 
-/// The table of an interface of QelHelperInterfaces.h. Where members share a name, it gives the number of the first.
+/// The table of an interface of QelHelperInterfaces.h; empty for one without members of its own.
 std::span<const DispatchMember> MembersOf(const IID& myInterface) noexcept;
 
 /// IDispatch::GetIDsOfNames over a table.

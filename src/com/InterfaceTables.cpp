@@ -71,7 +71,7 @@ constexpr auto StringSortMembers = std::to_array<DispatchMember>({
     Member<&QelStringSort::Sort>(u"Sort", 5, Procedure),
 });
 
-// The default interface of Main: the members of QelPlugin under their numbers, those of QelInfo behind them.
+// The default interface of Main: the members of QelPlugin under their numbers, those of QelInfo after them.
 constexpr auto MainMembers = []
 {
     std::array<DispatchMember, PluginMembers.size() + InfoMembers.size()> theMembers{};
@@ -91,7 +91,7 @@ struct InterfaceTable
     std::span<const DispatchMember> Members;
 };
 
-// What is not listed has no members of its own.
+// An interface that is not listed has no members of its own.
 constexpr InterfaceTable Tables[] = {
     {&IID_QelPlugin, PluginMembers},
     {&IID_QelInfo, InfoMembers},

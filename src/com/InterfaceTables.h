@@ -1,4 +1,5 @@
-/// The interfaces of QelHelperInterfaces.h by their C++ types. Their tables of members are reached by MembersOf.
+/// The identifiers of the interfaces of QelHelperInterfaces.h by their C++ types. MembersOf has their tables of
+/// members.
 #pragma once
 
 #include "com/ComPtr.h"

@@ -25,5 +25,5 @@ static_assert(offsetof(EXCEPINFO, wCode) == 0 && offsetof(EXCEPINFO, bstrSource)
               offsetof(EXCEPINFO, dwHelpContext) == 32 && offsetof(EXCEPINFO, pvReserved) == 40 &&
               offsetof(EXCEPINFO, pfnDeferredFillIn) == 48 && offsetof(EXCEPINFO, scode) == 56);
 
-// An object is a pointer to its table, and nothing stands before it.
+// An object is a pointer to its table, and nothing comes before it.
 static_assert(sizeof(IUnknown) == sizeof(void*) && sizeof(IDispatch) == sizeof(void*));

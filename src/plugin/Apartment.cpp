@@ -13,7 +13,7 @@ namespace qel
 namespace
 {
 
-/// All apartments, so that their memory goes with the component. A thread that ends leaves its own behind until then.
+/// All apartments, so that their memory is freed with the component. That of a thread that has ended stays until then.
 struct ApartmentList
 {
     std::mutex Lock;

@@ -15,8 +15,8 @@ namespace qel
 class Apartment
 {
 public:
-    /// The apartment of the calling thread, made at the first call on it. It lasts until the component is unloaded, and
-    /// goes without a call into the host.
+    /// The apartment of the calling thread, made at its first call. It lives until the component is unloaded, and is
+    /// destroyed without a call into the host.
     static Apartment& OfThisThread();
 
     Apartment();

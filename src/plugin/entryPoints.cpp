@@ -16,7 +16,7 @@ const char16_t* const ErrorSource = u"QelPluginAnimation";
 namespace
 {
 
-/// A class that can be created from outside.
+/// A class that a host can create.
 struct CreatableClass
 {
     const CLSID* Identifier;
@@ -109,7 +109,7 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllUnregisterServer()
     return theResult;
 }
 
-/// Gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: it is not one of this component's.
+/// Gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
 QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const IID* myInterface, void** theObject)
 {
     if (myClass == nullptr || myInterface == nullptr || theObject == nullptr)

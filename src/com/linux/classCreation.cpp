@@ -24,7 +24,7 @@ struct LibraryCloser
     void operator()(void* myHandle) const noexcept { dlclose(myHandle); }
 };
 
-/// A loaded component; closed when it goes.
+/// A loaded component; unloaded at the end of its life.
 struct Library
 {
     std::unique_ptr<void, LibraryCloser> Handle;

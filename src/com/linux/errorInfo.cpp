@@ -89,7 +89,7 @@ const ThreadSlot& Slot()
     return theSlot;
 }
 
-/// Puts an error information, whose reference is taken over, in place of the one that is given out.
+/// Replaces the thread's error information. The old one goes to `theOld`.
 HRESULT ExchangeErrorInfo(ComPtr<IErrorInfo> myNew, ComPtr<IErrorInfo>& theOld)
 {
     const ThreadSlot& mySlot = Slot();
