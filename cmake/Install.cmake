@@ -17,7 +17,8 @@ endfunction()
 
 target_include_directories(qelcom INTERFACE "$<INSTALL_INTERFACE:${headers}>")
 set_target_properties(qelcom PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-set_target_properties(qelcom QelPluginAnimationWindow qelhostWindow PROPERTIES INSTALL_RPATH "")
+# The same files run in the stage folder, where libqelcom is beside them, and installed.
+set_target_properties(QelPluginAnimation qelhost PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
 install(TARGETS qelcom EXPORT Tesselwind
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT development)
 install(TARGETS QelPluginAnimation qelhost LIBRARY DESTINATION ${QEL_FOLDER} RUNTIME DESTINATION ${QEL_FOLDER})
