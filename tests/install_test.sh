@@ -62,7 +62,7 @@ if [ -z "$(setting QEL_SANITIZE)" ]; then
     build_page "$folder" || fail "the host that the guide's line builds does not run"
     printf '%s\n' 'cmake_minimum_required(VERSION 3.16)' 'project(host C)' 'find_package(Tesselwind 1.0 REQUIRED)' \
         'add_executable(host ../host.c)' 'target_link_libraries(host Tesselwind::qelcom)' >"$folder/site/CMakeLists.txt"
-    "$cmake" -S "$folder/site" -B "$folder/made" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+    "$cmake" -G Ninja -S "$folder/site" -B "$folder/made" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
     "$cmake" --build "$folder/made" >/dev/null
     host="$folder/made/host"
     build_page "$folder" || fail "the host that a CMake project builds does not run"
