@@ -1,48 +1,66 @@
-# Where things lie once installed, and the package. PREFIX/lib/qel is the stage folder as it stands, without the headers;
-# what stands there is found by the component's own path, so that PREFIX can be any folder, and be moved.
-set(documents share/doc/tesselwind)
+# What cmake --install puts where, in three components: `runtime` runs, `window` shows windows and plays tunes on the
+# toolkit, `development` is for building other programs. PREFIX/LIBDIR/qel is the stage folder, without the headers and
+# without libqelcom, which is in LIBDIR. All files find each other by relative paths: PREFIX can be any folder, and be moved.
+include(CMakePackageConfigHelpers)
+set(documents "${CMAKE_INSTALL_DATAROOTDIR}/doc/tesselwind")
+set(headers "${CMAKE_INSTALL_INCLUDEDIR}/qel")
+set(made "${CMAKE_BINARY_DIR}/installed") # files that are made for the installation alone
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
 
-install(TARGETS QelPluginAnimation QelPluginAnimationWindow qelcom qelhost qelhostWindow
-        LIBRARY DESTINATION ${QEL_FOLDER} RUNTIME DESTINATION ${QEL_FOLDER})
+# The folder of the installation TO, relative to its folder FROM. Both may be absolute, as CMAKE_INSTALL_<DIR> may be.
+function(qel_relative result from to)
+  cmake_path(ABSOLUTE_PATH from BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+  cmake_path(ABSOLUTE_PATH to BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+  cmake_path(RELATIVE_PATH to BASE_DIRECTORY "${from}")
+  set(${result} "${to}" PARENT_SCOPE)
+endfunction()
 
-file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/installed")
-file(CREATE_LINK "../${QEL_FOLDER}/qelhost" "${CMAKE_BINARY_DIR}/installed/qelhost" SYMBOLIC)
-install(FILES "${CMAKE_BINARY_DIR}/installed/qelhost" DESTINATION bin)
+target_include_directories(qelcom INTERFACE "$<INSTALL_INTERFACE:${headers}>")
+set_target_properties(qelcom PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+# The same files run in the stage folder, where libqelcom is beside them, and installed.
+set_target_properties(QelPluginAnimation qelhost PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
+install(TARGETS qelcom EXPORT Tesselwind
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT development)
+install(TARGETS QelPluginAnimation qelhost LIBRARY DESTINATION ${QEL_FOLDER} RUNTIME DESTINATION ${QEL_FOLDER})
+install(TARGETS QelPluginAnimationWindow qelhostWindow LIBRARY DESTINATION ${QEL_FOLDER} COMPONENT window)
+install(DIRECTORY designs/QelPluginAnimationDesigns help DESTINATION ${QEL_FOLDER})
+install(FILES designs/QelPluginAnimationLogo.bmp designs/QelPluginAnimationPreview.bmp DESTINATION ${QEL_FOLDER})
 
-# The class files, in the form that qelcom.h tells: whoever has PREFIX/share among the data folders needs no registering.
+qel_relative(folder "${CMAKE_INSTALL_BINDIR}" "${QEL_FOLDER}")
+file(MAKE_DIRECTORY "${made}")
+file(CREATE_LINK "${folder}/qelhost" "${made}/qelhost" SYMBOLIC)
+install(FILES "${made}/qelhost" DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES docs/qelhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+# The class files, in the form that qelcom.h documents: whoever has PREFIX/share among the data folders need not register.
+set(classes "${CMAKE_INSTALL_DATADIR}/qel/classes")
+qel_relative(folder "${classes}" "${QEL_FOLDER}")
 function(qel_class identifier name)
-  set(file "${CMAKE_BINARY_DIR}/installed/{${identifier}}.class")
-  file(CONFIGURE OUTPUT "${file}" CONTENT "ProgID=${name}\nLibrary=../../../${QEL_FOLDER}/QelPluginAnimation.so\n")
-  install(FILES "${file}" DESTINATION share/qel/classes)
+  set(file "${made}/{${identifier}}.class")
+  file(CONFIGURE OUTPUT "${file}" CONTENT "ProgID=${name}\nLibrary=${folder}/QelPluginAnimation.so\n")
+  install(FILES "${file}" DESTINATION ${classes})
 endfunction()
 qel_class(4FCC59CA-C869-4963-A843-14D7C29AFA23 QelPluginAnimation.Main)
 qel_class(AC34163F-A9F3-4932-A75F-284E50AD181B QelPluginAnimation.classStringSort)
 
-# As in the source folder, so that the links of the README hold.
+# In the folders that they have in the sources, so that the links of the README hold.
 install(FILES README.md LICENSE THIRD-PARTY-NOTICES.md DESTINATION ${documents})
 install(FILES designs/LICENSE DESTINATION ${documents}/designs)
-install(DIRECTORY docs DESTINATION ${documents})
-install(FILES LICENSE DESTINATION ${documents} RENAME copyright) # where Debian looks for it
+install(DIRECTORY docs DESTINATION ${documents} PATTERN qelhost.1 EXCLUDE)
 
-# The Debian package: cpack in the build folder.
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME tesselwind)
-set(CPACK_PACKAGE_CONTACT "The Tesselwind authors <authors@tesselwind.invalid>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "page plug-in that lets a graphic drift over a page, with a tune")
-set(CPACK_PACKAGE_DESCRIPTION
-    "The component for desktop web-site builders, with its library of motifs\nand tunes, and qelhost, a small site builder.")
-set(CPACK_STRIP_FILES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION web)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${QEL_STAGE}") # where libqelcom.so stands, which no package has
-# What the windows do without: the synthesiser with its instruments, the toolkit's own texts in Spanish, the font that the
-# dialog is laid out for, and what opens the help.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
-    "libfluidsynth3, timgm6mb-soundfont, qt6-translations-l10n, fonts-dejavu-extra, xdg-utils")
-# CPack would add scripts that call ldconfig, which does not look into this folder, and a removal would leave one behind.
-# Scripts of our own keep it from that, also where, as here, there are none; it warns that it does not find them.
-set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA none/postinst none/postrm)
-include(CPack)
+# For other programs: the headers, tesselwind.pc for pkg-config, and find_package(Tesselwind).
+install(FILES src/com/qelcom.h src/com/QelHelperInterfaces.h DESTINATION ${headers} COMPONENT development)
+set(configurations "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+qel_relative(prefix "${configurations}" "${CMAKE_INSTALL_PREFIX}")
+qel_relative(libdir "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_LIBDIR}")
+qel_relative(includedir "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_INCLUDEDIR}")
+configure_file(cmake/tesselwind.pc.in "${made}/tesselwind.pc" @ONLY)
+install(FILES "${made}/tesselwind.pc" DESTINATION ${configurations} COMPONENT development)
+set(configurations "${CMAKE_INSTALL_LIBDIR}/cmake/Tesselwind")
+install(EXPORT Tesselwind DESTINATION ${configurations} NAMESPACE Tesselwind:: FILE TesselwindConfig.cmake
+        COMPONENT development)
+write_basic_package_version_file("${made}/TesselwindConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${made}/TesselwindConfigVersion.cmake" DESTINATION ${configurations} COMPONENT development)
+
+# cmake -P uninstall.cmake in the build folder takes away what the last cmake --install from there has put.
+configure_file(cmake/uninstall.cmake "${CMAKE_BINARY_DIR}/uninstall.cmake" COPYONLY)

@@ -132,7 +132,7 @@ class EditTest(HostTest):
 
     def test_a_missing_window_for_links_leaves_the_dialog_open(self):
         (self.folder / "bin").mkdir()
-        for name in ("qelhost", "libqelcom.so"):
+        for name in ("qelhost", "libqelcom.so.1"):
             shutil.copy(STAGE / name, self.folder / "bin")
         module = self.add_module("index.html", script(link="URL:old"))
         self.file("steps", "\n".join([*CHANGE_LINK, "MsgBox key Enter", CONFIRM]))

@@ -417,9 +417,9 @@ class CommandLineTest(HostTest):
             self.assertIn("--help", self.host(*arguments, expect=2))
 
     def test_the_component_is_the_one_registered_or_named(self):
-        for name in ("qelhost", "libqelcom.so"):
+        for name in ("qelhost", "libqelcom.so.1"):
             shutil.copy(STAGE / name, self.folder)
-        for options, reason in ([], "--plugin"), (["--plugin", "libqelcom.so"], "not a component"):
+        for options, reason in ([], "--plugin"), (["--plugin", "libqelcom.so.1"], "not a component"):
             self.assertIn(reason, self.host("info", *options, program=self.folder / "qelhost", expect=1, cwd=self.folder))
         component = STAGE / "QelPluginAnimation.so"
         self.host("register", component)

@@ -42,7 +42,7 @@ EntryKind FolderReader::KindOf(const dirent& myEntry) const
 {
     if (myEntry.d_type != DT_LNK && myEntry.d_type != DT_UNKNOWN)
     {
-        return KindOfMode(DTTOIF(myEntry.d_type));
+        return KindOfMode(static_cast<mode_t>(DTTOIF(myEntry.d_type)));
     }
     struct stat myFacts = {};
     return fstatat(Handle(), myEntry.d_name, &myFacts, 0) == 0 ? KindOfMode(myFacts.st_mode) : EntryKind::Other;

@@ -9,6 +9,7 @@
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QStyleOptionFocusRect>
+#include <QTimeZone>
 
 namespace qel
 {
@@ -108,7 +109,12 @@ void ClickLabel::paintEvent(QPaintEvent*)
 DateField::DateField(QWidget* myParent)
     : QWidget(myParent), mySwitch(this), myDay(this), myDate(ToDate(QDate::currentDate()))
 {
-    myDay.setTimeSpec(Qt::UTC); // no day without a midnight
+    // No day is without a midnight.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+    myDay.setTimeZone(QTimeZone::UTC);
+#else
+    myDay.setTimeSpec(Qt::UTC);
+#endif
     myDay.setDateRange(ToToolkitDay(PeriodPickers.First), ToToolkitDay(PeriodPickers.Last));
     myDay.setDisplayFormat(ToToolkit(PeriodPickers.Format));
     myDay.setCalendarPopup(true);
