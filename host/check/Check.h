@@ -43,9 +43,9 @@ enum class Surroundings : uint8_t
 /// One check. It returns when all is well and throws an Outcome otherwise.
 struct Check
 {
-    const char* Name;     ///< such as entry.exports; never changes its meaning
-    const char* Sentence; ///< what holds when it passes
-    void (*Run)(const CheckContext& myContext);
+    const char* Name = nullptr;     ///< such as entry.exports; never changes its meaning
+    const char* Sentence = nullptr; ///< what holds when it passes
+    void (*Run)(const CheckContext& myContext) = nullptr;
     Surroundings Around = Surroundings::Private;
 };
 
