@@ -3,7 +3,7 @@
 /// The program ends with 0 when all went well, 1 when something failed, 2 when the command was not understood.
 
 #include "commands/commands.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 

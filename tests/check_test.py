@@ -21,7 +21,7 @@ REAL = STAGE / "QelPluginAnimation.so"
 # The checks in their order, and what each has to find: faults of the broken component (see broken_component.cpp), or
 # a component that has one.
 FAULTS = {name: faults.split() for name, faults in (entry.strip().split(":") for entry in """
-entry.exports: one_more_export.so; entry.unknown-class: any-class;
+entry.opening: dies-in-opening exits-in-opening; entry.exports: one_more_export.so; entry.unknown-class: any-class;
 entry.unknown-interface: wild-pointer factory-has-no-identity factory-is-anything; entry.null-pointers: no-null-test;
 entry.aggregation: aggregates; entry.unload-count: unloads-any-time lock-fails; entry.registration: stays-registered;
 entry.unloading: last-word; identity.unknown: wrong-identity; identity.query: one-way-query;
@@ -107,6 +107,19 @@ class CheckTest(unittest.TestCase):
         self.assertEqual(self.results(found), {"entry.exports": "passed", "entry.unknown-class": "failed"})
         found = self.check(self.broken(), "--only", "script.initial", "--timeout", "0.5", fault="hangs", expect=1)
         self.assertIn("no end within 0.5 seconds", found["script.initial"]["got"])
+
+    def test_a_component_that_cannot_be_opened_is_one_failure(self):
+        for fault, got in (("dies-in-opening", "signal 11"), ("exits-in-opening", "the process ended by itself with 0"),
+                           ("hangs-in-opening", "no end within 0.5 seconds")):
+            with self.subTest(fault=fault):
+                found = self.check(self.broken(), "--timeout", "0.5", fault=fault, expect=1)
+                self.assertIn(got, found["entry.opening"]["got"])
+                self.assertEqual(self.results(found), {name: "skipped" for name in FAULTS} | {"entry.opening": "failed"})
+                found = self.check(self.broken(), "--only", "late.names", "--timeout", "0.5", fault=fault, expect=1)
+                self.assertEqual(self.results(found), {"entry.opening": "failed", "late.names": "skipped"})
+
+    def test_no_help_names_the_command_that_runs_one_check(self):
+        self.assertNotIn("run-check", self.run_host("--help"))
 
     def test_an_interrupted_run_ends_by_the_signal_and_leaves_nothing(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):

@@ -1,8 +1,8 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
-#include "build/linkWindow.h"
 #include "DialogUser.h"
 #include "site/PageText.h"
+#include "window/linkWindowModule.h"
 
 #include <QAccessible>
 #include <QTreeWidget>
@@ -77,7 +77,7 @@ TEST(LinkChoiceTest, FindsThePresentLinkAndWritesItAgain)
 void Choose(TextView myPresentLink, const char* myResult, std::function<void()> myAction)
 {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    void* const myLibrary = dlopen((std::string(QEL_STAGE) + "/" + LinkWindowFile).c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* const myLibrary = dlopen(QEL_STAGE "/qelhostWindow.so", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(myLibrary, nullptr) << dlerror();
     const auto myEntry = reinterpret_cast<LinkWindowEntry*>(dlsym(myLibrary, LinkWindowEntryName));
     LinkChoice theChoice = OfferedLinks(AllKinds(), myPresentLink);

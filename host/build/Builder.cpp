@@ -1,7 +1,7 @@
 #include "build/Builder.h"
 
-#include "site/Failure.h"
-#include "site/markup.h"
+#include "common/Failure.h"
+#include "common/printable.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 
@@ -100,7 +100,7 @@ void Builder::Report(const Module& myModule, const std::string& myReason)
 {
     ++myResult.Failures;
     ShowProgress("");
-    myMessages << myModule.Page << ", module " << myModule.Id << ": " << Tamed(myReason) << std::endl;
+    myMessages << myModule.Page << ", module " << myModule.Id << ": " << Printable(myReason) << std::endl;
 }
 
 void Builder::ShowProgress(const std::string& myText)

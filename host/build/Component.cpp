@@ -1,13 +1,12 @@
 #include "build/Component.h"
 
 #include "com/Bstr.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
+#include "common/programFiles.h"
 #include "text/encodings.h"
 
 #include <array>
 #include <cstdio>
-
-#include <dlfcn.h>
 
 namespace qel::host
 {
@@ -39,42 +38,45 @@ void Check(HRESULT myResult, const std::string& myWhat)
     }
 }
 
-void* OpenLibrary(const std::filesystem::path& myFile)
+SharedLibrary OpenComponent(const std::filesystem::path& myFile)
 {
-    // A name without a folder would be looked for where the system keeps its libraries.
-    void* theHandle = dlopen(std::filesystem::absolute(myFile).c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (theHandle == nullptr)
+    try
     {
-        throw Failure(std::string("the component cannot be opened: ") + dlerror() +
+        return SharedLibrary(myFile);
+    }
+    catch (const Failure& myFailure)
+    {
+        throw Failure(std::string("the component cannot be opened: ") + myFailure.what() +
                       "; give its file with --plugin, or enter it with qelhost register FILE");
     }
-    return theHandle;
 }
 
 template <class Function>
-Function EntryPoint(void* myLibrary, const char* myName)
+Function EntryPoint(const SharedLibrary& myLibrary, const char* myName)
 {
-    void* const myAddress = dlsym(myLibrary, myName);
-    if (myAddress == nullptr)
+    const auto theFunction = myLibrary.Find<Function>(myName);
+    if (theFunction == nullptr)
     {
         throw Failure(std::string("the file is not a component: it has no ") + myName + "; give another one");
     }
-    return reinterpret_cast<Function>(myAddress);
+    return theFunction;
 }
 
 /// Calls an entry point without arguments in a component's file.
 void CallEntryPoint(const std::filesystem::path& myFile, const char* myName, const std::string& myWhat)
 {
-    const Library myLibrary(OpenLibrary(myFile));
-    Check(EntryPoint<DllRegisterServerFunction>(myLibrary.get(), myName)(), myWhat);
+    const SharedLibrary myLibrary = OpenComponent(myFile);
+    Check(EntryPoint<DllRegisterServerFunction>(myLibrary, myName)(), myWhat);
+}
+
+/// False while something of a component is in use, or when it cannot tell.
+bool CanUnload(const SharedLibrary& myLibrary)
+{
+    const auto myFunction = myLibrary.Find<DllCanUnloadNowFunction>("DllCanUnloadNow");
+    return myFunction != nullptr && myFunction() == S_OK;
 }
 
 } // namespace
-
-void LibraryCloser::operator()(void* theHandle) const
-{
-    dlclose(theHandle);
-}
 
 Component::Component(const std::optional<std::filesystem::path>& myFile)
 {
@@ -87,26 +89,14 @@ Component::Component(const std::optional<std::filesystem::path>& myFile)
         myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
         return;
     }
-    myLibrary.reset(OpenLibrary(myFile ? *myFile : ComponentBesideProgram()));
-    const auto myGetClass = EntryPoint<DllGetClassObjectFunction>(myLibrary.get(), "DllGetClassObject");
+    myLibrary = OpenComponent(myFile ? *myFile : ComponentBesideProgram());
+    const auto myGetClass = EntryPoint<DllGetClassObjectFunction>(myLibrary, "DllGetClassObject");
     void* myObject = nullptr;
     Check(myGetClass(&CLSID_Main, &IID_IClassFactory, &myObject), "the file has no such component");
     const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
     Check(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), "the component cannot be started");
     myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
 }
-
-namespace
-{
-
-/// False while something of a component is in use, or when it cannot tell.
-bool CanUnload(void* myLibrary)
-{
-    const auto myFunction = reinterpret_cast<DllCanUnloadNowFunction>(dlsym(myLibrary, "DllCanUnloadNow"));
-    return myFunction != nullptr && myFunction() == S_OK;
-}
-
-} // namespace
 
 Component::~Component()
 {
@@ -119,9 +109,9 @@ Component::~Component()
     }
     myPlugin.Reset();
     CoFreeUnusedLibraries();
-    if (myLibrary && !CanUnload(myLibrary.get()))
+    if (myLibrary.IsOpen() && !CanUnload(myLibrary))
     {
-        static_cast<void>(myLibrary.release()); // something of it is still in use
+        myLibrary.StayOpen(); // something of it is still in use
     }
 }
 
@@ -183,11 +173,6 @@ void RegisterComponent(const std::filesystem::path& myFile)
 void UnregisterComponent(const std::filesystem::path& myFile)
 {
     CallEntryPoint(myFile, "DllUnregisterServer", "the component cannot be taken out of the registry");
-}
-
-std::filesystem::path ComponentBesideProgram()
-{
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path() / "QelPluginAnimation.so";
 }
 
 } // namespace qel::host

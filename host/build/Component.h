@@ -4,23 +4,15 @@
 #include "build/Services.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
+#include "common/SharedLibrary.h"
 #include "site/Site.h"
 #include "text/text.h"
 
 #include <filesystem>
-#include <memory>
 #include <optional>
 
 namespace qel::host
 {
-
-struct LibraryCloser
-{
-    void operator()(void* theHandle) const;
-};
-
-/// An opened shared object, closed when it goes.
-using Library = std::unique_ptr<void, LibraryCloser>;
 
 /// The plug-in object of the component. Order of calls: Serve, and PutInHand before anything that is about a module.
 ///
@@ -64,7 +56,7 @@ public:
     Text Version() const;
 
 private:
-    Library myLibrary; ///< none when the component came from the class registry
+    SharedLibrary myLibrary; ///< none when the component came from the class registry
     ComPtr<QelPlugin> myPlugin;
     ComPtr<BuildService> myBuildService;
 };
@@ -72,8 +64,5 @@ private:
 /// Enters a component's file in the class registry, or takes it out. Failure: it cannot be opened, or refuses.
 void RegisterComponent(const std::filesystem::path& myFile);
 void UnregisterComponent(const std::filesystem::path& myFile);
-
-/// The component's file beside this program.
-std::filesystem::path ComponentBesideProgram();
 
 } // namespace qel::host

@@ -1,6 +1,6 @@
 #include "build/OutputFolder.h"
 
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/siteFiles.h"
 
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "build/linkWindow.h"
 #include "com/Failure.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 

@@ -1,11 +1,11 @@
 #include "build/linkWindow.h"
 
+#include "common/Failure.h"
+#include "common/programFiles.h"
+#include "common/SharedLibrary.h"
 #include "text/encodings.h"
 #include "text/errors.h"
-
-#include <filesystem>
-
-#include <dlfcn.h>
+#include "window/linkWindowModule.h"
 
 namespace qel::host
 {
@@ -13,19 +13,28 @@ namespace qel::host
 namespace
 {
 
+[[noreturn]] void FailWithoutModule(const std::string& myReason)
+{
+    throw Error{ErrorNumber::FileNotFound, u"qelhost has no window to choose a link in: " + FromUtf8(myReason)};
+}
+
 LinkWindowEntry* LoadEntry()
 {
-    const auto myFile = std::filesystem::read_symlink("/proc/self/exe").parent_path() / LinkWindowFile;
-    // Never closed: the toolkit stays once it is there.
-    void* const myLibrary = dlopen(myFile.c_str(), RTLD_NOW | RTLD_LOCAL);
-    void* const theEntry = myLibrary == nullptr ? nullptr : dlsym(myLibrary, LinkWindowEntryName);
-    if (theEntry == nullptr)
+    try
     {
-        const char* const myReason = dlerror();
-        throw Error{ErrorNumber::FileNotFound,
-                    u"qelhost has no window to choose a link in: " + FromUtf8(myReason == nullptr ? "" : myReason)};
+        SharedLibrary myModule(WindowModuleFile());
+        auto* const theEntry = myModule.Find<LinkWindowEntry*>(LinkWindowEntryName);
+        if (theEntry == nullptr)
+        {
+            FailWithoutModule("the module beside it is of another version");
+        }
+        myModule.StayOpen(); // as the toolkit does once it is there
+        return theEntry;
     }
-    return reinterpret_cast<LinkWindowEntry*>(theEntry);
+    catch (const Failure& myFailure)
+    {
+        FailWithoutModule(myFailure.what());
+    }
 }
 
 } // namespace

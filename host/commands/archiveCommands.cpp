@@ -1,10 +1,10 @@
 #include "archive/classArchive.h"
 #include "commands/commands.h"
+#include "common/Failure.h"
+#include "common/printable.h"
 #include "platform/linux/nativePath.h"
 #include "platform/ListView.h"
-#include "platform/shared/SystemPlatform.h"
-#include "site/Failure.h"
-#include "site/markup.h"
+#include "platform/shared/systemFiles.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 
@@ -58,7 +58,7 @@ std::string FailureOf(const classArchive& myArchive)
     const auto* const myReason =
         std::ranges::find(Reasons, myArchive.FailureNumber(), &std::pair<int32_t, const char*>::first);
     const Text& myName = myArchive.LastName();
-    return (myName.empty() ? "at the archive itself" : "at " + Tamed(ToUtf8(myName))) + ": " +
+    return (myName.empty() ? "at the archive itself" : "at " + Printable(ToUtf8(myName))) + ": " +
            (myReason != std::end(Reasons) ? myReason->second : "the disk has failed");
 }
 
@@ -77,7 +77,7 @@ Text LogicalName(const fs::path& myPath)
     const std::optional<Text> theName = LogicalPath(RealName(myPath).string());
     if (!theName)
     {
-        throw UsageFailure(Tamed(myPath.string()) +
+        throw UsageFailure(Printable(myPath.string()) +
                            " cannot be named to the component: use a path without \"\\\", in UTF-8");
     }
     return *theName;
@@ -105,8 +105,8 @@ public:
         return theFiles;
     }
 
-    std::unique_ptr<SystemPlatform> System = MakeSystemPlatform();
-    classArchive Archive{System->Ports().files};
+    std::unique_ptr<Files> SystemFiles = MakeSystemFiles();
+    classArchive Archive{*SystemFiles};
 
 private:
     fs::path myFile;
@@ -167,7 +167,7 @@ void Pack(const Arguments& myArguments)
         throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
     }
     OpenArchive myArchive(myArguments.File);
-    if (IsInTheWay(LogicalName(myArguments.File), myArchive.System->Ports().files) && !myArguments.Force)
+    if (IsInTheWay(LogicalName(myArguments.File), *myArchive.SystemFiles) && !myArguments.Force)
     {
         throw Failure(myArguments.File.string() + " is there already; --force replaces it");
     }
@@ -177,7 +177,7 @@ void Pack(const Arguments& myArguments)
     myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
     {
         myHasBegun = true;
-        myLine.Show(std::to_string(myPercent) + " % " + Tamed(ToUtf8(myName)));
+        myLine.Show(std::to_string(myPercent) + " % " + Printable(ToUtf8(myName)));
     };
     if (!myArchive.Archive.PackArchive())
     {
@@ -202,7 +202,7 @@ std::string FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder
         }
         if (!myLowerTargets.insert(LowerCase(myTarget)).second)
         {
-            return "the archive holds " + Tamed(ToUtf8(myName)) +
+            return "the archive holds " + Printable(ToUtf8(myName)) +
                    " more than once, without regard to case; --force unpacks them all, and the last one stays";
         }
     }
@@ -213,7 +213,7 @@ void Unpack(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
     const Text myFolder = LogicalName(myArguments.Folder);
-    Files& theFiles = myArchive.System->Ports().files;
+    Files& theFiles = *myArchive.SystemFiles;
     const std::vector<Text> myNames = myArchive.Listed().Names;
     const auto myMemory = theFiles.RememberFolders();
     const std::string myInTheWay = myArguments.Force ? "" : FirstInTheWay(myNames, myFolder, theFiles);
@@ -226,7 +226,7 @@ void Unpack(const Arguments& myArguments)
     myArchive.Archive.BaseFolder(myFolder);
     myArchive.Archive.ProgessUnpack = [&](const Text& myName, bool& /*myCancel*/)
     {
-        myLine.Show(std::to_string(++myCount) + "/" + std::to_string(myNames.size()) + " " + Tamed(ToUtf8(myName)));
+        myLine.Show(std::to_string(++myCount) + "/" + std::to_string(myNames.size()) + " " + Printable(ToUtf8(myName)));
     };
     if (!myArchive.Archive.UnPackArchive())
     {

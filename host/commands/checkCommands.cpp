@@ -1,8 +1,9 @@
-#include "check/Checker.h"
-#include "check/CheckSupport.h"
+#include "check/OpenedComponent.h"
+#include "check/runCheck.h"
 #include "commands/commands.h"
-#include "site/Failure.h"
-#include "site/markup.h"
+#include "common/Failure.h"
+#include "common/printable.h"
+#include "common/programFiles.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -10,8 +11,6 @@
 #include <cstdio>
 #include <iostream>
 #include <vector>
-
-#include <dlfcn.h>
 
 namespace qel::host
 {
@@ -26,16 +25,6 @@ constexpr std::array ResultNames{"passed", "failed", "warned", "skipped"};
 const char* NameOf(CheckResult myResult)
 {
     return ResultNames[static_cast<size_t>(myResult)];
-}
-
-std::vector<Check> AllChecks()
-{
-    std::vector<Check> theChecks;
-    for (const auto myChecks : {EntryChecks(), MemberChecks(), ModuleChecks()})
-    {
-        theChecks.insert(theChecks.end(), myChecks.begin(), myChecks.end());
-    }
-    return theChecks;
 }
 
 std::vector<Check> ChosenChecks(const std::vector<std::string>& myNames)
@@ -53,21 +42,6 @@ std::vector<Check> ChosenChecks(const std::vector<std::string>& myNames)
     return theChecks;
 }
 
-/// Makes an object of the registered class, and ends with the file that its members lie in.
-void FindRegistered(const Trial& /*myTrial*/)
-{
-    CLSID myClass{};
-    void* myObject = nullptr;
-    Dl_info myInfo{};
-    if (SUCCEEDED(CLSIDFromProgID(u"QelPluginAnimation.Main", &myClass)))
-    {
-        ExpectResult("the registered component opens", S_OK,
-                     CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &myObject));
-        Expect("its file is found", dladdr(*static_cast<void**>(myObject), &myInfo) != 0);
-        throw Outcome{CheckResult::Passed, "", myInfo.dli_fname};
-    }
-}
-
 /// The file to check: the one that is named, the registered one, or the one beside this program.
 fs::path FileToCheck(const Arguments& myArguments)
 {
@@ -75,7 +49,7 @@ fs::path FileToCheck(const Arguments& myArguments)
     fs::path theFile = myNamed.value_or("");
     if (!myNamed)
     {
-        const Outcome myFound = RunApart({}, FindRegistered, myArguments.Seconds, false);
+        const Outcome myFound = RunInProcess(FindRegistered, {}, myArguments.Seconds);
         if (myFound.Result != CheckResult::Passed)
         {
             throw Failure("the registered component cannot be opened: " + myFound.Got +
@@ -85,20 +59,22 @@ fs::path FileToCheck(const Arguments& myArguments)
     }
     if (!fs::is_regular_file(theFile))
     {
-        throw Failure("there is no file \"" + Tamed(theFile.string()) + "\" to check");
+        throw Failure("there is no file \"" + Printable(theFile.string()) + "\" to check");
     }
     return fs::absolute(theFile); // as it stands: ".." behind a link does not lead back
 }
 
-/// Fails if the system does not take the file for a shared object, which no check would get beyond.
-void DemandSharedObject(const fs::path& myFile, double mySeconds)
+/// Runs the first check, which no other gets beyond. Fails if the system does not take the file for a shared library at
+/// all.
+Outcome OpenFirst(const Check& myOpening, const fs::path& myFile, double mySeconds)
 {
-    const Outcome myOpening = RunApart(
-        myFile, [](const Trial& myTrial) { OpenedComponent{myTrial}; }, mySeconds);
-    if (myOpening.Expected == OpenedComponent::Opens)
+    Outcome theOutcome = RunInProcess(myOpening, myFile, mySeconds);
+    if (theOutcome.Expected == OpenedComponent::Opens)
     {
-        throw Failure(Tamed(myFile.string()) + " is no shared object that can be opened: " + Tamed(myOpening.Got));
+        throw Failure(Printable(myFile.string()) +
+                      " is no shared object that can be opened: " + Printable(theOutcome.Got));
     }
+    return theOutcome;
 }
 
 std::string Json(std::string_view myText)
@@ -145,8 +121,8 @@ public:
             if (myOutcome.Result != CheckResult::Passed)
             {
                 std::cout << "         Meant:    " << myCheck.Sentence << ".\n"
-                          << "         Expected: " << Tamed(myOutcome.Expected) << "\n"
-                          << "         Got:      " << Tamed(myOutcome.Got) << "\n";
+                          << "         Expected: " << Printable(myOutcome.Expected) << "\n"
+                          << "         Got:      " << Printable(myOutcome.Got) << "\n";
             }
         }
         std::cout.flush();
@@ -199,11 +175,22 @@ void Run(const Arguments& myArguments)
         return;
     }
     const fs::path myFile = FileToCheck(myArguments);
-    DemandSharedObject(myFile, myArguments.Seconds);
+    const Check myOpening = AllChecks().front();
+    const Outcome myFirst = OpenFirst(myOpening, myFile, myArguments.Seconds);
+    const bool myIsOpen = myFirst.Result == CheckResult::Passed;
     Report myReport(myFile, myArguments.Json);
+    if (!myIsOpen || std::string_view(myChecks.front().Name) == myOpening.Name)
+    {
+        myReport.Add(myOpening, myFirst);
+    }
     for (const Check& myCheck : myChecks)
     {
-        myReport.Add(myCheck, RunApart(myFile, myCheck.Run, myArguments.Seconds));
+        if (std::string_view(myCheck.Name) != myOpening.Name)
+        {
+            myReport.Add(myCheck, myIsOpen ? RunInProcess(myCheck, myFile, myArguments.Seconds)
+                                           : Outcome{CheckResult::Skipped, "a component that can be opened",
+                                                     std::string("it fails ") + myOpening.Name});
+        }
     }
     if (!myReport.End())
     {
@@ -229,6 +216,14 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
     myCheck->footer("Each check runs in a process of its own, with private folders, so that a crash is one failed "
                     "check.\nThe program ends with 0 if none failed, else with 1.");
     myCheck->callback([&theArguments] { Run(theArguments); });
+
+    // What the command above starts for each check; no group, so that no help names it.
+    CLI::App* const myRun = theApplication.add_subcommand(RunCheckCommand)->group("");
+    myRun->add_option("NAME", theArguments.Kind)->required();
+    myRun->add_option("FILE", theArguments.File)->required();
+    myRun->add_option("FOLDER", theArguments.Folder)->required();
+    myRun->callback([&theArguments]
+                    { RunCheckCommandLine(theArguments.Kind, theArguments.File, theArguments.Folder); });
 }
 
 } // namespace qel::host

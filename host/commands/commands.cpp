@@ -2,7 +2,9 @@
 
 #include "build/Builder.h"
 #include "build/Component.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
+#include "common/printable.h"
+#include "common/programFiles.h"
 #include "site/markup.h"
 #include "site/Site.h"
 #include "site/UserLock.h"
@@ -77,7 +79,7 @@ void PrintTable(const std::vector<std::vector<std::string>>& myRows)
     {
         for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
         {
-            myWidths[myColumn] = std::max(myWidths[myColumn], WidthOf(Tamed(myRow[myColumn])));
+            myWidths[myColumn] = std::max(myWidths[myColumn], WidthOf(Printable(myRow[myColumn])));
         }
     }
     for (const auto& myRow : myRows)
@@ -85,8 +87,8 @@ void PrintTable(const std::vector<std::vector<std::string>>& myRows)
         std::string myLine;
         for (std::size_t myColumn = 0; myColumn < myRow.size(); ++myColumn)
         {
-            myLine +=
-                Tamed(myRow[myColumn]) + std::string(myWidths[myColumn] - WidthOf(Tamed(myRow[myColumn])) + 2, ' ');
+            myLine += Printable(myRow[myColumn]) +
+                      std::string(myWidths[myColumn] - WidthOf(Printable(myRow[myColumn])) + 2, ' ');
         }
         std::cout << myLine.substr(0, myLine.find_last_not_of(' ') + 1) << "\n";
     }

@@ -1,6 +1,6 @@
 #include "build/Component.h"
 #include "commands/commands.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/markup.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"

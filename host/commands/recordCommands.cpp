@@ -1,5 +1,5 @@
 #include "commands/commands.h"
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/Site.h"
 
 #include <iostream>

@@ -1,6 +1,6 @@
 #include "site/Connection.h"
 
-#include "site/Failure.h"
+#include "common/Failure.h"
 
 #include <sqlite3.h>
 

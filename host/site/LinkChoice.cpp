@@ -1,6 +1,6 @@
 #include "site/LinkChoice.h"
 
-#include "site/markup.h"
+#include "common/printable.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 
@@ -20,7 +20,8 @@ LinkRow RowOf(const Record& myRecord)
 {
     const std::string myName = myRecord.Title.empty() ? "record " + std::to_string(myRecord.Uid) : myRecord.Title;
     const std::string myAddress = HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord);
-    return {myRecord.Uid, FromUtf8(KindName(myRecord.Kind)), FromUtf8(Tamed(myName)), FromUtf8(Tamed(myAddress))};
+    return {myRecord.Uid, FromUtf8(KindName(myRecord.Kind)), FromUtf8(Printable(myName)),
+            FromUtf8(Printable(myAddress))};
 }
 
 std::optional<std::size_t> FindRow(const std::vector<LinkRow>& myRows, TextView myUid)
@@ -53,7 +54,7 @@ LinkChoice OfferedLinks(const std::vector<Record>& myRecords, TextView myPresent
     if (!myPresentLink.empty() && !theOffer.Row && theOffer.Address.empty())
     {
         theOffer.Note =
-            u"The present link, \"" + FromUtf8(Tamed(ToUtf8(Shortened(myPresentLink)))) + u"\", leads nowhere.";
+            u"The present link, \"" + FromUtf8(Printable(ToUtf8(Shortened(myPresentLink)))) + u"\", leads nowhere.";
     }
     else if (theOffer.Rows.empty())
     {

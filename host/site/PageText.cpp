@@ -1,6 +1,6 @@
 #include "site/PageText.h"
 
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "text/encodings.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "site/Records.h"
 
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "text/encodings.h"
 
 #include <array>

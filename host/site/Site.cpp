@@ -1,6 +1,6 @@
 #include "site/Site.h"
 
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/PageText.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"

@@ -1,4 +1,4 @@
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/PageText.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"

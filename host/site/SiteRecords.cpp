@@ -1,4 +1,4 @@
-#include "site/Failure.h"
+#include "common/Failure.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
@@ -30,7 +30,7 @@ const std::string mySelect = "SELECT uid, kind, record.title, coalesce(page.name
 
 std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName) const
 {
-    std::string theName = TameName(mySource.filename().string());
+    std::string theName = SafeFileName(mySource.filename().string());
     const Text myLowerName = LowerCase(FromUtf8(theName));
     if (theName.empty() || IsReserved(myLowerName))
     {

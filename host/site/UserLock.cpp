@@ -1,7 +1,7 @@
 #include "site/UserLock.h"
 
+#include "common/Failure.h"
 #include "platform/linux/temporaryPath.h"
-#include "site/Failure.h"
 
 #include <cerrno>
 #include <cstring>

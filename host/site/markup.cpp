@@ -1,5 +1,7 @@
 #include "site/markup.h"
 
+#include "common/printable.h"
+
 #include <algorithm>
 #include <array>
 
@@ -51,32 +53,7 @@ std::string_view CaptionOf(std::string_view myTag)
     return myRest.substr(0, myRest.find('"'));
 }
 
-/// Appends UTF-8 with a "?" for each control character, line ends aside: those below the blank, the one behind "~", and
-/// the two bytes of those behind it.
-void AppendTamed(std::string& theText, std::string_view myText)
-{
-    for (std::size_t i = 0; i < myText.size(); ++i)
-    {
-        const auto Code = [&](std::size_t myIndex)
-        {
-            return static_cast<unsigned char>(myText[myIndex]);
-        };
-        const bool myIsHigh = Code(i) == 0xC2 && i + 1 < myText.size() && Code(i + 1) >= 0x80 && Code(i + 1) < 0xA0;
-        const bool myIsControl = myIsHigh || (Code(i) < 0x20 && myText[i] != '\n') || Code(i) == 0x7F;
-        theText += myIsControl ? '?' : myText[i];
-        i += myIsHigh ? 1 : 0;
-    }
-}
-
 } // namespace
-
-std::string Tamed(std::string_view myText)
-{
-    std::string theText;
-    AppendTamed(theText, myText);
-    std::replace(theText.begin(), theText.end(), '\n', '?');
-    return theText;
-}
 
 std::string RenderedMarkup(std::string_view myText, bool myWithEscapes)
 {
@@ -88,14 +65,14 @@ std::string RenderedMarkup(std::string_view myText, bool myWithEscapes)
         if (const MarkupWord* const myWord = FindWord(myTag))
         {
             theText += myWithEscapes ? myWord->Escape : myWord->Plain;
-            AppendTamed(theText, CaptionOf(myTag));
+            theText += PrintableLines(CaptionOf(myTag));
             theText += myWord->HasCaption && myWithEscapes ? myEndOfCaption : "";
             myText.remove_prefix(myEnd + 1);
         }
         else
         {
             const std::size_t myNext = myText.find('<', 1);
-            AppendTamed(theText, myText.substr(0, myNext));
+            theText += PrintableLines(myText.substr(0, myNext));
             myText.remove_prefix(myNext == std::string_view::npos ? myText.size() : myNext);
         }
     }

@@ -12,7 +12,4 @@ namespace qel::host
 /// control characters, which could steer the terminal, become "?".
 std::string RenderedMarkup(std::string_view myText, bool myWithEscapes);
 
-/// A name or text of others on one line: every control character becomes "?".
-std::string Tamed(std::string_view myText);
-
 } // namespace qel::host

@@ -1,7 +1,7 @@
 #include "site/siteFiles.h"
 
+#include "common/Failure.h"
 #include "platform/linux/Descriptor.h"
-#include "site/Failure.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -175,7 +175,7 @@ std::string NameProblem(std::string_view myName)
     return {};
 }
 
-std::string TameName(std::string_view myName)
+std::string SafeFileName(std::string_view myName)
 {
     std::string theName = ToUtf8(FromUtf8(myName));
     for (char& myCharacter : theName)

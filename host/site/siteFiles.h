@@ -29,6 +29,6 @@ std::vector<std::string> NamesInFolder(const fs::path& myFolder);
 std::string NameProblem(std::string_view myName);
 
 /// The name with "_" for each character that keeps it from being one.
-std::string TameName(std::string_view myName);
+std::string SafeFileName(std::string_view myName);
 
 } // namespace qel::host

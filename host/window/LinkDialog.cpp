@@ -1,6 +1,6 @@
 #include "window/LinkDialog.h"
 
-#include "platform/linux/window/toolkitText.h"
+#include "platform/linux/toolkit/toolkitText.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>

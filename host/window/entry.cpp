@@ -1,7 +1,7 @@
-/// The entry point of the host's window module (see LinkWindow.h).
-#include "build/linkWindow.h"
-#include "platform/linux/window/Application.h"
+/// The entry point of the host's window module.
+#include "platform/linux/toolkit/Application.h"
 #include "window/LinkDialog.h"
+#include "window/linkWindowModule.h"
 
 #include <QApplication>
 

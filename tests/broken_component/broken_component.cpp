@@ -4,6 +4,7 @@
 // Its objects are stand-ins, with a table of members that call the same slot of the real object with the same
 // arguments, whatever they are: pointers and numbers all travel alike in this system's calling convention.
 #include "com/Bstr.h"
+#include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
 
 #include <algorithm>
@@ -82,9 +83,22 @@ IUnknown* TheHelper = nullptr; ///< the host's, without a reference
 std::mutex TheLock;
 Text TheLastScript;
 
+[[noreturn]] void Hang()
+{
+    if (fork() != 0) // one more that has to go
+    {
+        setpgid(0, getpgid(getppid())); // beyond the reach of what ends its group
+    }
+    for (;;)
+    {
+        pause();
+    }
+}
+
 /// What a single statement does to a call.
 struct Bend
 {
+    static HRESULT HangUp(Call& /*theCall*/) { Hang(); }
     template <HRESULT Result>
     static HRESULT Give(Call& /*theCall*/)
     {
@@ -212,18 +226,6 @@ HRESULT LastScript(Call& theCall)
     return theResult;
 }
 
-HRESULT Hang(Call& /*theCall*/)
-{
-    if (fork() != 0) // one more that has to go
-    {
-        setpgid(0, getpgid(getppid())); // beyond the reach of what ends its group
-    }
-    for (;;)
-    {
-        pause();
-    }
-}
-
 /// Asks the host once more, for any page or for those whose link has no address.
 template <bool ForEmptyLink>
 HRESULT AskTwice(Call& theCall)
@@ -297,7 +299,7 @@ constexpr Fault Faults[] = {
     {"no-summary", &IID_QelPlugin, Member(10), nullptr, u"El control", u"Un control"},
     {"asks-for-empty-link", &IID_QelPlugin, Member(6), AskTwice<true>},
     {"other-link-number", &IID_QelPlugin, Member(19), nullptr, u"\"2010:", u"\"10:"},
-    {"hangs", &IID_QelPlugin, Member(5), Hang},
+    {"hangs", &IID_QelPlugin, Member(5), Bend::HangUp},
 };
 
 bool Chosen(const char* myName)
@@ -391,9 +393,19 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllUnregisterServer()
 
 QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const IID* myInterface, void** theObject)
 {
-    if (Chosen("crash") || (Chosen("no-null-test") && (myClass == nullptr || theObject == nullptr)))
+    const bool myIsNull = myClass == nullptr || theObject == nullptr;
+    const bool myIsKnown = myIsNull || SameId(*myClass, CLSID_Main) || SameId(*myClass, CLSID_classStringSort);
+    if (Chosen("dies-in-opening") || (Chosen("crash") && !myIsKnown) || (Chosen("no-null-test") && myIsNull))
     {
         std::raise(SIGSEGV);
+    }
+    if (Chosen("exits-in-opening"))
+    {
+        _exit(0);
+    }
+    if (Chosen("hangs-in-opening"))
+    {
+        Hang();
     }
     const auto myGetClass = RealEntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
     HRESULT theResult = myGetClass(myClass, myInterface, theObject);

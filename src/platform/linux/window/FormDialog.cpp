@@ -1,7 +1,7 @@
 #include "platform/linux/window/FormDialog.h"
 
+#include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/appearance.h"
-#include "platform/linux/window/toolkitText.h"
 #include "platform/linux/window/widgets.h"
 #include "resources/pictures.h"
 

@@ -1,6 +1,6 @@
 #include "platform/linux/WindowModule.h"
 
-#include "platform/linux/window/Application.h"
+#include "platform/linux/toolkit/Application.h"
 #include "platform/linux/window/dialogs.h"
 #include "platform/linux/window/FormWindow.h"
 #include "platform/linux/window/MultimediaService.h"

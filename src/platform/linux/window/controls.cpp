@@ -1,7 +1,7 @@
 #include "platform/linux/window/controls.h"
 
+#include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/appearance.h"
-#include "platform/linux/window/toolkitText.h"
 #include "platform/PixelPicture.h"
 #include "resources/formLayout.h"
 #include "resources/pictures.h"

@@ -1,9 +1,9 @@
 #include "platform/linux/window/dialogs.h"
 
 #include "platform/linux/nativePath.h"
+#include "platform/linux/toolkit/Application.h"
+#include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/appearance.h"
-#include "platform/linux/window/Application.h"
-#include "platform/linux/window/toolkitText.h"
 #include "resources/stringTable.h"
 
 #include <QComboBox>

@@ -1,6 +1,6 @@
 #include "platform/linux/window/widgets.h"
 
-#include "platform/linux/window/toolkitText.h"
+#include "platform/linux/toolkit/toolkitText.h"
 #include "resources/formLayout.h"
 #include "text/errors.h"
 

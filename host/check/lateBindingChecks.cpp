@@ -1,13 +1,10 @@
-// Checks of every member, through the table of its interface and late-bound.
-#include "check/CheckSupport.h"
-
+// Checks of every member, late-bound.
+#include "check/ServedPlugin.h"
+#include "com/Bstr.h"
 #include "text/encodings.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <map>
-#include <tuple>
 #include <utility>
 
 // What OpenedComponent gives is never null; a check ends where it would be.
@@ -18,190 +15,6 @@ namespace qel::host
 
 namespace
 {
-
-namespace fs = std::filesystem;
-
-constexpr struct
-{
-    TextView Name;
-    TextMember Read;
-    TextView Value;
-} FixedTexts[] = {
-    {u"InitialScript", &QelPlugin::get_InitialScript, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">"},
-    {u"TextFunction", &QelPlugin::get_TextFunction,
-     u"Este plug-in coloca objetos gráficos animados en su sitio web. Si desea obtener más detalles, consulte la "
-     u"<help type=\"plugin\" id=\"100\" caption=\"Ayuda del plug-in\">."},
-    {u"TextRequirementsServer", &QelPlugin::get_TextRequirementsServer,
-     u"Este plug-in no exige <b>ninguna</b> característica especial para el servidor web utilizado."},
-    {u"TextRequirementsClient", &QelPlugin::get_TextRequirementsClient,
-     u"El plug-in requiere que su navegador web sea capaz de ejecutar <b>JavaScript</b>."},
-    {u"TextConfig", &QelPlugin::get_TextConfig,
-     u"Haga clic <callback type=0 icon=1 caption=\"aquí\"> para seleccionar un motivo y una música."},
-    {u"Description", &QelPlugin::get_Description, u"Mueve objetos gráficos animados en su sitio web."},
-    {u"PreviewImageFilename", &QelPlugin::get_PreviewImageFilename, u"QelPluginAnimationPreview.bmp"},
-    {u"LogoFilename", &QelPlugin::get_LogoFilename, u"QelPluginAnimationLogo.bmp"},
-};
-
-void ReadsFixedTexts(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    const auto myPlugin = myComponent.Plugin();
-    for (const auto& myText : FixedTexts)
-    {
-        ExpectText(ToUtf8(myText.Name), myText.Value, Read(*myPlugin.Get(), myText.Read));
-    }
-}
-
-/// Reads a truth value, which may fill its 16 bits and no more.
-void ExpectAnswer(const std::string& myWhat, VARIANT_BOOL myExpected, const std::function<HRESULT(VARIANT_BOOL*)>& Ask)
-{
-    std::array<VARIANT_BOOL, 2> myAnswer{7, 7};
-    ExpectResult(myWhat, S_OK, Ask(myAnswer.data()));
-    ExpectNumber(myWhat, myExpected, myAnswer[0]);
-    ExpectNumber("what lies behind the answer of " + myWhat, 7, myAnswer[1]);
-}
-
-void Answers(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    const auto myPlugin = myComponent.Plugin();
-    ExpectAnswer("IsConfigurable", VARIANT_TRUE,
-                 [&](VARIANT_BOOL* theAnswer) { return myPlugin->get_IsConfigurable(theAnswer); });
-    ExpectAnswer("RequiresPHP", VARIANT_FALSE,
-                 [&](VARIANT_BOOL* theAnswer) { return myPlugin->get_RequiresPHP(theAnswer); });
-    for (int32_t myLink : {1, -1, INT32_MAX, INT32_MIN})
-    {
-        ExpectAnswer("CallBack of " + std::to_string(myLink), VARIANT_FALSE,
-                     [&](VARIANT_BOOL* theAnswer) { return myPlugin->CallBack(&myLink, theAnswer); });
-    }
-    int32_t myTopic = INT32_MAX;
-    ExpectResult("ShowHelp of a topic that is not there", S_OK, myPlugin->ShowHelp(&myTopic));
-    ExpectNumber("the topic after ShowHelp", INT32_MAX, myTopic);
-}
-
-void Version(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    Bstr theText;
-    ExpectResult("Version", S_OK, myComponent.Create<QelInfo>(CLSID_Main)->get_Version(theText.Pointer()));
-    const std::string myVersion = ToUtf8(theText.Value());
-    std::array<unsigned, 3> myParts{};
-    const int myCount = std::sscanf(myVersion.c_str(), "%u.%u.%u", myParts.data(), &myParts[1], &myParts[2]);
-    const std::string myForm =
-        std::to_string(myParts[0]) + "." + std::to_string(myParts[1]) + "." + std::to_string(myParts[2]);
-    if (myCount != 3 || myVersion != myForm)
-    {
-        FailCheck("three numbers without leading zeros, such as 1.0.19", myVersion);
-    }
-}
-
-/// Calls a member with a null pointer for one of its arguments, each in turn; numbers among the others are 1.
-template <class Interface, class... Values>
-void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const std::string& myName)
-{
-    for (size_t i = 0; i < sizeof...(Values); ++i)
-    {
-        std::tuple<Values...> myValues{static_cast<Values>(std::is_same_v<Values, int32_t> ? Values(1) : Values())...};
-        const auto Call = [&]<size_t... Index>(std::index_sequence<Index...> /*unused*/)
-        {
-            return (myObject.*myMember)((Index == i ? nullptr : &std::get<Index>(myValues))...);
-        };
-        ExpectResult(myName + " with a null pointer for argument " + std::to_string(i + 1), E_POINTER,
-                     Call(std::index_sequence_for<Values...>()));
-    }
-}
-
-void NullPointers(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    const auto myHeld = myComponent.Plugin();
-    QelPlugin& myPlugin = *myHeld.Get();
-    for (const auto& myText : TextMembers)
-    {
-        RefuseNull(myPlugin, myText.Read, ToUtf8(myText.Name));
-    }
-    RefuseNull(myPlugin, &QelPlugin::get_IsConfigurable, "IsConfigurable");
-    RefuseNull(myPlugin, &QelPlugin::get_RequiresPHP, "RequiresPHP");
-    RefuseNull(myPlugin, &QelPlugin::CallBack, "CallBack");
-    RefuseNull(myPlugin, &QelPlugin::ShowHelp, "ShowHelp");
-    RefuseNull(myPlugin, &QelPlugin::put_Script, "writing Script");
-    RefuseNull(myPlugin, &QelPlugin::putref_QelThumbnails, "QelThumbnails");
-    RefuseNull(myPlugin, &QelPlugin::putref_QelDatabase, "QelDatabase");
-    RefuseNull(myPlugin, &QelPlugin::putref_QelTopic, "QelTopic");
-    RefuseNull(myPlugin, &QelPlugin::putref_QelBuildHelper, "QelBuildHelper");
-    RefuseNull(*myHeld.Query<QelInfo>().Get(), &QelInfo::get_Version, "Version");
-    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
-    RefuseNull(*mySort.Get(), &QelStringSort::AddValue, "AddValue");
-    RefuseNull(*mySort.Get(), &QelStringSort::get_Value, "Value");
-    RefuseNull(*mySort.Get(), &QelStringSort::get_ValueCount, "ValueCount");
-}
-
-void Bitmaps(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    const auto myPlugin = myComponent.Plugin();
-    for (const TextMember myMember : {&QelPlugin::get_PreviewImageFilename, &QelPlugin::get_LogoFilename})
-    {
-        const Text myName = Read(*myPlugin.Get(), myMember);
-        Expect("a bitmap's name has no folder: " + Shown(myName),
-               !myName.empty() && myName.find_first_of(u"/\\") == Text::npos);
-        const fs::path myFile = myTrial.File.parent_path() / ToUtf8(myName);
-        if (!fs::is_regular_file(myFile))
-        {
-            throw Outcome{CheckResult::Warned, "a file " + myFile.string(), "there is none"};
-        }
-    }
-}
-
-Text ValuesOf(QelStringSort& mySort)
-{
-    int32_t theCount = 0;
-    Text theValues;
-    ExpectResult("ValueCount", S_OK, mySort.get_ValueCount(&theCount));
-    for (int32_t i = 1; i <= theCount; ++i)
-    {
-        Bstr theValue;
-        ExpectResult("Value", S_OK, mySort.get_Value(&i, theValue.Pointer()));
-        theValues += theValue.Value() + u"|";
-    }
-    return theValues;
-}
-
-void StringSort(const Trial& myTrial)
-{
-    const OpenedComponent myComponent(myTrial);
-    const auto myHeld = myComponent.Create<QelStringSort>(CLSID_classStringSort);
-    QelStringSort& mySort = *myHeld.Get();
-    const auto Add = [&](TextView myText)
-    {
-        Bstr myValue(myText);
-        ExpectResult("AddValue", S_OK, mySort.AddValue(myValue.Pointer()));
-    };
-    ExpectResult("Sort of nothing", S_OK, mySort.Sort());
-    for (const TextView myText : {u"b", u"Zebra", u"apple", u"", u"b", u"B"})
-    {
-        Add(myText);
-    }
-    ExpectText("the values before Sort", u"b|Zebra|apple||b|B|", ValuesOf(mySort));
-    ExpectResult("Sort", S_OK, mySort.Sort());
-    ExpectText("the values after Sort", u"|B|Zebra|apple|b|b|", ValuesOf(mySort));
-    Add(u"A");
-    ExpectText("a value added after Sort", u"|B|Zebra|apple|b|b|A|", ValuesOf(mySort));
-    for (int32_t myIndex : {-1, 1000})
-    {
-        BSTR theValue = nullptr; // not freed: it need not be a text
-        ExpectResult("Value " + std::to_string(myIndex), QEL_RESULT(0x800A0009U),
-                     mySort.get_Value(&myIndex, &theValue));
-        Expect("a failed Value gives no text", theValue == nullptr);
-    }
-    BSTR myNull = nullptr;
-    ExpectResult("AddValue of a null text", S_OK, mySort.AddValue(&myNull));
-    ExpectText("an empty text added", u"|B|Zebra|apple|b|b|A||", ValuesOf(mySort));
-    ExpectResult("Clear", S_OK, mySort.Clear());
-    ExpectText("the values after Clear", u"", ValuesOf(mySort));
-}
-
-// ---- Late binding ------------------------------------------------------------------------------------------------
 
 constexpr uint16_t Method = DISPATCH_METHOD;
 constexpr uint16_t Get = DISPATCH_PROPERTYGET;
@@ -269,9 +82,9 @@ void ForEachTable(const OpenedComponent& myComponent, const std::function<void(c
     myOperation({"QelStringSort", *mySort.Get(), SortNames});
 }
 
-void Names(const Trial& myTrial)
+void Names(const CheckContext& myContext)
 {
-    const OpenedComponent myComponent(myTrial);
+    const OpenedComponent myComponent(myContext);
     const auto ExpectNamed = [](const LateObject& myTable, Text myName, HRESULT myResult, DISPID myNumber)
     {
         char16_t* myNames = myName.data();
@@ -357,9 +170,9 @@ std::string NameOfType(VARTYPE myType)
     return myNamed == std::end(myNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
 }
 
-void Kinds(const Trial& myTrial)
+void Kinds(const CheckContext& myContext)
 {
-    const OpenedComponent myComponent(myTrial);
+    const OpenedComponent myComponent(myContext);
     const auto ExpectKinds = [](const LateObject& myTable, const NamedMember& myMember)
     {
         for (const uint16_t myKinds : {Method, Get, Put, PutReference, MethodOrGet})
@@ -476,9 +289,9 @@ void ExpectTable(const LateObject& myTable, const std::map<TextView, LateValue>&
     }
 }
 
-void LateValues(const Trial& myTrial)
+void LateValues(const CheckContext& myContext)
 {
-    const OpenedComponent myComponent(myTrial);
+    const OpenedComponent myComponent(myContext);
     const auto myValues = ValuesOfTables(myComponent);
     ForEachTable(myComponent, [&](const LateObject& myTable) { ExpectTable(myTable, myValues); });
     Bstr myScript(u"<pg.param name=\"link\" value=\"URL:a\">");
@@ -507,9 +320,9 @@ void LateValues(const Trial& myTrial)
     ExpectValue(*mySort.Get(), 3, "QelStringSort.Value", {VT_BSTR, myScript.Value()}, {NumberVariant(1)});
 }
 
-void LateFailures(const Trial& myTrial)
+void LateFailures(const CheckContext& myContext)
 {
-    const OpenedComponent myComponent(myTrial);
+    const OpenedComponent myComponent(myContext);
     const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
     LateCall myOutside;
     myOutside.Arguments = {NumberVariant(1000)};
@@ -545,13 +358,6 @@ void LateFailures(const Trial& myTrial)
 }
 
 constexpr Check Checks[] = {
-    {"members.fixed-texts", "The fixed texts are those of the plug-in, each in its slot", ReadsFixedTexts},
-    {"members.answers", "Truth values are -1 and 0 in 16 bits, and CallBack of another number than 0 gives false",
-     Answers},
-    {"members.version", "The version is three numbers without leading zeros", Version},
-    {"members.null-pointers", "Every member refuses null pointers", NullPointers},
-    {"members.bitmaps", "The two bitmaps are named without a folder and lie beside the component", Bitmaps},
-    {"members.string-sort", "The list of texts keeps its values and sorts them by character code", StringSort},
     {"late.names", "Every member is found by its name, whatever the case, and nothing else is", Names},
     {"late.kinds", "Every member answers to its own kind of call and to no other", Kinds},
     {"late.values", "Late-bound calls take and give the same values in variants of the right type", LateValues},
@@ -560,7 +366,7 @@ constexpr Check Checks[] = {
 
 } // namespace
 
-std::span<const Check> MemberChecks()
+std::span<const Check> LateBindingChecks()
 {
     return Checks;
 }

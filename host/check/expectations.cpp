@@ -1,20 +1,23 @@
-#include "check/CheckSupport.h"
+#include "check/expectations.h"
 
-#include "site/siteFiles.h"
+#include "check/runCheck.h"
+#include "check/system.h"
+#include "com/Bstr.h"
 #include "text/encodings.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-
-#include <dlfcn.h>
-#include <malloc.h>
+#include <fstream>
+#include <iterator>
 
 namespace qel::host
 {
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 constexpr size_t ShownLength = 160;
 
@@ -62,37 +65,10 @@ void ExpectShown(const std::string& myWhat, bool myHolds, const std::string& myE
     NoteStep(myWhat);
 }
 
-std::string FourBytes(size_t myNumber)
-{
-    std::string theBytes;
-    for (int i = 0; i < 4; ++i)
-    {
-        theBytes += static_cast<char>(myNumber >> (8 * i) & 0xFF);
-    }
-    return theBytes;
-}
-
-std::string ArchiveEntry(std::string_view myName, std::string_view myBytes)
-{
-    return FourBytes(myName.size()).append(myName) + FourBytes(myBytes.size()).append(myBytes);
-}
-
-/// The memory that is in use in this process.
-size_t BytesInUse()
-{
-    // A sanitizer's own allocator does not show in the system's figures.
-    using Counter = size_t (*)();
-    static const auto myCounter =
-        reinterpret_cast<Counter>(dlsym(RTLD_DEFAULT, "__sanitizer_get_current_allocated_bytes"));
-    const struct mallinfo2 myMemory = mallinfo2();
-    return myCounter != nullptr ? myCounter() : myMemory.uordblks + myMemory.hblkhd;
-}
-
 /// The open files and the temporary files of this process.
 std::array<int64_t, 2> FilesInUse()
 {
-    return {std::distance(fs::directory_iterator("/proc/self/fd"), {}),
-            std::distance(fs::recursive_directory_iterator(fs::temp_directory_path()), {})};
+    return {OpenFileCount(), std::distance(fs::recursive_directory_iterator(fs::temp_directory_path()), {})};
 }
 
 } // namespace
@@ -162,102 +138,6 @@ FailureTexts::FailureTexts()
     }
 }
 
-OpenedComponent::OpenedComponent(const Trial& myTrial) : myLibrary(dlopen(myTrial.File.c_str(), RTLD_NOW | RTLD_LOCAL))
-{
-    if (!myLibrary)
-    {
-        FailCheck(Opens, dlerror());
-    }
-}
-
-void* OpenedComponent::AddressOf(const char* myName) const
-{
-    void* const theAddress = dlsym(myLibrary.get(), myName);
-    Expect(std::string("the component exports ") + myName, theAddress != nullptr);
-    return theAddress;
-}
-
-ComPtr<IClassFactory> OpenedComponent::Factory(const CLSID& myClass) const
-{
-    void* theFactory = nullptr;
-    ExpectResult("DllGetClassObject", S_OK, ClassObject(&myClass, &IID_IClassFactory, &theFactory));
-    Expect("DllGetClassObject gives an object", theFactory != nullptr);
-    return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
-}
-
-void HostState::Note(const char* myName)
-{
-    Calls.emplace_back(myName);
-    if (Calls.size() == FailingCall)
-    {
-        throw Reason;
-    }
-}
-
-HRESULT CheckedDatabase::SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
-{
-    const bool isRight = myFirst != nullptr && mySecond != nullptr && *myFirst == 0 && *mySecond == 0;
-    return Accept(myUID, [&](const Text& myText)
-                  { myState.Note(isRight && myText == u"4711" ? "SeekUID" : "SeekUID of something else"); });
-}
-
-ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const Trial& myTrial)
-    : Helper(MakeCounted<CheckedHelper>(State)), Database(MakeCounted<CheckedDatabase>(State)),
-      Plugin(myComponent.Plugin())
-{
-    const fs::path& myRoot = myTrial.Folder;
-    State.Root = FromUtf8(myRoot.string()) + u"/";
-    for (const char* myFolder : {"media", "images", "files", "data"})
-    {
-        fs::create_directory(myRoot / myFolder);
-    }
-    WriteWholeFile(myRoot / "data/archivo.dat", "qelarchive1.0" + ArchiveEntry("\\qelspr.gif", PictureBytes()) +
-                                                    ArchiveEntry("\\qelmid.mid", TuneBytes) + FourBytes(0));
-    WriteWholeFile(myRoot / "data/nota.pdf", "paper");
-    QelBuildHelper* myHelper = Helper.Get();
-    QelDatabase* myDatabase = Database.Get();
-    ExpectResult("QelBuildHelper", S_OK, Plugin->putref_QelBuildHelper(&myHelper));
-    ExpectResult("QelDatabase", S_OK, Plugin->putref_QelDatabase(&myDatabase));
-}
-
-ServedPlugin::~ServedPlugin()
-{
-    QelBuildHelper* myNoHelper = nullptr;
-    QelDatabase* myNoDatabase = nullptr;
-    Plugin->putref_QelBuildHelper(&myNoHelper);
-    Plugin->putref_QelDatabase(&myNoDatabase);
-}
-
-Text ServedPlugin::Output(TextView myScript) const
-{
-    ExpectResult("writing Script", S_OK, Write(*Plugin.Get(), myScript));
-    return Read(*Plugin.Get(), &QelPlugin::get_Output);
-}
-
-std::string_view PictureBytes()
-{
-    static constexpr auto myBytes =
-        std::to_array<unsigned char>({0x47, 0x49, 0x46, 0x38, 0x39, 0x61, 0x03, 0x00, 0x02, 0x00, 0x80, 0x00, 0x00,
-                                      0x00, 0x00, 0x00, 0xff, 0xff, 0xff, 0x2c, 0x00, 0x00, 0x00, 0x00, 0x03, 0x00,
-                                      0x02, 0x00, 0x00, 0x02, 0x05, 0x04, 0x41, 0x10, 0x04, 0x51, 0x00, 0x3b});
-    return {reinterpret_cast<const char*>(myBytes.data()), myBytes.size()};
-}
-
-Text Read(QelPlugin& myPlugin, TextMember myMember)
-{
-    Bstr theText;
-    const auto* const myNamed =
-        std::ranges::find_if(TextMembers, [&](const auto& myOne) { return myOne.Read == myMember; });
-    ExpectResult("reading " + ToUtf8(myNamed->Name), S_OK, (myPlugin.*myMember)(theText.Pointer()));
-    return theText.Value();
-}
-
-HRESULT Write(QelPlugin& myPlugin, TextView myScript)
-{
-    Bstr myText(myScript);
-    return myPlugin.put_Script(myText.Pointer());
-}
-
 void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOperation)
 {
     constexpr size_t WarmUp = 20; // tables and caches have their size by then
@@ -268,18 +148,33 @@ void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOp
         myOperation();
     }
     const auto myFirstFiles = FilesInUse(); // takes memory itself
-    const size_t myStart = BytesInUse();
+    const size_t myStart = MemoryInUse();
     for (size_t i = 0; i < Rounds; ++i)
     {
         myOperation();
     }
-    const size_t myEnd = BytesInUse();
+    const size_t myEnd = MemoryInUse();
     const auto myLastFiles = FilesInUse();
     const size_t myGrowth = myEnd > myStart ? myEnd - myStart : 0;
     ExpectShown(myWhat, myGrowth < Rounds * SmallestBlock, "no memory kept",
                 std::to_string(myGrowth) + " bytes after " + std::to_string(Rounds) + " rounds");
     ExpectNumber("open files after " + myWhat, myFirstFiles[0], myLastFiles[0]);
     ExpectNumber("temporary files after " + myWhat, myFirstFiles[1], myLastFiles[1]);
+}
+
+std::string ReadFile(const fs::path& myFile)
+{
+    std::ifstream myStream(myFile, std::ios::binary);
+    Expect("the file " + myFile.filename().string() + " can be read", myStream.is_open());
+    return {std::istreambuf_iterator<char>(myStream), {}};
+}
+
+void WriteFile(const fs::path& myFile, std::string_view myBytes)
+{
+    std::ofstream myStream(myFile, std::ios::binary);
+    myStream.write(myBytes.data(), static_cast<std::streamsize>(myBytes.size()));
+    myStream.close();
+    Expect("the file " + myFile.filename().string() + " can be written", myStream.good());
 }
 
 } // namespace qel::host

@@ -1,0 +1,90 @@
+#include "check/ServedPlugin.h"
+
+#include "text/encodings.h"
+
+#include <array>
+
+namespace qel::host
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+std::string FourBytes(size_t myNumber)
+{
+    std::string theBytes;
+    for (int i = 0; i < 4; ++i)
+    {
+        theBytes += static_cast<char>(myNumber >> (8 * i) & 0xFF);
+    }
+    return theBytes;
+}
+
+std::string ArchiveEntry(std::string_view myName, std::string_view myBytes)
+{
+    return FourBytes(myName.size()).append(myName) + FourBytes(myBytes.size()).append(myBytes);
+}
+
+} // namespace
+
+void HostState::Note(const char* myName)
+{
+    Calls.emplace_back(myName);
+    if (Calls.size() == FailingCall)
+    {
+        throw Reason;
+    }
+}
+
+HRESULT CheckedDatabase::SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
+{
+    const bool isRight = myFirst != nullptr && mySecond != nullptr && *myFirst == 0 && *mySecond == 0;
+    return Accept(myUID, [&](const Text& myText)
+                  { myState.Note(isRight && myText == u"4711" ? "SeekUID" : "SeekUID of something else"); });
+}
+
+ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const CheckContext& myContext)
+    : Helper(MakeCounted<CheckedHelper>(State)), Database(MakeCounted<CheckedDatabase>(State)),
+      Plugin(myComponent.Plugin())
+{
+    const fs::path& myRoot = myContext.Folder;
+    State.Root = FromUtf8(myRoot.string()) + u"/";
+    for (const char* myFolder : {"media", "images", "files", "data"})
+    {
+        fs::create_directory(myRoot / myFolder);
+    }
+    WriteFile(myRoot / "data/archivo.dat", "qelarchive1.0" + ArchiveEntry("\\qelspr.gif", PictureBytes()) +
+                                               ArchiveEntry("\\qelmid.mid", TuneBytes) + FourBytes(0));
+    WriteFile(myRoot / "data/nota.pdf", "paper");
+    QelBuildHelper* myHelper = Helper.Get();
+    QelDatabase* myDatabase = Database.Get();
+    ExpectResult("QelBuildHelper", S_OK, Plugin->putref_QelBuildHelper(&myHelper));
+    ExpectResult("QelDatabase", S_OK, Plugin->putref_QelDatabase(&myDatabase));
+}
+
+ServedPlugin::~ServedPlugin()
+{
+    QelBuildHelper* myNoHelper = nullptr;
+    QelDatabase* myNoDatabase = nullptr;
+    Plugin->putref_QelBuildHelper(&myNoHelper);
+    Plugin->putref_QelDatabase(&myNoDatabase);
+}
+
+Text ServedPlugin::Output(TextView myScript) const
+{
+    ExpectResult("writing Script", S_OK, Write(*Plugin.Get(), myScript));
+    return Read(*Plugin.Get(), &QelPlugin::get_Output);
+}
+
+std::string_view PictureBytes()
+{
+    static constexpr auto myBytes =
+        std::to_array<unsigned char>({0x47, 0x49, 0x46, 0x38, 0x39, 0x61, 0x03, 0x00, 0x02, 0x00, 0x80, 0x00, 0x00,
+                                      0x00, 0x00, 0x00, 0xff, 0xff, 0xff, 0x2c, 0x00, 0x00, 0x00, 0x00, 0x03, 0x00,
+                                      0x02, 0x00, 0x00, 0x02, 0x05, 0x04, 0x41, 0x10, 0x04, 0x51, 0x00, 0x3b});
+    return {reinterpret_cast<const char*>(myBytes.data()), myBytes.size()};
+}
+
+} // namespace qel::host

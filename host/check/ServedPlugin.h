@@ -1,0 +1,121 @@
+/// A host for the checks: its services count what they are asked, and fail when they are told to.
+#pragma once
+
+#include "check/moduleTexts.h"
+#include "check/OpenedComponent.h"
+#include "com/CountedObject.h"
+#include "com/Failure.h"
+
+#include <string>
+#include <vector>
+
+namespace qel::host
+{
+
+/// What the host's objects answer, and what they have been asked.
+struct HostState
+{
+    template <class Value, class Given>
+    HRESULT Tell(const char* myName, Value* theValue, const Given& myGiven)
+    {
+        return Answer(theValue,
+                      [&]
+                      {
+                          Note(myName);
+                          return myGiven;
+                      });
+    }
+    /// Counts a call. Throws the failure if it is this call's turn.
+    void Note(const char* myName);
+
+    Text Root; ///< the folder of the build's and the site's folders; ends in "/"
+    int32_t Instance = 3;
+    int32_t Kind = 5;
+    bool AtEnd = false;
+    std::vector<std::string> Calls;
+    size_t FailingCall = 0; ///< from 1; 0: none
+    Error Reason{};
+};
+
+class CheckedHelper final : public CountedObject<QelBuildHelper>
+{
+public:
+    explicit CheckedHelper(HostState& theState) : myState(theState) {}
+
+    HRESULT get_UniqueName(BSTR* theName) override { return myState.Tell("UniqueName", theName, u"17"); }
+    HRESULT get_InstanceNumber(int32_t* theNumber) override
+    {
+        return myState.Tell("InstanceNumber", theNumber, myState.Instance);
+    }
+    HRESULT get_MediaFolder(BSTR* theFolder) override { return Folder("MediaFolder", theFolder, u"media/"); }
+    HRESULT get_MediaURL(BSTR* theURL) override { return myState.Tell("MediaURL", theURL, u"media/"); }
+    HRESULT get_ImageFolder(BSTR* theFolder) override { return Folder("ImageFolder", theFolder, u"images/"); }
+    HRESULT get_ImageURL(BSTR* theURL) override { return myState.Tell("ImageURL", theURL, u"images/"); }
+    HRESULT get_FileFolder(BSTR* theFolder) override { return Folder("FileFolder", theFolder, u"files/"); }
+    HRESULT get_FileURL(BSTR* theURL) override { return myState.Tell("FileURL", theURL, u"files/"); }
+    HRESULT get_ArchiveName(BSTR* theName) override { return myState.Tell("ArchiveName", theName, u"archivo.dat"); }
+
+private:
+    HRESULT Folder(const char* myName, BSTR* theFolder, TextView myFolder)
+    {
+        return myState.Tell(myName, theFolder, JoinTexts({myState.Root, myFolder}));
+    }
+
+    HostState& myState;
+};
+
+/// Services that a component takes and has no use for.
+class Thumbnails final : public CountedObject<QelThumbnails>
+{
+};
+class Topic final : public CountedObject<QelTopic>
+{
+};
+
+class CheckedDatabase final : public CountedObject<QelDatabase>
+{
+public:
+    explicit CheckedDatabase(HostState& theState) : myState(theState) {}
+
+    HRESULT get_RecordType(int32_t* theType) override { return myState.Tell("RecordType", theType, myState.Kind); }
+    HRESULT get_EOF(VARIANT_BOOL* theEnd) override { return myState.Tell("EOF", theEnd, myState.AtEnd); }
+    HRESULT get_RecordFilename(BSTR* theName) override { return myState.Tell("RecordFilename", theName, u"nota.pdf"); }
+    HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
+    HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, u"otra.html"); }
+    HRESULT get_DataFolder(BSTR* theFolder) override
+    {
+        return myState.Tell("DataFolder", theFolder, JoinTexts({myState.Root, u"data/"}));
+    }
+    HRESULT ChooseLink(BSTR* /*myPresentLink*/, BSTR* theLink) override
+    {
+        return myState.Tell("ChooseLink", theLink, u"URL:x");
+    }
+
+private:
+    HostState& myState;
+};
+
+/// A plug-in object with services, on the thread that makes it. The site holds an archive, archivo.dat, with a picture
+/// of 3 by 2 pixels and a tune, and a file, nota.pdf. The services are taken back when it goes.
+class ServedPlugin
+{
+public:
+    ServedPlugin(const OpenedComponent& myComponent, const CheckContext& myContext);
+    ServedPlugin(const ServedPlugin&) = delete;
+    ServedPlugin& operator=(const ServedPlugin&) = delete;
+    ~ServedPlugin();
+
+    /// Writes a script and reads the page text. Both calls have to succeed.
+    Text Output(TextView myScript) const;
+
+    HostState State;
+    ComPtr<CheckedHelper> Helper;
+    ComPtr<CheckedDatabase> Database;
+    ComPtr<QelPlugin> Plugin;
+};
+
+/// A picture of 3 by 2 pixels, and what stands for a tune.
+std::string_view PictureBytes();
+constexpr std::string_view TuneBytes = "MThd";
+
+} // namespace qel::host

@@ -1,0 +1,147 @@
+// Checks of the rules that every counted object keeps.
+#include "check/moduleTexts.h"
+#include "check/OpenedComponent.h"
+
+namespace qel::host
+{
+
+namespace
+{
+
+struct NamedInterface
+{
+    const IID* Id;
+    const char* Name;
+};
+
+struct ClassInterfaces
+{
+    const CLSID* Class;
+    std::vector<NamedInterface> Interfaces;
+};
+
+/// The creatable classes with what each answers: three general interfaces, then those of the class.
+const ClassInterfaces Classes[] = {
+    {&CLSID_Main,
+     {{&IID_IUnknown, "IUnknown"},
+      {&IID_IDispatch, "IDispatch"},
+      {&IID_ISupportErrorInfo, "ISupportErrorInfo"},
+      {&IID_QelPluginAnimationMain, "QelPluginAnimationMain"},
+      {&IID_QelPlugin, "QelPlugin"},
+      {&IID_QelInfo, "QelInfo"}}},
+    {&CLSID_classStringSort,
+     {{&IID_IUnknown, "IUnknown"},
+      {&IID_IDispatch, "IDispatch"},
+      {&IID_ISupportErrorInfo, "ISupportErrorInfo"},
+      {&IID_QelStringSort, "QelStringSort"}}},
+};
+constexpr size_t GeneralInterfaces = 3;
+
+void OneUnknown(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    for (const auto& [myClass, myInterfaces] : Classes)
+    {
+        const auto myObject = myComponent.Create<IUnknown>(*myClass);
+        for (const auto& [myInterface, myName] : myInterfaces)
+        {
+            const auto myOther =
+                Query(*myObject.Get(), *myInterface, std::string("QueryInterface of IUnknown for ") + myName);
+            Expect(std::string(myName) + " of an object gives the same IUnknown as the others",
+                   Query(*myOther.Get(), IID_IUnknown, "QueryInterface for IUnknown").Get() == myObject.Get());
+        }
+        Expect("two objects are two", myComponent.Create<IUnknown>(*myClass).Get() != myObject.Get());
+    }
+}
+
+void QueryRules(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    for (const auto& [myClass, myInterfaces] : Classes)
+    {
+        const auto myObject = myComponent.Create<IUnknown>(*myClass);
+        for (const auto& [myInterface, myInterfaceName] : myInterfaces)
+        {
+            const std::string myName = myInterfaceName;
+            const auto myFirst = Query(*myObject.Get(), *myInterface, "QueryInterface for " + myName);
+            for (const auto& [myTarget, myTargetName] : myInterfaces)
+            {
+                const auto mySecond =
+                    Query(*myFirst.Get(), *myTarget, "QueryInterface of " + myName + " for " + myTargetName);
+                Query(*mySecond.Get(), *myInterface,
+                      std::string("QueryInterface of ") + myTargetName + " back to " + myName);
+            }
+            void* myNone = &myNone;
+            ExpectResult("QueryInterface of " + myName + " for an unknown one", E_NOINTERFACE,
+                         myFirst->QueryInterface(&UnknownId, &myNone));
+            Expect("a failed QueryInterface gives null", myNone == nullptr);
+            ExpectResult("QueryInterface of " + myName + " without a place", E_POINTER,
+                         myFirst->QueryInterface(&IID_IUnknown, nullptr));
+            ExpectResult("QueryInterface of " + myName + " without an interface", E_POINTER,
+                         myFirst->QueryInterface(nullptr, &myNone));
+        }
+    }
+}
+
+void Counts(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    for (const auto& [myClass, myInterfaces] : Classes)
+    {
+        auto myObject = myComponent.Create<IUnknown>(*myClass);
+        ExpectNumber("AddRef of a new object", 2, myObject->AddRef());
+        ExpectNumber("Release after it", 1, myObject->Release());
+        for (const auto& [myInterface, myName] : myInterfaces)
+        {
+            auto myOther = Query(*myObject.Get(), *myInterface, "QueryInterface");
+            ExpectNumber(std::string("references after QueryInterface for ") + myName, 2, HoldersOf(*myObject.Get()));
+            myOther.Reset();
+            ExpectNumber("references after its Release", 1, HoldersOf(*myObject.Get()));
+        }
+        void* myNone = nullptr;
+        myObject->QueryInterface(&UnknownId, &myNone);
+        ExpectNumber("the last Release", 0, myObject.Detach()->Release());
+        ExpectResult("DllCanUnloadNow after it", S_OK, myComponent.CanUnloadNow());
+    }
+}
+
+void ErrorInfo(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    for (const auto& [myClass, myInterfaces] : Classes)
+    {
+        const auto mySupport = myComponent.Create<ISupportErrorInfo>(*myClass);
+        for (size_t i = 0; i < myInterfaces.size(); ++i)
+        {
+            ExpectResult(std::string("InterfaceSupportsErrorInfo of ") + myInterfaces[i].Name,
+                         i < GeneralInterfaces ? S_FALSE : S_OK,
+                         mySupport->InterfaceSupportsErrorInfo(myInterfaces[i].Id));
+        }
+        ExpectResult("InterfaceSupportsErrorInfo of another's interface", S_FALSE,
+                     mySupport->InterfaceSupportsErrorInfo(&IID_QelDatabase));
+        ExpectResult("InterfaceSupportsErrorInfo of a null pointer", E_POINTER,
+                     mySupport->InterfaceSupportsErrorInfo(nullptr));
+    }
+    const auto myPlugin = myComponent.Plugin();
+    ExpectResult("a date out of range", QEL_RESULT(0x800A0006U),
+                 Write(*myPlugin.Get(), u"<pg.param name=\"from\" value=\"1e9\">"));
+    const FailureTexts myFailure;
+    ExpectText("the source of a failure", u"QelPluginAnimation", myFailure.Source);
+    Expect("a failure has a description", !myFailure.Description.empty());
+}
+
+constexpr Check Checks[] = {
+    {"identity.unknown", "An object has one IUnknown, whichever interface it is asked of", OneUnknown},
+    {"identity.query", "Each interface of an object leads to every other and back, and to no unknown one", QueryRules},
+    {"identity.counts", "References are counted, and the last Release ends the object", Counts},
+    {"identity.error-info", "Failures leave their source and a description, as ISupportErrorInfo says", ErrorInfo},
+};
+
+} // namespace
+
+std::span<const Check> IdentityChecks()
+{
+    return Checks;
+}
+
+} // namespace qel::host

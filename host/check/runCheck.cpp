@@ -1,0 +1,104 @@
+#include "check/runCheck.h"
+
+#include "check/OutcomeFile.h"
+#include "check/system.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+
+namespace qel::host
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr char OutcomeName[] = "outcome";
+constexpr char WorkName[] = "work";
+
+/// The outcome of the check that this process runs; there is one.
+std::unique_ptr<OutcomeFile> TheOutcomeFile;
+
+/// A new folder that goes with all that is in it.
+class PrivateFolder
+{
+public:
+    PrivateFolder() : Path(MakeTemporaryFolder()) {}
+    PrivateFolder(const PrivateFolder&) = delete;
+    PrivateFolder& operator=(const PrivateFolder&) = delete;
+    ~PrivateFolder()
+    {
+        std::error_code myIgnored;
+        fs::remove_all(Path, myIgnored);
+    }
+
+    const fs::path Path;
+};
+
+Outcome RunHere(const Check& myCheck, const CheckContext& myContext)
+{
+    try
+    {
+        fs::create_directory(myContext.Folder);
+        if (myCheck.Around == Surroundings::Private)
+        {
+            IsolateProcess(myContext.Folder);
+        }
+        fs::current_path(myContext.Folder);
+        myCheck.Run(myContext);
+        return {};
+    }
+    catch (const Outcome& myOutcome)
+    {
+        return myOutcome;
+    }
+    catch (const std::exception& myError)
+    {
+        return {CheckResult::Failed, "the check comes to its end", myError.what()};
+    }
+}
+
+} // namespace
+
+Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeconds)
+{
+    const ProgramRunner myRunner; // goes last, so that no signal ends the program before the folder has gone
+    const PrivateFolder myFolder;
+    const auto myStart = Clock::now();
+    const std::string myEnd =
+        myRunner.Run({RunCheckCommand, myCheck.Name, myFile.string(), myFolder.Path.string()}, mySeconds);
+    const OutcomeContent myContent = ReadOutcomeFile(myFolder.Path / OutcomeName);
+    Outcome theOutcome = myContent.Result.value_or(
+        Outcome{CheckResult::Failed, "the check comes to its end",
+                myEnd + (myContent.LastStep.empty() ? "" : "; the last that went well: " + myContent.LastStep)});
+    theOutcome.Seconds = std::chrono::duration<double>(Clock::now() - myStart).count();
+    return theOutcome;
+}
+
+void RunCheckCommandLine(const std::string& myName, const fs::path& myFile, const fs::path& myFolder)
+{
+    EndWithRunner();
+    std::vector<Check> myChecks = AllChecks();
+    myChecks.push_back(FindRegistered);
+    const auto myCheck = std::ranges::find(myChecks, myName, &Check::Name);
+    if (myCheck != myChecks.end())
+    {
+        TheOutcomeFile = std::make_unique<OutcomeFile>(myFolder / OutcomeName);
+        TheOutcomeFile->Write(RunHere(*myCheck, {myFile, myFolder / WorkName}));
+    }
+    std::_Exit(0); // what a component has left to do at the end is no part of the check
+}
+
+void NoteStep(const std::string& myStep)
+{
+    if (TheOutcomeFile)
+    {
+        TheOutcomeFile->NoteStep(myStep);
+    }
+}
+
+} // namespace qel::host

@@ -1,0 +1,43 @@
+/// Shared libraries that the program opens while it runs.
+#pragma once
+
+#include <filesystem>
+
+namespace qel::host
+{
+
+/// An open shared library, or none. It is closed when the object goes.
+class SharedLibrary
+{
+public:
+    SharedLibrary() = default;
+    /// Opens this file and no other of that name. Failure: the system cannot open it; the text is the system's reason.
+    explicit SharedLibrary(const std::filesystem::path& myFile);
+    SharedLibrary(const SharedLibrary&) = delete;
+    SharedLibrary& operator=(const SharedLibrary&) = delete;
+    SharedLibrary(SharedLibrary&& myOther) noexcept;
+    SharedLibrary& operator=(SharedLibrary&& myOther) noexcept;
+    ~SharedLibrary();
+
+    bool IsOpen() const { return myHandle != nullptr; }
+
+    /// Leaves the library open to the end of the process.
+    void StayOpen() { myHandle = nullptr; }
+
+    /// What the library exports under a name; null if there is nothing.
+    template <class Function>
+    Function Find(const char* myName) const
+    {
+        return reinterpret_cast<Function>(AddressOf(myName));
+    }
+
+private:
+    void* AddressOf(const char* myName) const;
+
+    void* myHandle = nullptr; ///< the system's
+};
+
+/// The file of the library or program that holds an address; empty if there is none.
+std::filesystem::path FileOfAddress(const void* myAddress);
+
+} // namespace qel::host

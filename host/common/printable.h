@@ -1,0 +1,16 @@
+/// Texts of others, made safe to show.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qel::host
+{
+
+/// The text with "?" for every control character, which could steer the terminal. Line ends stay.
+std::string PrintableLines(std::string_view myText);
+
+/// The same on one line: line ends become "?" too.
+std::string Printable(std::string_view myText);
+
+} // namespace qel::host

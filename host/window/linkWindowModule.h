@@ -1,0 +1,17 @@
+/// Between the program and its window module, which are made in one build.
+#pragma once
+
+#include "site/LinkChoice.h"
+
+namespace qel::host
+{
+
+/// The module's one entry point. It shows what is offered in a modal window until the author closes it. True: it was
+/// confirmed, and `theChoice` says with what. False: it was cancelled, and `theChoice` is as it was. On the thread that
+/// shows the program's windows. Error 57: there is no display. 5: another thread shows the windows.
+using LinkWindowEntry = bool(LinkChoice& theChoice);
+
+/// The number changes with LinkChoice.
+inline constexpr char LinkWindowEntryName[] = "QelhostShowLinkWindow1";
+
+} // namespace qel::host
