@@ -101,11 +101,12 @@ void PrintOrSetScript(const Arguments& myArguments)
 void PrintSummary(const Component& myComponent)
 {
     const bool myWithEscapes = WantsEscapes();
-    std::cout << RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) << "\n";
+    std::string mySummary = RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) + "\n";
     if (const Text myReason = myComponent.ErrorText(); !myReason.empty())
     {
-        std::cout << RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) << "\n";
+        mySummary += RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) + "\n";
     }
+    std::cout << mySummary;
 }
 
 void Show(const Arguments& myArguments)
@@ -148,12 +149,17 @@ void Edit(const Arguments& myArguments)
 void List(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"MODULE", "PAGE", "PLACE", "POSITION"}};
+    std::vector<JsonMembers> myObjects;
     for (const Module& myModule : Site(myArguments.Site).Modules())
     {
+        myObjects.push_back({{"module", myModule.Id},
+                             {"page", myModule.Page},
+                             {"place", myModule.Place},
+                             {"position", myModule.Position}});
         myRows.push_back({std::to_string(myModule.Id), myModule.Page, myModule.Place.empty() ? "-" : myModule.Place,
                           std::to_string(myModule.Position)});
     }
-    PrintTable(myRows);
+    PrintList(myRows, myObjects, myArguments);
 }
 
 } // namespace
@@ -228,8 +234,7 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
 
     AddModuleCommand("show", "Tells what a module will do")->callback([&theArguments] { Show(theArguments); });
 
-    AddSiteCommand(*myGroup, "list", "Lists the modules", theArguments)
-        ->callback([&theArguments] { List(theArguments); });
+    AddListCommand(*myGroup, "Lists the modules", theArguments)->callback([&theArguments] { List(theArguments); });
 }
 
 } // namespace qel::host
