@@ -2,13 +2,17 @@
 ///
 /// The program ends with 0 when all went well, 1 when something failed, 2 when the command was not understood.
 
+#include "commands/commandNames.h"
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "common/printable.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 
 #include <exception>
+#include <filesystem>
 #include <iostream>
+#include <new>
 
 namespace
 {
@@ -21,13 +25,6 @@ constexpr int myMisused = 2;
 int Run(int myCount, char** myTexts)
 {
     CLI::App myApplication("Makes small web sites whose pages hold animation modules, and builds them.", "qelhost");
-    myApplication.footer("A first site:\n"
-                         "  qelhost init mysite --title \"My site\"\n"
-                         "  qelhost page add mysite index.html\n"
-                         "  qelhost module add mysite index.html\n"
-                         "  qelhost module edit mysite 1\n"
-                         "  qelhost build mysite\n"
-                         "qelhost COMMAND --help tells more about a command.");
     myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);
     myApplication.require_subcommand(1);
     myApplication.fallthrough();
@@ -43,6 +40,15 @@ int Run(int myCount, char** myTexts)
     AddArchiveCommands(myApplication, myArguments);
     AddComponentCommands(myApplication, myArguments);
     AddCheckCommands(myApplication, myArguments);
+    // Only now, since commands inherit the footer that stands when they are added.
+    myApplication.footer("A first site:\n"
+                         "  qelhost init mysite --title \"My site\"\n"
+                         "  qelhost page add mysite index.html\n"
+                         "  qelhost module add mysite index.html\n"
+                         "  qelhost module edit mysite 1\n"
+                         "  qelhost preview mysite\n"
+                         "qelhost COMMAND --help tells more about a command.");
+    DemandKnownCommands(myApplication, myCount, myTexts);
     try
     {
         myApplication.parse(myCount, myTexts);
@@ -80,6 +86,14 @@ int main(int myCount, char** myTexts)
     catch (const qel::Error& myError)
     {
         return Fail(qel::ToUtf8(myError.Description), myFailed);
+    }
+    catch (const std::filesystem::filesystem_error& myError)
+    {
+        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + myError.code().message(), myFailed);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return Fail("there is not enough memory", myFailed);
     }
     catch (const std::exception& myError)
     {

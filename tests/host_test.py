@@ -4,6 +4,7 @@
 """
 import contextlib
 import fcntl
+import json
 import os
 import pty
 import re
@@ -59,6 +60,7 @@ class HostTest(unittest.TestCase):
 
     def file(self, name, content=b""):
         path = self.folder / name
+        path.parent.mkdir(exist_ok=True)
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
         return path
 
@@ -283,6 +285,37 @@ class SiteTest(HostTest):
         self.host("page", "remove", self.site, "a.html", "--with-modules")
         self.assertEqual((self.rows("module"), list((self.site / "data").iterdir())), ([], []))
 
+    def test_pages_and_sites_are_shown_and_renamed(self):
+        self.make_site("a.html", "b.html")
+        content = "<p>ñ\r\n<!-- qel:title -->"
+        self.host("page", "set", self.site, "a.html", self.file("p", content))
+        self.assertEqual(self.host("page", "show", self.site, "a.html", text=False), content.encode())
+        record = self.add_record("--kind", "page", "--page", "a.html")
+        self.add_module("b.html", script(link=record))
+        self.assertIn("has a page", self.host("page", "set", self.site, "a.html", "--name", "B.html", expect=1))
+        self.host("page", "set", self.site, "a.html", "--name", "A.html", "--title", "T")
+        self.host("site", "set", self.site, "--title", "Título")
+        self.host("build", self.site)
+        self.assertEqual(self.rows("page"), ["1 A.html 0 T", "2 b.html 1 b"])
+        self.assertEqual(self.page("A.html"), content.replace("<!-- qel:title -->", "Título"))
+        self.assertFalse((self.site / "build" / "a.html").exists())
+        self.assertIn('href="A.html"', self.page("b.html"))
+        for wrong in (["page", "set", self.site, "A.html"], ["site", "set", self.site]):
+            self.assertIn("nothing to change", self.host(*wrong, expect=2))
+
+    def test_references_that_lead_to_nothing_are_told(self):
+        self.make_site("otra.html")
+        (self.site / "static" / "img").mkdir(parents=True)
+        (self.site / "static" / "img" / "a b.png").write_bytes(b"")
+        there = ('<a href="otra.html#x">', '<img SRC = img/a%20b.png?v=1>', "<a href='https://x/y.css'>", '<a href="#top">',
+                 '<a href="mailto:a@b">', '<img src="/abs.png">', '<img src="images/qelspr1.gif">', '<a name="href=no.png">',
+                 '<!-- <img src="no.png"> -->', '<script>"<img src=no.png>"</script>', '<a href="">', '<p>href="no.png"')
+        missing = {'<link rel=x href="./estilo.css">': "./estilo.css", '<img src="../x.png">': "../x.png",
+                   '<img alt=">" src="&amp;&#39;.gif"': "&'.gif", "<script src=a.js></script>": "a.js"}
+        run = subprocess.run([STAGE / "qelhost", "page", "add", self.site, "-", "--name", "p.html"], text=True,
+                             input="".join([*there, *missing]), capture_output=True, env=self.environment)
+        self.assertEqual(re.findall(r'p\.html refers to "(.*?)", which', run.stderr), list(missing.values()))
+
     def test_names_that_would_do_harm_are_refused(self):
         self.make_site("index.html")
         for name in ("../x.html", "a/b.html", "..html", ".x.html", "a\\b.html", "a%3.html", "a#.html", "x.txt", "a\n.html",
@@ -411,6 +444,50 @@ class ArchiveTest(HostTest):
 
 
 class CommandLineTest(HostTest):
+    def test_unknown_commands_are_named_and_the_nearest_suggested(self):
+        for arguments, text in ((["biuld", "x"], '"biuld"; did you mean "build"? qelhost --help'),
+                                (["--plugin", "x", "page", "lsit"], '"page lsit"; did you mean "page list"? qelhost page --help'),
+                                (["zzzzzzzz"], '"zzzzzzzz"; qelhost --help')):
+            self.assertIn(f"there is no command {text}", self.host(*arguments, expect=2))
+
+    def test_the_first_site_is_in_the_main_help_alone(self):
+        self.assertIn("A first site:", self.host("--help"))
+        self.assertNotIn("A first site:", self.host("page", "--help") + self.host("page", "list", "--help"))
+
+    def test_lists_and_results_can_be_json(self):
+        self.host("init", self.site)
+        self.add_page('Año.html', PAGE)
+        self.host("page", "set", self.site, "Año.html", "--title", 'a "b"\\\t\n')
+        self.add_module("Año.html", script())
+        self.add_record("--kind", "mail", "--address", "a@b.c")
+        expected = {"page": [{"position": 1, "page": "Año.html", "modules": 1, "title": 'a "b"\\\t\n'}],
+                    "module": [{"module": 1, "page": "Año.html", "place": "", "position": 1}],
+                    "record": [{"uid": 1, "kind": "mail", "leadsTo": "mailto:a@b.c", "title": ""}]}
+        self.assertEqual({group: json.loads(self.host(group, "list", self.site, "--json")) for group in expected}, expected)
+        self.assertEqual(json.loads(self.host("build", self.site, "--json")),
+                         {"pages": 1, "modules": 1, "failed": 0, "folder": str(self.site.resolve() / "build")})
+
+    def test_nothing_is_printed_before_a_command_has_succeeded(self):
+        self.make_site()
+        run = subprocess.run([STAGE / "qelhost", "record", "add", self.site, "--kind", "file", "--file", "none"],
+                             capture_output=True, env=self.environment)
+        self.assertEqual((run.returncode, run.stdout), (1, b""))
+
+    def test_preview_builds_and_opens_a_page(self):
+        self.make_site("a.html", "b.html")
+        opened = self.folder / "opened"
+        opener = self.file("bin/xdg-open", f'#!/bin/sh\nprintf %s "$1" >"{opened}.new"; mv "{opened}.new" "{opened}"\n')
+        opener.chmod(0o755)
+        self.environment["PATH"] = f"{opener.parent}:{self.environment['PATH']}"
+        for options, page in ([], "a.html"), (["b.html"], "b.html"):
+            shown = self.host("preview", self.site, *options).strip()
+            while not opened.exists():
+                pass
+            self.assertEqual((opened.read_text(), Path(shown)), (shown, self.site.resolve() / "build" / page))
+            opened.unlink()
+        self.environment["PATH"] = "/nowhere"
+        self.assertIn("open " + shown + " yourself", self.host("preview", self.site, "b.html", expect=1))
+
     def test_misuse_ends_with_2_and_points_to_the_help(self):
         for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],
                           ["module", "move", "site", "one", "1"]):

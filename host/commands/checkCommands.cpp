@@ -77,28 +77,13 @@ Outcome OpenFirst(const Check& myOpening, const fs::path& myFile, double mySecon
     return theOutcome;
 }
 
-std::string Json(std::string_view myText)
-{
-    std::string theText = "\"";
-    for (const char myByte : ToUtf8(FromUtf8(myText))) // names of files need not be valid
-    {
-        std::array<char, 8> myEscape{};
-        std::snprintf(myEscape.data(), myEscape.size(), "\\u%04x", static_cast<unsigned char>(myByte));
-        const bool isControl = static_cast<unsigned char>(myByte) < 0x20;
-        theText += myByte == '"' || myByte == '\\' ? std::string{'\\', myByte}
-                   : isControl                     ? myEscape.data()
-                                                   : std::string(1, myByte);
-    }
-    return theText + '"';
-}
-
 /// Writes what comes out, one check after the other.
 class Report
 {
 public:
     Report(const fs::path& myFile, bool myIsJson) : myJson(myIsJson)
     {
-        std::cout << (myJson ? "{\"component\": " + Json(myFile.string()) + ", \"checks\": [" : "");
+        std::cout << (myJson ? "{\"component\": " + JsonText(myFile.string()) + ", \"checks\": [" : "");
     }
 
     void Add(const Check& myCheck, const Outcome& myOutcome)
@@ -107,10 +92,10 @@ public:
         std::snprintf(mySeconds.data(), mySeconds.size(), "%.3f", myOutcome.Seconds);
         if (myJson)
         {
-            std::cout << (myCount == 0 ? "\n" : ",\n") << "{\"name\": " << Json(myCheck.Name)
-                      << ", \"sentence\": " << Json(myCheck.Sentence)
-                      << ", \"result\": " << Json(NameOf(myOutcome.Result))
-                      << ", \"expected\": " << Json(myOutcome.Expected) << ", \"got\": " << Json(myOutcome.Got)
+            std::cout << (myCount == 0 ? "\n" : ",\n") << "{\"name\": " << JsonText(myCheck.Name)
+                      << ", \"sentence\": " << JsonText(myCheck.Sentence)
+                      << ", \"result\": " << JsonText(NameOf(myOutcome.Result))
+                      << ", \"expected\": " << JsonText(myOutcome.Expected) << ", \"got\": " << JsonText(myOutcome.Got)
                       << ", \"seconds\": " << mySeconds.data() << "}";
         }
         else
@@ -136,7 +121,7 @@ public:
         std::cout << (myJson ? "\n]" : "Checks: " + std::to_string(myCount));
         for (size_t i = 0; i < ResultNames.size(); ++i)
         {
-            std::cout << ", " << (myJson ? Json(ResultNames[i]) : ResultNames[i]) << ": " << myCounts[i];
+            std::cout << ", " << (myJson ? JsonText(ResultNames[i]) : ResultNames[i]) << ": " << myCounts[i];
         }
         std::cout << (myJson ? "}\n" : ".\n");
         return myCounts[static_cast<size_t>(CheckResult::Failed)] == 0;
@@ -155,8 +140,8 @@ void List(const std::vector<Check>& myChecks, bool myIsJson)
     for (const Check& myCheck : myChecks)
     {
         myRows.push_back({myCheck.Name, myCheck.Sentence});
-        myItems += std::string(myItems.empty() ? "\n" : ",\n") + "{\"name\": " + Json(myCheck.Name) +
-                   ", \"sentence\": " + Json(myCheck.Sentence) + "}";
+        myItems += std::string(myItems.empty() ? "\n" : ",\n") + "{\"name\": " + JsonText(myCheck.Name) +
+                   ", \"sentence\": " + JsonText(myCheck.Sentence) + "}";
     }
     if (myIsJson)
     {

@@ -2,6 +2,7 @@
 
 #include "build/Builder.h"
 #include "build/Component.h"
+#include "commands/openInBrowser.h"
 #include "common/Failure.h"
 #include "common/printable.h"
 #include "common/programFiles.h"
@@ -29,29 +30,78 @@ std::size_t WidthOf(const std::string& myText)
         std::count_if(myText.begin(), myText.end(), [](char myByte) { return (myByte & 0xC0) != 0x80; }));
 }
 
-void Build(const Arguments& myArguments)
+BuildResult BuildPages(Site& theSite, const Arguments& myArguments)
 {
-    Site mySite(myArguments.Site);
     Component myComponent(myArguments.Plugin);
-    myComponent.Serve(mySite);
-    const UserLock myLock = LockForWriting(mySite);
-    Builder myBuilder(mySite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0);
-    const BuildResult myResult = myBuilder.Build(myArguments.OtherPage);
-    std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules << ", failed: " << myResult.Failures
-              << ". They are in " << mySite.BuildFolder().string() << std::endl;
+    myComponent.Serve(theSite);
+    const UserLock myLock = LockForWriting(theSite);
+    return Builder(theSite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0).Build(myArguments.OtherPage);
+}
+
+/// Ends the program with 1 if a module failed, which has been reported.
+void DemandSuccess(const BuildResult& myResult)
+{
     if (myResult.Failures > 0)
     {
         throw CLI::RuntimeError(1);
     }
 }
 
+void Build(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    const BuildResult myResult = BuildPages(mySite, myArguments);
+    const std::string myFolder = mySite.BuildFolder().string();
+    if (myArguments.Json)
+    {
+        std::cout << JsonObject({{"pages", int64_t{myResult.Pages}},
+                                 {"modules", int64_t{myResult.Modules}},
+                                 {"failed", int64_t{myResult.Failures}},
+                                 {"folder", myFolder}})
+                  << std::endl;
+    }
+    else
+    {
+        std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules
+                  << ", failed: " << myResult.Failures << ". They are in " << myFolder << std::endl;
+    }
+    DemandSuccess(myResult);
+}
+
+/// Builds all pages, since each may lead to the others, and opens one of them.
+void Preview(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    const std::vector<Page> myPages = mySite.Pages();
+    if (myPages.empty())
+    {
+        throw Failure("the site has no page yet; add one with qelhost page add");
+    }
+    const std::string myPage = myArguments.Page.empty() ? myPages.front().Name : mySite.PageOf(myArguments.Page).Name;
+    const BuildResult myResult = BuildPages(mySite, myArguments);
+    const std::filesystem::path myFile = mySite.BuildFolder() / myPage;
+    OpenInBrowser(myFile);
+    std::cout << myFile.string() << std::endl;
+    DemandSuccess(myResult);
+}
+
+void SetSite(const Arguments& myArguments)
+{
+    if (!myArguments.Title)
+    {
+        throw UsageFailure("there is nothing to change; give --title");
+    }
+    Site(myArguments.Site).SetTitle(*myArguments.Title);
+}
+
 void PrintInfo(const Arguments& myArguments)
 {
     const Component myComponent(myArguments.Plugin);
     const bool myWithEscapes = WantsEscapes();
+    std::string myInfo; // written once all is known
     const auto Print = [&](const char* myHeading, const Text& myText)
     {
-        std::cout << myHeading << RenderedMarkup(ToUtf8(myText), myWithEscapes) << "\n";
+        myInfo += myHeading + RenderedMarkup(ToUtf8(myText), myWithEscapes) + "\n";
     };
     Print("Description:  ", myComponent.Read(&QelPlugin::get_Description));
     Print("Version:      ", myComponent.Version());
@@ -62,6 +112,7 @@ void PrintInfo(const Arguments& myArguments)
     Print("Requires PHP: ", myComponent.RequiresPHP() ? u"yes" : u"no");
     Print("Logo:         ", myComponent.Read(&QelPlugin::get_LogoFilename));
     Print("Preview:      ", myComponent.Read(&QelPlugin::get_PreviewImageFilename));
+    std::cout << myInfo;
 }
 
 } // namespace
@@ -92,6 +143,24 @@ void PrintTable(const std::vector<std::vector<std::string>>& myRows)
         }
         std::cout << myLine.substr(0, myLine.find_last_not_of(' ') + 1) << "\n";
     }
+}
+
+void PrintList(const std::vector<std::vector<std::string>>& myRows, const std::vector<JsonMembers>& myObjects,
+               const Arguments& myArguments)
+{
+    if (myArguments.Json)
+    {
+        std::cout << JsonArray(myObjects);
+        return;
+    }
+    PrintTable(myRows);
+}
+
+CLI::App* AddListCommand(CLI::App& theGroup, const std::string& myHelp, Arguments& theArguments)
+{
+    CLI::App* const theCommand = AddSiteCommand(theGroup, "list", myHelp, theArguments);
+    theCommand->add_flag("--json", theArguments.Json, "Writes a JSON array");
+    return theCommand;
 }
 
 CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp)
@@ -129,8 +198,19 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myBuild = AddSiteCommand(theApplication, "build", "Builds the pages into SITE/build", theArguments);
     myBuild->add_option("--only", theArguments.OtherPage, "Builds this page and leaves the others as they are")
         ->type_name("PAGE");
+    myBuild->add_flag("--json", theArguments.Json, "Writes the result as a JSON object");
     myBuild->footer("A module that fails does not stop the build: its reason is shown, and the program ends with 1.");
     myBuild->callback([&theArguments] { Build(theArguments); });
+
+    CLI::App* const myPreview =
+        AddSiteCommand(theApplication, "preview", "Builds the pages and opens one in the browser", theArguments);
+    myPreview->add_option("PAGE", theArguments.Page, "The page to open; without it the first one")->type_name("");
+    myPreview->callback([&theArguments] { Preview(theArguments); });
+
+    CLI::App* const myGroup = AddGroup(theApplication, "site", "The site as a whole");
+    CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes the site's title", theArguments);
+    mySet->add_option("--title", theArguments.Title, "Its title, for <!-- qel:title --> in the pages");
+    mySet->callback([&theArguments] { SetSite(theArguments); });
 }
 
 void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments)

@@ -3,6 +3,7 @@
 /// A command runs while the command line is read, on the calling thread, and throws Failure when it fails.
 #pragma once
 
+#include "commands/json.h"
 #include "site/Site.h"
 #include "site/UserLock.h"
 
@@ -65,6 +66,13 @@ UserLock LockForWriting(Site& theSite);
 
 /// Writes rows to the standard output, their columns one below the other; the first row is the heading.
 void PrintTable(const std::vector<std::vector<std::string>>& myRows);
+
+/// Adds the command that lists what a group is about; it takes --json.
+CLI::App* AddListCommand(CLI::App& theGroup, const std::string& myHelp, Arguments& theArguments);
+
+/// Writes a list to the standard output: the rows as a table or, where the arguments ask for it, the objects as JSON.
+void PrintList(const std::vector<std::vector<std::string>>& myRows, const std::vector<JsonMembers>& myObjects,
+               const Arguments& myArguments);
 
 /// True when what is shown on the standard output may hold escapes: it is a terminal, and $NO_COLOR is not set.
 bool WantsEscapes();

@@ -101,11 +101,12 @@ void PrintOrSetScript(const Arguments& myArguments)
 void PrintSummary(const Component& myComponent)
 {
     const bool myWithEscapes = WantsEscapes();
-    std::cout << RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) << "\n";
+    std::string mySummary = RenderedMarkup(ToUtf8(myComponent.TextSettings()), myWithEscapes) + "\n";
     if (const Text myReason = myComponent.ErrorText(); !myReason.empty())
     {
-        std::cout << RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) << "\n";
+        mySummary += RenderedMarkup("<warning>" + ToUtf8(myReason), myWithEscapes) + "\n";
     }
+    std::cout << mySummary;
 }
 
 void Show(const Arguments& myArguments)
@@ -148,12 +149,49 @@ void Edit(const Arguments& myArguments)
 void List(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"MODULE", "PAGE", "PLACE", "POSITION"}};
+    std::vector<JsonMembers> myObjects;
     for (const Module& myModule : Site(myArguments.Site).Modules())
     {
+        myObjects.push_back({{"module", myModule.Id},
+                             {"page", myModule.Page},
+                             {"place", myModule.Place},
+                             {"position", myModule.Position}});
         myRows.push_back({std::to_string(myModule.Id), myModule.Page, myModule.Place.empty() ? "-" : myModule.Place,
                           std::to_string(myModule.Position)});
     }
-    PrintTable(myRows);
+    PrintList(myRows, myObjects, myArguments);
+}
+
+/// Adds a command about one module, which is its second argument.
+CLI::App* AddModuleCommand(CLI::App& theGroup, const char* myName, const char* myHelp, Arguments& theArguments)
+{
+    CLI::App* const theCommand = AddSiteCommand(theGroup, myName, myHelp, theArguments);
+    theCommand->add_option("ID", theArguments.Id, "The module's id")->required()->type_name("");
+    return theCommand;
+}
+
+/// The commands that read and change what a module is made of.
+void AddContentCommands(CLI::App& theGroup, Arguments& theArguments)
+{
+    CLI::App* const myScript =
+        AddModuleCommand(theGroup, "script", "Prints a module's script, or stores another one", theArguments);
+    myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
+        ->type_name("");
+    myScript->footer("A new script is stored as you give it, once the component has taken it. Where it names no\n"
+                     "link an empty one is added: without it a build would keep that of the module before it.");
+    myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
+
+    CLI::App* const myArchive =
+        AddModuleCommand(theGroup, "archive", "Gives a module its archive of imported files", theArguments);
+    myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
+    myArchive->footer(myArchiveHelp);
+    myArchive->callback(
+        [&theArguments]
+        {
+            Site mySite(theArguments.Site);
+            const UserLock myLock = LockForWriting(mySite);
+            mySite.SetArchive(theArguments.Id, *theArguments.Archive);
+        });
 }
 
 } // namespace
@@ -161,13 +199,6 @@ void List(const Arguments& myArguments)
 void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
 {
     CLI::App* const myGroup = AddGroup(theApplication, "module", "The modules on the pages of a site");
-    const auto AddModuleCommand = [&](const char* myName, const char* myHelp)
-    {
-        CLI::App* const theCommand = AddSiteCommand(*myGroup, myName, myHelp, theArguments);
-        theCommand->add_option("ID", theArguments.Id, "The module's id")->required()->type_name("");
-        return theCommand;
-    };
-
     CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a module to a page and prints its id", theArguments);
     myAdd->add_option("PAGE", theArguments.Page, "The page's name")->required()->type_name("");
     myAdd->add_option("--place", theArguments.Place, "A named place of the page")->type_name("NAME");
@@ -179,7 +210,8 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
     myAdd->footer(myArchiveHelp);
     myAdd->callback([&theArguments] { Add(theArguments); });
 
-    CLI::App* const myMove = AddModuleCommand("move", "Moves a module to another position, place or page");
+    CLI::App* const myMove =
+        AddModuleCommand(*myGroup, "move", "Moves a module to another position, place or page", theArguments);
     myMove->add_option("POSITION", theArguments.Position, "Counts from 1 in its place")->required()->type_name("");
     myMove
         ->add_option("--page", theArguments.OtherPage,
@@ -194,12 +226,13 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
                 .MoveModule(theArguments.Id, theArguments.Position, theArguments.OtherPage, theArguments.Place);
         });
 
-    CLI::App* const myEdit = AddModuleCommand("edit", "Opens a module's settings dialog, and stores what it confirms");
+    CLI::App* const myEdit = AddModuleCommand(
+        *myGroup, "edit", "Opens a module's settings dialog, and stores what it confirms", theArguments);
     myEdit->footer("The dialog needs a display. Its button for links opens a window with the site's records.\n"
                    "Where the dialog is cancelled the module stays as it is.");
     myEdit->callback([&theArguments] { Edit(theArguments); });
 
-    AddModuleCommand("remove", "Removes a module and its archive")
+    AddModuleCommand(*myGroup, "remove", "Removes a module and its archive", theArguments)
         ->callback(
             [&theArguments]
             {
@@ -208,28 +241,11 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
                 mySite.RemoveModule(theArguments.Id);
             });
 
-    CLI::App* const myScript = AddModuleCommand("script", "Prints a module's script, or stores another one");
-    myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
-        ->type_name("");
-    myScript->footer("A new script is stored as you give it, once the component has taken it. Where it names no\n"
-                     "link an empty one is added: without it a build would keep that of the module before it.");
-    myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
+    AddContentCommands(*myGroup, theArguments);
+    AddModuleCommand(*myGroup, "show", "Tells what a module will do", theArguments)
+        ->callback([&theArguments] { Show(theArguments); });
 
-    CLI::App* const myArchive = AddModuleCommand("archive", "Gives a module its archive of imported files");
-    myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
-    myArchive->footer(myArchiveHelp);
-    myArchive->callback(
-        [&theArguments]
-        {
-            Site mySite(theArguments.Site);
-            const UserLock myLock = LockForWriting(mySite);
-            mySite.SetArchive(theArguments.Id, *theArguments.Archive);
-        });
-
-    AddModuleCommand("show", "Tells what a module will do")->callback([&theArguments] { Show(theArguments); });
-
-    AddSiteCommand(*myGroup, "list", "Lists the modules", theArguments)
-        ->callback([&theArguments] { List(theArguments); });
+    AddListCommand(*myGroup, "Lists the modules", theArguments)->callback([&theArguments] { List(theArguments); });
 }
 
 } // namespace qel::host

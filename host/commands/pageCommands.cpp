@@ -1,7 +1,12 @@
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "common/printable.h"
+#include "site/references.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
+
+#include <algorithm>
+#include <iostream>
 
 namespace qel::host
 {
@@ -16,11 +21,47 @@ constexpr const char* myPlaces =
     "  <!-- qel:title -->         the site's title\n"
     "  <!-- qel:menu -->          a list with links to all pages";
 
+/// True when a path below the folder of the pages leads to something that the site has or may have.
+bool IsInSite(Site& theSite, const std::string& myPath)
+{
+    const fs::path myNormal = fs::path(myPath).lexically_normal();
+    const std::vector<Page> myPages = theSite.Pages();
+    const bool myIsPage = std::ranges::find(myPages, myNormal.string(), &Page::Name) != myPages.end();
+    const std::string myFolder = myNormal.begin() == myNormal.end() ? std::string() : myNormal.begin()->string();
+    // What a build puts into its folders is known by the build alone.
+    const bool myIsOfBuild = myFolder == "images" || myFolder == "media" || myFolder == "files";
+    std::error_code myIgnored;
+    return myIsPage || myIsOfBuild || (myFolder != ".." && fs::exists(theSite.StaticFolder() / myNormal, myIgnored));
+}
+
+/// Tells the author which references of a page lead to nothing.
+void ReportReferences(Site& theSite, const std::string& myPage, const std::string& myContent)
+{
+    for (const std::string& myPath : RelativeReferences(myContent))
+    {
+        if (!IsInSite(theSite, myPath))
+        {
+            std::cerr << "qelhost: " << Printable(myPage) << " refers to \"" << Printable(myPath)
+                      << "\", which the site does not have; add it as a page, or put it into "
+                      << (theSite.StaticFolder() / "").string() << "." << std::endl;
+        }
+    }
+}
+
 void Add(const Arguments& myArguments)
 {
     const std::string myName = myArguments.Name.value_or(myArguments.File.filename().string());
-    const std::string myTitle = myArguments.Title.value_or(std::filesystem::path(myName).stem().string());
-    Site(myArguments.Site).AddPage(myName, myTitle, ReadWholeFile(myArguments.File));
+    const std::string myTitle = myArguments.Title.value_or(fs::path(myName).stem().string());
+    const std::string myContent = ReadWholeFile(myArguments.File);
+    Site mySite(myArguments.Site);
+    mySite.AddPage(myName, myTitle, myContent);
+    ReportReferences(mySite, myName, myContent);
+}
+
+void Show(const Arguments& myArguments)
+{
+    Site mySite(myArguments.Site);
+    std::cout << mySite.PageContent(mySite.PageOf(myArguments.Page).Id);
 }
 
 void Set(const Arguments& myArguments)
@@ -30,21 +71,34 @@ void Set(const Arguments& myArguments)
     {
         myContent = ReadWholeFile(*myArguments.OptionalFile);
     }
-    else if (!myArguments.Title)
+    else if (!myArguments.Title && !myArguments.Name)
     {
-        throw UsageFailure("there is nothing to change; give a FILE, --title or both");
+        throw UsageFailure("there is nothing to change; give a FILE, --title or --name");
     }
-    Site(myArguments.Site).SetPage(myArguments.Page, myArguments.Title, myContent);
+    Site mySite(myArguments.Site);
+    std::string myName = myArguments.Page;
+    if (myArguments.Name)
+    {
+        mySite.RenamePage(myName, *myArguments.Name);
+        myName = *myArguments.Name;
+    }
+    mySite.SetPage(myName, myArguments.Title, myContent);
+    ReportReferences(mySite, myName, myContent.value_or(""));
 }
 
 void List(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"POSITION", "PAGE", "MODULES", "TITLE"}};
+    std::vector<JsonMembers> myObjects;
     for (const Page& myPage : Site(myArguments.Site).Pages())
     {
+        myObjects.push_back({{"position", myPage.Position},
+                             {"page", myPage.Name},
+                             {"modules", myPage.Modules},
+                             {"title", myPage.Title}});
         myRows.push_back({std::to_string(myPage.Position), myPage.Name, std::to_string(myPage.Modules), myPage.Title});
     }
-    PrintTable(myRows);
+    PrintList(myRows, myObjects, myArguments);
 }
 
 } // namespace
@@ -70,9 +124,13 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
     myAdd->footer(myPlaces);
     myAdd->callback([&theArguments] { Add(theArguments); });
 
-    CLI::App* const mySet = AddPageCommand("set", "Replaces a page's HTML or its title");
+    AddPageCommand("show", "Prints a page's HTML as the site has it")
+        ->callback([&theArguments] { Show(theArguments); });
+
+    CLI::App* const mySet = AddPageCommand("set", "Changes a page's HTML, its title or its name");
     mySet->add_option("FILE", theArguments.OptionalFile, "The HTML file; - reads the standard input")->type_name("");
     mySet->add_option("--title", theArguments.Title, "What the menu calls the page");
+    mySet->add_option("--name", theArguments.Name, "The page's new name")->type_name("NAME.html");
     mySet->footer(myPlaces);
     mySet->callback([&theArguments] { Set(theArguments); });
 
@@ -90,7 +148,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
             mySite.RemovePage(theArguments.Page, theArguments.WithModules);
         });
 
-    AddSiteCommand(*myGroup, "list", "Lists the pages in their order", theArguments)
+    AddListCommand(*myGroup, "Lists the pages in their order", theArguments)
         ->callback([&theArguments] { List(theArguments); });
 }
 

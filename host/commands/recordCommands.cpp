@@ -10,15 +10,18 @@ namespace qel::host
 namespace
 {
 
-constexpr const char* myKindsHelp = "The kinds and what they take:\n"
-                                    "  0 none      nothing; a link to it does not work\n"
-                                    "  1 page      --page PAGE, or --address of a page elsewhere\n"
-                                    "  2 section   --page PAGE, --address '#id', or both\n"
-                                    "  3 address   --address, such as https://example.org/\n"
-                                    "  4 picture   --file, copied into the site and into the pictures of a build\n"
-                                    "  5 file      --file, copied into the site and into the files of a build\n"
-                                    "  6 mail      --address, such as name@example.org\n"
-                                    "The link text of a record is UID: and its uid, as record add prints it.";
+constexpr const char* myKindsHelp =
+    "The kinds and what they take:\n"
+    "  0 none      nothing; a link to it does not work\n"
+    "  1 page      --page PAGE, or --address of a page elsewhere\n"
+    "  2 section   --page PAGE, --address '#id', or both\n"
+    "  3 address   --address, such as https://example.org/\n"
+    "  4 picture   --file, a picture of any kind\n"
+    "  5 file      --file, any other file\n"
+    "  6 mail      --address, such as name@example.org\n"
+    "A file is copied into the site at once. A build copies it into the pictures or files\n"
+    "of the pages when it builds a module whose picture links to the record.\n"
+    "The link text of a record is UID: and its uid, as record add prints it.";
 
 RecordChange ChangeOf(const Arguments& myArguments)
 {
@@ -28,12 +31,16 @@ RecordChange ChangeOf(const Arguments& myArguments)
 void List(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"UID", "KIND", "LEADS TO", "TITLE"}};
+    std::vector<JsonMembers> myObjects;
     for (const Record& myRecord : Site(myArguments.Site).Records())
     {
-        myRows.push_back({std::to_string(myRecord.Uid), std::string(KindName(myRecord.Kind)),
-                          HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord), myRecord.Title});
+        const std::string myKind(KindName(myRecord.Kind));
+        const std::string myTarget = HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord);
+        myRows.push_back({std::to_string(myRecord.Uid), myKind, myTarget, myRecord.Title});
+        myObjects.push_back(
+            {{"uid", myRecord.Uid}, {"kind", myKind}, {"leadsTo", myTarget}, {"title", myRecord.Title}});
     }
-    PrintTable(myRows);
+    PrintList(myRows, myObjects, myArguments);
 }
 
 } // namespace
@@ -61,7 +68,8 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
         [&theArguments]
         {
             const RecordKind myKind = ParseKind(theArguments.Kind);
-            std::cout << "UID:" << Site(theArguments.Site).AddRecord(myKind, ChangeOf(theArguments)) << std::endl;
+            const int64_t myUid = Site(theArguments.Site).AddRecord(myKind, ChangeOf(theArguments));
+            std::cout << "UID:" << myUid << std::endl;
         });
 
     CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes what is given of a record", theArguments);
@@ -73,8 +81,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
     AddUid(myRemove);
     myRemove->callback([&theArguments] { Site(theArguments.Site).RemoveRecord(theArguments.Id); });
 
-    AddSiteCommand(*myGroup, "list", "Lists the records", theArguments)
-        ->callback([&theArguments] { List(theArguments); });
+    AddListCommand(*myGroup, "Lists the records", theArguments)->callback([&theArguments] { List(theArguments); });
 }
 
 } // namespace qel::host

@@ -166,6 +166,12 @@ std::string Site::Title()
     return myStatement.Next() ? myStatement.Text(0) : std::string();
 }
 
+void Site::SetTitle(std::string_view myTitle)
+{
+    DemandTitle(myTitle);
+    myConnection.Run("UPDATE site SET title = ?", {myTitle});
+}
+
 int64_t Site::PageId(std::string_view myName)
 {
     const int64_t theId = myConnection.Number("SELECT id FROM page WHERE name = ?", {myName});
@@ -190,6 +196,19 @@ void Site::AddPage(std::string_view myName, std::string_view myTitle, std::strin
     myConnection.Run(
         "INSERT INTO page (name, title, position, content) VALUES (?, ?, (SELECT count(*) + 1 FROM page), ?)",
         {myName, myTitle, Blob{myContent}});
+    myTransaction.Commit();
+}
+
+void Site::RenamePage(std::string_view myName, std::string_view myNewName)
+{
+    DemandPageName(myNewName);
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+    const int64_t myId = PageId(myName);
+    if (myConnection.Number("SELECT 1 FROM page WHERE name = ? AND id <> ?", {myNewName, myId}) != 0)
+    {
+        throw Failure("the site has a page \"" + std::string(myNewName) + "\" already; give another name");
+    }
+    myConnection.Run("UPDATE page SET name = ? WHERE id = ?", {myNewName, myId});
     myTransaction.Commit();
 }
 

@@ -47,8 +47,11 @@ public:
     /// Absolute, without a closing "/".
     std::filesystem::path DataFolder() const { return myFolder / "data"; }
     std::filesystem::path BuildFolder() const { return myFolder / "build"; }
+    /// Files of the author's that belong to the pages.
+    std::filesystem::path StaticFolder() const { return myFolder / "static"; }
 
     std::string Title();
+    void SetTitle(std::string_view myTitle);
 
     /// One state of the site is read until the result goes.
     Transaction Snapshot() { return {myConnection, Transaction::Kind::Reading}; }
@@ -57,6 +60,8 @@ public:
 
     /// Adds a page behind the others.
     void AddPage(std::string_view myName, std::string_view myTitle, std::string_view myContent);
+    /// Gives a page another name; records and modules stay with it. Failure: another page has that name.
+    void RenamePage(std::string_view myName, std::string_view myNewName);
     /// Changes what is given.
     void SetPage(std::string_view myName, const std::optional<std::string>& myTitle,
                  const std::optional<std::string>& myContent);

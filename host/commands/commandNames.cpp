@@ -1,0 +1,99 @@
+#include "commands/commandNames.h"
+
+#include "common/Failure.h"
+#include "common/printable.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace qel::host
+{
+
+namespace
+{
+
+/// How many characters have to be put in, taken out, changed, or exchanged with the next one, to make one text of the
+/// other.
+std::size_t EditDistance(std::string_view myFirst, std::string_view mySecond)
+{
+    std::vector<std::vector<std::size_t>> myTable(myFirst.size() + 1, std::vector<std::size_t>(mySecond.size() + 1));
+    for (std::size_t i = 0; i <= myFirst.size(); ++i)
+    {
+        for (std::size_t j = 0; j <= mySecond.size(); ++j)
+        {
+            if (i == 0 || j == 0)
+            {
+                myTable[i][j] = i + j;
+                continue;
+            }
+            const std::size_t myChanged = myTable[i - 1][j - 1] + (myFirst[i - 1] == mySecond[j - 1] ? 0 : 1);
+            myTable[i][j] = std::min({myChanged, myTable[i - 1][j] + 1, myTable[i][j - 1] + 1});
+            if (i > 1 && j > 1 && myFirst[i - 1] == mySecond[j - 2] && myFirst[i - 2] == mySecond[j - 1])
+            {
+                myTable[i][j] = std::min(myTable[i][j], myTable[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return myTable[myFirst.size()][mySecond.size()];
+}
+
+std::vector<const CLI::App*> CommandsOf(const CLI::App& myGroup)
+{
+    return myGroup.get_subcommands([](const CLI::App* myCommand)
+                                   { return !myCommand->get_name().empty() && !myCommand->get_group().empty(); });
+}
+
+/// The name of a command of the group that is most like a name; empty when none is like it.
+std::string NearestName(const CLI::App& myGroup, const std::string& myName)
+{
+    std::string theNearest;
+    std::size_t myLeast = myName.size() / 2 + 1; // with more than half of it changed it is another word
+    for (const CLI::App* const myCommand : CommandsOf(myGroup))
+    {
+        const std::size_t myDistance = EditDistance(myName, myCommand->get_name());
+        if (myDistance < myLeast)
+        {
+            myLeast = myDistance;
+            theNearest = myCommand->get_name();
+        }
+    }
+    return theNearest;
+}
+
+/// `myPath` holds the names up to the group, each followed by a blank.
+[[noreturn]] void FailFor(const CLI::App& myGroup, const std::string& myPath, const std::string& myName)
+{
+    const std::string myNearest = NearestName(myGroup, myName);
+    throw UsageFailure("there is no command \"" + myPath + Printable(myName) + "\"" +
+                       (myNearest.empty() ? "" : "; did you mean \"" + myPath + myNearest + "\"?") +
+                       (myNearest.empty() ? "; " : " ") + "qelhost " + myPath + "--help lists the commands");
+}
+
+} // namespace
+
+void DemandKnownCommands(const CLI::App& myApplication, int myCount, const char* const* myTexts)
+{
+    const CLI::App* myGroup = &myApplication;
+    std::string myPath;
+    for (int i = 1; i < myCount && myGroup->get_require_subcommand_min() > 0; ++i)
+    {
+        const std::string myText = myTexts[i];
+        if (myText == "--plugin")
+        {
+            ++i; // its value
+        }
+        else if (!myText.starts_with("-"))
+        {
+            const auto myCommands =
+                myGroup->get_subcommands([&](const CLI::App* c) { return c->get_name() == myText; });
+            if (myCommands.empty())
+            {
+                FailFor(*myGroup, myPath, myText);
+            }
+            myGroup = myCommands.front();
+            myPath += myText + " ";
+        }
+    }
+}
+
+} // namespace qel::host
