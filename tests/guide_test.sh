@@ -1,8 +1,8 @@
 #!/bin/sh
-# What the documents show is true: the hosts of the guide find the registered component and build a page, the examples of
-# the formats are read and written again to the byte, and the commands of the README work.
+# What the documents show is true: the hosts of the guide find the registered component and build a page, the examples
+# of the formats are read and written again to the byte, and the commands of the README work.
 # guide_test.sh STAGE HOSTS SOURCES
-# HOSTS is the folder of the guide's hosts. PYTHON_PRELOAD is a library that the one in Python needs before all others.
+# HOSTS is the folder of the guide's hosts. PYTHON_PRELOAD names libraries that the one in Python loads before all others.
 set -eu
 stage=$1
 hosts=$2
