@@ -26,6 +26,7 @@ struct Case
 {
     std::string Name;
     fs::path Folder; ///< holds in, ours, peer, and the archives
+    double UnpackTarget;
 };
 
 Text Logical(const fs::path& myPath)
@@ -196,9 +197,9 @@ void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
     MakesPeers();
     UnpackWithLibrary(myCase);
     bench::Require(SameFiles(myInput, myPeer), "the library's files come back");
-    myBench.Compare("unpack " + myCase.Name + " / libarchive", 1.0, {Unpacks, MakesOurs},
+    myBench.Compare("unpack " + myCase.Name + " / libarchive", myCase.UnpackTarget, {Unpacks, MakesOurs},
                     {[&] { UnpackWithLibrary(myCase); }, MakesPeers});
-    myBench.Compare("unpack " + myCase.Name + " / tar", 1.0, {Unpacks, MakesOurs},
+    myBench.Compare("unpack " + myCase.Name + " / tar", myCase.UnpackTarget, {Unpacks, MakesOurs},
                     {[&] {
                          Tar({"-xf", myTar, "-C", myPeer});
                      },
@@ -225,8 +226,8 @@ int main(int myCount, char** myArguments)
 {
     const bench::Bench myBench(myCount, myArguments);
     const bench::WorkFolder myFolder;
-    const Case mySmall{"2,000 files of 8 KB", myFolder.Path() / "small"};
-    const Case myLarge{"one file of 1 GiB", myFolder.Path() / "large"};
+    const Case mySmall{"2,000 files of 8 KB", myFolder.Path() / "small", 1.0};
+    const Case myLarge{"one file of 1 GiB", myFolder.Path() / "large", 1.2};
     MakeFiles(mySmall.Folder / "in", 2000, 8192);
     MakeFiles(myLarge.Folder / "in", 1, size_t{1} << 30);
     myBench.Record("peak memory, " + mySmall.Name, PeakMemory(mySmall), "MiB");

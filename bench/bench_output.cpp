@@ -138,5 +138,5 @@ int main(int argc, char** argv)
             Copy(myTurn, myFolder / "peer/qelspr17.gif");
         }
     };
-    myBench.Compare("output: 50 pages with a picture against giflib and a copy", 1.2, {RunOurs}, {RunPeer});
+    myBench.Compare("output: 50 pages with a picture against giflib and a copy", 1.05, {RunOurs}, {RunPeer});
 }

@@ -155,7 +155,8 @@ void CompareAll(const Bench& myBench, const std::string& myAllocator)
     {
         Keep(SumOf([&](Checksum c) { ReadWideXmlTags(myWideXml, c); }));
     };
-    myBench.Compare("tags: 4 MB against pugixml, " + myAllocator + " allocator", 0.5, {RunOurs}, {RunPeer});
+    myBench.Compare("tags: 4 MB against pugixml in its own encoding, " + myAllocator + " allocator", 0, {RunOurs},
+                    {RunPeer});
     myBench.Compare("tags: the same, UTF-16 to UTF-16 on both sides", 0.5, {RunOurs}, {RunWidePeer});
 
     for (const size_t myTimes : {size_t{4}, size_t{16}})

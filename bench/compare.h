@@ -73,7 +73,8 @@ public:
         }
     }
 
-    /// Times both sides in turn, after one run of each that does not count. `myTarget` is the ratio aimed at.
+    /// Times both sides in turn, after one run of each that does not count. `myTarget` is the ratio aimed at, 0
+    /// where there is none.
     void Compare(const std::string& myName, double myTarget, const Side& myOurs, const Side& myPeer) const
     {
         std::vector<double> myOursTimes;

@@ -64,7 +64,7 @@ void Connection::Closer::operator()(sqlite3* theHandle) const
 
 Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : myFilename(theFilename)
 {
-    const int myFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (myMode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    const int myFlags = SQLITE_OPEN_READWRITE | (myMode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     sqlite3* theHandle = nullptr;
     const int myResult = sqlite3_open_v2(myFilename.c_str(), &theHandle, myFlags, nullptr);
     myHandle.reset(theHandle);
@@ -76,7 +76,6 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
     Run("PRAGMA foreign_keys = ON");
     if (myMode == Mode::Create)
     {
-        Run("PRAGMA page_size = 16384");  // most pages' contents are some kilobytes long
         Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
     }
 }

@@ -12,14 +12,7 @@ namespace
 
 bool IsSeparator(char16_t myCharacter)
 {
-    return myCharacter <= u' ' &&
-           (myCharacter == u' ' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n');
-}
-
-/// True for the characters that never get into an attribute name; the blank does.
-bool IsDroppedInName(char16_t myCharacter)
-{
-    return myCharacter == u'"' || (IsSeparator(myCharacter) && myCharacter != u' ');
+    return myCharacter == u' ' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n';
 }
 
 /// Where the run of characters that are no separators ends.
@@ -32,24 +25,36 @@ size_t EndOfWord(TextView myText, size_t myPosition)
     return myPosition;
 }
 
-/// True for the characters that most names are made of, and which stay in them as they are.
-bool IsSmallLetter(char16_t myCharacter)
+/// True for the characters that an attribute name loses wherever they are. Blanks it loses at its ends alone.
+bool IsDroppedInName(char16_t myCharacter)
 {
-    return myCharacter >= u'a' && myCharacter <= u'z';
+    return myCharacter == u'"' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n';
 }
 
-/// An attribute name as callers know it: in lower case, without what is dropped and without blanks at its ends.
-Text CleanName(TextView myName)
+/// The name without blanks and dropped characters at its ends.
+TextView TrimmedName(TextView myName)
 {
-    Text theName;
+    constexpr TextView Outside = u" \"\t\r\n";
+    const size_t myStart = std::min(myName.find_first_not_of(Outside), myName.size());
+    return myName.substr(myStart, myName.find_last_not_of(Outside) + 1 - myStart);
+}
+
+/// True when a trimmed name, without the dropped characters inside it, has the same lower case as the other text.
+bool IsNamed(TextView myName, TextView myWanted)
+{
+    size_t myMatched = 0;
     for (const char16_t myCharacter : myName)
     {
         if (!IsDroppedInName(myCharacter))
         {
-            theName += LowerCase(myCharacter);
+            if (myMatched == myWanted.size() || LowerCase(myCharacter) != LowerCase(myWanted[myMatched]))
+            {
+                return false;
+            }
+            ++myMatched;
         }
     }
-    return Text(TrimBlanks(theName));
+    return myMatched == myWanted.size();
 }
 
 constexpr std::pair<TextView, char16_t> Entities[] = {
@@ -60,82 +65,40 @@ constexpr std::pair<TextView, char16_t> Entities[] = {
 void classTag::Tag(TextView theTag)
 {
     myTag = theTag;
-    myPlainValues.clear();
+    myUnquoted.clear();
     const size_t myNameEnd = EndOfWord(myTag, 0);
     myBaseTag = myTag.substr(0, myNameEnd);
     ParseAttributes(myNameEnd + 1);
-    if (myAttributeCount > 0)
-    {
-        myTableCount = myAttributeCount + 1;
-    }
-    // Each attribute found resizes the table, so that the entry behind them is new, unless the first one has cut the
-    // table down to itself and the entry behind.
-    if (myAttributeCount > 1)
-    {
-        myTable[myAttributeCount] = {};
-    }
 }
 
 /// Reads names, "=" and values. Without "=" there is no attribute, and the rest of the text is dropped.
 void classTag::ParseAttributes(size_t myPosition)
 {
     myAttributeCount = 0;
-    for (;;)
+    for (size_t myEquals = 0; (myEquals = Find(myTag, u'=', myPosition)) != TextView::npos;)
     {
-        while (myPosition < myTag.size() && myTag[myPosition] == u' ')
-        {
-            ++myPosition;
-        }
-        size_t myEquals = myPosition;
-        while (myEquals < myTag.size() && IsSmallLetter(myTag[myEquals]))
-        {
-            ++myEquals;
-        }
-        const bool myNameIsClean = myEquals < myTag.size() && myTag[myEquals] == u'=';
-        if (!myNameIsClean)
-        {
-            myEquals = Find(myTag, u'=', myEquals);
-        }
-        if (myEquals == TextView::npos)
-        {
-            return;
-        }
-        if (myTable.size() < myAttributeCount + 2)
-        {
-            myTable.resize(myAttributeCount + 2);
-        }
-        Attribute& myAttribute = myTable[myAttributeCount++];
-        myAttribute.Name = myTag.substr(myPosition, myEquals - myPosition);
-        myAttribute.NameIsClean = myNameIsClean;
-        myAttribute.PlainStart = TextView::npos;
-        myPosition = ParseValue(myEquals + 1, myAttribute);
+        ++myAttributeCount;
+        myTable.resize(myAttributeCount + 1); // what remains of an earlier tag stays
+        Attribute& myAttribute = myTable[myAttributeCount - 1];
+        myAttribute.Name = TrimmedName(myTag.substr(myPosition, myEquals - myPosition));
+        myPosition = ParseValue(myEquals + 1, myAttribute.Value);
     }
 }
 
-/// Reads a value and gives the position behind it. A quoted value without its closing mark stays empty.
-size_t classTag::ParseValue(size_t myPosition, Attribute& theAttribute) const
+/// Reads a value and gives the position after it. A quoted value without its closing mark stays empty.
+size_t classTag::ParseValue(size_t myPosition, TextView& theValue) const
 {
-    theAttribute.Value = {};
-    theAttribute.ValueIsPlain = false;
-    while (myPosition < myTag.size() && myTag[myPosition] == u' ')
+    theValue = {};
+    size_t myStart = myTag.find_first_not_of(u' ', myPosition);
+    if (myStart == TextView::npos)
     {
-        ++myPosition;
+        return myTag.size();
     }
-    if (myPosition == myTag.size())
-    {
-        return myPosition;
-    }
-    size_t myStart = myPosition;
     size_t myEnd = 0;
     if (myTag[myStart] == u'"')
     {
         ++myStart;
-        myEnd = FindEither(myTag, u'"', u'&', myStart);
-        theAttribute.ValueIsPlain = myEnd != TextView::npos && myTag[myEnd] == u'"';
-        if (!theAttribute.ValueIsPlain)
-        {
-            myEnd = Find(myTag, u'"', myEnd);
-        }
+        myEnd = Find(myTag, u'"', myStart);
     }
     else
     {
@@ -146,7 +109,7 @@ size_t classTag::ParseValue(size_t myPosition, Attribute& theAttribute) const
     {
         return myTag.size();
     }
-    theAttribute.Value = myTag.substr(myStart, myEnd - myStart);
+    theValue = myTag.substr(myStart, myEnd - myStart);
     return myEnd + 1;
 }
 
@@ -161,7 +124,9 @@ uint8_t classTag::AttributeCount() const
 
 Text classTag::AttributeName(int32_t num) const
 {
-    return CleanName(DemandEntry(num).Name);
+    Text theName = LowerCase(DemandEntry(num).Name);
+    std::erase_if(theName, IsDroppedInName);
+    return theName;
 }
 
 Text classTag::AttributeValue(int32_t num) const
@@ -171,48 +136,24 @@ Text classTag::AttributeValue(int32_t num) const
 
 const classTag::Attribute& classTag::DemandEntry(int32_t num) const
 {
-    if (num < 0 || static_cast<size_t>(num) >= myTableCount)
+    if (num < 0 || static_cast<size_t>(num) >= myTable.size())
     {
         Raise(ErrorNumber::SubscriptOutOfRange);
     }
     return myTable[static_cast<size_t>(num)];
 }
 
-inline bool classTag::IsNamed(const Attribute& myAttribute, TextView myWanted)
-{
-    const TextView myName = myAttribute.Name;
-    if (!myAttribute.NameIsClean)
-    {
-        return CleanName(myName) == LowerCase(myWanted);
-    }
-    return std::equal(myName.begin(), myName.end(), myWanted.begin(), myWanted.end(),
-                      [](char16_t n, char16_t w) { return n == w || n == LowerCase(w); });
-}
-
 TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
 {
-    for (size_t i = 0; i < myAttributeCount; ++i)
+    const auto myEnd = myTable.begin() + static_cast<std::ptrdiff_t>(myAttributeCount);
+    const auto myFound =
+        std::find_if(myTable.begin(), myEnd, [&](const Attribute& a) { return IsNamed(a.Name, theAttribute); });
+    if (myFound == myEnd)
     {
-        if (IsNamed(myTable[i], theAttribute))
-        {
-            return noUnquote || myTable[i].ValueIsPlain ? myTable[i].Value : PlainValue(myTable[i]);
-        }
+        return {};
     }
-    return {};
-}
-
-TextView classTag::PlainValue(const Attribute& myAttribute) const
-{
-    if (myAttribute.PlainStart == TextView::npos)
-    {
-        // Unescaping makes no text longer.
-        myPlainValues.reserve(myTag.size());
-        const Text myValue = UnQuote(myAttribute.Value);
-        myAttribute.PlainStart = myPlainValues.size();
-        myAttribute.PlainLength = myValue.size();
-        myPlainValues += myValue;
-    }
-    return TextView(myPlainValues).substr(myAttribute.PlainStart, myAttribute.PlainLength);
+    const TextView myValue = myFound->Value;
+    return noUnquote || Find(myValue, u'&', 0) == TextView::npos ? myValue : myUnquoted.emplace_front(UnQuote(myValue));
 }
 
 Text classTag::UnQuote(TextView myText)

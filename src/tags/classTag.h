@@ -9,6 +9,7 @@
 #include "text/text.h"
 
 #include <cstddef>
+#include <forward_list>
 #include <vector>
 
 namespace qel
@@ -46,30 +47,22 @@ public:
     static Text UnQuote(TextView myText);
 
 private:
-    /// An attribute as it was written.
+    /// Both as they are written, the name without what is dropped at its ends.
     struct Attribute
     {
         TextView Name;
         TextView Value;
-        bool NameIsClean = false;  ///< callers know the name just as it was written
-        bool ValueIsPlain = false; ///< it is known that there is nothing to unescape
-        // Where the unescaped value lies, once it was asked for.
-        mutable size_t PlainStart = TextView::npos;
-        mutable size_t PlainLength = 0;
     };
 
-    static bool IsNamed(const Attribute& myAttribute, TextView myWanted);
-    TextView PlainValue(const Attribute& myAttribute) const;
     void ParseAttributes(size_t myPosition);
-    size_t ParseValue(size_t myPosition, Attribute& theAttribute) const;
+    size_t ParseValue(size_t myPosition, TextView& theValue) const;
     const Attribute& DemandEntry(int32_t num) const;
 
     TextView myTag;
     TextView myBaseTag;
     size_t myAttributeCount = 0;
-    std::vector<Attribute> myTable;
-    size_t myTableCount = 0;    ///< how many entries a caller can reach: those of the last tag with any, and one behind
-    mutable Text myPlainValues; ///< has room for those of all attributes, so that views into it hold
+    std::vector<Attribute> myTable;             ///< the attributes of the last tag that had any, and one entry more
+    mutable std::forward_list<Text> myUnquoted; ///< what views that were given lead to
 };
 
 } // namespace qel

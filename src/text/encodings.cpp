@@ -2,10 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
-#include <limits>
-#include <type_traits>
 
 namespace qel
 {
@@ -24,47 +20,6 @@ constexpr bool IsLowSurrogate(char32_t myUnit)
     return myUnit >= 0xDC00 && myUnit < 0xE000;
 }
 
-/// How many units at the head of a text, of whatever width, are ASCII: eight bytes at a time, since most texts are.
-template <class Unit>
-size_t LeadingAscii(std::basic_string_view<Unit> myText)
-{
-    using Word = uint64_t;
-    using Code = std::make_unsigned_t<Unit>;
-    constexpr size_t UnitsInWord = sizeof(Word) / sizeof(Unit);
-    constexpr Word BeyondAscii =
-        ~Word{0} / std::numeric_limits<Code>::max() * (std::numeric_limits<Code>::max() ^ 0x7FU);
-    size_t theLength = 0;
-    for (; theLength + UnitsInWord <= myText.size(); theLength += UnitsInWord)
-    {
-        Word myWord = 0;
-        std::memcpy(&myWord, &myText[theLength], sizeof myWord);
-        if (const Word myFound = myWord & BeyondAscii; myFound != 0)
-        {
-            const int myBits =
-                std::endian::native == std::endian::little ? std::countr_zero(myFound) : std::countl_zero(myFound);
-            return theLength + static_cast<size_t>(myBits) / (8 * sizeof(Unit));
-        }
-    }
-    while (theLength < myText.size() && static_cast<Code>(myText[theLength]) < 0x80)
-    {
-        ++theLength;
-    }
-    return theLength;
-}
-
-/// Takes such units from the head of a text over to another.
-template <class Unit, class Target>
-void MoveAscii(std::basic_string_view<Unit>& theSource, std::basic_string<Target>& theTarget)
-{
-    const std::basic_string_view<Unit> myRun = theSource.substr(0, LeadingAscii(theSource));
-    const size_t myLength = theTarget.size();
-    theTarget.resize(myLength + myRun.size());
-    std::transform(myRun.begin(), myRun.end(), theTarget.begin() + static_cast<std::ptrdiff_t>(myLength),
-                   [](Unit u) { return static_cast<Target>(u); });
-    theSource.remove_prefix(myRun.size());
-}
-
-/// For characters beyond ASCII.
 void AppendUtf8(std::string& theBytes, char32_t myCharacter)
 {
     const auto Append = [&](char32_t myByte)
@@ -75,7 +30,11 @@ void AppendUtf8(std::string& theBytes, char32_t myCharacter)
     {
         Append(0x80 | ((myCharacter >> myShift) & 0x3F));
     };
-    if (myCharacter < 0x800)
+    if (myCharacter < 0x80)
+    {
+        Append(myCharacter);
+    }
+    else if (myCharacter < 0x800)
     {
         Append(0xC0 | (myCharacter >> 6));
         AppendTail(0);
@@ -100,7 +59,7 @@ bool WriteUtf8(TextView myText, std::string& theBytes)
 {
     bool theResult = true;
     theBytes.reserve(myText.size());
-    for (MoveAscii(myText, theBytes); !myText.empty(); MoveAscii(myText, theBytes))
+    while (!myText.empty())
     {
         char32_t myCharacter = myText[0];
         const bool myIsPair = IsHighSurrogate(myCharacter) && myText.size() > 1 && IsLowSurrogate(myText[1]);
@@ -119,8 +78,7 @@ bool WriteUtf8(TextView myText, std::string& theBytes)
     return theResult;
 }
 
-/// The character beyond ASCII at the head of some bytes and how many bytes it takes; a length of 0 when they are not
-/// valid.
+/// The character that some bytes begin with, and how many bytes it takes; a length of 0 when they are not valid.
 struct DecodedCharacter
 {
     char32_t Character = 0;
@@ -134,6 +92,10 @@ DecodedCharacter DecodeUtf8(std::string_view myBytes)
         return static_cast<unsigned char>(myBytes[i]);
     };
     const unsigned char myLead = Byte(0);
+    if (myLead < 0x80)
+    {
+        return {myLead, 1};
+    }
     const size_t myLength = myLead >= 0xF0 ? 4 : myLead >= 0xE0 ? 3 : 2;
     if (myLead < 0xC2 || myLead > 0xF4 || myBytes.size() < myLength)
     {
@@ -162,7 +124,7 @@ bool ReadUtf8(std::string_view myBytes, Text& theText)
 {
     bool theResult = true;
     theText.reserve(myBytes.size());
-    for (MoveAscii(myBytes, theText); !myBytes.empty(); MoveAscii(myBytes, theText))
+    while (!myBytes.empty())
     {
         const DecodedCharacter myDecoded = DecodeUtf8(myBytes);
         if (myDecoded.Length == 0)
@@ -214,7 +176,7 @@ Text FromUtf8(std::string_view myBytes)
 
 bool IsUtf8(std::string_view myBytes)
 {
-    for (myBytes.remove_prefix(LeadingAscii(myBytes)); !myBytes.empty(); myBytes.remove_prefix(LeadingAscii(myBytes)))
+    while (!myBytes.empty())
     {
         const size_t myLength = DecodeUtf8(myBytes).Length;
         if (myLength == 0)

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <experimental/simd>
 #include <limits>
 #include <system_error>
 
@@ -135,38 +134,9 @@ bool EqualInLowerCase(TextView myFirst, TextView mySecond)
                       [](char16_t a, char16_t b) { return a == b || LowerCase(a) == LowerCase(b); });
 }
 
-size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t myPosition)
-{
-    myPosition = std::min(myPosition, myText.size());
-    using Units = std::experimental::native_simd<uint16_t>;
-    for (; myText.size() - myPosition >= Units::size(); myPosition += Units::size())
-    {
-        const Units myUnits([&](size_t i) { return static_cast<uint16_t>(myText[myPosition + i]); });
-        const auto myMatches = myUnits == Units(myFirst) || myUnits == Units(mySecond);
-        if (any_of(myMatches))
-        {
-            return myPosition + static_cast<size_t>(find_first_set(myMatches));
-        }
-    }
-    for (; myPosition < myText.size(); ++myPosition)
-    {
-        if (myText[myPosition] == myFirst || myText[myPosition] == mySecond)
-        {
-            return myPosition;
-        }
-    }
-    return TextView::npos;
-}
-
 Text JoinTexts(std::initializer_list<TextView> myTexts)
 {
-    size_t myLength = 0;
-    for (const TextView myText : myTexts)
-    {
-        myLength += myText.size();
-    }
     Text theResult;
-    theResult.reserve(myLength);
     for (const TextView myText : myTexts)
     {
         theResult += myText;

@@ -3,6 +3,7 @@
 /// All of them work on UTF-16 units, by character code and without a locale, and may be called on any thread.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -34,13 +35,12 @@ Text LowerCase(TextView myText);
 /// True when both texts have the same lower case.
 bool EqualInLowerCase(TextView myFirst, TextView mySecond);
 
-/// Where one of two units first stands at or behind a position; npos when neither does. Fast over long ways.
-size_t FindEither(TextView myText, char16_t myFirst, char16_t mySecond, size_t myPosition);
-
-/// The same for one unit.
+/// Where a unit is first found from a position on; npos when it is not. Faster than the member of the same purpose.
 inline size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
 {
-    return FindEither(myText, myUnit, myUnit, myPosition);
+    const auto* const myStart = myText.begin() + std::min(myPosition, myText.size());
+    const auto* const myFound = std::find(myStart, myText.end(), myUnit);
+    return myFound == myText.end() ? TextView::npos : static_cast<size_t>(myFound - myText.begin());
 }
 
 /// The texts one behind the other.
