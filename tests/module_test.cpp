@@ -2,7 +2,7 @@
 #include "ErrorOf.h"
 #include "MadePictures.h"
 #include "module/FormMain.h"
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 #include "platform/shared/SystemPlatform.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"

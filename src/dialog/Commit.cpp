@@ -94,8 +94,8 @@ bool FormMainDialog::PackImports()
     }
     classArchive myArchive(myPorts.files);
     myArchive.BaseFolder(myForm.TempFolder());
-    const Text myDataFolder = myForm.Records().DataFolder();
-    myArchive.ArchiveFilename(myDataFolder + myForm.Helper().ArchiveName());
+    const Text myDataFolder = myForm.Records()->DataFolder();
+    myArchive.ArchiveFilename(myDataFolder + myForm.Helper()->ArchiveName());
     myArchive.SmallFilenames(true);
     if (!myArchive.PackArchive())
     {
@@ -103,7 +103,7 @@ bool FormMainDialog::PackImports()
         ShowMessage(ReplaceAll(myMessage, u"%1", myArchive.ArchiveFilename()));
         return false;
     }
-    Settings().myFilename = myForm.Helper().ArchiveName();
+    Settings().myFilename = myForm.Helper()->ArchiveName();
     return true;
 }
 

@@ -75,7 +75,7 @@ void FormMainDialog::Form_Unload()
 /// The host may answer with anything, the present link or none included.
 void FormMainDialog::SetLink()
 {
-    Settings().myLink = myForm.Records().ChooseLink(Settings().myLink);
+    Settings().myLink = myForm.Records()->ChooseLink(Settings().myLink);
     UpdateLinkButtons();
 }
 
