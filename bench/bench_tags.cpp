@@ -1,6 +1,6 @@
 /// Scanning a script of tags and reading the two attributes of each, against an XML parser on the same tags.
 #include "compare.h"
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 #include "platform/Platform.h"
 #include "tags/classScript.h"
 #include "text/encodings.h"

@@ -73,8 +73,8 @@ void FillPages(Filler myFiller)
 {
     for (int i = 0; i < 1000; ++i)
     {
-        Keep(myFiller(1000, ImageReplacements));
-        Keep(myFiller(1010, TuneReplacements));
+        Keep(myFiller(StringId::PageImage, ImageReplacements));
+        Keep(myFiller(StringId::PageMIDI, TuneReplacements));
     }
 }
 
@@ -83,8 +83,10 @@ void FillPages(Filler myFiller)
 int main(int argc, char** argv)
 {
     const Bench myBench(argc, argv);
-    Require(Filled(1000, ImageReplacements) == FilledByHand(1000, ImageReplacements), "the same picture text");
-    Require(Filled(1010, TuneReplacements) == FilledByHand(1010, TuneReplacements), "the same tune text");
+    Require(Filled(StringId::PageImage, ImageReplacements) == FilledByHand(StringId::PageImage, ImageReplacements),
+            "the same picture text");
+    Require(Filled(StringId::PageMIDI, TuneReplacements) == FilledByHand(StringId::PageMIDI, TuneReplacements),
+            "the same tune text");
     myBench.Compare("templates: 1,000 pages against a loop by hand", 0.7,
                     {[]
                      {

@@ -1,6 +1,6 @@
 /// Scripts: any text comes to an end token by token, and settings that were read from it, written and read again stay.
 #include "fuzz.h"
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 #include "platform/Platform.h"
 #include "tags/classScript.h"
 #include "text/encodings.h"

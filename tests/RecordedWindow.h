@@ -3,6 +3,7 @@
 
 #include "dialog/FormMainDialog.h"
 #include "text/encodings.h"
+#include "text/errors.h"
 
 #include <functional>
 
@@ -60,6 +61,7 @@ struct RecordedPicker final : DatePicker
     std::optional<Date> Value() override { return Day; }
     void Value(std::optional<Date> d) override
     {
+        d&&* d < DateOfDay({1601, 1, 1}) ? Raise(ErrorNumber::InvalidArgument) : void();
         Day = d;
         My.Add(!d ? "no date" : *d > 45000 ? "today" : ToUtf8(NumberText(static_cast<float>(*d))));
     }
@@ -78,6 +80,7 @@ struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
         cmbMIDI.Click = std::bind_front(&FormMainEvents::cmbMIDIFolder_Click, &theEvents);
         lstImage.Click = std::bind_front(&FormMainEvents::lstImage_Click, &theEvents);
         theEvents.Form_Load();
+        WasSeen = true;
         Opening = std::exchange(Happened.Words, {});
         User ? User(theEvents) : void();
         theEvents.Form_Unload();
@@ -99,6 +102,7 @@ struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
     }
 
     Record Happened;
+    bool WasSeen = false;
     std::string Opening; ///< the record up to the user's turn
     std::function<void(FormMainEvents&)> User;
     std::optional<Text> Chosen; ///< in the dialog for opening a file

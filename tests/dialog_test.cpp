@@ -1,12 +1,14 @@
 /// The settings dialog: the real window of the built component, opened through its entry points and worked by a user
 /// with mouse and keys.
 #include "DialogUser.h"
+#include "FormTable.h"
 #include "MadePictures.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 
 #include <malloc.h>
+#include <map>
 #include <QFontInfo>
 #include <QPushButton>
 #include <thread>
@@ -220,6 +222,67 @@ TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
 }
 
+/// The controls of the table that take the focus from the Tab key, in its order.
+std::string TabOrder(const std::vector<FormTableRow>& myTable)
+{
+    QStringList theNames;
+    const auto Add = [&](const QString& myName)
+    {
+        const bool myIsThere = std::any_of(myTable.begin(), myTable.end(),
+                                           [&](const FormTableRow& r) { return r.Name == myName.toStdString(); });
+        return myIsThere && (theNames << myName, true);
+    };
+    for (QWidget* w = DialogUser::Front()->nextInFocusChain(); w != DialogUser::Front(); w = w->nextInFocusChain())
+    {
+        if ((w->focusPolicy() & Qt::TabFocus) != 0)
+        {
+            Add(w->objectName()) || Add(w->parentWidget()->objectName()); // a part of a control has its own name
+        }
+    }
+    theNames.removeDuplicates();
+    return theNames.join(' ').toStdString();
+}
+
+TEST_F(DialogTest, Form_IsTheOneOfTheTable)
+{
+    myHost->CallBack({Dialog(
+        []
+        {
+            const std::vector<FormTableRow> myTable = FormTable();
+            std::map<int, std::string> myNames;
+            for (const FormTableRow& myRow : myTable)
+            {
+                SCOPED_TRACE(myRow.Name);
+                QWidget& myWidget = Control(myRow.Name.c_str());
+                EXPECT_EQ(myWidget.parentWidget()->objectName().toStdString(),
+                          myRow.Parent.empty() ? "FormMain" : myRow.Parent);
+                EXPECT_EQ(myWidget.geometry(),
+                          QRect(myRow.Left / 15, myRow.Top / 15, myRow.Width / 15, myRow.Height / 15));
+                if (myRow.Caption != u"**") // which an import box replaces
+                {
+                    EXPECT_EQ(myWidget.property("text").toString().toStdString(), ToUtf8(myRow.Caption));
+                }
+                const QString myKey = QString::fromStdString(myRow.AccessKey);
+                EXPECT_EQ(myWidget.property("shortcut").value<QKeySequence>(),
+                          myKey.isEmpty() ? QKeySequence() : QKeySequence("Alt+" + myKey));
+                if ((myRow.Kind != "label" && myRow.Kind != "picture box") || myRow.Caption == u"**")
+                {
+                    myNames[myRow.TabIndex] += myRow.Name;
+                }
+            }
+            myNames.erase(-1);
+            std::string myOrder;
+            for (const auto& [myIndex, myName] : myNames)
+            {
+                myOrder += (myOrder.empty() ? "" : " ") + myName;
+            }
+            EXPECT_EQ(TabOrder(myTable), myOrder);
+            EXPECT_EQ(DialogUser::Front()->windowTitle(), "Tesselwind");
+            EXPECT_EQ(DialogUser::Front()->size(), QSize(480, 560));
+            Click("cmdCancel");
+        })});
+}
+
 TEST_F(DialogTest, ANewModuleConfirmedAtOnceHasTheFirstMotifAndTheFirstTune)
 {
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
@@ -344,7 +407,8 @@ TEST_F(DialogTest, StagesAnImportByItsSizeAndTheLettersOfItsEnding)
         std::deque<Step> mySteps = {Do("cmbImageFolder=(personalizado)|lblImage"), File(myFolder.Native(myCase.Name))};
         if (myCase.Shrunk.isValid())
         {
-            mySteps.push_back(Message(Text(LoadResString(840)), QMessageBox::Ok, QMessageBox::Question));
+            mySteps.push_back(
+                Message(Text(LoadResString(StringId::ImageIsTooLarge)), QMessageBox::Ok, QMessageBox::Question));
         }
         mySteps.push_back(Dialog([&] { ExpectImport("lblImage", myIsThere), Click("cmdCancel"); }));
         EXPECT_FALSE(myHost->CallBack(std::move(mySteps)));
@@ -363,11 +427,11 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
     myFolder.Write("Mine.MID", "my tune");
     EXPECT_TRUE(myHost->CallBack({
         Do("cmbImageFolder=(personalizado)|cmbMIDIFolder=(personalizado)|cmdOK"),
-        Message(Text(LoadResString(820))),
+        Message(Text(LoadResString(StringId::ImportImageFirst))),
         Dialog([] { TabTo("lblImage"), Key(Qt::Key_Space); }),
         File(myFolder.Native("mine.gif")),
         Do("cmdOK"),
-        Message(Text(LoadResString(830))),
+        Message(Text(LoadResString(StringId::ImportMIDIFirst))),
         Dialog([] { TabTo("lblMIDI"), Key(Qt::Key_Space); }),
         File(myFolder.Native("Mine.MID")),
         Do("lblImage"),
@@ -410,7 +474,7 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
     EXPECT_TRUE(myHost->CallBack({
         Do("lblImage"),
         File(myFolder.Native("big.gif")),
-        Message(Text(LoadResString(840)), QMessageBox::Cancel, QMessageBox::Question),
+        Message(Text(LoadResString(StringId::ImageIsTooLarge)), QMessageBox::Cancel, QMessageBox::Question),
         Dialog([] { ExpectImport("lblImage", false), Work("cmbImageFolder=Fiestas|cmdOK"); }),
     }));
     EXPECT_EQ(Stored("image|imagemode|midimode|file"), "Globo.gif|none|1|m7.dat");
@@ -443,7 +507,7 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
                 Control<QDateEdit>("DateToDay").setDate(QDate(2009, 7, 5));
                 Click("cmdOK");
             }),
-        Message(Text(LoadResString(850))),
+        Message(Text(LoadResString(StringId::PeriodIsReversed))),
         Dialog(
             [&]
             {

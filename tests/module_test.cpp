@@ -2,7 +2,7 @@
 #include "ErrorOf.h"
 #include "MadePictures.h"
 #include "module/FormMain.h"
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 #include "platform/shared/SystemPlatform.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
@@ -11,7 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
+#include <utility>
 
 namespace qel
 {
@@ -23,25 +25,38 @@ using namespace std::string_literals;
 /// Both services of a host that knows one record.
 struct OneRecordHost : BuildHelper, Database
 {
-    OneRecordHost(const Text& myFolder, const int32_t& myType) : Folder(myFolder), Type(myType) {}
-    Text UniqueName() override { return u"17"; }
-    int32_t InstanceNumber() override { return 3; }
-    Text MediaFolder() override { return Folder + u"media\\"; }
-    Text MediaURL() override { return u"media/"; }
-    Text ImageFolder() override { return Folder + u"images\\"; }
-    Text ImageURL() override { return u"images/"; }
-    Text FileFolder() override { return Folder + u"files\\"; }
-    Text FileURL() override { return u"files"; }
+    using Listener = std::function<void(const std::string& myMember)>;
+
+    OneRecordHost(const Text& myFolder, const int32_t& myType, const Listener& myListener)
+        : Folder(myFolder), Type(myType), Called(myListener)
+    {
+    }
+    Text UniqueName() override { return Answer("UniqueName", u"17"); }
+    int32_t InstanceNumber() override { return Called("InstanceNumber"), 3; }
+    Text MediaFolder() override { return Answer("MediaFolder", Folder + u"media\\"); }
+    Text MediaURL() override { return Answer("MediaURL", u"media/"); }
+    Text ImageFolder() override { return Answer("ImageFolder", Folder + u"images\\"); }
+    Text ImageURL() override { return Answer("ImageURL", u"images/"); }
+    Text FileFolder() override { return Answer("FileFolder", Folder + u"files\\"); }
+    Text FileURL() override { return Answer("FileURL", u"files"); }
     Text ArchiveName() override { return {}; }
-    int32_t RecordType() override { return Type; }
-    bool AtEnd() override { return false; }
-    Text RecordFilename() override { return u"Doc.pdf"; }
-    void SeekUID(TextView) override {}
-    Text RecordURL() override { return u"https://example.org/?a=1&b=2"; }
-    Text DataFolder() override { return Folder + u"data\\"; }
+    int32_t RecordType() override { return Called("RecordType"), Type; }
+    bool AtEnd() override { return Called("EOF"), false; }
+    Text RecordFilename() override { return Answer("RecordFilename", u"Doc.pdf"); }
+    void SeekUID(TextView) override { Called("SeekUID"); }
+    Text RecordURL() override { return Answer("RecordURL", u"https://example.org/?a=1&b=2"); }
+    Text DataFolder() override { return Answer("DataFolder", Folder + u"data\\"); }
     Text ChooseLink(TextView) override { return {}; }
+
+    Text Answer(const char* myMember, const Text& myAnswer) const
+    {
+        Called(myMember);
+        return myAnswer;
+    }
+
     const Text Folder; ///< of the build and of the data alike
     const int32_t& Type;
+    const Listener& Called; ///< runs inside each call before it returns
 };
 
 /// The script of some settings as the format has it, from "name=value|name=value" with escaped values.
@@ -81,8 +96,8 @@ protected:
     void Restart()
     {
         myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
-        myForm->myBuildHelper = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType);
-        myForm->myDatabase = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType);
+        myForm->myBuildHelper = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType, myHostIsCalled);
+        myForm->myDatabase = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType, myHostIsCalled);
     }
 
     /// The page text of a module with the library picture alone, changed by further settings.
@@ -99,6 +114,8 @@ protected:
     localConstants myConstants{myFolder.Logical(u"Designs\\"), {}};
     FormLead myLead{myPorts};
     int32_t myRecordType = 1;
+    OneRecordHost::Listener myHostIsCalled = [](const std::string&) {
+    };
     std::unique_ptr<FormMain> myForm;
 };
 
@@ -189,9 +206,48 @@ TEST_F(Module, PictureGoesIntoTheFolderAsTheHostLeavesItMeanwhile)
     myFolder.Write("images/QELSPR17.GIF", "");
     Output({});
     EXPECT_FALSE(myFolder.Exists("images/qelspr17.gif"));
-    myForm->myBuildHelper = std::make_unique<EmptyingHost>(ReplaceAll(myFolder.Logical(), u"\\", u"/"), myRecordType);
+    myForm->myBuildHelper =
+        std::make_unique<EmptyingHost>(ReplaceAll(myFolder.Logical(), u"\\", u"/"), myRecordType, myHostIsCalled);
     Output({});
     EXPECT_TRUE(myFolder.Exists("images/qelspr17.gif"));
+}
+
+TEST_F(Module, Output_HostIsAskedInItsOrderAndMayChangeTheModuleMeanwhile)
+{
+    const Text myScript = Params(
+        u"image=Globo.gif|imagefolder=Fiestas|midi=Vals.mid|midifolder=Fiestas|from=38353|to=38717|link=UID:4711",
+        u"<pg.file filename=\"m.dat\">");
+    const Text myOtherScript = Params(u"image=g|imagefolder=Fiestas|midi=|playmidi=0|link=URL:other");
+    std::string myCalls;
+    int myCount = 0, myChangingCall = 0;
+    myRecordType = 5;
+    myHostIsCalled = [&](const std::string& myMember)
+    {
+        myCalls += myMember + " ";
+        if (++myCount == myChangingCall)
+        {
+            myForm->Script(myOtherScript);
+            myForm->myBuildHelper.reset();
+            myForm->myDatabase.reset();
+        }
+    };
+    myForm->Script(myScript);
+    const Text myPage = myForm->Output();
+    EXPECT_EQ(myCalls, "DataFolder "                                   // for the archive
+                       "InstanceNumber InstanceNumber InstanceNumber " // for the start and the period
+                       "InstanceNumber UniqueName "                    // for the picture
+                       "SeekUID EOF RecordType DataFolder RecordFilename FileFolder RecordFilename FileURL "
+                       "RecordFilename "                                   // for its link
+                       "ImageFolder ImageURL "                             // for its copy
+                       "UniqueName MediaFolder InstanceNumber MediaURL "); // for the tune
+    for (const int myCalled = std::exchange(myCount, 0); myChangingCall < myCalled; myCount = 0)
+    {
+        ++myChangingCall;
+        Restart();
+        myForm->Script(myScript);
+        EXPECT_EQ(ToUtf8(myForm->Output()), ToUtf8(myPage)) << myChangingCall;
+        EXPECT_NE(myForm->Script().find(u"URL:other"), Text::npos) << "what the host wrote is in hand";
+    }
 }
 
 TEST_F(Module, FailureGivesItsReasonAndNothingOfThePage)
@@ -269,6 +325,8 @@ TEST_F(Module, ScriptIsReadWithTolerance)
          u"image=|imagefolder=|midi=|midifolder=|imagemode=none|midimode=1|showimage=0|playmidi=0|from=38353|to=38354|"
          u"link=",
          false},
+        {u"<pg.param name=image value=a><pg.param name=from value=1e2><pg.param name=to value=+2.5E+2e9>",
+         myStart + u"showimage=1|playmidi=1|from=100|to=250|link=", false},
         {u"<pg.Param name=image value=x></pg.param name=image value=x><pg.param name=Image value=x><pg.x name=image "
          u"value=x>"
          u"text<PG.param VALUE=x NAME=midi><pg.param name=midifolder value=a><pg.param name=midifolder value=b value=c "
@@ -292,7 +350,7 @@ TEST_F(Module, ScriptIsReadWithTolerance)
 TEST_F(Module, SummaryIsJoinedFromItsSentences)
 {
     const std::pair<Text, TextView> myCases[] = {
-        {u"midi=Vals.mid|from=1", LoadResString(500)},
+        {u"midi=Vals.mid|from=1", LoadResString(StringId::SummaryNoImage)},
         {u"image=Globo.gif|midi=Vals.mid|to=38353", u"Se muestra el motivo <b>\"Globo\"</b>. Se reproduce el sonido de "
                                                     u"fondo <b>\"Vals\"</b>. El control de tiempo "
                                                     u"se ha activado."},

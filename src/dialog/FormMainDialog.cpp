@@ -1,6 +1,7 @@
 #include "dialog/FormMainDialog.h"
 
 #include "platform/clock.h"
+#include "resources/stringTable.h"
 #include "tags/pluginFunctions.h"
 #include "text/errors.h"
 #include "text/succeeds.h"
@@ -10,7 +11,7 @@ namespace qel
 namespace
 {
 
-/// In the record the marker of an imported file reads as the entry of the combo while the dialog is open.
+/// While the dialog is open, the settings hold the entry of the combo box in place of the marker of an imported file.
 void ShowMarker(Text& theFolder)
 {
     if (theFolder == UserMarker)
@@ -19,12 +20,40 @@ void ShowMarker(Text& theFolder)
     }
 }
 
+/// As an author reads it: 06/07/2009.
+Text DayText(Date myDate)
+{
+    const auto TwoDigits = [](int32_t myNumber)
+    {
+        return JoinTexts({myNumber < 10 ? u"0" : u"", NumberText(int64_t{myNumber})});
+    };
+    const CalendarDay myDay = DayOfDate(myDate);
+    return JoinTexts({TwoDigits(myDay.Day), u"/", TwoDigits(myDay.Month), u"/", NumberText(int64_t{myDay.Year})});
+}
+
+/// Shows a stored date. Error 5, with the date in its description: the picker cannot show it.
+void ShowDate(DatePicker& thePicker, Date myDate)
+{
+    try
+    {
+        thePicker.Value(myDate);
+    }
+    catch (const Error& e)
+    {
+        if (e.Number != ErrorNumber::InvalidArgument)
+        {
+            throw;
+        }
+        throw Error{e.Number, ReplaceAll(LoadResString(StringId::DateNotShown), u"%1", DayText(myDate))};
+    }
+}
+
 /// A picker without a date shows today, so that switching it on starts there.
 void FillPicker(DatePicker& thePicker, Date myDate)
 {
     if (DateIsSet(myDate))
     {
-        thePicker.Value(myDate);
+        ShowDate(thePicker, myDate);
     }
     else
     {
@@ -37,7 +66,8 @@ void FillPicker(DatePicker& thePicker, Date myDate)
 
 FormMainDialog::FormMainDialog(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead,
                                FormMain& theMain, FormMainWindow& theFormWindow)
-    : myPorts(myPlatform), myLocalConstants(myConstants), myFormLead(myLead), myForm(theMain), myWindow(theFormWindow)
+    : myPorts(myPlatform), myLocalConstants(myConstants), myFormLead(myLead), myForm(theMain), myWindow(theFormWindow),
+      myMotif(MotifHalf(theFormWindow.Controls())), myTune(TuneHalf(theFormWindow.Controls()))
 {
 }
 
@@ -55,12 +85,19 @@ void FormMainDialog::Form_Load()
         Settings().myImageMode = ImageMode::None;
         Settings().myMIDIMode = false;
     }
-    ShowMarker(Settings().myImageFolder);
-    ShowMarker(Settings().myMIDIFolder);
-    FillFolderCombo(Controls().cmbImageFolder, Settings().myImageFolder);
-    FillFolderCombo(Controls().cmbMIDIFolder, Settings().myMIDIFolder);
-    Controls().chkImage.Value(Settings().myShowImage);
-    Controls().chkMIDI.Value(Settings().myPlayMIDI);
+    const auto myHalves = {&myMotif, &myTune};
+    for (const DialogHalf* const myHalf : myHalves)
+    {
+        ShowMarker(Settings().*myHalf->Folder);
+    }
+    for (const DialogHalf* const myHalf : myHalves)
+    {
+        FillFolderCombo(myHalf->Folders, Settings().*myHalf->Folder);
+    }
+    for (const DialogHalf* const myHalf : myHalves)
+    {
+        myHalf->Switch.Value(Settings().*myHalf->IsOn);
+    }
     FillPicker(Controls().DateFrom, Settings().myFrom);
     FillPicker(Controls().DateTo, Settings().myTo);
     UpdatePreview();
@@ -72,10 +109,10 @@ void FormMainDialog::Form_Unload()
     StopMIDI();
 }
 
-/// The host may answer with anything, the present link or none included.
+/// The host's answer replaces the link whatever it is, the present link and the empty text included.
 void FormMainDialog::SetLink()
 {
-    Settings().myLink = myForm.Records().ChooseLink(Settings().myLink);
+    Settings().myLink = myForm.Records()->ChooseLink(Settings().myLink);
     UpdateLinkButtons();
 }
 
@@ -90,8 +127,8 @@ void FormMainDialog::UpdateLinkButtons()
     Controls().cmdUnsetLink.Enabled(!Settings().myLink.empty());
 }
 
-/// Runs a handler. What fails inside a write of a selected index is a failure of whoever writes; anything else is shown
-/// here, since nobody else would hear of it.
+/// Runs a handler. Inside a write of a selected index a failure goes on to the code that writes; any other failure is
+/// shown to the author here, since no other code would report it.
 template <class Operation>
 void FormMainDialog::Handle(Operation myOperation)
 {
@@ -117,12 +154,26 @@ void FormMainDialog::ShowMessage(TextView myText)
 
 void FormMainDialog::cmbImageFolder_Click()
 {
-    Handle([&] { OpenImageFolder(); });
+    Handle(
+        [&]
+        {
+            OpenFolder(myMotif);
+            if (OwnFileIsSelected(myMotif)) // else the list has updated the preview when its selection was written
+            {
+                UpdatePreview();
+                UpdateImageLabel();
+            }
+        });
 }
 
 void FormMainDialog::cmbMIDIFolder_Click()
 {
-    Handle([&] { OpenMIDIFolder(); });
+    Handle(
+        [&]
+        {
+            OpenFolder(myTune);
+            UpdateMIDILabel(); // also for a folder of the library, unlike the motif's
+        });
 }
 
 void FormMainDialog::lstImage_Click()

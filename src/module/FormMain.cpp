@@ -1,9 +1,13 @@
 #include "module/FormMain.h"
 
-#include "module/ModuleScript.h"
+#include "module/handedIn.h"
+#include "module/moduleArchive.h"
+#include "module/moduleScript.h"
+#include "module/PageWriter.h"
 #include "resources/stringTable.h"
 #include "tags/classScript.h"
 #include "text/errors.h"
+#include "text/succeeds.h"
 
 #include <utility>
 
@@ -12,7 +16,7 @@ namespace qel
 namespace
 {
 
-/// A file's name without its ending, whatever that is, by length alone.
+/// A file name without its ending, which is cut off by its length alone.
 TextView WithoutExtension(TextView myName)
 {
     if (myName.size() < ExtensionLength)
@@ -22,8 +26,8 @@ TextView WithoutExtension(TextView myName)
     return myName.substr(0, myName.size() - ExtensionLength);
 }
 
-/// The sentence about the picture or the tune.
-Text PartText(bool myIsOn, TextView myFolder, TextView myName, int32_t myLibraryText, int32_t myUserText,
+/// The sentence about the picture or the tune, chosen from three by their numbers in the string table.
+Text PartText(bool myIsOn, TextView myFolder, TextView myName, int32_t myLibraryText, int32_t myOwnText,
               int32_t myOffText)
 {
     if (!myIsOn)
@@ -32,7 +36,7 @@ Text PartText(bool myIsOn, TextView myFolder, TextView myName, int32_t myLibrary
     }
     if (myFolder == UserMarker)
     {
-        return Text(LoadResString(myUserText));
+        return Text(LoadResString(myOwnText));
     }
     return ReplaceAll(LoadResString(myLibraryText), u"%1", WithoutExtension(myName));
 }
@@ -53,14 +57,8 @@ FormMain::FormMain(const Platform& myPlatform, const localConstants& myConstants
     }
     myTempFolder = myTempPath + u"qelpluginanimtemp\\";
     myTempMIDI = JoinTexts({myTempPath, TunePrefix, TuneExtension});
-    try
-    {
-        myPorts.files.MakeFolder(myTempFolder);
-    }
-    catch (const Error&)
-    {
-        // It is there already, or whoever needs it will meet the failure.
-    }
+    // A failure means that the folder exists already, or it shows when the folder is needed.
+    Succeeds([&] { myPorts.files.MakeFolder(myTempFolder); });
 }
 
 void FormMain::ResetSettings()
@@ -96,7 +94,7 @@ void FormMain::Script(TextView myScript)
     ResetSettings();
     if (!ReadScript(myScanner, mySettings))
     {
-        myError = LoadResString(720);
+        myError = LoadResString(StringId::NoImageChosen);
     }
 }
 
@@ -104,15 +102,58 @@ Text FormMain::TextSettings() const
 {
     if (mySettings.myImage.empty())
     {
-        return Text(LoadResString(500));
+        return Text(LoadResString(StringId::SummaryNoImage));
     }
-    Text theResult = PartText(mySettings.myShowImage, mySettings.myImageFolder, mySettings.myImage, 510, 511, 512);
-    theResult += PartText(mySettings.myPlayMIDI, mySettings.myMIDIFolder, mySettings.myMIDI, 520, 521, 522);
+    Text theResult = PartText(mySettings.myShowImage, mySettings.myImageFolder, mySettings.myImage,
+                              StringId::SummaryLibraryImage, StringId::SummaryOwnImage, StringId::SummaryImageOff);
+    theResult += PartText(mySettings.myPlayMIDI, mySettings.myMIDIFolder, mySettings.myMIDI,
+                          StringId::SummaryLibraryMIDI, StringId::SummaryOwnMIDI, StringId::SummaryMIDIOff);
     if (DateIsSet(mySettings.myFrom) || DateIsSet(mySettings.myTo))
     {
-        theResult += LoadResString(530);
+        theResult += LoadResString(StringId::SummaryPeriod);
     }
     return theResult;
+}
+
+Text FormMain::Output()
+{
+    if (mySettings.myImage.empty())
+    {
+        myError = LoadResString(StringId::NoImageChosen);
+        return {};
+    }
+    try
+    {
+        ClearTempFolder();
+        PageWriter myWriter(myPorts, myLocalConstants, myFormLead, myTempFolder, mySettings, myBuildHelper, myDatabase);
+        if (std::optional<Text> theResult = myWriter.PageText())
+        {
+            return *std::move(theResult);
+        }
+        myError = LoadResString(StringId::LinkIsBroken);
+    }
+    catch (...)
+    {
+        const Error myFailure = ErrorInHand();
+        const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
+        myError = ReplaceAll(LoadResString(StringId::OutputFailure), u"%1", myReason);
+    }
+    return Text(LoadResString(StringId::OutputFailed));
+}
+
+bool FormMain::UnPackModule()
+{
+    return qel::UnPackModule(myPorts.files, myDatabase, mySettings.myFilename, myTempFolder);
+}
+
+std::shared_ptr<BuildHelper> FormMain::Helper() const
+{
+    return HandedIn(myBuildHelper);
+}
+
+std::shared_ptr<Database> FormMain::Records() const
+{
+    return HandedIn(myDatabase);
 }
 
 } // namespace qel

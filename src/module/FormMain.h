@@ -14,7 +14,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 
 namespace qel
 {
@@ -22,15 +21,16 @@ namespace qel
 class FormMain
 {
 public:
-    /// Sets the temporary paths and makes the temporary folder, as far as that succeeds. What is handed in must outlive
-    /// the object.
+    /// Sets the temporary paths and makes the temporary folder; a failure to make it is no error yet. All arguments
+    /// must outlive the object.
     FormMain(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead);
 
-    /// The host's services; null until the host hands them in.
-    std::unique_ptr<BuildHelper> myBuildHelper;
-    std::unique_ptr<Database> myDatabase;
+    /// The host's services; null until the host hands them in. The host may replace them inside one of its own calls,
+    /// so a caller of a service keeps it alive by a copy.
+    std::shared_ptr<BuildHelper> myBuildHelper;
+    std::shared_ptr<Database> myDatabase;
 
-    /// How the dialog ended; 0 when it was never opened.
+    /// How the dialog ended; 0 before its first opening.
     int32_t ExitButton = 0;
     static constexpr int32_t Confirmed = 1;
     static constexpr int32_t NotConfirmed = 2;
@@ -38,22 +38,23 @@ public:
     /// The script of the settings in hand. No error.
     Text Script() const;
 
-    /// Puts a stored module in hand: everything is reset but the link, then filled from the script. A script of another
-    /// format version leaves a module with nothing chosen, and the reason in ErrorText. Window messages run meanwhile,
-    /// in which the text must not change.
-    /// Error 6: a date out of range; what stands before it is in force.
+    /// Puts a stored module in hand: resets everything but the link, then fills it from the script. A script of another
+    /// format version leaves a module with nothing chosen, and the reason in ErrorText. Window messages run meanwhile;
+    /// they must not change the text.
+    /// Error 6: a date out of range; what the script holds before it is in force.
     void Script(TextView myScript);
 
     /// A short account of the module in the host's mark-up.
     /// Error 5: the name of a library picture or tune is shorter than an ending.
     Text TextSettings() const;
 
-    /// The reason of the last failure since the last script; a later success does not clear it. No error.
+    /// The reason of the last failure since the last script was written; a success does not clear it. No error.
     const Text& ErrorText() const { return myError; }
 
     /// The module's piece of the page. Unpacks the module's archive and copies its picture and tune into the folders of
-    /// the build; what was copied before a failure stays there. No error: without a picture the result is empty, after
-    /// a failure it is "[Error de plug-in]", and ErrorText tells the reason.
+    /// the build; what was copied before a failure stays there. A script that the host writes meanwhile, inside one of
+    /// its own calls, is in hand afterwards and changes nothing in this page. No error: without a picture the result is
+    /// empty; after a failure it is "[Error de plug-in]", and ErrorText gives the reason.
     Text Output();
 
     // What follows is for the window half of the form, which edits the record in hand.
@@ -74,21 +75,12 @@ public:
     /// Throws what the host throws.
     bool UnPackModule();
 
-    /// The host's services. Error 91: the host has not handed them in.
-    BuildHelper& Helper() const;
-    Database& Records() const;
+    /// The host's services, kept alive for the caller's call into them. Error 91: the host has not handed them in.
+    std::shared_ptr<BuildHelper> Helper() const;
+    std::shared_ptr<Database> Records() const;
 
 private:
     void ResetSettings();
-    std::optional<Text> PageText();
-    Text PeriodText(int32_t myTemplate, Date myDay);
-    std::optional<Text> ImageText();
-    Text TuneText();
-    Text ResolveLink(const Text& myLinkText);
-    Text StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*myURL)());
-    Text FilledTemplate(int32_t myTemplate);
-    Text SourcePath(TextView myFolder, TextView myName) const;
-    Text TargetName(TextView myPrefix, TextView myName) const;
 
     const Platform& myPorts;
     const localConstants& myLocalConstants;

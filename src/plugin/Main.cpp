@@ -2,7 +2,7 @@
 
 #include "com/ComHostServices.h"
 #include "com/Failure.h"
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 #include "plugin/Apartment.h"
 #include "resources/stringTable.h"
 #include "tags/pluginFunctions.h"
@@ -23,10 +23,10 @@ FormMain& Form()
 
 /// Keeps a service of the host as the port that the logic calls; null releases the present one.
 template <class Adapter, class Port, class Service>
-HRESULT KeepService(std::unique_ptr<Port> FormMain::*myField, Service** myService) noexcept
+HRESULT KeepService(std::shared_ptr<Port> FormMain::*myField, Service** myService) noexcept
 {
     return Accept(myService, [&](Service* myObject)
-                  { Form().*myField = myObject ? std::make_unique<Adapter>(myObject) : nullptr; });
+                  { Form().*myField = myObject ? std::make_shared<Adapter>(myObject) : nullptr; });
 }
 
 /// Such as 1.0.19.
@@ -106,17 +106,17 @@ HRESULT Main::get_Output(BSTR* theText)
 
 HRESULT Main::get_TextFunction(BSTR* theText)
 {
-    return Answer(theText, [] { return LoadResString(20); });
+    return Answer(theText, [] { return LoadResString(StringId::Function); });
 }
 
 HRESULT Main::get_TextRequirementsServer(BSTR* theText)
 {
-    return Answer(theText, [] { return LoadResString(40); });
+    return Answer(theText, [] { return LoadResString(StringId::RequirementsServer); });
 }
 
 HRESULT Main::get_TextRequirementsClient(BSTR* theText)
 {
-    return Answer(theText, [] { return LoadResString(30); });
+    return Answer(theText, [] { return LoadResString(StringId::RequirementsClient); });
 }
 
 HRESULT Main::get_TextSettings(BSTR* theText)
@@ -126,7 +126,7 @@ HRESULT Main::get_TextSettings(BSTR* theText)
 
 HRESULT Main::get_TextConfig(BSTR* theText)
 {
-    return Answer(theText, [] { return LoadResString(50); });
+    return Answer(theText, [] { return LoadResString(StringId::Config); });
 }
 
 HRESULT Main::get_IsConfigurable(VARIANT_BOOL* theAnswer)
@@ -136,7 +136,7 @@ HRESULT Main::get_IsConfigurable(VARIANT_BOOL* theAnswer)
 
 HRESULT Main::get_Description(BSTR* theText)
 {
-    return Answer(theText, [] { return LoadResString(10); });
+    return Answer(theText, [] { return LoadResString(StringId::Description); });
 }
 
 HRESULT Main::get_PreviewImageFilename(BSTR* theName)

@@ -14,7 +14,7 @@
 namespace qel
 {
 
-/// The dialog for opening a file, with what is set before it shows.
+/// The settings of the dialog for opening a file.
 struct FileDialogSettings
 {
     Text Filter; ///< pairs of description and patterns, all separated by "|", the patterns of a pair by ";"
@@ -23,37 +23,45 @@ struct FileDialogSettings
     uint32_t Flags;      ///< 0x80004: a dialog that browses, without a box for read-only
 };
 
+/// The pointer of the mouse while it is over the window.
 enum class MousePointer : int32_t
 {
     Default = 0,
     Hourglass = 11
 };
 
-/// The dialog's window, from its making to its unloading.
+/// The dialog's window, for one opening.
+///
+/// Order of calls: Show, once; the others inside it, from the handlers of its events. Controls also before.
 class FormMainWindow
 {
 public:
     virtual ~FormMainWindow() = default;
 
+    /// The controls, which live as long as this object.
     virtual FormMainControls& Controls() = 0;
 
-    /// Runs Form_Load, shows the window modally, and returns when it is unloaded and its controls are of no more use.
+    /// Runs Form_Load, shows the window modally, runs Form_Unload at its closing, and returns. Throws what Form_Load
+    /// throws; then the window has not been seen.
     virtual void Show(FormMainEvents& theEvents) = 0;
 
     /// Closes the window; Form_Unload runs before Show returns.
     virtual void Unload() = 0;
 
+    /// The number of the help topic about the form.
     virtual int32_t HelpContextID() = 0;
+
     virtual void Pointer(MousePointer myPointer) = 0;
 
     /// Lets the author choose a file to open; nothing when they cancel or the dialog fails.
     virtual std::optional<Text> ShowOpen(const FileDialogSettings& mySettings) = 0;
 
-    /// Shows a message with the style's buttons and icon, over this window.
+    /// Shows a message over this window, with the buttons and the icon of InformationStyle or QuestionStyle (see
+    /// platform/MessageBox.h), and waits for the answer: PressedOK or PressedCancel.
     virtual int32_t MsgBox(TextView myText, int32_t myStyle) = 0;
 };
 
-/// Makes the dialog's window. What it needs is loaded at the first call and not before.
+/// Makes the dialog's window. What that needs is loaded at the first call and not before.
 class FormMainWindowMaker
 {
 public:

@@ -1,4 +1,4 @@
-#include "module/ModuleScript.h"
+#include "module/moduleScript.h"
 
 #include "module/localConstants.h"
 #include "resources/stringTable.h"

@@ -1,7 +1,5 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/pictureSize.h"
-#include "resources/formLayout.h"
-#include "resources/stringTable.h"
 #include "text/succeeds.h"
 
 namespace qel
@@ -22,16 +20,13 @@ void FormMainDialog::UpdatePreview()
 
 void FormMainDialog::PaintPreview()
 {
-    constexpr int32_t Margins = 10; // both together
-    const Text myFolder = Controls().cmbImageFolder.SelectedText();
-    const bool myIsOwn = myFolder == OwnFileEntry;
-    if (myIsOwn && Settings().myImageMode == ImageMode::None)
+    constexpr int32_t Margins = 10; // the two of a direction together
+    const bool myIsOwn = OwnFileIsSelected(myMotif);
+    if (myIsOwn && !myMotif.IsImported(Settings()))
     {
         return;
     }
-    LoadPicture(LeadIn(), myIsOwn
-                              ? StagedImage(Settings().myImageMode == ImageMode::Jpeg ? JpegExtension : GifExtension)
-                              : LibraryFile(myFolder, Controls().lstImage.SelectedText(), GifExtension));
+    LoadPicture(LeadIn(), myIsOwn ? StagedFile(myMotif.ImportedName(Settings())) : SelectedFile(myMotif));
     PreviewBox& theBox = Controls().picPreview;
     const float myHeight = LeadIn().BitmapHeight();
     const float myWidth = LeadIn().BitmapWidth();
@@ -41,14 +36,6 @@ void FormMainDialog::PaintPreview()
     theBox.PaintPicture(LeadIn().CurrentPicture(), (theBox.ScaleWidth() - mySize.Width) / 2,
                         (theBox.ScaleHeight() - mySize.Height) / 2);
     Controls().lblAnimated.Visible(LeadIn().IsAnimated());
-}
-
-/// Tells in the import box whether a picture is there.
-void FormMainDialog::UpdateImageLabel()
-{
-    const bool myIsThere = Settings().myImageMode != ImageMode::None;
-    Controls().lblImage.Caption(LoadResString(myIsThere ? 800 : 801));
-    Controls().imgImage.Icon(myIsThere ? InformationIcon : WarningIcon);
 }
 
 } // namespace qel

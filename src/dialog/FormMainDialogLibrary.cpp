@@ -7,7 +7,7 @@ namespace qel
 namespace
 {
 
-/// Fills a box with names in sorted order, the last characters of each left out. Gives the index of the last name that
+/// Adds names to a box in sorted order, each without its last characters. Returns the index of the last name that
 /// equals the selected one without regard to case, or 0.
 int32_t AddSorted(ComboBox& theBox, const std::vector<Text>& myNames, TextView mySelected, size_t myCut)
 {
@@ -58,7 +58,7 @@ void FormMainDialog::FillFileList(TextView myExtension, ListBox& theList, TextVi
     }
 }
 
-/// Writes a selected index; the box's click handler runs inside, and its failures come out.
+/// Writes the selected index. The click handler of the box runs inside, and what it throws comes out here.
 void FormMainDialog::Select(ComboBox& theBox, int32_t myIndex)
 {
     ++myIndexWrites;
@@ -66,34 +66,28 @@ void FormMainDialog::Select(ComboBox& theBox, int32_t myIndex)
     theBox.ListIndex(myIndex);
 }
 
-void FormMainDialog::OpenImageFolder()
+bool FormMainDialog::OwnFileIsSelected(const DialogHalf& myHalf)
 {
-    const Text myFolder = Controls().cmbImageFolder.SelectedText();
+    return myHalf.Folders.SelectedText() == OwnFileEntry;
+}
+
+/// Shows the import box for the own file, else the list with the files of the selected folder.
+void FormMainDialog::OpenFolder(const DialogHalf& myHalf)
+{
+    const Text myFolder = myHalf.Folders.SelectedText();
     const bool myIsOwn = myFolder == OwnFileEntry;
-    Controls().picImage.Visible(myIsOwn);
-    Controls().lstImage.Visible(!myIsOwn);
-    if (myIsOwn)
+    myHalf.ImportBox.Visible(myIsOwn);
+    myHalf.Files.Visible(!myIsOwn);
+    if (!myIsOwn)
     {
-        UpdatePreview();
-        UpdateImageLabel();
-    }
-    else
-    {
-        FillFileList(GifExtension, Controls().lstImage, myFolder, Settings().myImage);
+        FillFileList(myHalf.Extension, myHalf.Files, myFolder, Settings().*myHalf.Filename);
     }
 }
 
-void FormMainDialog::OpenMIDIFolder()
+/// The selected file of the library; no such file where nothing is selected in the list.
+Text FormMainDialog::SelectedFile(const DialogHalf& myHalf) const
 {
-    const Text myFolder = Controls().cmbMIDIFolder.SelectedText();
-    const bool myIsOwn = myFolder == OwnFileEntry;
-    Controls().picMIDI.Visible(myIsOwn);
-    Controls().lstMIDI.Visible(!myIsOwn);
-    if (!myIsOwn)
-    {
-        FillFileList(TuneExtension, Controls().lstMIDI, myFolder, Settings().myMIDI);
-    }
-    UpdateMIDILabel();
+    return LibraryFile(myHalf.Folders.SelectedText(), myHalf.Files.SelectedText(), myHalf.Extension);
 }
 
 Text FormMainDialog::LibraryFile(TextView myFolder, TextView myName, TextView myExtension) const

@@ -1,34 +1,35 @@
-#include "archive/classArchive.h"
-#include "module/FormMain.h"
+#include "module/PageWriter.h"
+
+#include "module/handedIn.h"
+#include "module/moduleArchive.h"
 #include "resources/stringTable.h"
 #include "tags/pluginFunctions.h"
-#include "text/errors.h"
 
 #include <algorithm>
 #include <map>
-#include <utility>
 
 namespace qel
 {
 namespace
 {
 
-/// What ResolveLink answers for a record that is not there or leads nowhere.
+/// What ResolveLink returns for a record that does not exist or leads nowhere.
 constexpr TextView UnresolvedLink = u"ERROR";
 
-/// The last characters of a file's name, as many as an ending has.
+/// The last characters of a file name, as many as an ending has.
 TextView ExtensionOf(TextView myName)
 {
     return myName.substr(myName.size() - std::min(myName.size(), ExtensionLength));
 }
 
-/// A template of the page with its line ends turned into the page's.
+/// A template with the line ends of the page.
 const Text& PageTemplate(int32_t myTemplate)
 {
     static const auto theTemplates = []
     {
         std::map<int32_t, Text> theResult;
-        for (const int32_t myNumber : {900, 910, 920, 1000, 1010})
+        for (const int32_t myNumber :
+             {StringId::PageStart, StringId::PageFrom, StringId::PageTo, StringId::PageImage, StringId::PageMIDI})
         {
             theResult.emplace(myNumber, ReplaceAll(LoadResString(myNumber), u"\n", LineEnd));
         }
@@ -44,45 +45,27 @@ void Fill(Text& theText, TextView myPlaceholder, TextView myValue)
 
 } // namespace
 
-Text FormMain::Output()
+PageWriter::PageWriter(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead,
+                       const Text& myTemporaryFolder, const ModuleSettings& myModule,
+                       const std::shared_ptr<BuildHelper>& myHelper, const std::shared_ptr<Database>& myRecords)
+    : myPorts(myPlatform), myLocalConstants(myConstants), myFormLead(myLead), myTempFolder(myTemporaryFolder),
+      mySettings(myModule), myBuildHelper(myHelper), myDatabase(myRecords)
 {
-    if (mySettings.myImage.empty())
-    {
-        myError = LoadResString(720);
-        return {};
-    }
-    try
-    {
-        if (std::optional<Text> theResult = PageText())
-        {
-            return *std::move(theResult);
-        }
-        myError = LoadResString(730);
-    }
-    catch (...)
-    {
-        const Error myFailure = ErrorInHand();
-        const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
-        myError = ReplaceAll(LoadResString(710), u"%1", myReason);
-    }
-    return Text(LoadResString(700));
 }
 
-/// The script element; nothing when the link cannot be resolved. The host is asked in the order in which the pieces are
-/// written.
-std::optional<Text> FormMain::PageText()
+std::optional<Text> PageWriter::PageText()
 {
-    ClearTempFolder();
-    UnPackModule(); // an archive that is missing or damaged shows up when one of its files is copied
+    // An archive that is missing or damaged shows when one of its files is copied.
+    UnPackModule(myPorts.files, myDatabase, mySettings.myFilename, myTempFolder);
     Text theResult = MakeScriptTag().append(LineEnd);
-    theResult.append(FilledTemplate(900)).append(LineEnd);
+    theResult.append(FilledTemplate(StringId::PageStart)).append(LineEnd);
     if (DateIsSet(mySettings.myFrom))
     {
-        theResult.append(PeriodText(910, mySettings.myFrom)).append(LineEnd);
+        theResult.append(PeriodText(StringId::PageFrom, mySettings.myFrom)).append(LineEnd);
     }
     if (DateIsSet(mySettings.myTo))
     {
-        theResult.append(PeriodText(920, CheckedDate(mySettings.myTo + 1))).append(LineEnd);
+        theResult.append(PeriodText(StringId::PageTo, CheckedDate(mySettings.myTo + 1))).append(LineEnd);
     }
     if (mySettings.myShowImage)
     {
@@ -101,19 +84,7 @@ std::optional<Text> FormMain::PageText()
     return theResult;
 }
 
-bool FormMain::UnPackModule()
-{
-    if (mySettings.myFilename.empty())
-    {
-        return true;
-    }
-    classArchive myArchive(myPorts.files);
-    myArchive.BaseFolder(myTempFolder);
-    myArchive.ArchiveFilename(Records().DataFolder() + mySettings.myFilename);
-    return myArchive.UnPackArchive();
-}
-
-Text FormMain::PeriodText(int32_t myTemplate, Date myDay)
+Text PageWriter::PeriodText(int32_t myTemplate, Date myDay)
 {
     Text theResult = FilledTemplate(myTemplate);
     const CalendarDay myCalendarDay = DayOfDate(myDay);
@@ -123,20 +94,22 @@ Text FormMain::PeriodText(int32_t myTemplate, Date myDay)
     return theResult;
 }
 
-/// The floating picture; nothing when its link cannot be resolved.
-std::optional<Text> FormMain::ImageText()
+/// The floating picture. Nothing: its link leads nowhere.
+std::optional<Text> PageWriter::ImageText()
 {
-    Text theResult = FilledTemplate(1000);
+    Text theResult = FilledTemplate(StringId::PageImage);
     const Text mySource = SourcePath(mySettings.myImageFolder, mySettings.myImage);
     const Text myTarget = TargetName(ImagePrefix, mySettings.myImage);
     ImagingControl& myLeadIn = myFormLead.LeadIn();
     LoadPicture(myLeadIn, mySource);
+    const Text myWidth = NumberText(myLeadIn.BitmapWidth()); // before the host can have another picture loaded
+    const Text myHeight = NumberText(myLeadIn.BitmapHeight());
 
     Text myLinkStart;
     Text myLinkEnd;
     if (!mySettings.myLink.empty())
     {
-        const Text myAddress = ResolveLink(Text(mySettings.myLink));
+        const Text myAddress = ResolveLink(mySettings.myLink);
         if (myAddress == UnresolvedLink)
         {
             return std::nullopt;
@@ -144,29 +117,29 @@ std::optional<Text> FormMain::ImageText()
         myLinkStart = MakeAnchor(myAddress, {}, {}, {});
         myLinkEnd = MakeClosingTag(u"a");
     }
-    // Each placeholder is filled over the whole text, what came in before included.
+    // Each placeholder is replaced in the whole text, also in what was filled in before it.
     Fill(theResult, u"%2", myLinkStart);
     Fill(theResult, u"%7", myLinkEnd);
-    Fill(theResult, u"%4", NumberText(myLeadIn.BitmapWidth()));
-    Fill(theResult, u"%5", NumberText(myLeadIn.BitmapHeight()));
+    Fill(theResult, u"%4", myWidth);
+    Fill(theResult, u"%5", myHeight);
     myPorts.files.Copy(mySource, Helper().ImageFolder() + myTarget);
     Fill(theResult, u"%3", Helper().ImageURL() + myTarget);
     return theResult;
 }
 
-Text FormMain::TuneText()
+Text PageWriter::TuneText()
 {
     const Text mySource = SourcePath(mySettings.myMIDIFolder, mySettings.myMIDI);
     const Text myTarget = TargetName(TunePrefix, mySettings.myMIDI);
     myPorts.files.Copy(mySource, Helper().MediaFolder() + myTarget);
-    Text theResult = FilledTemplate(1010);
+    Text theResult = FilledTemplate(StringId::PageMIDI);
     Fill(theResult, u"%2", Helper().MediaURL() + myTarget);
     return theResult;
 }
 
-/// The address that a link text leads to: the text itself, or that of a record, whose file is staged first if it has
-/// one. Empty for a text that is no link and for a kind of record that has no address.
-Text FormMain::ResolveLink(const Text& myLinkText)
+/// The address that a link text leads to: the one in the text, or that of a record, whose file is copied for the page
+/// first if it has one. Empty for a text that is no link and for a kind of record without an address.
+Text PageWriter::ResolveLink(const Text& myLinkText)
 {
     if (myLinkText.starts_with(u"URL:"))
     {
@@ -199,9 +172,9 @@ Text FormMain::ResolveLink(const Text& myLinkText)
     }
 }
 
-/// Copies the current record's file into a folder of the build, unless it is there, and gives its address there. A file
-/// that cannot be copied has the address all the same.
-Text FormMain::StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*myURL)())
+/// Copies the current record's file into a folder of the build, unless it is there already. Returns its address there,
+/// also when it cannot be copied.
+Text PageWriter::StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*myURL)())
 {
     Text mySource = Records().DataFolder();
     mySource += Records().RecordFilename();
@@ -212,13 +185,13 @@ Text FormMain::StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper::*
     return ConcatUrl(myAddress, Records().RecordFilename());
 }
 
-/// A template with its instance number filled in, which is asked anew for each.
-Text FormMain::FilledTemplate(int32_t myTemplate)
+/// A template with the instance number filled in. The host is asked for the number each time.
+Text PageWriter::FilledTemplate(int32_t myTemplate)
 {
     return ReplaceAll(PageTemplate(myTemplate), u"%1", NumberText(int64_t{Helper().InstanceNumber()}));
 }
 
-Text FormMain::SourcePath(TextView myFolder, TextView myName) const
+Text PageWriter::SourcePath(TextView myFolder, TextView myName) const
 {
     if (myFolder == UserMarker)
     {
@@ -227,28 +200,19 @@ Text FormMain::SourcePath(TextView myFolder, TextView myName) const
     return JoinTexts({myLocalConstants.myDesignsFolder, myFolder, u"\\", myName});
 }
 
-Text FormMain::TargetName(TextView myPrefix, TextView myName) const
+Text PageWriter::TargetName(TextView myPrefix, TextView myName)
 {
-    const Text myExtension(ExtensionOf(myName)); // a host that writes a script in the next call takes `myName` away
-    return JoinTexts({myPrefix, Helper().UniqueName(), myExtension});
+    return JoinTexts({myPrefix, Helper().UniqueName(), ExtensionOf(myName)});
 }
 
-BuildHelper& FormMain::Helper() const
+BuildHelper& PageWriter::Helper() const
 {
-    if (!myBuildHelper)
-    {
-        Raise(ErrorNumber::ObjectNotSet);
-    }
-    return *myBuildHelper;
+    return *HandedIn(myBuildHelper);
 }
 
-Database& FormMain::Records() const
+Database& PageWriter::Records() const
 {
-    if (!myDatabase)
-    {
-        Raise(ErrorNumber::ObjectNotSet);
-    }
-    return *myDatabase;
+    return *HandedIn(myDatabase);
 }
 
 } // namespace qel
