@@ -1,6 +1,7 @@
 #include "archive/classArchive.h"
 #include "dialog/FormMainDialog.h"
 #include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
 #include "text/errors.h"
 #include "text/succeeds.h"
 
@@ -90,7 +91,9 @@ bool FormMainDialog::PackImports()
     {
         // An import of the other format may lie there from before.
         const bool myIsJpeg = Settings().myImageMode == ImageMode::Jpeg;
-        Succeeds([&] { myPorts.files.Delete(StagedImage(myIsJpeg ? GifExtension : JpegExtension)); });
+        const Text myOther = StagedImage(myIsJpeg ? GifExtension : JpegExtension);
+        Succeeds([&] { myPorts.files.Delete(myOther); });
+        DeleteTwins(myPorts.files, myOther);
     }
     classArchive myArchive(myPorts.files);
     myArchive.BaseFolder(myForm.TempFolder());

@@ -2,6 +2,7 @@
 #include "dialog/openDialog.h"
 #include "dialog/pictureSize.h"
 #include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
 #include "text/succeeds.h"
 
 namespace qel
@@ -41,6 +42,7 @@ void FormMainDialog::StageImage(TextView myFilename)
     const bool myIsJpeg = myFilename.ends_with(JpegExtension);
     const Text myTarget = StagedImage(myIsJpeg ? JpegExtension : GifExtension);
     LoadPicture(LeadIn(), myFilename);
+    DeleteTwins(myPorts.files, myTarget);
     if (LeadIn().BitmapWidth() <= LargestSide && LeadIn().BitmapHeight() <= LargestSide)
     {
         myPorts.files.Copy(myFilename, myTarget);

@@ -2,6 +2,7 @@
 #include "dialog/openDialog.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
 #include "text/succeeds.h"
 
 namespace qel
@@ -16,6 +17,7 @@ void FormMainDialog::ImportMIDI()
         return;
     }
     Settings().myMIDIMode = false;
+    DeleteTwins(myPorts.files, StagedMIDI());
     Settings().myMIDIMode = Succeeds([&] { myPorts.files.Copy(*myFilename, StagedMIDI()); });
     UpdateMIDILabel();
 }
