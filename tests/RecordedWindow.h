@@ -3,6 +3,7 @@
 
 #include "dialog/FormMainDialog.h"
 #include "text/encodings.h"
+#include "text/errors.h"
 
 #include <functional>
 

@@ -175,25 +175,6 @@ TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
     }
 }
 
-TEST_F(Module, PictureGoesIntoTheFolderAsTheHostLeavesItMeanwhile)
-{
-    struct EmptyingHost : OneRecordHost
-    {
-        using OneRecordHost::OneRecordHost;
-        Text ImageFolder() override
-        {
-            std::filesystem::remove(ToUtf8(Folder) + "images/QELSPR17.GIF");
-            return OneRecordHost::ImageFolder();
-        }
-    };
-    myFolder.Write("images/QELSPR17.GIF", "");
-    Output({});
-    EXPECT_FALSE(myFolder.Exists("images/qelspr17.gif"));
-    myForm->myBuildHelper = std::make_unique<EmptyingHost>(ReplaceAll(myFolder.Logical(), u"\\", u"/"), myRecordType);
-    Output({});
-    EXPECT_TRUE(myFolder.Exists("images/qelspr17.gif"));
-}
-
 TEST_F(Module, FailureGivesItsReasonAndNothingOfThePage)
 {
     const std::pair<Text, int32_t> myCases[] = {
