@@ -32,11 +32,13 @@ public:
     }
 
     bool HasFailed = false;
+    int Looks = 0; ///< how often Look has been called
 
     std::unique_ptr<InputFile> OpenForReading(TextView f) override { return Open<Input>(&Files::OpenForReading, f); }
     std::unique_ptr<InputFile> OpenShared(TextView f) override { return Open<Input>(&Files::OpenShared, f); }
     std::unique_ptr<OutputFile> OpenForWriting(TextView f) override { return Open<Output>(&Files::OpenForWriting, f); }
-    Entry Look(TextView f) override { return Do(myFiles, &Files::Look, f); }
+    Entry Look(TextView f) override { return ++Looks, Do(myFiles, &Files::Look, f); }
+    Entry LookExactly(TextView f) override { return Do(myFiles, &Files::LookExactly, f); }
     void Copy(TextView f, TextView t) override { Do(myFiles, &Files::Copy, f, t); }
     bool Delete(TextView f) override { return Do(myFiles, &Files::Delete, f); }
     void MakeFolder(TextView f) override { Do(myFiles, &Files::MakeFolder, f); }
@@ -45,7 +47,6 @@ public:
     std::vector<Text> List(TextView f, Listing l) override { return Do(myFiles, &Files::List, f, l); }
     void DemandOwnFolder(TextView f) override { Do(myFiles, &Files::DemandOwnFolder, f); }
     Text TemporaryPath() override { return myFiles.TemporaryPath(); }
-    std::unique_ptr<FolderMemory> RememberFolders() override { return myFiles.RememberFolders(); }
 
 private:
     struct Input final : InputFile

@@ -1,6 +1,7 @@
 /// Design archives on real files: packing, reading, unpacking, listing, and archives that somebody made to do harm.
 #include "archive/classArchive.h"
 #include "ErrorOf.h"
+#include "FailingFiles.h"
 #include "platform/ListView.h"
 #include "platform/shared/SystemPlatform.h"
 #include "TemporaryFolder.h"
@@ -137,15 +138,48 @@ TEST_F(Archive, EveryFileComesOutAtItsPlaceWithItsBytes)
 
 TEST_F(Archive, ReplacesWhatIsThereButNotWhatALinkLeadsTo)
 {
-    myFolder.Write("base/A.TXT", "longer than the new one");
+    myFolder.Write("base/a.txt", "longer than the new one");
+    myFolder.Write("base/A.TXT", "another");
     myFolder.MakeFolder("base/Img");
     myFolder.Write("outside", "mine");
     std::filesystem::create_symlink(myFolder.Native("outside"), myFolder.Native("base/Img/b.gif"));
     EXPECT_TRUE(UnPack(Example));
-    EXPECT_EQ(myFiles.List(myFolder.Logical(u"base\\*.*"), Listing::PlainFiles).size(), 1U);
-    EXPECT_EQ(myFiles.Look(myFolder.Logical(u"base\\a.txt")).Length, 3);
+    EXPECT_EQ(myFolder.Read("base/a.txt"), "abc");
+    EXPECT_EQ(myFolder.Read("base/A.TXT"), "another");
+    EXPECT_FALSE(myFolder.Exists("base/img")) << "the folder that is there has been found";
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(myFolder.Native("base/Img/b.gif"))));
     EXPECT_EQ(myFolder.Read("outside"), "mine");
+}
+
+TEST_F(Archive, Packing_ReadsTheNamesOnTheDiskUnderSmallOnes)
+{
+    myFolder.Write("base/Img/SUB/Logo.GIF", "picture");
+    myArchive.SmallFilenames(true);
+    EXPECT_TRUE(myArchive.PackArchive());
+    EXPECT_EQ(myFolder.Read("x.dat"), Magic + Entry("\\img\\sub\\logo.gif", "picture") + EndMarker);
+}
+
+TEST_F(Archive, Unpacking_LooksUpEachLevelOnce)
+{
+    FailingFiles myCountedFiles(myFiles);
+    const auto CallsFor = [&](const std::string& myEntries)
+    {
+        std::filesystem::remove_all(myFolder.Native("base"));
+        myFolder.MakeFolder("base/IMG/Sub");
+        myFolder.Write("x.dat", Magic + myEntries + EndMarker);
+        classArchive theArchive(myCountedFiles);
+        theArchive.BaseFolder(myFolder.Logical(u"base"));
+        theArchive.ArchiveFilename(myFolder.Logical(u"x.dat"));
+        myCountedFiles.Looks = 0;
+        EXPECT_TRUE(theArchive.UnPackArchive());
+        return myCountedFiles.Looks;
+    };
+    const std::string myFirst = Entry("\\img\\sub\\a", "1");
+    EXPECT_EQ(CallsFor(myFirst), 2);
+    EXPECT_EQ(CallsFor(myFirst + Entry("\\img\\b", "2") + Entry("\\img\\sub\\c", "3") + Entry("\\img\\NEW\\d", "4") +
+                       Entry("\\img\\NEW\\e", "5")),
+              3);
+    EXPECT_EQ(myFolder.Read("base/IMG/Sub/c") + myFolder.Read("base/IMG/NEW/e"), "35");
 }
 
 TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
@@ -223,7 +257,7 @@ TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
     const std::tuple<std::vector<std::string>, std::string, std::string, std::string> myCases[] = {
         {{"A.txt", "Img/Logo.GIF"}, "~", "\\a.txt\\img\\logo.gif", "\\A.txt\\Img\\Logo.GIF"},
         {{"Ñ€", ".hidden", ".h/a", "back\\slash", "a\xFF"}, "l", "\\ñ€", "\\Ñ€"},
-        {{"FOO/a"}, "foo", "58", "\\FOO\\a"},
+        {{"FOO/a"}, "foo", "\\foo\\a", "\\FOO\\a"},
         {{"a", "A"}, "~", "58", "58"},
         {{"img/a", "img/日"}, "~", "52", "52"},
         {{"img/large"}, "~", "6", "6"},

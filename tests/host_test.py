@@ -423,8 +423,10 @@ class ArchiveTest(HostTest):
                          r"1 KB +\\ +a.txt\n2 KB +\\Img\\ +ñ.gif\n2 files, 2003 bytes")
         self.host("archive", "unpack", archive, out)
         before = archive.read_bytes()
-        twins = archive_of("\\a", b"1")[:-4] + archive_of("\\A", b"2")[13:]
+        twins = archive_of("a", b"1")[:-4] + archive_of("A", b"2")[13:]
         unnameable = self.file("2/日.txt")
+        pipe = self.folder / "pipe"
+        os.mkfifo(pipe)
         for arguments, reason in ((["unpack", archive, out], "--force"), (["pack", archive, source], "--force"),
                                   (["pack", archive, none], "no folder"),
                                   (["pack", none / "a.dat", source], "archive itself: its folder"),
@@ -434,13 +436,19 @@ class ArchiveTest(HostTest):
                                   (["unpack", self.file("d.dat", twins), none], "more than once"),
                                   (["unpack", self.file("e.dat", archive_of("..\\evil", b"x")), none], "leads out"),
                                   (["unpack", archive, way], "as a folder"),
-                                  (["unpack", archive, way, "--force"], "a.txt: a folder"),
+                                  (["unpack", archive, way, "--force"], "as a folder"),
+                                  (["unpack", self.file("f.dat", archive_of("x" * 300, b"x")), source],
+                                   "name is too long"),
+                                  (["unpack", self.file("g.dat", archive_of("g.dat", b"x")), self.folder, "--force"],
+                                   "archive itself"),
+                                  (["pack", pipe, source, "--force"], "no plain file"),
                                   (["unpack", none, source], "no file")):
             self.assertIn(reason, self.host("archive", *arguments, expect=1))
         for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
             self.host("archive", *arguments, expect=2, cwd=source)
         self.assertEqual((archive.read_bytes(), tree(out)), (before, content))
         self.host("archive", "unpack", archive, out, "--force")
+        self.assertIn("\n1 file, 1 byte\n", self.host("archive", "list", self.folder / "g.dat"))
 
 
 class CommandLineTest(HostTest):

@@ -192,26 +192,6 @@ TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
     }
 }
 
-TEST_F(Module, PictureGoesIntoTheFolderAsTheHostLeavesItMeanwhile)
-{
-    struct EmptyingHost : OneRecordHost
-    {
-        using OneRecordHost::OneRecordHost;
-        Text ImageFolder() override
-        {
-            std::filesystem::remove(ToUtf8(Folder) + "images/QELSPR17.GIF");
-            return OneRecordHost::ImageFolder();
-        }
-    };
-    myFolder.Write("images/QELSPR17.GIF", "");
-    Output({});
-    EXPECT_FALSE(myFolder.Exists("images/qelspr17.gif"));
-    myForm->myBuildHelper =
-        std::make_unique<EmptyingHost>(ReplaceAll(myFolder.Logical(), u"\\", u"/"), myRecordType, myHostIsCalled);
-    Output({});
-    EXPECT_TRUE(myFolder.Exists("images/qelspr17.gif"));
-}
-
 TEST_F(Module, Output_HostIsAskedInItsOrderAndMayChangeTheModuleMeanwhile)
 {
     const Text myScript = Params(

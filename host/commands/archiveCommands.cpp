@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -42,7 +44,7 @@ public:
 constexpr std::pair<int32_t, const char*> Reasons[] = {
     {ErrorNumber::Overflow, "it has 2 GiB or more, which an archive cannot hold"},
     {ErrorNumber::OutOfMemory, "there is not enough memory"},
-    {ErrorNumber::BadFileName, "its name leads out of the folder, or has characters that an archive cannot hold"},
+    {ErrorNumber::BadFileName, "its name is too long, or has characters that the disk cannot hold"},
     {ErrorNumber::FileNotFound, "it is not there any more"},
     {ErrorNumber::FileAlreadyExists, "its folder holds another name that differs in case alone"},
     {ErrorNumber::DiskFull, "the disk is full"},
@@ -52,14 +54,27 @@ constexpr std::pair<int32_t, const char*> Reasons[] = {
     {ErrorNumber::PathNotFound, "its folder is not there, or cannot be made"},
 };
 
+/// Why an operation failed on a name below the folder, or on the archive itself, whose name is empty.
+const char* ReasonOf(int32_t myNumber, const Text& myName)
+{
+    if (classArchive::LeavesFolder(myName))
+    {
+        return "its name leads out of the folder";
+    }
+    if (!ToAnsi(myName))
+    {
+        return "its name has characters that an archive cannot hold";
+    }
+    const auto* const theReason = std::ranges::find(Reasons, myNumber, &std::pair<int32_t, const char*>::first);
+    return theReason != std::end(Reasons) ? theReason->second : "the disk has failed";
+}
+
 /// Where and why packing or unpacking failed.
 std::string FailureOf(const classArchive& myArchive)
 {
-    const auto* const myReason =
-        std::ranges::find(Reasons, myArchive.FailureNumber(), &std::pair<int32_t, const char*>::first);
     const Text& myName = myArchive.LastName();
     return (myName.empty() ? "at the archive itself" : "at " + Printable(ToUtf8(myName))) + ": " +
-           (myReason != std::end(Reasons) ? myReason->second : "the disk has failed");
+           ReasonOf(myArchive.FailureNumber(), myName);
 }
 
 /// The absolute path without links, also of what is not there yet.
@@ -83,7 +98,7 @@ Text LogicalName(const fs::path& myPath)
     return *theName;
 }
 
-/// An archive with the ports that it works on.
+/// An archive with the port that it works on.
 class OpenArchive
 {
 public:
@@ -105,8 +120,15 @@ public:
         return theFiles;
     }
 
-    std::unique_ptr<Files> SystemFiles = MakeSystemFiles();
-    classArchive Archive{*SystemFiles};
+    /// True when a file that is there is the archive.
+    bool IsAt(const Text& myFilename) const
+    {
+        std::error_code myIgnored; // what cannot be compared is another file
+        return fs::equivalent(NativePath(myFilename), NativePath(Archive.ArchiveFilename()), myIgnored);
+    }
+
+    std::unique_ptr<Files> Disk = MakeSystemFiles();
+    classArchive Archive{*Disk};
 
 private:
     fs::path myFile;
@@ -133,26 +155,57 @@ private:
     bool myIsTerminal = isatty(STDERR_FILENO) != 0;
 };
 
-/// True when writing a file would replace something, which is found without regard to case as the writing does.
-bool IsInTheWay(const Text& myFilename, Files& theFiles)
+/// What stands under exactly this name, where a file is to be written; nothing if the place is free. Fails where that
+/// cannot be told.
+std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
 {
     try
     {
-        theFiles.Look(myFilename);
-        return true;
+        return theFiles.LookExactly(myFilename).Kind;
     }
     catch (const Error& e)
     {
-        return e.Number != ErrorNumber::FileNotFound && e.Number != ErrorNumber::PathNotFound;
+        if (e.Number == ErrorNumber::FileNotFound || e.Number == ErrorNumber::PathNotFound)
+        {
+            return std::nullopt;
+        }
+        throw Failure(Printable(NativePath(myFilename)) + " cannot be written: " + ReasonOf(e.Number, {}));
     }
+}
+
+/// Makes sure that a file may be written: that its place is free, or that a plain file there may be replaced. True: one
+/// will be.
+bool DemandPlace(const Text& myFilename, Files& theFiles, bool myMayReplace)
+{
+    const std::optional<EntryKind> myKind = KindInTheWay(myFilename, theFiles);
+    if (!myKind || (*myKind == EntryKind::File && myMayReplace))
+    {
+        return myKind.has_value();
+    }
+    const std::string myName = Printable(NativePath(myFilename));
+    switch (*myKind)
+    {
+    case EntryKind::File:
+        throw Failure(myName + " is there already; --force replaces it");
+    case EntryKind::Folder:
+        throw Failure(myName + " is there already, as a folder; move it away");
+    default:
+        throw Failure(myName + " is there already, and is no plain file; move it away");
+    }
+}
+
+std::string Counted(uint64_t myCount, const char* myNoun)
+{
+    return std::to_string(myCount) + " " + myNoun + (myCount == 1 ? "" : "s");
 }
 
 void List(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
-    PrintTable(myArchive.Listed().Rows);
-    std::cout << ToUtf8(myArchive.Archive.FileCount()) << " files, "
-              << static_cast<int64_t>(myArchive.Archive.TotalSize()) << " bytes\n";
+    const ListedFiles myFiles = myArchive.Listed();
+    PrintTable(myFiles.Rows);
+    std::cout << Counted(myFiles.Names.size(), "file") << ", "
+              << Counted(static_cast<uint64_t>(myArchive.Archive.TotalSize()), "byte") << "\n";
 }
 
 void Pack(const Arguments& myArguments)
@@ -167,10 +220,7 @@ void Pack(const Arguments& myArguments)
         throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
     }
     OpenArchive myArchive(myArguments.File);
-    if (IsInTheWay(LogicalName(myArguments.File), *myArchive.SystemFiles) && !myArguments.Force)
-    {
-        throw Failure(myArguments.File.string() + " is there already; --force replaces it");
-    }
+    DemandPlace(myArchive.Archive.ArchiveFilename(), *myArchive.Disk, myArguments.Force);
     const ProgressLine myLine;
     myArchive.Archive.BaseFolder(LogicalName(myArguments.Folder));
     bool myHasBegun = false;
@@ -187,40 +237,45 @@ void Pack(const Arguments& myArguments)
     }
 }
 
-/// What is said of the first file below a folder that unpacking would replace, one from the archive itself among them;
-/// empty if there is none.
-std::string FirstInTheWay(const std::vector<Text>& myNames, const Text& myFolder, Files& theFiles)
+/// Makes sure, before anything is written, that every file of an archive may be unpacked to its place.
+void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames, const Text& myFolder,
+                  bool myMayReplace)
 {
-    std::unordered_set<Text> myLowerTargets;
+    Files& theFiles = *myArchive.Disk;
+    std::unordered_map<Text, bool> myFolderIsThere;
+    std::unordered_set<Text> myLowerNames;
     for (const Text& myName : myNames)
     {
-        const Text myTarget = classArchive::Concat(myFolder, myName);
-        if (IsInTheWay(myTarget, theFiles))
+        if (classArchive::LeavesFolder(myName))
         {
-            return NativePath(myTarget) + " is there already" +
-                   (theFiles.IsFolder(myTarget) ? ", as a folder; move it away" : "; --force replaces it");
+            throw Failure("the archive holds " + Printable(ToUtf8(myName)) + ", which leads out of the folder");
         }
-        if (!myLowerTargets.insert(LowerCase(myTarget)).second)
+        const Text myTarget = classArchive::Concat(myFolder, myName);
+        const auto [myParent, myIsNew] = myFolderIsThere.try_emplace(myTarget.substr(0, myTarget.rfind(u'\\')));
+        if (myIsNew)
         {
-            return "the archive holds " + Printable(ToUtf8(myName)) +
-                   " more than once, without regard to case; --force unpacks them all, and the last one stays";
+            myParent->second = theFiles.IsFolder(myParent->first);
+        }
+        if (myParent->second && DemandPlace(myTarget, theFiles, myMayReplace) && myArchive.IsAt(myTarget))
+        {
+            throw Failure(Printable(NativePath(myTarget)) +
+                          " is the archive itself, which cannot replace itself; unpack it into another folder");
+        }
+        if (!myLowerNames.insert(LowerCase(myName)).second && !myMayReplace)
+        {
+            throw Failure("the archive holds " + Printable(ToUtf8(myName)) +
+                          " more than once, without regard to case; --force unpacks them all, and of those with one "
+                          "name the last one stays");
         }
     }
-    return {};
 }
 
 void Unpack(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
     const Text myFolder = LogicalName(myArguments.Folder);
-    Files& theFiles = *myArchive.SystemFiles;
     const std::vector<Text> myNames = myArchive.Listed().Names;
-    const auto myMemory = theFiles.RememberFolders();
-    const std::string myInTheWay = myArguments.Force ? "" : FirstInTheWay(myNames, myFolder, theFiles);
-    if (!myInTheWay.empty())
-    {
-        throw Failure(myInTheWay);
-    }
+    DemandPlaces(myArchive, myNames, myFolder, myArguments.Force);
     const ProgressLine myLine;
     size_t myCount = 0;
     myArchive.Archive.BaseFolder(myFolder);

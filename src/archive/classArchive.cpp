@@ -56,26 +56,6 @@ bool IsHostilePart(TextView myPart)
     return myLeadsUp || myIsDrive;
 }
 
-/// True when a name would not stay below the folder that it is joined to, links aside. A "/" separates folders on some
-/// systems and is no part of a file's name on any, so it can only hide where a name leads.
-bool LeavesFolder(TextView myName)
-{
-    if (myName.starts_with(u"\\\\") || myName.find(u'/') != TextView::npos || myName.find(u'\0') != TextView::npos)
-    {
-        return true;
-    }
-    for (size_t myStart = 0; myStart <= myName.size();)
-    {
-        const size_t myEnd = std::min(myName.find(u'\\', myStart), myName.size());
-        if (IsHostilePart(myName.substr(myStart, myEnd - myStart)))
-        {
-            return true;
-        }
-        myStart = myEnd + 1;
-    }
-    return false;
-}
-
 /// A name as an archive holds it. Error 52: the code page has not all of its characters.
 std::string AnsiName(TextView myName)
 {
@@ -156,8 +136,8 @@ Text ReadName(ArchiveInput& theInput)
     return FromAnsi(myCharacters);
 }
 
-/// Runs an operation that tells whether it is complete. A failure, also one of a subscriber, is the result false, and
-/// its number is kept.
+/// Runs an operation whose result says whether it is complete. A failure, also one of a subscriber, is the result
+/// false, and its number is kept.
 template <class Operation>
 bool Completes(Operation myOperation, int32_t& theFailureNumber)
 {
@@ -180,9 +160,8 @@ bool classArchive::PackArchive()
     return Completes(
         [&]
         {
-            const auto myMemory = myFilePort.RememberFolders();
             myFiles.clear();
-            ListFolder(u"\\");
+            ListFolder(u"\\", u"\\");
             myLastName.clear();
             DeleteFile(myArchiveFilename);
             bool myCancel = false;
@@ -203,63 +182,56 @@ bool classArchive::PackArchive()
         myFailureNumber);
 }
 
-/// Lists the files of a folder, and then those of its subfolders. `myFolder` is a path below the base folder.
-void classArchive::ListFolder(const Text& myFolder)
+/// Lists the files of a folder, and then those of its subfolders. Both are paths below the base folder: as the archive
+/// is to have it, and as the disk has it.
+void classArchive::ListFolder(const Text& myFolder, const Text& myDiskFolder)
 {
-    const Text myFullFolder = Concat(myBaseFolder, myFolder);
-    myLastName = myFolder;
-    std::vector<Text> mySubfolders;
+    const Text myFullFolder = Concat(myBaseFolder, myDiskFolder);
+    myLastName = myDiskFolder;
+    std::vector<std::pair<Text, Text>> mySubfolders;
     std::unordered_set<Text> myLowerNames;
-    for (Text& myName : myFilePort.List(Concat(myFullFolder, u"*.*"), Listing::FilesAndFolders))
+    for (const Text& myName : myFilePort.List(Concat(myFullFolder, u"*.*"), Listing::FilesAndFolders))
     {
         if (myName == u"." || myName == u"..")
         {
             continue;
         }
-        myLastName = Concat(myFolder, myName);
-        Entry myEntry = myFilePort.Look(Concat(myFullFolder, myName));
+        Text myDiskPath = Concat(myDiskFolder, myName);
+        myLastName = myDiskPath;
+        const Entry myEntry = myFilePort.Look(Concat(myFullFolder, myName));
         if (myEntry.Kind == EntryKind::Link)
         {
             continue;
         }
         Text myLowerName = LowerCase(myName);
-        if (mySmallFilenames && myName != myLowerName)
-        {
-            myName = myLowerName;
-            myEntry = myFilePort.Look(Concat(myFullFolder, myName));
-            if (myEntry.Kind == EntryKind::Link) // it would be read instead
-            {
-                Raise(ErrorNumber::FileAlreadyExists);
-            }
-        }
+        Text myPath = Concat(myFolder, mySmallFilenames ? myLowerName : myName);
         if (!myLowerNames.insert(std::move(myLowerName)).second)
         {
             Raise(ErrorNumber::FileAlreadyExists);
         }
-        Text myPath = Concat(myFolder, myName);
         if (myEntry.Kind == EntryKind::Folder)
         {
-            mySubfolders.push_back(std::move(myPath));
+            mySubfolders.emplace_back(std::move(myPath), std::move(myDiskPath));
         }
         else
         {
-            AddFile(std::move(myPath), myEntry.Length);
+            AddFile(std::move(myPath), std::move(myDiskPath), myEntry.Length);
         }
     }
-    for (const Text& mySubfolder : mySubfolders)
+    for (const auto& [mySubfolder, myDiskSubfolder] : mySubfolders)
     {
-        ListFolder(mySubfolder);
+        ListFolder(mySubfolder, myDiskSubfolder);
     }
 }
 
-void classArchive::AddFile(Text myName, int64_t myLength)
+void classArchive::AddFile(Text myName, Text myDiskName, int64_t myLength)
 {
     if (LeavesFolder(myName))
     {
         Raise(ErrorNumber::BadFileName);
     }
     AnsiName(myName);
-    myFiles.push_back({std::move(myName), SizeOfFile(myLength)});
+    myFiles.push_back({std::move(myName), SizeOfFile(myLength), std::move(myDiskName)});
 }
 
 /// Writes the entries until the flag is raised. The percentage goes by the sizes as they were listed.
@@ -283,7 +255,7 @@ void classArchive::WriteAllEntries(OutputFile& myOutputFile, bool& theCancel)
 /// Writes one entry with the length that its file has by now.
 void classArchive::WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry)
 {
-    const auto myInputFile = myFilePort.OpenForReading(Concat(myBaseFolder, myEntry.Name));
+    const auto myInputFile = myFilePort.OpenForReading(Concat(myBaseFolder, myEntry.DiskName));
     const std::string myName = AnsiName(myEntry.Name);
     const int32_t mySize = SizeOfFile(myInputFile->Length());
     WriteInteger(myOutputFile, static_cast<int32_t>(myName.size()));
@@ -333,15 +305,14 @@ bool classArchive::UnPackArchive()
     return Completes(
         [&]
         {
-            const auto myMemory = myFilePort.RememberFolders();
             myLastName.clear();
+            myFolders.clear();
             ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
             if (!ReadMagic(*myInput.File))
             {
                 Raise(ErrorNumber::InvalidArgument);
             }
             bool myCancel = false;
-            Text myFolder;
             while (!myCancel)
             {
                 const Text myName = ReadName(myInput);
@@ -349,16 +320,15 @@ bool classArchive::UnPackArchive()
                 {
                     break;
                 }
-                UnPackEntry(myInput, myName, myFolder, myCancel);
+                UnPackEntry(myInput, myName, myCancel);
             }
             return true;
         },
         myFailureNumber);
 }
 
-/// Unpacks one entry, whose name has been read. `theFolder` is the folder of the entry before, and then of this one:
-/// its levels are looked at only when it changes.
-void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel)
+/// Unpacks one entry, whose name has been read.
+void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, bool& theCancel)
 {
     myLastName = myName;
     if (LeavesFolder(myName))
@@ -366,14 +336,10 @@ void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text&
         Raise(ErrorNumber::BadFileName);
     }
     const TextView myFolder = FolderOfName(myName);
-    if (myFolder != theFolder)
-    {
-        MakeFolders(myFolder);
-        theFolder = myFolder;
-    }
-    const Text myFilename = Concat(myBaseFolder, myName);
-    // Where something was in the way there may be a link still, one that is alike or that cannot be deleted.
-    if (DeleteFile(myFilename) && myFilePort.IsLink(myFilename))
+    const Text& myDiskFolder = myFolder.empty() ? myBaseFolder : MakeFolders(myFolder);
+    const Text myFilename = JoinTexts({myDiskFolder, TextView(myName).substr(myFolder.size())});
+    // What cannot be deleted may be a link, and must not be written through.
+    if (!DeleteFile(myFilename) && myFilePort.IsLink(myFilename))
     {
         Raise(ErrorNumber::PathAccess);
     }
@@ -387,23 +353,63 @@ void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, Text&
     myLastName.clear();
 }
 
-/// Makes sure of each level of a path below the base folder, the base folder itself first. Error 75: a level is a link.
-/// Others: it cannot be made.
-void classArchive::MakeFolders(TextView myFolder)
+/// Makes sure of each level of a path below the base folder, the base folder itself first, and gives the path's folder
+/// on the disk with its closing "\". Each level is looked up once in a run. Error 75: a level is a link. Others: it
+/// cannot be made.
+const Text& classArchive::MakeFolders(TextView myFolder)
 {
-    const Text myPath = Concat(myFolder, u"\\");
-    for (size_t myEnd = myPath.find(u'\\'); myEnd != Text::npos; myEnd = myPath.find(u'\\', myEnd + 1))
+    if (const auto myKnown = myFolders.find(Text(myFolder)); myKnown != myFolders.end())
     {
-        const Text myLevel = Concat(myBaseFolder, TextView(myPath).substr(0, myEnd + 1));
-        if (myEnd > 0 && myFilePort.IsLink(WithoutEnd(myLevel, u'\\')))
+        return myKnown->second;
+    }
+    const Text* theFolder = &myBaseFolder;
+    size_t myStart = 0;
+    for (size_t myEnd = myFolder.find(u'\\'); myEnd != Text::npos; myEnd = myFolder.find(u'\\', myStart))
+    {
+        const auto [myLevel, myIsNew] = myFolders.try_emplace(Text(myFolder.substr(0, myEnd + 1)));
+        if (myIsNew)
+        {
+            myLevel->second = MakeFolder(*theFolder, myFolder.substr(myStart, myEnd - myStart));
+        }
+        theFolder = &myLevel->second;
+        myStart = myEnd + 1;
+    }
+    return *theFolder;
+}
+
+/// Makes sure of one folder in another, which is there and ends in "\"; the empty name is the other one itself.
+Text classArchive::MakeFolder(const Text& myParent, TextView myName)
+{
+    if (myName.empty())
+    {
+        if (!FolderExists(myParent))
+        {
+            myFilePort.MakeFolder(myParent);
+        }
+        return myParent;
+    }
+    Text theFolder = JoinTexts({myParent, myName});
+    try
+    {
+        const Entry myEntry = myFilePort.Look(theFolder);
+        if (myEntry.Kind == EntryKind::Link)
         {
             Raise(ErrorNumber::PathAccess);
         }
-        if (!FolderExists(myLevel))
+        if (myEntry.Kind == EntryKind::Folder)
         {
-            myFilePort.MakeFolder(myLevel);
+            return JoinTexts({myParent, myEntry.Name.empty() ? myName : myEntry.Name, u"\\"});
         }
     }
+    catch (const Error& e)
+    {
+        if (e.Number != ErrorNumber::FileNotFound)
+        {
+            throw;
+        }
+    }
+    myFilePort.MakeFolder(theFolder);
+    return theFolder += u'\\';
 }
 
 /// Asks for the folder itself: a listing that yields anything would say the same, at the cost of its length.
@@ -412,12 +418,10 @@ bool classArchive::FolderExists(TextView myFolder)
     return !myFolder.empty() && myFilePort.IsFolder(myFolder);
 }
 
-/// False: there was nothing of that name. What cannot be deleted shows when the file is written.
+/// False: it cannot be deleted, which shows when the file is written.
 bool classArchive::DeleteFile(TextView myFilename)
 {
-    bool theResult = true;
-    Succeeds([&] { return theResult = myFilePort.Delete(myFilename); });
-    return theResult;
+    return Succeeds([&] { myFilePort.Delete(myFilename); });
 }
 
 void classArchive::CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount)
@@ -450,6 +454,26 @@ Text classArchive::ConcatUnix(TextView myFirst, TextView mySecond)
 {
     return JoinTexts(
         {WithoutEnd(WithoutEnd(myFirst, u'\\'), u'/'), u"/", WithoutStart(WithoutStart(mySecond, u'\\'), u'/')});
+}
+
+/// A "/" separates folders on some systems and is no part of a file's name on any, so it can only hide where a name
+/// leads.
+bool classArchive::LeavesFolder(TextView myName)
+{
+    if (myName.starts_with(u"\\\\") || myName.find(u'/') != TextView::npos || myName.find(u'\0') != TextView::npos)
+    {
+        return true;
+    }
+    for (size_t myStart = 0; myStart <= myName.size();)
+    {
+        const size_t myEnd = std::min(myName.find(u'\\', myStart), myName.size());
+        if (IsHostilePart(myName.substr(myStart, myEnd - myStart)))
+        {
+            return true;
+        }
+        myStart = myEnd + 1;
+    }
+    return false;
 }
 
 /// The name up to and with its last "\"; empty if there is none.

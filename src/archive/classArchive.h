@@ -7,7 +7,7 @@
 ///
 /// On names that would leave BaseFolder, and on damaged files: such an archive ends the run with False. A name leaves
 /// the folder by "..", by a drive, by "/", by standing for an absolute path, or where a folder below BaseFolder is a
-/// link. Damaged are a NameLength or Size that is negative or runs past the end, and a missing end marker. Bytes behind
+/// link. Damaged are a NameLength or Size that is negative or runs past the end, and a missing end marker. Bytes after
 /// the end marker are ignored.
 #pragma once
 
@@ -17,6 +17,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <unordered_map>
 #include <vector>
 
 namespace qel
@@ -30,6 +31,7 @@ struct ArchiveEntry
 {
     Text Name; ///< path below the packed folder, with "\" in front
     int32_t Size = 0;
+    Text DiskName = {}; ///< the same path as the disk has it; of an archive that is packed
 };
 
 class classArchive
@@ -38,13 +40,13 @@ public:
     /// The port must outlive the object.
     explicit classArchive(Files& thePort) : myFilePort(thePort) {}
 
-    /// Raised while an archive is packed: with the empty text and 0 at the start, with its name behind each file, and
+    /// Raised while an archive is packed: with the empty text and 0 at the start, with its name after each file, and
     /// with the empty text and 100 at the end. `myPercent` is the share of the listed bytes that is written, 100 when
-    /// all files are empty. `myCancel` is one flag for the whole run, false at its start and looked at behind each file
+    /// all files are empty. `myCancel` is one flag for the whole run, false at its start and looked at after each file
     /// and at the end; true there deletes the archive and gives False.
     std::function<void(const Text& myFilename, int32_t& myPercent, bool& myCancel)> ProgessCreate;
 
-    /// Raised behind each file that is unpacked, with its name. `myCancel` is one flag for the whole run, false at its
+    /// Raised after each file that is unpacked, with its name. `myCancel` is one flag for the whole run, false at its
     /// start; true ends the run, which then still gives True.
     std::function<void(const Text& myFilename, bool& myCancel)> ProgessUnpack;
 
@@ -103,17 +105,21 @@ public:
     /// Both joined with one "/"; one "\" and then one "/" is cut off at each side of the seam.
     static Text ConcatUnix(TextView myFirst, TextView mySecond);
 
+    /// True when the name of an entry would lead out of BaseFolder by itself, links aside. Such a name is refused.
+    static bool LeavesFolder(TextView myName);
+
 private:
     static constexpr size_t BlockSize = 32000;
 
-    void ListFolder(const Text& myFolder);
-    void AddFile(Text myName, int64_t myLength);
+    void ListFolder(const Text& myFolder, const Text& myDiskFolder);
+    void AddFile(Text myName, Text myDiskName, int64_t myLength);
     void WriteAllEntries(OutputFile& myOutputFile, bool& theCancel);
     void WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry);
     void RaiseCreate(const Text& myFilename, int32_t myPercent, bool& theCancel) const;
 
-    void UnPackEntry(ArchiveInput& theInput, const Text& myName, Text& theFolder, bool& theCancel);
-    void MakeFolders(TextView myFolder);
+    void UnPackEntry(ArchiveInput& theInput, const Text& myName, bool& theCancel);
+    const Text& MakeFolders(TextView myFolder);
+    Text MakeFolder(const Text& myParent, TextView myName);
     bool FolderExists(TextView myFolder);
     bool DeleteFile(TextView myFilename);
     void CopyBytes(InputFile& mySource, OutputFile& myTarget, int64_t myCount);
@@ -127,6 +133,8 @@ private:
     int32_t myFailureNumber = 0;
     Text myLastName;
     std::vector<ArchiveEntry> myFiles;
+    std::unordered_map<Text, Text>
+        myFolders; ///< that have been unpacked to: by their path below BaseFolder, on the disk
     std::array<std::byte, BlockSize> myBlock{};
 };
 

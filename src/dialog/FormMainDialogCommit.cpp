@@ -2,6 +2,7 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/importedFiles.h"
 #include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
 #include "text/errors.h"
 #include "text/succeeds.h"
 
@@ -77,7 +78,9 @@ bool FormMainDialog::PackImports()
     if (myFormat != ImageMode::None)
     {
         // An earlier import of the other format may still be there.
-        Succeeds([&] { myPorts.files.Delete(StagedFile(ImportedImageOfOtherFormat(myFormat))); });
+        const Text myOther = StagedFile(ImportedImageOfOtherFormat(myFormat));
+        Succeeds([&] { myPorts.files.Delete(myOther); });
+        DeleteTwins(myPorts.files, myOther);
     }
     classArchive myArchive(myPorts.files);
     myArchive.BaseFolder(myForm.TempFolder());

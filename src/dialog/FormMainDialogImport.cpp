@@ -3,6 +3,7 @@
 #include "dialog/pictureSize.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
+#include "tags/pluginFunctions.h"
 #include "text/succeeds.h"
 
 namespace qel
@@ -53,6 +54,7 @@ void FormMainDialog::StageImage(TextView myFilename)
     const ImageMode myFormat = ImportFormat(myFilename);
     const Text myTarget = StagedFile(ImportedImage(myFormat));
     LoadPicture(LeadIn(), myFilename);
+    DeleteTwins(myPorts.files, myTarget);
     if (LeadIn().BitmapWidth() <= LargestSide && LeadIn().BitmapHeight() <= LargestSide)
     {
         myPorts.files.Copy(myFilename, myTarget);
@@ -90,7 +92,9 @@ void FormMainDialog::ImportMIDI()
         return;
     }
     Settings().myMIDIMode = false;
-    Settings().myMIDIMode = Succeeds([&] { myPorts.files.Copy(*myFilename, StagedFile(ImportedTune())); });
+    const Text myTarget = StagedFile(ImportedTune());
+    DeleteTwins(myPorts.files, myTarget);
+    Settings().myMIDIMode = Succeeds([&] { myPorts.files.Copy(*myFilename, myTarget); });
     UpdateMIDILabel();
 }
 

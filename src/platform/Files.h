@@ -1,7 +1,9 @@
-/// The files of this machine as the logic sees them: "\" between folders, no regard to case.
+/// The files of this machine as the logic sees them: "\" between folders, names found without regard to case.
 ///
-/// Both "\" and "/" separate on the way in. A path that exists exactly is used as it stands; only where a part of it
-/// does not exist is that part looked up without regard to case, and among twins the first by character code wins.
+/// Both "\" and "/" separate on the way in. What is read, looked at or listed is found without regard to case: a path
+/// that exists exactly is used as it stands; only where a part of it does not exist is that part looked up, and among
+/// twins the first by character code wins. What is written, made or deleted has exactly the name that was given, in a
+/// folder that is found in the same way; on a system that does not tell case apart its own rule holds.
 /// Every operation throws Error unless it says otherwise. An object is used on the thread that made it, and so are the
 /// open files that it gives out, which close when they go.
 #pragma once
@@ -68,13 +70,6 @@ public:
     virtual void Close() = 0;
 };
 
-/// Keeps the folders that lookups without regard to case have read in memory for as long as it lives.
-class FolderMemory
-{
-public:
-    virtual ~FolderMemory() = default;
-};
-
 enum class EntryKind
 {
     File,
@@ -88,6 +83,7 @@ struct Entry
 {
     EntryKind Kind;
     int64_t Length; ///< in bytes; of a file alone
+    Text Name;      ///< as the disk has it where that is not the name that was asked for; else empty
 };
 
 /// What a listing yields.
@@ -117,6 +113,9 @@ public:
     /// What the last part of the path names, which need not be readable: a link itself, and not what it leads to.
     /// Error 53, 76, 70, 52 as above.
     virtual Entry Look(TextView myPath) = 0;
+
+    /// The same, but a name that differs in case is not there: what OpenForWriting, MakeFolder or Delete would meet.
+    virtual Entry LookExactly(TextView myPath) = 0;
 
     /// Copies a plain file byte for byte and replaces a target that is there. A copy that fails midway leaves what has
     /// been written. Errors of OpenForReading for the source and of OpenForWriting for the target, and
@@ -148,10 +147,6 @@ public:
     /// The system's temporary path, a folder of this user alone, with a closing "\"; the empty text when the system
     /// has no safe one. No error.
     virtual Text TemporaryPath() = 0;
-
-    /// Until the result goes, a folder is read at most once for lookups without regard to case, and what this object
-    /// makes and deletes there is kept up with. For an operation that touches many files; nesting is allowed.
-    virtual std::unique_ptr<FolderMemory> RememberFolders() = 0;
 };
 
 } // namespace qel

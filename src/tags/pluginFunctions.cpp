@@ -3,6 +3,7 @@
 #include "platform/Files.h"
 #include "platform/HelpViewer.h"
 #include "text/errors.h"
+#include "text/succeeds.h"
 
 #include <array>
 
@@ -79,6 +80,7 @@ bool FileIsReadable(Files& myFiles, TextView myFilename)
 {
     try
     {
+        myFiles.LookExactly(myFilename);
         myFiles.OpenShared(myFilename);
         return true;
     }
@@ -86,6 +88,22 @@ bool FileIsReadable(Files& myFiles, TextView myFilename)
     {
         return false;
     }
+}
+
+void DeleteTwins(Files& myFiles, TextView myFilename)
+{
+    const size_t myStart = myFilename.find_last_of(u"\\/") + 1;
+    Succeeds(
+        [&]
+        {
+            for (const Text& myName : myFiles.List(myFilename, Listing::PlainFiles))
+            {
+                if (myName != myFilename.substr(myStart))
+                {
+                    myFiles.Delete(JoinTexts({myFilename.substr(0, myStart), myName}));
+                }
+            }
+        });
 }
 
 bool CopyFileOnce(Files& myFiles, TextView mySource, TextView myTarget)

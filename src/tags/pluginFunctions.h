@@ -35,12 +35,18 @@ Text BooleanToText(bool myValue);
 /// Both joined with one "/"; one "/" and then one "\" is cut off at each side of the seam.
 Text ConcatUrl(TextView myFirst, TextView mySecond);
 
-/// True when the plain file exists and can be opened, which someone else's lock prevents. No error.
+/// True when the plain file exists under exactly this name and can be opened, which someone else's lock prevents. No
+/// error.
 bool FileIsReadable(Files& myFiles, TextView myFilename);
 
 /// Copies a file unless its target is readable already. True: the target is there. False: the copy failed; what it has
 /// written stays. No error.
 bool CopyFileOnce(Files& myFiles, TextView mySource, TextView myTarget);
+
+/// Deletes the files that differ from a name in case alone, and not the one of that name. For a folder whose names come
+/// from an archive that somebody else packed: what is written there next shall be the only one of its name. The name
+/// holds no wild cards. What cannot be deleted stays. No error.
+void DeleteTwins(Files& myFiles, TextView myFilename);
 
 /// Opens a help file at a context number, without waiting. A missing help has no effect.
 void ShowHelpTopic(HelpViewer& myViewer, TextView myHelpFile, int32_t myID);

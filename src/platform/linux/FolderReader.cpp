@@ -45,7 +45,8 @@ EntryKind FolderReader::KindOf(const dirent& myEntry) const
         return KindOfMode(static_cast<mode_t>(DTTOIF(myEntry.d_type)));
     }
     struct stat myFacts = {};
-    return fstatat(Handle(), myEntry.d_name, &myFacts, 0) == 0 ? KindOfMode(myFacts.st_mode) : EntryKind::Other;
+    return fstatat(dirfd(myStream.get()), myEntry.d_name, &myFacts, 0) == 0 ? KindOfMode(myFacts.st_mode)
+                                                                            : EntryKind::Other;
 }
 
 } // namespace qel

@@ -22,14 +22,11 @@ public:
 
     bool IsOpen() const { return myStream != nullptr; }
 
-    /// The next entry, or null behind the last one. It stays valid until the next call. Error 57: reading failed.
+    /// The next entry, or null after the last one. It stays valid until the next call. Error 57: reading failed.
     const dirent* Next();
 
     /// What an entry is, or what it leads to; never a link.
     EntryKind KindOf(const dirent& myEntry) const;
-
-    /// The open folder itself, for the system's calls.
-    int Handle() const { return dirfd(myStream.get()); }
 
 private:
     struct Closer

@@ -1,6 +1,8 @@
 #include "platform/linux/LinuxFiles.h"
 
+#include "platform/linux/findPath.h"
 #include "platform/linux/nativePath.h"
+#include "platform/linux/PlainFile.h"
 #include "platform/linux/systemErrors.h"
 #include "platform/linux/temporaryPath.h"
 #include "platform/shared/wildCards.h"
@@ -20,18 +22,13 @@ constexpr int OpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 constexpr mode_t NewFileMode = 0666;
 constexpr mode_t NewFolderMode = 0777;
 
-Descriptor Open(const std::string& myPath, int myFlags)
-{
-    return Descriptor(Retrying([&] { return open(myPath.c_str(), myFlags | OpenFlags, NewFileMode); }));
-}
-
 /// Throws the Error of a call that was to make something: what is missing then is not that itself, but its folder.
 [[noreturn]] void RaiseMakingError()
 {
     RaiseSystemError(errno == ENOENT ? ENOTDIR : errno);
 }
 
-/// The native path of what the last part names itself: with a separator behind it a link would be followed.
+/// The native path of what the last part names itself: with a separator after it a link would be followed.
 std::string PathOfEntry(TextView myPath)
 {
     std::string thePath = NativePath(myPath);
@@ -40,6 +37,11 @@ std::string PathOfEntry(TextView myPath)
         thePath.pop_back();
     }
     return thePath;
+}
+
+std::string_view NameOf(std::string_view myPath)
+{
+    return myPath.substr(myPath.rfind('/') + 1);
 }
 
 /// The name that a listing shows for an entry, or nothing when it leaves it out.
@@ -59,31 +61,17 @@ std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEnt
     return myIsListed ? theName : std::nullopt;
 }
 
-class Remembering final : public FolderMemory
-{
-public:
-    Remembering(PathFinder& myPathFinder, Memory myMemory) : myFinder(myPathFinder) { myFinder.Remember(myMemory); }
-    Remembering(const Remembering&) = delete;
-    Remembering& operator=(const Remembering&) = delete;
-    ~Remembering() override { myFinder.Forget(); }
-
-private:
-    PathFinder& myFinder;
-};
-
-} // namespace
-
 /// Makes a call of the system on a path, and again on what is found without regard to case where the path does not
 /// exist. Gives the call's result; after -1 errno is ENOTDIR when a folder on the way is missing.
 template <typename Call>
-int LinuxFiles::OnPath(const std::string& myPath, Call myCall)
+int OnPath(const std::string& myPath, Call myCall)
 {
     const int theResult = Retrying([&] { return myCall(myPath); });
     if (theResult != -1 || errno != ENOENT)
     {
         return theResult;
     }
-    const Place myPlace = myFinder.Find(myPath);
+    const Place myPlace = FindPath(myPath);
     if (myPlace.What != Missing::Nothing)
     {
         errno = myPlace.What == Missing::Name ? ENOENT : ENOTDIR;
@@ -92,12 +80,99 @@ int LinuxFiles::OnPath(const std::string& myPath, Call myCall)
     return Retrying([&] { return myCall(myPlace.Path); });
 }
 
+/// The same for a call that takes the last part of the path exactly: only the folder around it is found.
+template <typename Call>
+int OnExactName(const std::string& myPath, Call myCall)
+{
+    const int theResult = Retrying([&] { return myCall(myPath); });
+    if (theResult != -1 || errno != ENOENT)
+    {
+        return theResult;
+    }
+    const std::optional<std::string> myFound = FindFolderOf(myPath);
+    if (!myFound || *myFound == myPath)
+    {
+        errno = myFound ? ENOENT : ENOTDIR;
+        return -1;
+    }
+    return Retrying([&] { return myCall(*myFound); });
+}
+
 /// What the system tells about a path; when it fails errno is as after OnPath.
-bool LinuxFiles::GetFacts(const std::string& myPath, int myFlags, struct stat& theFacts)
+bool GetFacts(const std::string& myPath, int myFlags, struct stat& theFacts)
 {
     return OnPath(myPath, [&](const std::string& myTried)
                   { return fstatat(AT_FDCWD, myTried.c_str(), &theFacts, myFlags); }) == 0;
 }
+
+struct SourceFile
+{
+    Descriptor File;
+    struct stat Facts = {};
+};
+
+SourceFile OpenSource(TextView myFilename, Lock myLock)
+{
+    Descriptor theFile(OnPath(NativePath(myFilename),
+                              [](const std::string& myPath) { return open(myPath.c_str(), O_RDONLY | OpenFlags); }));
+    if (!theFile.IsOpen())
+    {
+        RaiseSystemError(errno);
+    }
+    LockFile(theFile, myLock);
+    const struct stat myFacts = FactsOfPlainFile(theFile);
+    return {std::move(theFile), myFacts};
+}
+
+/// Opens a file for writing and makes it if it is not there. A link is followed. Gives -1 and errno when it fails.
+int OpenOrMake(const std::string& myPath, bool& theFileIsNew)
+{
+    const auto Open = [&](int myFlags)
+    {
+        return open(myPath.c_str(), O_WRONLY | myFlags | OpenFlags, NewFileMode);
+    };
+    int theFile = Open(O_CREAT | O_EXCL);
+    theFileIsNew = theFile != -1;
+    if (theFile == -1 && errno == EEXIST)
+    {
+        theFile = Open(0);
+        if (theFile == -1 && errno == ENOENT) // a link that leads to nothing yet
+        {
+            theFile = Open(O_CREAT);
+        }
+    }
+    return theFile;
+}
+
+/// Opens an empty file, locked. Error 70: it is the file that `mySource` describes.
+Descriptor OpenTarget(TextView myFilename, const struct stat* mySource)
+{
+    bool myFileIsNew = false;
+    Descriptor theFile(OnExactName(NativePath(myFilename),
+                                   [&](const std::string& myPath) { return OpenOrMake(myPath, myFileIsNew); }));
+    if (!theFile.IsOpen())
+    {
+        RaiseMakingError();
+    }
+    LockFile(theFile, Lock::Exclusive);
+    if (myFileIsNew)
+    {
+        return theFile;
+    }
+    const struct stat myFacts = FactsOfPlainFile(theFile);
+    if (mySource != nullptr && mySource->st_dev == myFacts.st_dev && mySource->st_ino == myFacts.st_ino)
+    {
+        Raise(ErrorNumber::PermissionDenied);
+    }
+    // The file is emptied only now that the lock keeps everyone else from its content.
+    if (myFacts.st_size != 0 && Retrying([&] { return ftruncate(theFile.Handle(), 0); }) != 0)
+    {
+        RaiseSystemError(errno);
+    }
+    return theFile;
+}
+
+} // namespace
 
 std::unique_ptr<InputFile> LinuxFiles::OpenForReading(TextView myFilename)
 {
@@ -116,87 +191,37 @@ std::unique_ptr<OutputFile> LinuxFiles::OpenForWriting(TextView myFilename)
     return std::make_unique<PlainOutputFile>(OpenTarget(myFilename, nullptr));
 }
 
-LinuxFiles::SourceFile LinuxFiles::OpenSource(TextView myFilename, Lock myLock)
-{
-    Descriptor theFile(OnPath(NativePath(myFilename),
-                              [](const std::string& myPath) { return open(myPath.c_str(), O_RDONLY | OpenFlags); }));
-    if (!theFile.IsOpen())
-    {
-        RaiseSystemError(errno);
-    }
-    LockFile(theFile, myLock);
-    const struct stat myFacts = FactsOfPlainFile(theFile);
-    return {std::move(theFile), myFacts};
-}
-
-/// Opens an empty file, locked. Error 70: it is the file that `mySource` tells of.
-Descriptor LinuxFiles::OpenTarget(TextView myFilename, const struct stat* mySource)
-{
-    bool myFileIsNew = false;
-    Descriptor theFile = OpenOrMake(NativePath(myFilename), myFileIsNew);
-    if (!theFile.IsOpen())
-    {
-        RaiseMakingError();
-    }
-    LockFile(theFile, Lock::Exclusive);
-    if (myFileIsNew)
-    {
-        return theFile;
-    }
-    const struct stat myFacts = FactsOfPlainFile(theFile);
-    if (mySource != nullptr && mySource->st_dev == myFacts.st_dev && mySource->st_ino == myFacts.st_ino)
-    {
-        Raise(ErrorNumber::PermissionDenied);
-    }
-    // Only now is it certain that nobody else has an eye on the content.
-    if (myFacts.st_size != 0 && Retrying([&] { return ftruncate(theFile.Handle(), 0); }) != 0)
-    {
-        RaiseSystemError(errno);
-    }
-    return theFile;
-}
-
-Descriptor LinuxFiles::OpenOrMake(const std::string& myPath, bool& theFileIsNew)
-{
-    if (!myFinder.Remembers(myPath))
-    {
-        Descriptor theFile = Open(myPath, O_WRONLY);
-        if (theFile.IsOpen() || errno != ENOENT)
-        {
-            return theFile;
-        }
-    }
-    const Place myPlace = myFinder.Find(myPath);
-    if (myPlace.What == Missing::Nothing)
-    {
-        return Open(myPlace.Path, O_WRONLY | O_CREAT);
-    }
-    Descriptor theFile = Open(myPlace.Path, O_WRONLY | O_CREAT | O_EXCL);
-    theFileIsNew = theFile.IsOpen();
-    if (theFileIsNew)
-    {
-        myFinder.Made(myPlace.Path);
-    }
-    else if (errno == EEXIST) // someone else has made it since the folder was read; it may not lead elsewhere
-    {
-        theFile = Open(myPlace.Path, O_WRONLY | O_NOFOLLOW);
-    }
-    return theFile;
-}
-
 Entry LinuxFiles::Look(TextView myPath)
 {
+    const std::string myAsked = PathOfEntry(myPath);
+    std::string myFound;
     struct stat myFacts = {};
-    if (!GetFacts(PathOfEntry(myPath), AT_SYMLINK_NOFOLLOW, myFacts))
+    const auto GetFactsOf = [&](const std::string& myTried)
+    {
+        myFound = myTried;
+        return lstat(myTried.c_str(), &myFacts);
+    };
+    if (OnPath(myAsked, GetFactsOf) != 0)
     {
         RaiseSystemError(errno);
     }
-    return {KindOfMode(myFacts.st_mode), myFacts.st_size};
+    const std::string_view myName = NameOf(myFound);
+    return {KindOfMode(myFacts.st_mode), myFacts.st_size, myName == NameOf(myAsked) ? Text() : FromUtf8(myName)};
+}
+
+Entry LinuxFiles::LookExactly(TextView myPath)
+{
+    struct stat myFacts = {};
+    if (OnExactName(PathOfEntry(myPath),
+                    [&](const std::string& myTried) { return lstat(myTried.c_str(), &myFacts); }) != 0)
+    {
+        RaiseSystemError(errno);
+    }
+    return {KindOfMode(myFacts.st_mode), myFacts.st_size, {}};
 }
 
 void LinuxFiles::Copy(TextView mySource, TextView myTarget)
 {
-    const Remembering myMemory(myFinder, Memory::Lasting); // a build copies into the same few folders over and over
     const SourceFile myInput = OpenSource(mySource, Lock::Shared);
     Descriptor myOutput = OpenTarget(myTarget, &myInput.Facts);
     CopyContent(myInput.File, myOutput, myInput.Facts.st_size);
@@ -208,47 +233,24 @@ void LinuxFiles::Copy(TextView mySource, TextView myTarget)
 
 bool LinuxFiles::Delete(TextView myFilename)
 {
-    const std::string myPath = NativePath(myFilename);
-    if (myFinder.Remembers(myPath) && myFinder.Find(myPath).What == Missing::Name)
+    if (OnExactName(NativePath(myFilename), [](const std::string& myPath) { return unlink(myPath.c_str()); }) == 0)
     {
-        return false;
+        return true;
     }
-    std::string myDeleted;
-    const auto myUnlink = [&](const std::string& myTried)
+    if (errno != ENOENT)
     {
-        myDeleted = myTried;
-        return unlink(myTried.c_str());
-    };
-    if (OnPath(myPath, myUnlink) != 0)
-    {
-        if (errno == ENOENT)
-        {
-            return false;
-        }
         RaiseSystemError(errno);
     }
-    myFinder.Deleted(myDeleted);
-    return true;
+    return false;
 }
 
 void LinuxFiles::MakeFolder(TextView myFolder)
 {
-    const std::string myPath = NativePath(myFolder);
-    struct stat myFacts = {};
-    if (stat(myPath.c_str(), &myFacts) == 0)
-    {
-        Raise(ErrorNumber::PathAccess);
-    }
-    const Place myPlace = myFinder.Find(myPath);
-    if (myPlace.What != Missing::Name)
-    {
-        Raise(myPlace.What == Missing::Nothing ? ErrorNumber::PathAccess : ErrorNumber::PathNotFound);
-    }
-    if (mkdir(myPlace.Path.c_str(), NewFolderMode) != 0)
+    if (OnExactName(NativePath(myFolder),
+                    [](const std::string& myPath) { return mkdir(myPath.c_str(), NewFolderMode); }) != 0)
     {
         RaiseMakingError();
     }
-    myFinder.Made(myPlace.Path);
 }
 
 bool LinuxFiles::IsFolder(TextView myPath)
@@ -281,8 +283,7 @@ std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
     const Text myLowered = LoweredPattern(myPattern.substr(myStart));
-    std::string myFolder = NativePath(myPattern.substr(0, myStart));
-    FolderReader myReader = myFinder.OpenFolder(myFolder);
+    FolderReader myReader = OpenFolder(NativePath(myPattern.substr(0, myStart)));
     std::vector<Text> theNames;
     if (!myReader.IsOpen())
     {
@@ -323,11 +324,6 @@ Text LinuxFiles::TemporaryPath()
 {
     std::optional<Text> thePath = LogicalPath(NativeTemporaryPath());
     return !thePath || thePath->empty() ? Text() : *std::move(thePath) + u"\\";
-}
-
-std::unique_ptr<FolderMemory> LinuxFiles::RememberFolders()
-{
-    return std::make_unique<Remembering>(myFinder, Memory::Passing);
 }
 
 } // namespace qel

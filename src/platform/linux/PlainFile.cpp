@@ -1,6 +1,5 @@
 #include "platform/linux/PlainFile.h"
 
-#include "platform/linux/FolderWatch.h"
 #include "platform/linux/systemErrors.h"
 #include "text/errors.h"
 
@@ -8,7 +7,9 @@
 #include <array>
 #include <cstring>
 #include <ctime>
+#include <linux/magic.h>
 #include <sys/file.h>
+#include <sys/vfs.h>
 
 namespace qel
 {
@@ -26,6 +27,17 @@ void WriteAll(const Descriptor& myFile, std::span<const std::byte> myBytes)
         }
         myBytes = myBytes.subspan(static_cast<size_t>(myWritten));
     }
+}
+
+/// True when nothing changes in the file system of an open file without this system's knowledge, as it does in a
+/// network's.
+bool IsInLocalFileSystem(const Descriptor& myFile)
+{
+    constexpr std::array<long, 5> LocalSystems = {TMPFS_MAGIC, EXT4_SUPER_MAGIC, BTRFS_SUPER_MAGIC, XFS_SUPER_MAGIC,
+                                                  F2FS_SUPER_MAGIC};
+    struct statfs myFacts = {};
+    return fstatfs(myFile.Handle(), &myFacts) == 0 &&
+           std::find(LocalSystems.begin(), LocalSystems.end(), myFacts.f_type) != LocalSystems.end();
 }
 
 } // namespace
@@ -105,7 +117,7 @@ std::optional<FileVersion> PlainInputFile::Version()
 {
     // The clock of file systems goes in ticks of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
-    if (myFirstFacts.st_ctim.tv_sec > myOpeningTime - SecondsToSettle || !IsInLocalFileSystem(myFile.Handle()))
+    if (myFirstFacts.st_ctim.tv_sec > myOpeningTime - SecondsToSettle || !IsInLocalFileSystem(myFile))
     {
         return std::nullopt;
     }

@@ -1,0 +1,166 @@
+/// Names that differ in case alone, on their way from an archive or a host to the page's folders.
+#include "archive/classArchive.h"
+#include "MadePictures.h"
+#include "platform/shared/SystemPlatform.h"
+#include "RecordedWindow.h"
+#include "tags/pluginFunctions.h"
+#include "TemporaryFolder.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace qel
+{
+namespace
+{
+
+using namespace std::string_literals;
+
+/// What a host answers for the module and the record in hand.
+struct Answers
+{
+    Text UniqueName = u"a";
+    Text RecordFilename = u"doc.pdf";
+};
+
+/// A host that stages everything in one folder.
+struct OneFolderHost final : BuildHelper, Database
+{
+    OneFolderHost(const TemporaryFolder& myWorkFolder, const Answers& myAnswers) : Work(myWorkFolder), My(myAnswers) {}
+    Text UniqueName() override { return My.UniqueName; }
+    int32_t InstanceNumber() override { return 1; }
+    Text MediaFolder() override { return Work.Logical(u"site\\"); }
+    Text MediaURL() override { return {}; }
+    Text ImageFolder() override { return MediaFolder(); }
+    Text ImageURL() override { return {}; }
+    Text FileFolder() override { return MediaFolder(); }
+    Text FileURL() override { return {}; }
+    Text ArchiveName() override { return u"m.dat"; }
+    int32_t RecordType() override { return 5; }
+    bool AtEnd() override { return false; }
+    Text RecordFilename() override { return My.RecordFilename; }
+    void SeekUID(TextView) override {}
+    Text RecordURL() override { return {}; }
+    Text DataFolder() override { return Work.Logical(u"data\\"); }
+    Text ChooseLink(TextView) override { return {}; }
+    const TemporaryFolder& Work;
+    const Answers& My;
+};
+
+class Case : public testing::Test
+{
+protected:
+    Case()
+    {
+        myFolder.MakeFolder("site");
+        myFolder.MakeFolder("data");
+        myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
+        myFolder.Write("library/Fiestas/Vals.mid", "tune");
+        myForm.myBuildHelper = std::make_unique<OneFolderHost>(myFolder, myAnswers);
+        myForm.myDatabase = std::make_unique<OneFolderHost>(myFolder, myAnswers);
+    }
+    ~Case() override { unsetenv("TMPDIR"); }
+
+    /// Packs files of a folder as somebody else would, with their names as they are.
+    void PackForeign()
+    {
+        classArchive myArchive(mySystem->Ports().files);
+        myArchive.BaseFolder(myFolder.Logical(u"foreign"));
+        myArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
+        ASSERT_TRUE(myArchive.PackArchive());
+    }
+
+    /// Opens the dialog on the module and lets a user work in it.
+    void Open(std::function<void(FormMainEvents&)> myUser)
+    {
+        myWindow.User = std::move(myUser);
+        FormMainDialog(myPorts, myConstants, myLead, myForm, myWindow).Show();
+    }
+
+    TemporaryFolder myFolder;
+    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
+    Answers myAnswers;
+    RecordedWindow myWindow;
+    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
+    Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow, myWindow, myWindow,
+                     MakeImagingControl,      myFolder.Logical()};
+    localConstants myConstants{myFolder.Logical(u"library\\"), {}};
+    FormLead myLead{myPorts};
+    FormMain myForm{myPorts, myConstants, myLead};
+};
+
+TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
+{
+    myFolder.Write("foreign/QELSPR.GIF", Gif(10, 10));
+    myFolder.Write("foreign/Qelspr.JPG", "other format");
+    myFolder.Write("foreign/QelMid.Mid", "old tune");
+    PackForeign();
+    myFolder.Write("new.gif", Gif(20, 15));
+    myFolder.Write("new.mid", "new tune");
+    myForm.Script(u"<pg.file filename=M.DAT><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
+                  u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
+                  u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1>");
+    EXPECT_NE(myForm.Output(), u"[Error de plug-in]") << "the files are found as they are";
+    EXPECT_EQ(myFolder.Read("site/qelmida.mid"), "old tune");
+    Open(
+        [&](FormMainEvents& theEvents)
+        {
+            myWindow.Chosen = myFolder.Logical(u"new.gif");
+            theEvents.lblImage_Click();
+            myWindow.Chosen = myFolder.Logical(u"new.mid");
+            theEvents.lblMIDI_Click();
+            theEvents.cmdOK_Click();
+        });
+    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << myWindow.Happened.Words;
+    myForm.Settings().myShowImage = myForm.Settings().myPlayMIDI = true;
+    EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
+    EXPECT_EQ(myFolder.Read("site/qelspra.gif"), Gif(20, 15));
+    EXPECT_EQ(myFolder.Read("site/qelmida.mid"), "new tune");
+    EXPECT_EQ(mySystem->Ports().files.List(myForm.TempFolder() + u"*", Listing::PlainFiles).size(), 2U);
+}
+
+TEST_F(Case, Staging_KeepsModulesApartWhoseUniqueNamesDifferInCase)
+{
+    myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
+                  u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>");
+    for (const TextView myName : {u"a", u"A"})
+    {
+        myAnswers.UniqueName = myName;
+        EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
+    }
+    for (const char* const myName : {"qelspra.gif", "qelsprA.gif", "qelmida.mid", "qelmidA.mid"})
+    {
+        EXPECT_TRUE(myFolder.Exists("site/"s + myName)) << myName;
+    }
+}
+
+TEST_F(Case, Staging_KeepsLinkedFilesApartThatDifferInCase)
+{
+    myFolder.Write("data/doc.pdf", "small");
+    myFolder.Write("data/Doc.pdf", "large");
+    for (const TextView myName : {u"doc.pdf", u"Doc.pdf"})
+    {
+        myAnswers.RecordFilename = myName;
+        myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
+                      u"<pg.param name=playmidi value=0><pg.param name=link value=UID:7>");
+        EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
+    }
+    EXPECT_EQ(myFolder.Read("site/doc.pdf"), "small");
+    EXPECT_EQ(myFolder.Read("site/Doc.pdf"), "large");
+}
+
+TEST_F(Case, DeleteTwins_LeavesTheNameItselfAndOthers)
+{
+    for (const char* const myName : {"foto.jpg", "Foto.jpg", "FOTO.JPG", "foto.jpg2"})
+    {
+        myFolder.Write("x/"s + myName, "");
+    }
+    DeleteTwins(mySystem->Ports().files, myFolder.Logical(u"X\\foto.jpg"));
+    DeleteTwins(mySystem->Ports().files, myFolder.Logical(u"none\\foto.jpg"));
+    std::vector<Text> myNames = mySystem->Ports().files.List(myFolder.Logical(u"x\\*"), Listing::PlainFiles);
+    std::sort(myNames.begin(), myNames.end());
+    EXPECT_EQ(myNames, (std::vector<Text>{u"foto.jpg", u"foto.jpg2"}));
+}
+
+} // namespace
+} // namespace qel
