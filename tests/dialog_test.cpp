@@ -1002,7 +1002,7 @@ TEST_F(DialogTest, TheFileDialogStartsWhereTheLastImportCameFromAndIsSpanish)
                             myTexts << myButton->text().remove('&');
                         }
                         EXPECT_EQ(myTexts.join('|').toStdString(),
-                                  "Nombre|Tamaño|Tipo|Fecha de modificación|Atrás|Carpeta superior|Vista detallada|"
+                                  "Nombre|Tamaño|Tipo|Modificado|Atrás|Carpeta superior|Vista detallada|"
                                   "Buscar en:|Nombre:|Tipo:|Abrir|Cancelar");
                         myDialog.reject();
                     }};

@@ -62,7 +62,7 @@ constexpr ToolkitText Texts[] = {
     {"Size", "Tamaño"},
     {"Type", "Tipo"},
     {"Kind", "Tipo"},
-    {"Date Modified", "Fecha de modificación"},
+    {"Date Modified", "Modificado"},
     {"Drive", "Unidad"},
     {"Folder", "Carpeta"},
     {"File Folder", "Carpeta"},
