@@ -12,14 +12,15 @@
 #include <gtest/gtest.h>
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QComboBox>
-#include <QDateEdit>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QTest>
+#include <QWheelEvent>
 
 namespace qel
 {
@@ -71,10 +72,52 @@ inline void Click(const char* myName)
     QTest::mouseClick(&Control(myName), Qt::LeftButton);
 }
 
-inline void Key(Qt::Key myKey)
+inline void Key(Qt::Key myKey, Qt::KeyboardModifiers myModifiers = Qt::NoModifier)
 {
     QWidget* const myFocus = QApplication::focusWidget();
-    QTest::keyClick(myFocus != nullptr ? myFocus : DialogUser::Front(), myKey);
+    QTest::keyClick(myFocus != nullptr ? myFocus : DialogUser::Front(), myKey, myModifiers);
+}
+
+/// Goes on with the Tab key to a control.
+inline void TabTo(const char* myName)
+{
+    for (int i = 0; i < 20 && QApplication::focusWidget() != &Control(myName); ++i)
+    {
+        Key(Qt::Key_Tab);
+    }
+    EXPECT_EQ(QApplication::focusWidget(), &Control(myName));
+}
+
+/// Types into a control, which gets the focus by the Tab key.
+inline void Type(const char* myName, const QString& myText)
+{
+    TabTo(myName);
+    QTest::keyClicks(&Control(myName), myText);
+}
+
+/// The text of a date field as it shows.
+inline std::string DayText(const char* myName)
+{
+    return Control<QComboBox>(myName).currentText().toStdString();
+}
+
+/// Turns the wheel by one notch over a widget, as the system reports it.
+inline void TurnWheel(QWidget& theWidget)
+{
+    const QPointF myPlace = theWidget.rect().center();
+    QWheelEvent myEvent(myPlace, theWidget.mapToGlobal(myPlace), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                        Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&myEvent);
+    qApp->notify(&theWidget, &myEvent);
+}
+
+/// The name that a screen reader says for a control: that of its label if there is one, else its own.
+inline std::string NameForAScreenReader(QWidget& myWidget)
+{
+    QAccessibleInterface& myInterface = *QAccessible::queryAccessibleInterface(&myWidget);
+    const auto myLabels = myInterface.relations(QAccessible::Label);
+    QAccessibleInterface& myNamed = myLabels.isEmpty() ? myInterface : *myLabels[0].first;
+    return myNamed.text(QAccessible::Name).toStdString();
 }
 
 /// Picks an entry of a combo box from its opened list by keys, of a list by the mouse.

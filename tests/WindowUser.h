@@ -10,7 +10,7 @@
 namespace qel
 {
 
-/// What a user does in one window, which has to be in front by then.
+/// What a user does in one window, which has to be in front.
 struct Step
 {
     QString Window; ///< its object name

@@ -10,7 +10,9 @@
 #include <malloc.h>
 #include <map>
 #include <QFontInfo>
+#include <QHelpEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <thread>
 
 namespace qel
@@ -112,13 +114,54 @@ protected:
         EXPECT_TRUE(myButton != std::string("lblImage") || PreviewIsEmpty() == !myIsThere);
     }
 
-    /// Goes on with the Tab key to a control, for want of a mouse.
-    static void TabTo(const char* myPlace)
+    /// True in a process that runs this test alone, so that there is no application object yet. Elsewhere it starts
+    /// such a process, with these additions to its environment, and expects it to pass.
+    static bool IsAlone(const std::string& myEnvironment = "")
     {
-        for (int i = 0; i < 20 && QApplication::focusWidget() != &Control(myPlace); ++i)
+        if (getenv("QEL_TEST_ALONE") != nullptr)
         {
-            Key(Qt::Key_Tab);
+            return true;
         }
+        const std::string myCommand = "QEL_TEST_ALONE=1 " + myEnvironment + " '" +
+                                      fs::read_symlink("/proc/self/exe").string() + "' --gtest_filter=DialogTest." +
+                                      testing::UnitTest::GetInstance()->current_test_info()->name();
+        EXPECT_EQ(std::system(myCommand.c_str()), 0) << myCommand; // NOLINT(concurrency-mt-unsafe)
+        return false;
+    }
+
+    /// Lets a program of the test's own stand in for the viewer of help pages, as long as the object lives.
+    class HelpViewer
+    {
+    public:
+        explicit HelpViewer(const TemporaryFolder& theFolder) : myFolder(theFolder), myPath(getenv("PATH"))
+        {
+            myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
+            fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
+            setenv("PATH", (myFolder.Native() + ":" + myPath).c_str(), 1);
+        }
+        ~HelpViewer() { setenv("PATH", myPath.c_str(), 1); }
+        HelpViewer(const HelpViewer&) = delete;
+        HelpViewer& operator=(const HelpViewer&) = delete;
+
+        /// True when help has been asked for since the last call.
+        bool IsAsked() const
+        {
+            const bool theAnswer = QTest::qWaitFor([&] { return myFolder.Exists("asked"); });
+            fs::remove(myFolder.Native("asked"));
+            return theAnswer;
+        }
+
+    private:
+        const TemporaryFolder& myFolder;
+        const std::string myPath;
+    };
+
+    /// The tune that has been played since the last call; empty when there was none.
+    std::string Played() const
+    {
+        std::string theTune = myFolder.Read("tmp/qelmid.mid");
+        fs::remove(myFolder.Native("tmp/qelmid.mid"));
+        return theTune;
     }
 
     TemporaryFolder myFolder;
@@ -127,7 +170,11 @@ protected:
 
 TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
 {
-    ASSERT_EQ(QCoreApplication::instance(), nullptr); // this is the first test of its process
+    if (!IsAlone())
+    {
+        return;
+    }
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
     for (const char* myName : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
     {
         unsetenv(myName);
@@ -185,7 +232,11 @@ void ExpectLayout()
 
 TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
 {
-    ASSERT_EQ(QCoreApplication::instance(), nullptr); // the tests above leave none
+    if (!IsAlone())
+    {
+        return;
+    }
+    ASSERT_EQ(QCoreApplication::instance(), nullptr);
     static int theCount = 1;
     static char theName[] = "host";
     static char* theArguments[] = {theName, nullptr};
@@ -496,15 +547,15 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
             [&]
             {
                 EXPECT_TRUE(Control<QAbstractButton>("DateFromSwitch").isChecked());
-                EXPECT_EQ(Control<QDateEdit>("DateFromDay").date(), QDate(2009, 7, 6));
-                EXPECT_EQ(Control<QDateEdit>("DateToDay").date(), QDate::currentDate());
+                EXPECT_EQ(DayText("DateFromDay"), "06/07/2009");
+                EXPECT_EQ(DayText("DateToDay"), QDate::currentDate().toString("dd/MM/yyyy").toStdString());
                 Click("cmdUnsetLink");
                 EXPECT_FALSE(Control("cmdUnsetLink").isEnabled());
                 Click("cmdSetLink");
                 EXPECT_EQ(myHost->Records->PresentLink, u"");
                 EXPECT_TRUE(Control("cmdUnsetLink").isEnabled());
                 Click("DateToSwitch");
-                Control<QDateEdit>("DateToDay").setDate(QDate(2009, 7, 5));
+                Type("DateToDay", "5/7/2009");
                 Click("cmdOK");
             }),
         Message(Text(LoadResString(StringId::PeriodIsReversed))),
@@ -519,12 +570,12 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
         Dialog([] { DialogUser::Front()->close(); }),
     }));
     EXPECT_EQ(Stored("link|from|to|image"), "URL:new|40000|39999|Globo.gif"); // Cancel takes nothing of it back
-    const Step myAgree = Dialog([] { Control<QDateEdit>("DateToDay").setDate({2009, 7, 6}), Key(Qt::Key_Enter); });
+    const Step myAgree = Dialog([] { Type("DateToDay", "6/7/2009"), Key(Qt::Key_Enter); });
     EXPECT_TRUE(myHost->CallBack({myAgree}));
     EXPECT_EQ(Stored("from|to"), "40000|40000");
 }
 
-TEST_F(DialogTest, AnArchiveThatCannotBeWrittenStopsTheCommitWithAWord)
+TEST_F(DialogTest, AnArchiveThatCannotBeWrittenStopsTheCommitWithAMessage)
 {
     Script("midifolder=(USER)|midimode=1");
     myHost->Records->DataFolder = u"/nowhere/";
@@ -575,7 +626,7 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
                                          {"DateFromSwitch", Qt::Key_Space},
                                          {"lblImage", Qt::Key_Space}}),
                                   File(myFolder.Native("mine.gif")), Press({{"lblMIDI", Qt::Key_Space}}),
-                                  File(myFolder.Native("mine.mid")), Press({{"lblMIDI", Qt::Key_Return}})}));
+                                  File(myFolder.Native("mine.mid")), Press({{"chkImage", Qt::Key_Return}})}));
     EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
     EXPECT_NE(Stored("from"), "0");
 }
@@ -588,7 +639,8 @@ TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
             .split(' ');
     for (const QString& myPlace : myPlaces)
     {
-        const bool myConfirms = !myPlace.startsWith("cmd") || myPlace == "cmdOK";
+        const bool myIsButton = myPlace.startsWith("cmd") || myPlace.startsWith("ToolbarPlay");
+        const bool myConfirms = !myIsButton || myPlace == "cmdOK";
         Script("link=URL:x|from=1|to=1");
         const auto Press = [&]
         {
@@ -606,15 +658,7 @@ TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
 TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
 {
     myFolder.Write("library/Fiestas/Vals 2.mid", "second");
-    myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
-    fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
-    setenv("PATH", (myFolder.Native() + ":" + getenv("PATH")).c_str(), 1);
-    const auto Played = [&]
-    {
-        const std::string theTune = myFolder.Read("tmp/qelmid.mid");
-        fs::remove(myFolder.Native("tmp/qelmid.mid"));
-        return theTune;
-    };
+    const HelpViewer myViewer(myFolder);
     myHost->CallBack({Dialog(
         [&]
         {
@@ -630,7 +674,405 @@ TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
             QTest::mouseDClick(myList.viewport(), Qt::LeftButton);
             EXPECT_FALSE(myFolder.Exists("tmp/qelmid.mid"));
             Click("cmdHelp");
-            EXPECT_TRUE(QTest::qWaitFor([&] { return myFolder.Exists("asked"); }));
+            EXPECT_TRUE(myViewer.IsAsked());
+            for (const char* const myPlace : {"cmbImageFolder", "lstImage", "DateFromSwitch", "cmdOK"})
+            {
+                TabTo(myPlace), Key(Qt::Key_F1);
+                EXPECT_TRUE(myViewer.IsAsked()) << myPlace;
+            }
+            Click("cmdCancel");
+        })});
+}
+
+TEST_F(DialogTest, EnterDoesWhatAnImportTextOrAToolButtonSays)
+{
+    myFolder.Write("mine.gif", Gif(30, 20));
+    myFolder.Write("mine.mid", "my tune");
+    EXPECT_FALSE(myHost->CallBack({
+        Dialog(
+            []
+            {
+                Work("cmbImageFolder=(personalizado)|cmbMIDIFolder=(personalizado)");
+                TabTo("lblImage"), Key(Qt::Key_Return);
+            }),
+        File(myFolder.Native("mine.gif")),
+        Dialog([] { ExpectImport("lblImage", true), TabTo("lblMIDI"), Key(Qt::Key_Enter); }),
+        File(myFolder.Native("mine.mid")),
+        Dialog(
+            [&]
+            {
+                ExpectImport("lblMIDI", true);
+                TabTo("ToolbarPlay1"), Key(Qt::Key_Return);
+                EXPECT_EQ(Played(), "my tune");
+                TabTo("ToolbarPlay2"), Key(Qt::Key_Enter);
+                EXPECT_EQ(Played(), "");
+                Click("cmdCancel");
+            }),
+    }));
+}
+
+TEST_F(DialogTest, EveryControlThatTakesTheFocusHasANameForAScreenReader)
+{
+    const std::vector<std::pair<const char*, const char*>> Lists = {{"lstImage", "Motivos"}, {"lstMIDI", "Músicas"}};
+    const std::vector<std::pair<const char*, const char*>> Imports = {
+        {"lblImage", "Ninguna imagen seleccionada. Haga clic aquí para importar una imagen en formato JPEG o GIF como "
+                     "motivo."},
+        {"lblMIDI", "Ningún sonido de fondo seleccionado. Haga clic aquí para importar un clip en formato MIDI como "
+                    "sonido de fondo."}};
+    std::vector<std::pair<const char*, const char*>> Names = {
+        {"cmbImageFolder", "Motivo:"},
+        {"cmbMIDIFolder", "Música:"},
+        {"chkImage", "Reproducir animación"},
+        {"chkMIDI", "Reproducir música"},
+        {"cmdSetLink", "Determinar vínculo"},
+        {"cmdUnsetLink", "Eliminar vínculo"},
+        {"DateFromSwitch", "Representación desde"},
+        {"DateFromDay", "Representación desde"},
+        {"DateToSwitch", "Representación hasta"},
+        {"DateToDay", "Representación hasta"},
+        {"cmdHelp", "Ayuda"},
+        {"cmdOK", "Aceptar"},
+        {"cmdCancel", "Cancelar"},
+        {"ToolbarPlay1", "Reproducir música"},
+        {"ToolbarPlay2", "Detener música"},
+    };
+    Names.insert(Names.begin() + 2, Lists.begin(), Lists.end());
+    Names.insert(Names.end(), Imports.begin(), Imports.end());
+    Script("link=URL:x|from=1|to=1");
+    myHost->CallBack({Dialog(
+        [&]
+        {
+            for (const auto& [myPlace, myName] : Names)
+            {
+                const bool myIsImport = std::string(myPlace).starts_with("lbl");
+                myIsImport ? Work("cmbImageFolder=(personalizado)|cmbMIDIFolder=(personalizado)") : void();
+                TabTo(myPlace);
+                EXPECT_EQ(NameForAScreenReader(*QApplication::focusWidget()), myName) << myPlace;
+                EXPECT_TRUE(!myIsImport ||
+                            QAccessible::queryAccessibleInterface(&Control(myPlace))->role() == QAccessible::Button);
+            }
+            Click("cmdCancel");
+        })});
+}
+
+TEST_F(DialogTest, AListShowsThatItHasTheFocus)
+{
+    myHost->CallBack({Dialog(
+        []
+        {
+            Work("cmbMIDIFolder=leame.txt"); // without a tune, so nothing is selected
+            for (const char* const myName : {"lstImage", "lstMIDI"})
+            {
+                const auto Edge = [&]
+                {
+                    return Control(myName).grab().toImage().pixelColor(50, 0);
+                };
+                const QColor myPlain = Edge();
+                TabTo(myName);
+                EXPECT_EQ(Edge(), QColor(0x308CC6)) << myName;
+                TabTo("chkImage");
+                EXPECT_EQ(Edge(), myPlain) << myName;
+            }
+            Click("cmdCancel");
+        })});
+}
+
+TEST_F(DialogTest, ATypedDateIsTheDateThatIsStored)
+{
+    const struct
+    {
+        QString Typed;
+        QString Stored; ///< with the other date, which is 31 December 9999
+        const char* Shown;
+    } Cases[] = {
+        {"5/1/2027", "46392", "05/01/2027"},   {"05/01/2027", "46392", "05/01/2027"},
+        {"05012027", "46392", "05/01/2027"},   {"5.1.2027", "46392", "05/01/2027"},
+        {"5-1-2027", "46392", "05/01/2027"},   {"29/2/2028", "46812", "29/02/2028"},
+        {"31/12/2026", "46387", "31/12/2026"}, {"1/1/1601", "-109205", "01/01/1601"},
+        {"31129999", "2958465", "31/12/9999"}, {"/4", "41002", "03/04/2012"},
+        {"12", "40980", "12/03/2012"},
+    };
+    for (const auto& myCase : Cases)
+    {
+        SCOPED_TRACE(myCase.Typed.toStdString());
+        for (const bool myIsAllSelected : {false, true})
+        {
+            Script("from=40971|to=2958465"); // from 3 March 2012
+            EXPECT_TRUE(myHost->CallBack({Dialog(
+                [&]
+                {
+                    TabTo("DateFromDay");
+                    myIsAllSelected&& myCase.Typed.size() > 2 ? Key(Qt::Key_A, Qt::ControlModifier) : void();
+                    QTest::keyClicks(QApplication::focusWidget(), myCase.Typed);
+                    myIsAllSelected ? Key(Qt::Key_Return) : Click("cmdOK");
+                })}));
+            EXPECT_EQ(Stored("from|to"), myCase.Stored.toStdString() + "|2958465");
+        }
+        Script("from=40971");
+        myHost->CallBack({Dialog(
+            [&]
+            {
+                Type("DateFromDay", myCase.Typed), Key(Qt::Key_Tab);
+                EXPECT_EQ(DayText("DateFromDay"), myCase.Shown);
+                Click("cmdCancel");
+            })});
+    }
+}
+
+TEST_F(DialogTest, ATypedTextThatIsNoDayIsShownAndRefused)
+{
+    const auto Refused = [](const QString& myText)
+    {
+        return ("\"" + myText +
+                "\" no es una fecha válida. Escriba el día, el mes y el año, entre 01/01/1601 y 31/12/9999.")
+            .toStdU16String();
+    };
+    const struct
+    {
+        const char* Typed;
+        const char* Shown;
+    } Cases[] = {{"31/02/2027", "31/02/2027"}, {"29022027", "29/02/2027"},   {"0/1/2027", "0/1/2027"},
+                 {"1/13/2027", "1/13/2027"},   {"31/12/1600", "31/12/1600"}, {"5/1/27", "5/1/27"}};
+    for (const auto& myCase : Cases)
+    {
+        Script("from=40971|image=kept.gif");
+        EXPECT_TRUE(myHost->CallBack({
+            Dialog(
+                [&]
+                {
+                    Type("DateFromDay", myCase.Typed), Key(Qt::Key_Tab);
+                    EXPECT_EQ(DayText("DateFromDay"), myCase.Shown);
+                    EXPECT_EQ(Control("DateFromDay").toolTip().toStdU16String(), Refused(myCase.Shown));
+                    EXPECT_EQ(Control("DateFromDay").grab().toImage().pixelColor(90, 4), QColor(0xFFE8E8));
+                    Click("cmdOK");
+                }),
+            Message(Refused(myCase.Shown)),
+            Dialog(
+                [&]
+                {
+                    EXPECT_EQ(Stored("image|from"), "kept.gif|40971"); // the commit has not begun
+                    EXPECT_EQ(QApplication::focusWidget(), &Control("DateFromDay"));
+                    EXPECT_EQ(DayText("DateFromDay"), myCase.Shown);
+                    QTest::keyClicks(QApplication::focusWidget(), "5/1/2027");
+                    EXPECT_EQ(Control("DateFromDay").toolTip(), "");
+                    Click("cmdOK");
+                }),
+        }));
+        EXPECT_EQ(Stored("from"), "46392");
+    }
+}
+
+TEST_F(DialogTest, ARefusedTextDoesNotCountOnceTheDateIsSwitchedOff)
+{
+    Script("from=0|to=40971");
+    EXPECT_TRUE(myHost->CallBack({Dialog(
+        []
+        {
+            Type("DateToDay", "31/2/2012"), Click("DateToSwitch");
+            EXPECT_EQ(DayText("DateToDay"), "03/03/2012");
+            Click("cmdOK");
+        })}));
+    EXPECT_EQ(Stored("from|to"), "0|0");
+}
+
+TEST_F(DialogTest, ArrowKeysChangeThePartWithTheCursor)
+{
+    const struct
+    {
+        std::vector<Qt::Key> Keys;
+        const char* Shown;
+    } Cases[] = {
+        {{Qt::Key_Up}, "04/03/2012"},
+        {{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down}, "29/02/2012"},
+        {{Qt::Key_Right, Qt::Key_Up}, "03/04/2012"},
+        {{Qt::Key_Right, Qt::Key_Right, Qt::Key_PageDown}, "03/03/2002"},
+        {{Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_PageUp}, "03/01/2013"},
+    };
+    Script("from=40971");
+    for (const auto& myCase : Cases)
+    {
+        myHost->CallBack({Dialog(
+            [&]
+            {
+                TabTo("DateFromDay");
+                std::for_each(myCase.Keys.begin(), myCase.Keys.end(), [](Qt::Key myKey) { Key(myKey); });
+                EXPECT_EQ(DayText("DateFromDay"), myCase.Shown);
+                Click("cmdCancel");
+            })});
+    }
+}
+
+TEST_F(DialogTest, KeysOpenTheCalendarAndChooseADayThere)
+{
+    Script("from=40971");
+    EXPECT_TRUE(myHost->CallBack({Dialog(
+        []
+        {
+            TabTo("DateFromDay");
+            Key(Qt::Key_Down, Qt::AltModifier);
+            ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+            QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+            EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+            EXPECT_EQ(DayText("DateFromDay"), "03/03/2012");
+
+            Key(Qt::Key_F4);
+            ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+            EXPECT_EQ(QApplication::activePopupWidget()->locale().language(), QLocale::Spanish);
+            QTest::keyClick(QApplication::activePopupWidget()->focusWidget(), Qt::Key_Right);
+            QTest::keyClick(QApplication::activePopupWidget()->focusWidget(), Qt::Key_Return);
+            EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+            EXPECT_EQ(DayText("DateFromDay"), "04/03/2012");
+            Click("cmdOK");
+        })}));
+    EXPECT_EQ(Stored("from"), "40972");
+}
+
+TEST_F(DialogTest, TheWheelChangesOnlyWhatHasTheFocus)
+{
+    Script("from=40971");
+    myHost->CallBack({Dialog(
+        []
+        {
+            auto& myFolders = Control<QComboBox>("cmbMIDIFolder");
+            TabTo("chkImage");
+            TurnWheel(myFolders), TurnWheel(Control("DateFromDay"));
+            EXPECT_EQ(myFolders.currentText(), "Fiestas");
+            EXPECT_EQ(DayText("DateFromDay"), "03/03/2012");
+            TabTo("cmbMIDIFolder"), TurnWheel(myFolders);
+            EXPECT_EQ(Entries("lstMIDI"), "Minueto");
+            TabTo("DateFromDay"), TurnWheel(Control("DateFromDay"));
+            EXPECT_EQ(DayText("DateFromDay"), "02/03/2012");
+            Click("cmdCancel");
+        })});
+}
+
+TEST_F(DialogTest, ANameThatDoesNotFitHasAToolTip)
+{
+    const QString myLong = QString("Un nombre que no cabe en ninguna lista ").repeated(2) + "larga";
+    myFolder.Write("library/" + myLong.toStdString() + "/" + myLong.toStdString() + ".gif", Gif(9, 9));
+    myFolder.Write("library/" + myLong.toStdString() + "/Breve.gif", Gif(9, 9));
+    Script("imagefolder=" + myLong);
+    myHost->CallBack({Dialog(
+        [&]
+        {
+            auto& myFolders = Control<QComboBox>("cmbImageFolder");
+            const auto ToolTip = [&]
+            {
+                QHelpEvent myEvent(QEvent::ToolTip, {9, 9}, myFolders.mapToGlobal(QPoint(9, 9)));
+                QApplication::sendEvent(&myFolders, &myEvent);
+                return myFolders.toolTip();
+            };
+            EXPECT_EQ(ToolTip(), myLong);
+            EXPECT_EQ(myFolders.itemData(myFolders.currentIndex(), Qt::ToolTipRole).toString(), myLong);
+            const auto& myList = Control<QListWidget>("lstImage");
+            EXPECT_EQ(myList.item(0)->toolTip(), "");
+            EXPECT_EQ(myList.item(1)->toolTip(), myLong);
+            Pick("cmbImageFolder", "Fiestas");
+            EXPECT_EQ(ToolTip(), "");
+            EXPECT_EQ(myFolders.itemData(myFolders.currentIndex(), Qt::ToolTipRole).toString(), "");
+            Click("cmdCancel");
+        })});
+}
+
+TEST_F(DialogTest, TheFileDialogStartsWhereTheLastImportCameFromAndIsSpanish)
+{
+    myFolder.Write("one/mine.gif", Gif(30, 20));
+    const auto StartsIn = [&](const char* myName)
+    {
+        return Step{"CommonDialog", [&, myName]
+                    {
+                        auto& myDialog = *static_cast<QFileDialog*>(DialogUser::Front());
+                        EXPECT_EQ(myDialog.directory().absolutePath().toStdString(), myFolder.Native(myName));
+                        QStringList myTexts;
+                        const auto& myColumns = *myDialog.findChild<QAbstractItemView*>("treeView")->model();
+                        for (int i = 0; i < myColumns.columnCount(); ++i)
+                        {
+                            myTexts << myColumns.headerData(i, Qt::Horizontal).toString();
+                        }
+                        for (const char* const myButton : {"backButton", "toParentButton", "detailModeButton"})
+                        {
+                            myTexts << myDialog.findChild<QAbstractButton*>(myButton)->toolTip();
+                        }
+                        for (const char* const myLabel : {"lookInLabel", "fileNameLabel", "fileTypeLabel"})
+                        {
+                            myTexts << myDialog.findChild<QLabel*>(myLabel)->text().remove('&');
+                        }
+                        for (const QAbstractButton* const myButton : myDialog.findChildren<QPushButton*>())
+                        {
+                            myTexts << myButton->text().remove('&');
+                        }
+                        EXPECT_EQ(myTexts.join('|').toStdString(),
+                                  "Nombre|Tamaño|Tipo|Modificado|Atrás|Carpeta superior|Vista detallada|"
+                                  "Buscar en:|Nombre:|Tipo:|Abrir|Cancelar");
+                        myDialog.reject();
+                    }};
+    };
+    EXPECT_FALSE(myHost->CallBack({
+        Do("cmbImageFolder=(personalizado)|lblImage"),
+        File(myFolder.Native("one/mine.gif")), // typed with its path
+        Do("lblImage"),
+        StartsIn("one"),
+        Do("cmdCancel"),
+    }));
+}
+
+/// Expects that every text shows as a whole in the place of its control.
+void ExpectCaptionsFit()
+{
+    for (const QLabel* const myLabel : DialogUser::Front()->findChildren<QLabel*>())
+    {
+        EXPECT_TRUE(!myLabel->isVisible() || myLabel->text().isEmpty() ||
+                    myLabel->sizeHint().width() <= myLabel->width())
+            << myLabel->text().toStdString();
+    }
+    for (const QAbstractButton* const myButton : DialogUser::Front()->findChildren<QAbstractButton*>())
+    {
+        const QRect myNeed = myButton->fontMetrics().boundingRect(QRect(0, 0, myButton->width(), 999), Qt::TextWordWrap,
+                                                                  myButton->text());
+        EXPECT_TRUE(myNeed.height() <= myButton->height() && myNeed.width() <= myButton->width())
+            << myButton->text().toStdString();
+    }
+}
+
+TEST_F(DialogTest, CaptionsFitWhateverFontTheMachineHas)
+{
+    if (getenv("QEL_TEST_ALONE") != nullptr)
+    {
+        myHost->CallBack({Dialog(
+            []
+            {
+                Work("cmbImageFolder=(personalizado)|cmbMIDIFolder=(personalizado)");
+                ExpectCaptionsFit();
+                Click("cmdCancel");
+            })});
+        return;
+    }
+    for (const char* const myFont :
+         {"DejaVuSansCondensed.ttf", "DejaVuSans.ttf", "DejaVuSerif.ttf", "DejaVuSansMono.ttf"})
+    {
+        SCOPED_TRACE(myFont);
+        myFolder.Write(std::string(myFont) + ".d/conf",
+                       "<fontconfig><dir>" + myFolder.Native(std::string(myFont) + ".d") + "</dir><cachedir>" +
+                           myFolder.Native("cache") + "</cachedir></fontconfig>");
+        fs::copy_file(fs::path("/usr/share/fonts/truetype/dejavu") / myFont,
+                      myFolder.Native(std::string(myFont) + ".d/") + myFont);
+        IsAlone("FONTCONFIG_FILE='" + myFolder.Native(std::string(myFont) + ".d/conf") + "'");
+    }
+}
+
+TEST_F(DialogTest, TheWindowOfASmallScreenShowsItsTopLeftCorner)
+{
+    if (!IsAlone())
+    {
+        return;
+    }
+    myFolder.Write("screens", R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 400, "height": 300}]})");
+    setenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + myFolder.Native("screens")).c_str(), 1);
+    myHost->CallBack({Dialog(
+        []
+        {
+            ASSERT_EQ(DialogUser::Front()->screen()->size(), QSize(400, 300));
+            EXPECT_EQ(DialogUser::Front()->frameGeometry().topLeft(), QPoint(0, 0));
             Click("cmdCancel");
         })});
 }
@@ -645,7 +1087,7 @@ TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)
         }
         return static_cast<int64_t>(mallinfo2().uordblks);
     };
-    const int64_t myBefore = BytesAfterAHundred(); // the toolkit's memory of what it has drawn is full by then
+    const int64_t myBefore = BytesAfterAHundred(); // the toolkit's caches are full now
     const auto myWidgets = QApplication::allWidgets().size();
     const int64_t myAfter = BytesAfterAHundred();
     EXPECT_EQ(QApplication::allWidgets().size(), myWidgets);

@@ -10,7 +10,7 @@ const char16_t* const ErrorSource = u"dialog_pictures";
 namespace
 {
 
-/// The last step of a visit: the window as it looks by then.
+/// The last step in a dialog: saves a picture of the window and closes it.
 Step Photograph(const std::string& myFile)
 {
     return Dialog(

@@ -128,6 +128,18 @@ inline constexpr std::array<ControlLayout, 27> MainFormControls = {{
     {-1, u"imgMIDI", ControlKind::Image, u"", 120, 180, 480, 480, u"picMIDI", ControlTrait::None, u""},
 }};
 
+/// The label that names a control for a screen reader, by their names.
+struct CaptionLayout
+{
+    TextView Label;
+    TextView Control;
+};
+
+inline constexpr std::array<CaptionLayout, 2> Captions = {{
+    {u"Label1", u"cmbImageFolder"},
+    {u"Label2", u"cmbMIDIFolder"},
+}};
+
 /// What both date pickers share: the days that they can show, and how they show one.
 struct DatePickerLayout
 {

@@ -2,6 +2,7 @@
 
 #include "platform/linux/Descriptor.h"
 #include "text/errors.h"
+#include "text/ScopeGuard.h"
 
 #include <algorithm>
 #include <clocale>
@@ -10,9 +11,7 @@
 #include <mutex>
 #include <QApplication>
 #include <QDir>
-#include <QLibraryInfo>
 #include <QThread>
-#include <QTranslator>
 #include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -23,7 +22,7 @@ namespace qel
 namespace
 {
 
-/// True when the toolkit's part for a display system lies in one of the folders that it looks into.
+/// True when the toolkit's plug-in for a display system lies in one of the folders that it searches.
 bool IsInstalled(const QString& mySystem)
 {
     QStringList myFolders = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH").split(':', Qt::SkipEmptyParts);
@@ -31,7 +30,7 @@ bool IsInstalled(const QString& mySystem)
     {
         myFolders << myFolder + "/platforms";
     }
-    // There are several for the one system that is told apart by how it draws.
+    // There are several files for Wayland, one for each way of drawing.
     const QString myFile = "libq" + mySystem.toLower() + (mySystem == "wayland" ? "*.so" : ".so");
     return std::ranges::any_of(myFolders, [&](const QString& myFolder)
                                { return !QDir(myFolder).entryList({myFile}, QDir::Files).isEmpty(); });
@@ -64,14 +63,15 @@ bool WaylandDisplayAnswers()
     return connect(myClient.Handle(), reinterpret_cast<const sockaddr*>(&myAddress), sizeof myAddress) == 0;
 }
 
-/// Without a display the toolkit ends the process, so it is asked for beforehand. The toolkit goes through the same
-/// list of display systems and takes the first that works; one that needs no display at all always does.
+/// True when the toolkit will find a display. Without one it ends the process, so this is tested first. The toolkit
+/// goes through the same list of display systems and takes the first that works; one that needs no display always
+/// works.
 bool DisplayAnswers()
 {
     const QString mySet = qEnvironmentVariable("QT_QPA_PLATFORM");
     for (const QString& myChoice : (mySet.isEmpty() ? QString("wayland;xcb") : mySet).split(';'))
     {
-        const QString mySystem = myChoice.section(':', 0, 0); // what follows are its options
+        const QString mySystem = myChoice.section(':', 0, 0); // the rest are its options
         if (!IsInstalled(mySystem))
         {
             continue;
@@ -86,60 +86,22 @@ bool DisplayAnswers()
     return false;
 }
 
-/// The toolkit sets the process's locale to the user's, which a host may not expect of a component.
-class LocaleKeeper
-{
-public:
-    LocaleKeeper() : myLocale(std::setlocale(LC_ALL, nullptr)) {}
-    ~LocaleKeeper() { std::setlocale(LC_ALL, myLocale.c_str()); }
-    LocaleKeeper(const LocaleKeeper&) = delete;
-    LocaleKeeper& operator=(const LocaleKeeper&) = delete;
-
-private:
-    std::string myLocale;
-};
-
-/// The toolkit's own texts in Spanish; null where they are not installed. Kept, as the application object is.
-QTranslator* ToolkitTranslator()
-{
-    static QTranslator* const theTexts = []() -> QTranslator*
-    {
-        auto myTexts = std::make_unique<QTranslator>();
-        return myTexts->load("qtbase_es", QLibraryInfo::path(QLibraryInfo::TranslationsPath)) ? myTexts.release()
-                                                                                              : nullptr;
-    }();
-    return theTexts;
-}
-
-/// True when the application object is the one that MakeApplication has made.
-bool theApplicationIsOurs = false;
-
 void MakeApplication()
 {
     static int theCount = 1;
     static char theName[] = "QelPluginAnimation";
     static char* theArguments[] = {theName, nullptr};
 
-    const LocaleKeeper myKeeper;
+    // The toolkit sets the process's locale to the user's, which a host may not expect of a component.
+    const ScopeGuard myGuard([myLocale = std::string(std::setlocale(LC_ALL, nullptr))]
+                             { std::setlocale(LC_ALL, myLocale.c_str()); });
     // Never deleted: no moment before the end of the process is known to be safe for that.
     [[maybe_unused]] static const auto* const theApplication = new QApplication(theCount, theArguments);
     QApplication::setStyle("Fusion");
     QApplication::setQuitOnLastWindowClosed(false);
-    QCoreApplication::installTranslator(ToolkitTranslator());
-    theApplicationIsOurs = true;
 }
 
 } // namespace
-
-SpanishTexts::SpanishTexts() : myTexts(theApplicationIsOurs ? nullptr : ToolkitTranslator())
-{
-    QCoreApplication::installTranslator(myTexts);
-}
-
-SpanishTexts::~SpanishTexts()
-{
-    QCoreApplication::removeTranslator(myTexts);
-}
 
 void DemandApplication()
 {

@@ -2,16 +2,17 @@
 
 #include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/appearance.h"
+#include "platform/linux/window/DateField.h"
 #include "platform/linux/window/widgets.h"
 #include "resources/pictures.h"
 
 #include <cstdlib>
 #include <memory>
 #include <QApplication>
-#include <QComboBox>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QToolButton>
 #include <string_view>
 #include <xcb/xcb.h>
@@ -27,7 +28,7 @@ int Pixels(int32_t myTwips)
 }
 
 /// The passes in which the controls are made. Labels and images lie under what overlaps them, the lower part of a
-/// caption under its combo box above all; what lies in a picture box comes after it.
+/// caption under its combo box above all; what lies in a picture box is made after it.
 constexpr int Passes = 3;
 
 int PassOf(const ControlLayout& myLayout)
@@ -81,8 +82,7 @@ QWidget* MakeDateField(const ControlLayout& myLayout, QWidget* myParent)
     auto* const theField = new DateField(myParent);
     theField->Switch().setObjectName(ToToolkit(myLayout.Name) + "Switch");
     theField->Day().setObjectName(ToToolkit(myLayout.Name) + "Day");
-    theField->Switch().setAccessibleName(ToToolkit(myLayout.AccessibleName));
-    theField->Day().setAccessibleName(ToToolkit(myLayout.AccessibleName));
+    theField->SetName(ToToolkit(myLayout.AccessibleName));
     return theField;
 }
 
@@ -91,7 +91,7 @@ QWidget* MakeWidget(const ControlLayout& myLayout, QWidget* myParent)
     switch (myLayout.Kind)
     {
     case ControlKind::ComboBox:
-        return new QComboBox(myParent);
+        return new FolderBox(myParent);
     case ControlKind::PictureBox:
         return new PictureFrame(myParent);
     case ControlKind::ListBox:
@@ -112,7 +112,7 @@ QWidget* MakeWidget(const ControlLayout& myLayout, QWidget* myParent)
     return new QLabel(myParent);
 }
 
-/// Gives a control the colours and the weight of its row. What is as in the form comes from the form.
+/// Gives a control the colours and the weight of its row. What equals the form's is inherited from it.
 void SetLook(QWidget& theWidget, const ControlLayout& myLayout)
 {
     QPalette myColours;
@@ -132,8 +132,8 @@ void SetLook(QWidget& theWidget, const ControlLayout& myLayout)
     }
 }
 
-/// Where the focus goes in a control, in its order.
-QWidgetList FocusPlaces(QWidget& myControl)
+/// The widgets of a control that take the focus, in tab order.
+QWidgetList FocusWidgets(QWidget& myControl)
 {
     if (auto* const myField = dynamic_cast<DateField*>(&myControl))
     {
@@ -143,7 +143,7 @@ QWidgetList FocusPlaces(QWidget& myControl)
     return myButtons.isEmpty() ? QWidgetList{&myControl} : QWidgetList(myButtons.begin(), myButtons.end());
 }
 
-/// Asks the window manager to leave a window out of the task bar, where there is one that is asked in this way.
+/// Asks the window manager to leave a window out of the task bar. Does nothing where the display is not X11.
 void SkipTaskBar(const QWidget& myWindow)
 {
     auto* const mySystem = qApp->nativeInterface<QNativeInterface::QX11Application>();
@@ -185,7 +185,11 @@ FormDialog::FormDialog()
         }
     }
     SetTabOrder();
-    Dress(*this);
+    SetBuddies();
+    ApplyFormLook(*this);
+    FitCaptions();
+    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this,
+            [this] { Control<QAbstractButton>(u"cmdHelp").click(); });
 }
 
 void FormDialog::ShowModally()
@@ -200,14 +204,8 @@ void FormDialog::keyPressEvent(QKeyEvent* myEvent)
 {
     if (myEvent->matches(QKeySequence::Cancel))
     {
-        // By the toolkit's own road Escape would be the same as the close box.
-        for (const ControlLayout& myLayout : MainFormControls)
-        {
-            if (myLayout.Trait == ControlTrait::CancelButton)
-            {
-                Control<QAbstractButton>(myLayout.Name).click();
-            }
-        }
+        // The toolkit would close the window without the click.
+        Control<QAbstractButton>(u"cmdCancel").click();
         return;
     }
     QDialog::keyPressEvent(myEvent);
@@ -220,11 +218,15 @@ bool FormDialog::eventFilter(QObject* myPlace, QEvent* myEvent)
     {
         return QDialog::eventFilter(myPlace, myEvent);
     }
-    if (auto* const myDay = dynamic_cast<QDateEdit*>(myPlace))
+    auto* const myButton = qobject_cast<QAbstractButton*>(myPlace);
+    if (myButton != nullptr && !myButton->isCheckable())
     {
-        myDay->interpretText(); // which Enter would have made it do
+        myButton->click();
     }
-    keyPressEvent(static_cast<QKeyEvent*>(myEvent));
+    else
+    {
+        keyPressEvent(static_cast<QKeyEvent*>(myEvent)); // which presses the default button
+    }
     return true;
 }
 
@@ -260,14 +262,14 @@ void FormDialog::SetTabOrder()
     QWidget* myLast = nullptr;
     for (const ControlLayout& myLayout : MainFormControls)
     {
-        for (QWidget* const myPlace : FocusPlaces(Find(myLayout.Name)))
+        for (QWidget* const myPlace : FocusWidgets(Find(myLayout.Name)))
         {
             if (myLast != nullptr)
             {
                 setTabOrder(myLast, myPlace);
             }
             myLast = myPlace;
-            // A button takes Enter for itself, as a person expects of it; anything else may, on some desktops.
+            // A push button handles Enter itself, as a user expects of it.
             if (!myPlace->inherits("QPushButton"))
             {
                 myPlace->installEventFilter(this);
@@ -276,9 +278,29 @@ void FormDialog::SetTabOrder()
     }
 }
 
+void FormDialog::SetBuddies()
+{
+    for (const CaptionLayout& myCaption : Captions)
+    {
+        Control<QLabel>(myCaption.Label).setBuddy(&Find(myCaption.Control));
+    }
+}
+
+void FormDialog::FitCaptions()
+{
+    for (const ControlLayout& myLayout : MainFormControls)
+    {
+        if (!myLayout.Caption.empty())
+        {
+            FitCaption(Find(myLayout.Name));
+        }
+    }
+}
+
 void FormDialog::Centre()
 {
     move(pos() + screen()->geometry().center() - frameGeometry().center());
+    MoveOntoScreen(*this);
 }
 
 } // namespace qel

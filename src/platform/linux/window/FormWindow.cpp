@@ -1,6 +1,8 @@
 #include "platform/linux/window/FormWindow.h"
 
+#include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/dialogs.h"
+#include "text/ScopeGuard.h"
 
 #include <QToolButton>
 
@@ -18,24 +20,7 @@ struct ClickHandler
 constexpr ClickHandler ClickHandlers[] = {
     {u"lblImage", &FormMainEvents::lblImage_Click},     {u"lblMIDI", &FormMainEvents::lblMIDI_Click},
     {u"cmdSetLink", &FormMainEvents::cmdSetLink_Click}, {u"cmdUnsetLink", &FormMainEvents::cmdUnsetLink_Click},
-    {u"cmdHelp", &FormMainEvents::cmdHelp_Click},       {u"cmdOK", &FormMainEvents::cmdOK_Click},
-    {u"cmdCancel", &FormMainEvents::cmdCancel_Click},
-};
-
-/// Leads the events to the logic for as long as the window is shown to it.
-class Listening
-{
-public:
-    Listening(EventForwarder& theForwarder, FormMainEvents& theEvents) : myForwarder(theForwarder)
-    {
-        myForwarder.Receiver(&theEvents);
-    }
-    ~Listening() { myForwarder.Receiver(nullptr); }
-    Listening(const Listening&) = delete;
-    Listening& operator=(const Listening&) = delete;
-
-private:
-    EventForwarder& myForwarder;
+    {u"cmdHelp", &FormMainEvents::cmdHelp_Click},       {u"cmdCancel", &FormMainEvents::cmdCancel_Click},
 };
 
 } // namespace
@@ -52,6 +37,8 @@ void FormWindow::ConnectClicks()
         QObject::connect(&myDialog.Control<QAbstractButton>(myEntry.Control), &QAbstractButton::clicked, &myDialog,
                          [this, myHandler = myEntry.Click] { myForwarder.CallFromSystem(myHandler); });
     }
+    QObject::connect(&myDialog.Control<QAbstractButton>(u"cmdOK"), &QAbstractButton::clicked, &myDialog,
+                     [this] { PressOK(); });
     int32_t myIndex = 0;
     for (const QToolButton* const myButton : myDialog.Control<QWidget>(u"ToolbarPlay").findChildren<QToolButton*>())
     {
@@ -62,9 +49,28 @@ void FormWindow::ConnectClicks()
     }
 }
 
+/// Passes the click on, unless a picker holds a text that is no day: then a message says so, and that picker gets the
+/// focus.
+void FormWindow::PressOK()
+{
+    for (const TextView myName : {u"DateFrom", u"DateTo"})
+    {
+        auto& theField = myDialog.Control<DateField>(myName);
+        if (const QString myRefusal = theField.Refusal(); !myRefusal.isEmpty())
+        {
+            ShowMessage(&myDialog, FromToolkit(myRefusal), InformationStyle);
+            theField.Day().setFocus();
+            theField.Day().SelectFirstPart();
+            return;
+        }
+    }
+    myForwarder.CallFromSystem(&FormMainEvents::cmdOK_Click);
+}
+
 void FormWindow::Show(FormMainEvents& theEvents)
 {
-    const Listening myListening(myForwarder, theEvents);
+    myForwarder.Receiver(&theEvents);
+    const ScopeGuard myGuard([&] { myForwarder.Receiver(nullptr); });
     theEvents.Form_Load();
     if (!myIsUnloaded)
     {

@@ -8,6 +8,8 @@
 namespace qel
 {
 
+/// A day can be typed here, so a date picker can hold a text that is no day (31/02/2027). OK is then refused with a
+/// message, before the logic hears of the click: a commit always finds days in the pickers.
 class FormWindow final : public FormMainWindow
 {
 public:
@@ -23,14 +25,15 @@ public:
 
 private:
     void ConnectClicks();
+    void PressOK();
 
     EventForwarder myForwarder;
     FormDialog myDialog;
     bool myIsUnloaded = false;
 
-    ToolkitComboBox myImageFolders{myDialog.Control<QComboBox>(u"cmbImageFolder"), myForwarder,
+    ToolkitComboBox myImageFolders{myDialog.Control<FolderBox>(u"cmbImageFolder"), myForwarder,
                                    &FormMainEvents::cmbImageFolder_Click};
-    ToolkitComboBox myMIDIFolders{myDialog.Control<QComboBox>(u"cmbMIDIFolder"), myForwarder,
+    ToolkitComboBox myMIDIFolders{myDialog.Control<FolderBox>(u"cmbMIDIFolder"), myForwarder,
                                   &FormMainEvents::cmbMIDIFolder_Click};
     ToolkitListBox myImages{myDialog.Control<SelectionList>(u"lstImage"), myForwarder, &FormMainEvents::lstImage_Click,
                             nullptr};

@@ -12,7 +12,7 @@
 namespace qel
 {
 
-/// Knows one device, which plays MIDI files. The commands are those of Windows::SendMultimediaCommand: `open` reads the
+/// Knows one device, which plays MIDI files. The commands are those of Sound::SendMultimediaCommand: `open` reads the
 /// whole file and gives the device a name, `play` starts it from the beginning, `stop` and `close` end the sound and
 /// may come at any time. No command waits for the sound system. On one thread.
 class MultimediaService

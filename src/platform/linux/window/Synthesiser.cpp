@@ -20,8 +20,8 @@ Function* Find(void* myLibrary, const char* myName)
     return myLibrary == nullptr ? nullptr : reinterpret_cast<Function*>(dlsym(myLibrary, myName));
 }
 
-/// The sound card's library prints its failures unless someone takes them. It is told so for this thread alone, which
-/// leaves the host as it is.
+/// The sound card's library prints its failures unless a handler receives them. The handler is set for this thread
+/// only, so the host's own is not affected.
 void SilenceSoundCard()
 {
     using Listener = void(const char*, int, const char*, int, const char*, va_list);
@@ -33,7 +33,7 @@ void SilenceSoundCard()
     }
 }
 
-/// The calls of the synthesiser's library. It brings many others along, so it is loaded when a tune is to sound and not
+/// The calls of the synthesiser's library. It loads many other libraries, so it is loaded with the first tune and not
 /// with the window.
 struct Library
 {

@@ -6,7 +6,7 @@
 namespace qel
 {
 
-/// A tune that sounds, until this object goes.
+/// A tune that plays as long as this object lives.
 class Performance
 {
 public:

@@ -14,46 +14,46 @@ namespace
 {
 
 /// How long the end of the process is held up for the sound to end properly.
-constexpr std::chrono::seconds LongestFarewell{1};
+constexpr std::chrono::seconds LongestWaitForEnd{1};
 
 } // namespace
 
 /// What the player and its thread share. Where a sound server hangs the thread outlives the player.
-struct TunePlayer::Stage
+struct TunePlayer::Shared
 {
-    explicit Stage(std::vector<AudioOutput> myOutputs) : Outputs(std::move(myOutputs)) {}
+    explicit Shared(std::vector<AudioOutput> myOutputs) : Outputs(std::move(myOutputs)) {}
 
     const std::vector<AudioOutput> Outputs;
     std::mutex Mutex;
     std::condition_variable Changed;
-    uint64_t Wishes = 0; ///< counted, as the same tune may be wanted twice
-    Tune Wanted;         ///< null: silence
-    bool IsLeaving = false;
-    bool HasLeft = false;
+    uint64_t Requests = 0; ///< counted, as the same tune may be requested twice
+    Tune Requested;        ///< null: silence
+    bool IsEnding = false;
+    bool HasEnded = false;
 
-    void Wish(Tune myTune, bool myIsLast = false)
+    void Request(Tune myTune, bool myIsLast = false)
     {
         const std::scoped_lock myLock(Mutex);
-        Wanted = std::move(myTune);
-        IsLeaving = myIsLast;
-        ++Wishes;
+        Requested = std::move(myTune);
+        IsEnding = myIsLast;
+        ++Requests;
         Changed.notify_all();
     }
 
     void Run();
 };
 
-void TunePlayer::Stage::Run()
+void TunePlayer::Shared::Run()
 {
     std::unique_ptr<Performance> myPerformance;
-    uint64_t myGranted = 0;
+    uint64_t myHandled = 0;
     std::unique_lock myLock(Mutex);
-    while (!HasLeft)
+    while (!HasEnded)
     {
-        Changed.wait(myLock, [this, &myGranted] { return Wishes != myGranted; });
-        myGranted = Wishes;
-        const Tune myTune = Wanted;
-        const bool myIsLast = IsLeaving;
+        Changed.wait(myLock, [this, &myHandled] { return Requests != myHandled; });
+        myHandled = Requests;
+        const Tune myTune = Requested;
+        const bool myIsLast = IsEnding;
         myLock.unlock();
         // A device may serve one at a time, so what was playing ends first.
         myPerformance.reset();
@@ -62,7 +62,7 @@ void TunePlayer::Stage::Run()
             myPerformance = Perform(*myTune, Outputs);
         }
         myLock.lock();
-        HasLeft = myIsLast;
+        HasEnded = myIsLast;
     }
     Changed.notify_all();
 }
@@ -72,7 +72,7 @@ std::vector<AudioOutput> UsualAudioOutputs()
     return {{"pulseaudio", {}}, {"alsa", {}}};
 }
 
-TunePlayer::TunePlayer(std::vector<AudioOutput> myOutputs) : myStage(std::make_shared<Stage>(std::move(myOutputs))) {}
+TunePlayer::TunePlayer(std::vector<AudioOutput> myOutputs) : myShared(std::make_shared<Shared>(std::move(myOutputs))) {}
 
 TunePlayer::~TunePlayer()
 {
@@ -80,11 +80,12 @@ TunePlayer::~TunePlayer()
     {
         return;
     }
-    myStage->Wish(nullptr, true);
-    std::unique_lock myLock(myStage->Mutex);
-    const bool myEndIsNear = myStage->Changed.wait_for(myLock, LongestFarewell, [this] { return myStage->HasLeft; });
+    myShared->Request(nullptr, true);
+    std::unique_lock myLock(myShared->Mutex);
+    const bool myHasEnded =
+        myShared->Changed.wait_for(myLock, LongestWaitForEnd, [this] { return myShared->HasEnded; });
     myLock.unlock();
-    if (myEndIsNear)
+    if (myHasEnded)
     {
         myThread.join();
     }
@@ -98,16 +99,16 @@ void TunePlayer::Play(Tune myTune)
 {
     if (!myThread.joinable())
     {
-        myThread = std::thread([theStage = myStage] { theStage->Run(); });
+        myThread = std::thread([theShared = myShared] { theShared->Run(); });
     }
-    myStage->Wish(std::move(myTune));
+    myShared->Request(std::move(myTune));
 }
 
 void TunePlayer::Stop()
 {
     if (myThread.joinable())
     {
-        myStage->Wish(nullptr);
+        myShared->Request(nullptr);
     }
 }
 

@@ -23,15 +23,15 @@ struct AudioOutput
 /// The sound server, else the sound card.
 std::vector<AudioOutput> UsualAudioOutputs();
 
-/// Everything that may take its time happens on a thread of its own: loading the synthesiser and its sound font, and
-/// talking to a sound server, which may never answer. That thread begins with the first tune. Without a synthesiser, a
+/// Everything slow happens on a thread of its own: loading the synthesiser and its sound font, and
+/// talking to a sound server, which may never answer. That thread starts with the first tune. Without a synthesiser, a
 /// sound font or a device there is silence. The calls return at once, and all come from one thread.
 class TunePlayer
 {
 public:
     /// The outputs are tried in their order.
     explicit TunePlayer(std::vector<AudioOutput> myOutputs);
-    /// Ends the sound. Waits for that a little, but not for a sound server that hangs.
+    /// Ends the sound. Waits for that, but only a short time, as a sound server may hang.
     ~TunePlayer();
     TunePlayer(const TunePlayer&) = delete;
     TunePlayer& operator=(const TunePlayer&) = delete;
@@ -41,9 +41,9 @@ public:
     void Stop();
 
 private:
-    struct Stage;
+    struct Shared;
 
-    std::shared_ptr<Stage> myStage;
+    std::shared_ptr<Shared> myShared;
     std::thread myThread;
 };
 

@@ -41,7 +41,7 @@ private:
 /// The entry point of the module (see WindowModule.h).
 extern "C" __attribute__((visibility("default"))) qel::WindowModule* QelWindowModule(int32_t myVersion) noexcept
 {
-    // Goes at the end of the process, and a tune that still sounds with it.
+    // Destroyed at the end of the process, which ends a tune that still plays.
     static qel::ToolkitModule theModule;
     return myVersion == qel::WindowModuleVersion ? &theModule : nullptr;
 }

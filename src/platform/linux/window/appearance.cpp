@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QLocale>
+#include <QScreen>
 #include <QStyle>
 #include <QStyleFactory>
 
@@ -32,8 +33,8 @@ struct RoleColour
     QColor Disabled;
 };
 
-/// The light colours of the toolkit's style, to the last shade but our own: the style's follow the desktop, which may
-/// be a dark one. Where the application has the same, all windows share what the style has drawn in them.
+/// The light colours of the toolkit's style, every shade of them, but set by us: the style's own colours follow the
+/// desktop, which may be dark. Where the application has the same colours, all windows share what the style has cached.
 QPalette FormPalette()
 {
     const QColor myFore(MainFormLayout.ForeColour);
@@ -93,7 +94,7 @@ QFont FormFont(int32_t myWeight)
     // The two others are as narrow as the first, which most systems do not have.
     theFont.setFamilies({ToToolkit(MainFormLayout.FontName), "DejaVu Sans Condensed", "Liberation Sans"});
     theFont.setPixelSize(qRound(MainFormLayout.FontPoints * PixelsPerPoint));
-    // What is not said comes from the font of the host or of the desktop.
+    // What is not set here would come from the font of the host or of the desktop.
     theFont.setWeight(static_cast<QFont::Weight>(myWeight));
     theFont.setItalic(false);
     theFont.setUnderline(false);
@@ -106,7 +107,7 @@ QFont FormFont(int32_t myWeight)
     return theFont;
 }
 
-void Dress(QWidget& theWindow)
+void ApplyFormLook(QWidget& theWindow)
 {
     theWindow.setLocale(QLocale(QLocale::Spanish, QLocale::Spain));
     theWindow.setFont(FormFont());
@@ -123,10 +124,49 @@ void Dress(QWidget& theWindow)
     }
 }
 
+void FitCaption(QWidget& theWidget)
+{
+    // Below three quarters of its width a font is hard to read; then the letters move closer together.
+    constexpr int LeastStretch = 75;
+    constexpr double LeastSpacing = -1.5;
+    const auto Fits = [&]
+    {
+        const int myNeed =
+            theWidget.hasHeightForWidth() ? theWidget.heightForWidth(theWidget.width()) : theWidget.sizeHint().width();
+        return myNeed <= (theWidget.hasHeightForWidth() ? theWidget.height() : theWidget.width());
+    };
+    QFont myFont = theWidget.font();
+    myFont.setStretch(QFont::AnyStretch);
+    myFont.setLetterSpacing(QFont::AbsoluteSpacing, 0);
+    theWidget.setFont(myFont);
+    for (int myStretch = QFont::Unstretched; !Fits() && myStretch > LeastStretch;)
+    {
+        myStretch -= 5;
+        myFont.setStretch(myStretch);
+        theWidget.setFont(myFont);
+    }
+    for (double mySpacing = 0; !Fits() && mySpacing > LeastSpacing;)
+    {
+        mySpacing -= 0.25;
+        myFont.setLetterSpacing(QFont::AbsoluteSpacing, mySpacing);
+        theWidget.setFont(myFont);
+    }
+}
+
+void MoveOntoScreen(QWidget& theWindow)
+{
+    const QRect myScreen = theWindow.screen()->availableGeometry();
+    const QSize myFrame = theWindow.frameGeometry().size();
+    const QPoint myLast(myScreen.right() + 1 - myFrame.width(), myScreen.bottom() + 1 - myFrame.height());
+    // The later bound wins: of a window without enough room the top left corner counts.
+    theWindow.move(std::max(std::min(theWindow.x(), myLast.x()), myScreen.left()),
+                   std::max(std::min(theWindow.y(), myLast.y()), myScreen.top()));
+}
+
 QPixmap PixmapOf(std::span<const std::string_view> myRows)
 {
-    // Each is drawn once: the toolkit keeps what it makes of an icon, and would do so for every new one. Never deleted,
-    // as the application is not.
+    // Each is drawn once: the toolkit caches what it derives from an icon, and would do so for every new one. Never
+    // deleted, as the application is not.
     static auto& thePixmaps = *new std::map<const std::string_view*, QPixmap>;
     QPixmap& thePixmap = thePixmaps[myRows.data()];
     if (thePixmap.isNull())

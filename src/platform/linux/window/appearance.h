@@ -12,11 +12,23 @@
 namespace qel
 {
 
-/// The font of the form and of all that it opens, complete: nothing of it comes from the host's own.
+/// The font of the form and of all windows that it opens, complete: the host's own font changes nothing of it.
 QFont FormFont(int32_t myWeight = Regular);
 
 /// Gives a finished window, and all that is in it, the form's style, colours and font. `theWindow` must not show yet.
-void Dress(QWidget& theWindow);
+void ApplyFormLook(QWidget& theWindow);
+
+/// Narrows the font of a widget whose caption needs more room than the widget has, until the caption fits or nothing
+/// more can be gained. The widget has its font and its size already.
+void FitCaption(QWidget& theWidget);
+
+/// Moves a window that has its size, so that nothing of it lies outside its screen; of one that is larger than the
+/// screen the top left corner shows.
+void MoveOntoScreen(QWidget& theWindow);
+
+/// The colours of a text that is refused.
+inline constexpr QRgb RefusedText = 0xFFB00000;
+inline constexpr QRgb RefusedBase = 0xFFFFE8E8;
 
 /// A picture of resources/pictures.h.
 QPixmap PixmapOf(std::span<const std::string_view> myRows);

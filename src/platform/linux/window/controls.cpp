@@ -11,10 +11,10 @@
 namespace qel
 {
 
-ToolkitComboBox::ToolkitComboBox(QComboBox& myComboBox, EventForwarder& myForwarder, Handler myClick)
+ToolkitComboBox::ToolkitComboBox(FolderBox& myComboBox, EventForwarder& myForwarder, Handler myClick)
     : myWidget(myComboBox), myEvents(myForwarder), myHandler(myClick)
 {
-    // This tells of every pick of the user's, by mouse, key or wheel, also of the entry that is selected already.
+    // Emitted whenever the user selects an entry, by mouse, key or wheel, also the one that is selected already.
     QObject::connect(&myWidget, &QComboBox::activated, &myWidget, [this] { myEvents.CallFromSystem(myHandler); });
 }
 
@@ -25,9 +25,9 @@ ToolkitComboBox::~ToolkitComboBox()
 
 void ToolkitComboBox::AddItem(TextView myText)
 {
-    // The toolkit selects the first entry that comes in.
+    // The toolkit selects the first entry that is added.
     const int myIndex = myWidget.currentIndex();
-    myWidget.addItem(ToToolkit(myText));
+    myWidget.AddEntry(ToToolkit(myText));
     myWidget.setCurrentIndex(myIndex);
 }
 
@@ -64,12 +64,12 @@ ToolkitListBox::~ToolkitListBox()
 
 void ToolkitListBox::AddItem(TextView myText)
 {
-    myWidget.addItem(ToToolkit(myText));
+    myWidget.AddEntry(ToToolkit(myText));
 }
 
 void ToolkitListBox::ListIndex(int32_t myIndex)
 {
-    // The toolkit tells of changes alone, so it is kept quiet and the handler is called for every write.
+    // The toolkit reports only changes, so its signals are blocked and the handler is called for every write.
     {
         const QSignalBlocker myBlocker(myWidget);
         if (myIndex == -1)
@@ -105,6 +105,7 @@ template <class Widget>
 void ToolkitLabel<Widget>::Caption(TextView myText)
 {
     myWidget.setText(ToToolkit(myText));
+    FitCaption(myWidget);
 }
 
 template class ToolkitLabel<QLabel>;

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "dialog/ports/FormMainControls.h"
+#include "platform/linux/window/DateField.h"
 #include "platform/linux/window/widgets.h"
 #include "platform/shared/EventForwarder.h"
-
-#include <QComboBox>
 
 namespace qel
 {
@@ -13,8 +12,8 @@ namespace qel
 class ToolkitComboBox final : public ComboBox
 {
 public:
-    ToolkitComboBox(QComboBox& myComboBox, EventForwarder& myForwarder, Handler myClick);
-    /// The widget outlives this object, and leads nowhere from then on.
+    ToolkitComboBox(FolderBox& myComboBox, EventForwarder& myForwarder, Handler myClick);
+    /// The widget outlives this object; its events have no receiver from then on.
     ~ToolkitComboBox() override;
     ToolkitComboBox(const ToolkitComboBox&) = delete;
     ToolkitComboBox& operator=(const ToolkitComboBox&) = delete;
@@ -26,7 +25,7 @@ public:
     Text SelectedText() override;
 
 private:
-    QComboBox& myWidget;
+    FolderBox& myWidget;
     EventForwarder& myEvents;
     Handler myHandler;
 };
@@ -35,7 +34,7 @@ class ToolkitListBox final : public ListBox
 {
 public:
     ToolkitListBox(SelectionList& myList, EventForwarder& myForwarder, Handler myClick, Handler myDoubleClick);
-    /// The widget outlives this object, and leads nowhere from then on.
+    /// The widget outlives this object; its events have no receiver from then on.
     ~ToolkitListBox() override;
     ToolkitListBox(const ToolkitListBox&) = delete;
     ToolkitListBox& operator=(const ToolkitListBox&) = delete;

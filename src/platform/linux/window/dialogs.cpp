@@ -1,7 +1,6 @@
 #include "platform/linux/window/dialogs.h"
 
 #include "platform/linux/nativePath.h"
-#include "platform/linux/toolkit/Application.h"
 #include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/appearance.h"
 #include "resources/stringTable.h"
@@ -9,6 +8,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <utility>
@@ -32,8 +32,8 @@ constexpr DialogText FileDialogTexts[] = {
     {QFileDialog::Accept, "Abrir"},      {QFileDialog::Reject, "Cancelar"},
 };
 
-/// Gives the dialog its filters. The toolkit wants the patterns in brackets behind each description, separated by
-/// blanks, and would show them like that; what is to show are the descriptions as they stand.
+/// Gives the dialog its filters. The toolkit expects the patterns in brackets after each description, separated by
+/// blanks, and would show them in this form; what has to show are the descriptions alone.
 void SetFilters(QFileDialog& theDialog, TextView myFilter)
 {
     const QStringList myParts = ToToolkit(myFilter).split('|');
@@ -66,7 +66,7 @@ int32_t ShowMessage(QWidget* myOwner, TextView myText, int32_t myStyle)
     {
         theBox.addButton(QMessageBox::Cancel)->setText("Cancelar");
     }
-    Dress(theBox);
+    ApplyFormLook(theBox);
     theBox.setIcon((myStyle & IconOfStyle) == (QuestionStyle & IconOfStyle) ? QMessageBox::Question
                                                                             : QMessageBox::Information);
     return theBox.exec() == QMessageBox::Ok ? PressedOK : PressedCancel;
@@ -76,7 +76,6 @@ std::optional<Text> ShowOpenDialog(QWidget* myOwner, const FileDialogSettings& m
 {
     static QString theLastFolder = QDir::homePath();
 
-    const SpanishTexts myTexts;
     QFileDialog theDialog(myOwner, ToToolkit(mySettings.DialogTitle), theLastFolder);
     theDialog.setObjectName("CommonDialog");
     theDialog.setOption(QFileDialog::DontUseNativeDialog);
@@ -87,13 +86,14 @@ std::optional<Text> ShowOpenDialog(QWidget* myOwner, const FileDialogSettings& m
         theDialog.setLabelText(myText.Place, myText.Words);
     }
     SetFilters(theDialog, mySettings.Filter);
-    Dress(theDialog);
+    ApplyFormLook(theDialog);
     if (theDialog.exec() != QDialog::Accepted || theDialog.selectedFiles().isEmpty())
     {
         return std::nullopt;
     }
-    theLastFolder = theDialog.directory().absolutePath();
-    return LogicalPath(theDialog.selectedFiles().front().toStdString()).value_or(Text());
+    const QString myFile = theDialog.selectedFiles().front();
+    theLastFolder = QFileInfo(myFile).absolutePath(); // the dialog stays in another folder when a path was typed
+    return LogicalPath(myFile.toStdString()).value_or(Text());
 }
 
 } // namespace qel

@@ -1,15 +1,10 @@
 #include "platform/linux/window/widgets.h"
 
-#include "platform/linux/toolkit/toolkitText.h"
-#include "resources/formLayout.h"
-#include "text/errors.h"
-
-#include <cmath>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QSignalBlocker>
+#include <QScrollBar>
+#include <QStyleOptionComboBox>
 #include <QStyleOptionFocusRect>
-#include <QTimeZone>
 
 namespace qel
 {
@@ -17,20 +12,53 @@ namespace
 {
 
 constexpr int BorderWidth = 2;
-constexpr int SwitchWidth = 18;
-constexpr int SwitchInset = 3; ///< what leaves room for the frame that shows the focus
-
-QDate ToToolkitDay(CalendarDay myDay)
-{
-    return {myDay.Year, myDay.Month, myDay.Day};
-}
-
-Date ToDate(QDate myDay)
-{
-    return DateOfDay({myDay.year(), myDay.month(), myDay.day()});
-}
+constexpr int TextFlags =
+    static_cast<int>(Qt::AlignLeft) | static_cast<int>(Qt::AlignTop) | static_cast<int>(Qt::TextWordWrap);
 
 } // namespace
+
+FolderBox::FolderBox(QWidget* myParent) : QComboBox(myParent)
+{
+    setFocusPolicy(Qt::StrongFocus); // the wheel over it does not bring the focus
+}
+
+void FolderBox::AddEntry(const QString& myText)
+{
+    addItem(myText);
+    if (!Fits(myText))
+    {
+        setItemData(count() - 1, myText, Qt::ToolTipRole);
+    }
+}
+
+bool FolderBox::event(QEvent* myEvent)
+{
+    if (myEvent->type() == QEvent::ToolTip)
+    {
+        setToolTip(Fits(currentText()) ? QString() : currentText());
+    }
+    return QComboBox::event(myEvent);
+}
+
+void FolderBox::wheelEvent(QWheelEvent* myEvent)
+{
+    if (hasFocus())
+    {
+        QComboBox::wheelEvent(myEvent);
+    }
+    else
+    {
+        myEvent->ignore(); // it may scroll what lies around
+    }
+}
+
+bool FolderBox::Fits(const QString& myText) const
+{
+    QStyleOptionComboBox myOption;
+    initStyleOption(&myOption);
+    const QRect myRoom = style()->subControlRect(QStyle::CC_ComboBox, &myOption, QStyle::SC_ComboBoxEditField, this);
+    return fontMetrics().horizontalAdvance(myText) <= myRoom.width();
+}
 
 SelectionList::SelectionList(QWidget* myParent) : QListWidget(myParent)
 {
@@ -42,6 +70,29 @@ int SelectionList::SelectedRow() const
 {
     const QList<QListWidgetItem*> mySelected = selectedItems();
     return mySelected.isEmpty() ? -1 : row(mySelected.front());
+}
+
+void SelectionList::AddEntry(const QString& myText)
+{
+    auto* const theEntry = new QListWidgetItem(myText, this);
+    // As wide as with a scroll bar, which may come with a later entry.
+    const int myRoom = width() - 2 * frameWidth() - verticalScrollBar()->sizeHint().width();
+    if (sizeHintForIndex(indexFromItem(theEntry)).width() > myRoom)
+    {
+        theEntry->setToolTip(myText);
+    }
+}
+
+bool SelectionList::event(QEvent* myEvent)
+{
+    const bool theResult = QListWidget::event(myEvent);
+    if (myEvent->type() == QEvent::Paint && hasFocus())
+    {
+        QPainter myPainter(this);
+        myPainter.setPen(palette().color(QPalette::Highlight));
+        myPainter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+    return theResult;
 }
 
 QItemSelectionModel::SelectionFlags SelectionList::selectionCommand(const QModelIndex& myIndex, const QEvent*) const
@@ -56,13 +107,20 @@ void SelectionList::focusInEvent(QFocusEvent* myEvent)
     {
         selectionModel()->clearCurrentIndex();
     }
+    update(); // of the frame
+}
+
+void SelectionList::focusOutEvent(QFocusEvent* myEvent)
+{
+    QListWidget::focusOutEvent(myEvent);
+    update();
 }
 
 void SelectionList::mousePressEvent(QMouseEvent* myEvent)
 {
     const int mySelected = SelectedRow();
     QListWidget::mousePressEvent(myEvent);
-    // The toolkit tells of changes alone.
+    // The toolkit reports only changes.
     if (myEvent->button() == Qt::LeftButton && mySelected != -1 && indexAt(myEvent->pos()).row() == mySelected)
     {
         Pick();
@@ -93,72 +151,22 @@ ClickLabel::ClickLabel(QWidget* myParent) : QAbstractButton(myParent)
     setForegroundRole(QPalette::WindowText);
 }
 
+int ClickLabel::heightForWidth(int myWidth) const
+{
+    return fontMetrics().boundingRect(QRect(0, 0, myWidth, QWIDGETSIZE_MAX), TextFlags, text()).height();
+}
+
 void ClickLabel::paintEvent(QPaintEvent*)
 {
     QPainter myPainter(this);
     myPainter.setPen(palette().color(foregroundRole()));
-    myPainter.drawText(rect(), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap, text());
+    myPainter.drawText(rect(), TextFlags, text());
     if (hasFocus())
     {
         QStyleOptionFocusRect myOption;
         myOption.initFrom(this);
         style()->drawPrimitive(QStyle::PE_FrameFocusRect, &myOption, &myPainter, this);
     }
-}
-
-DateField::DateField(QWidget* myParent)
-    : QWidget(myParent), mySwitch(this), myDay(this), myDate(ToDate(QDate::currentDate()))
-{
-    // No day is without a midnight.
-#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
-    myDay.setTimeZone(QTimeZone::UTC);
-#else
-    myDay.setTimeSpec(Qt::UTC);
-#endif
-    myDay.setDateRange(ToToolkitDay(PeriodPickers.First), ToToolkitDay(PeriodPickers.Last));
-    myDay.setDisplayFormat(ToToolkit(PeriodPickers.Format));
-    myDay.setCalendarPopup(true);
-    myDay.setDate(QDate::currentDate());
-    myDay.setEnabled(false);
-    connect(&mySwitch, &QCheckBox::toggled, &myDay, &QWidget::setEnabled);
-    connect(&myDay, &QDateEdit::dateChanged, this,
-            [this](QDate myNewDay)
-            {
-                // Enter alone tells of a change too.
-                if (ToDate(myNewDay) != std::trunc(myDate))
-                {
-                    myDate = ToDate(myNewDay);
-                }
-            });
-    setFocusProxy(&mySwitch);
-}
-
-std::optional<Date> DateField::Value()
-{
-    myDay.interpretText(); // an access key leaves the focus, and so a day that is being typed, where it is
-    return mySwitch.isChecked() ? std::optional(myDate) : std::nullopt;
-}
-
-void DateField::SetValue(std::optional<Date> myNewDate)
-{
-    if (myNewDate)
-    {
-        const QDate myShown = ToToolkitDay(DayOfDate(*myNewDate));
-        if (myShown < myDay.minimumDate() || myShown > myDay.maximumDate())
-        {
-            Raise(ErrorNumber::InvalidArgument);
-        }
-        const QSignalBlocker myBlocker(myDay);
-        myDay.setDate(myShown);
-        myDate = *myNewDate;
-    }
-    mySwitch.setChecked(myNewDate.has_value());
-}
-
-void DateField::resizeEvent(QResizeEvent*)
-{
-    mySwitch.setGeometry(SwitchInset, 0, SwitchWidth - SwitchInset, height());
-    myDay.setGeometry(SwitchWidth, 0, width() - SwitchWidth, height());
 }
 
 PictureFrame::PictureFrame(QWidget* myParent) : QLabel(myParent)
