@@ -64,7 +64,11 @@ std::span<const Check> MemberChecks();
 std::span<const Check> SortChecks();
 std::span<const Check> LateBindingChecks();
 std::span<const Check> ScriptChecks();
+std::span<const Check> ReadingChecks();
+std::span<const Check> SummaryChecks();
 std::span<const Check> PageChecks();
+std::span<const Check> FileChecks();
+std::span<const Check> ArchiveChecks();
 std::span<const Check> HostChecks();
 std::span<const Check> LeakChecks();
 

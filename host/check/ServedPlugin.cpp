@@ -7,9 +7,6 @@
 namespace qel::host
 {
 
-namespace
-{
-
 namespace fs = std::filesystem;
 
 std::string FourBytes(size_t myNumber)
@@ -22,12 +19,15 @@ std::string FourBytes(size_t myNumber)
     return theBytes;
 }
 
-std::string ArchiveEntry(std::string_view myName, std::string_view myBytes)
+std::string ArchiveOf(const std::vector<ArchivedFile>& myFiles)
 {
-    return FourBytes(myName.size()).append(myName) + FourBytes(myBytes.size()).append(myBytes);
+    std::string theBytes = "qelarchive1.0";
+    for (const auto& [myName, myContent] : myFiles)
+    {
+        theBytes.append(FourBytes(myName.size())).append(myName).append(FourBytes(myContent.size())).append(myContent);
+    }
+    return theBytes + FourBytes(0);
 }
-
-} // namespace
 
 void HostState::Note(const char* myName)
 {
@@ -55,8 +55,8 @@ ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const CheckContex
     {
         fs::create_directory(myRoot / myFolder);
     }
-    WriteFile(myRoot / "data/archivo.dat", "qelarchive1.0" + ArchiveEntry("\\qelspr.gif", PictureBytes()) +
-                                               ArchiveEntry("\\qelmid.mid", TuneBytes) + FourBytes(0));
+    WriteFile(myRoot / "data/archivo.dat",
+              ArchiveOf({{"\\qelspr.gif", std::string(PictureBytes())}, {"\\qelmid.mid", std::string(TuneBytes)}}));
     WriteFile(myRoot / "data/nota.pdf", "paper");
     QelBuildHelper* myHelper = Helper.Get();
     QelDatabase* myDatabase = Database.Get();

@@ -28,6 +28,11 @@ struct HostState
     /// Counts a call. Throws the failure if it is this call's turn.
     void Note(const char* myName);
 
+    Text UniqueName = u"17";
+    Text ImageURL = u"images/";
+    Text MediaURL = u"media/";
+    Text FileURL = u"files/";
+    Text RecordFilename = u"nota.pdf";
     Text Root; ///< the folder of the build's and the site's folders; ends in "/"
     int32_t Instance = 3;
     int32_t Kind = 5;
@@ -42,17 +47,17 @@ class CheckedHelper final : public CountedObject<QelBuildHelper>
 public:
     explicit CheckedHelper(HostState& theState) : myState(theState) {}
 
-    HRESULT get_UniqueName(BSTR* theName) override { return myState.Tell("UniqueName", theName, u"17"); }
+    HRESULT get_UniqueName(BSTR* theName) override { return myState.Tell("UniqueName", theName, myState.UniqueName); }
     HRESULT get_InstanceNumber(int32_t* theNumber) override
     {
         return myState.Tell("InstanceNumber", theNumber, myState.Instance);
     }
     HRESULT get_MediaFolder(BSTR* theFolder) override { return Folder("MediaFolder", theFolder, u"media/"); }
-    HRESULT get_MediaURL(BSTR* theURL) override { return myState.Tell("MediaURL", theURL, u"media/"); }
+    HRESULT get_MediaURL(BSTR* theURL) override { return myState.Tell("MediaURL", theURL, myState.MediaURL); }
     HRESULT get_ImageFolder(BSTR* theFolder) override { return Folder("ImageFolder", theFolder, u"images/"); }
-    HRESULT get_ImageURL(BSTR* theURL) override { return myState.Tell("ImageURL", theURL, u"images/"); }
+    HRESULT get_ImageURL(BSTR* theURL) override { return myState.Tell("ImageURL", theURL, myState.ImageURL); }
     HRESULT get_FileFolder(BSTR* theFolder) override { return Folder("FileFolder", theFolder, u"files/"); }
-    HRESULT get_FileURL(BSTR* theURL) override { return myState.Tell("FileURL", theURL, u"files/"); }
+    HRESULT get_FileURL(BSTR* theURL) override { return myState.Tell("FileURL", theURL, myState.FileURL); }
     HRESULT get_ArchiveName(BSTR* theName) override { return myState.Tell("ArchiveName", theName, u"archivo.dat"); }
 
 private:
@@ -79,7 +84,10 @@ public:
 
     HRESULT get_RecordType(int32_t* theType) override { return myState.Tell("RecordType", theType, myState.Kind); }
     HRESULT get_EOF(VARIANT_BOOL* theEnd) override { return myState.Tell("EOF", theEnd, myState.AtEnd); }
-    HRESULT get_RecordFilename(BSTR* theName) override { return myState.Tell("RecordFilename", theName, u"nota.pdf"); }
+    HRESULT get_RecordFilename(BSTR* theName) override
+    {
+        return myState.Tell("RecordFilename", theName, myState.RecordFilename);
+    }
     HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
     HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, u"otra.html"); }
     HRESULT get_DataFolder(BSTR* theFolder) override
@@ -113,6 +121,17 @@ public:
     ComPtr<CheckedDatabase> Database;
     ComPtr<QelPlugin> Plugin;
 };
+
+struct ArchivedFile
+{
+    std::string Name; ///< begins with a backslash
+    std::string Bytes;
+};
+
+/// The bytes of a design archive.
+std::string ArchiveOf(const std::vector<ArchivedFile>& myFiles);
+/// A number as an archive has it.
+std::string FourBytes(size_t myNumber);
 
 /// A picture of 3 by 2 pixels, and what stands for a tune.
 std::string_view PictureBytes();

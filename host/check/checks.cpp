@@ -30,8 +30,9 @@ const Check FindRegistered{"registered", "The registered component opens", LookU
 std::vector<Check> AllChecks()
 {
     std::vector<Check> theChecks;
-    for (const auto myGroup : {EntryChecks(), IdentityChecks(), MemberChecks(), SortChecks(), LateBindingChecks(),
-                               ScriptChecks(), PageChecks(), HostChecks(), LeakChecks()})
+    for (const auto myGroup :
+         {EntryChecks(), IdentityChecks(), MemberChecks(), SortChecks(), LateBindingChecks(), ScriptChecks(),
+          ReadingChecks(), SummaryChecks(), PageChecks(), FileChecks(), ArchiveChecks(), HostChecks(), LeakChecks()})
     {
         theChecks.insert(theChecks.end(), myGroup.begin(), myGroup.end());
     }

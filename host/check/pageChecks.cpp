@@ -3,6 +3,7 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qel::host
 {
@@ -118,11 +119,196 @@ void LibraryMotif(const CheckContext& myContext)
     ExpectText("the staged motif", Bytes(myPicture), Bytes(myStaged));
 }
 
+/// The part of a page that moves a picture; "%1" and so on stand for what depends on the module.
+constexpr TextView MovingPart = u"function animmovesprite%1(){ \r\n"
+                                u"animdeg%1+=animturn%1; \r\n"
+                                u"y=4*Math.sin(animdeg%1*Math.PI/180); \r\n"
+                                u"x=6*Math.cos(animdeg%1*Math.PI/180); \r\n"
+                                u"animypos%1+=y; \r\n"
+                                u"animxpos%1+=x; \r\n"
+                                u"animsprite%1.style.top=animypos%1+\"px\"; \r\n"
+                                u"animsprite%1.style.left=animxpos%1+\"px\"; \r\n"
+                                u"animturn%1treshold++; \r\n"
+                                u"if (animturn%1treshold>10) { \r\n"
+                                u"animturn%1treshold=0; \r\n"
+                                u"animturn%1=Math.round(Math.random()*[6])-3; \r\n"
+                                u"} \r\n"
+                                u"animedge%1treshold++; \r\n"
+                                u"if (animedge%1treshold>3) { \r\n"
+                                u"animedge%1treshold=0; \r\n"
+                                u"if (animsprite%1.offsetLeft >= animsprite%1.offsetParent.offsetWidth-45-%4) "
+                                u"animdeg%1=Math.round(Math.random()*45+157.5); \r\n"
+                                u"if (animsprite%1.offsetTop >= animsprite%1.offsetParent.offsetHeight-25-%5) "
+                                u"animdeg%1=Math.round(Math.random()*45-112.5); \r\n"
+                                u"if (animsprite%1.offsetTop <= 5) animdeg%1 = Math.round(Math.random()*45+67.5); \r\n"
+                                u"if (animsprite%1.offsetLeft <= 5) animdeg%1 = Math.round(Math.random()*45-22.5); \r\n"
+                                u"} \r\n"
+                                u"setTimeout(\"animmovesprite%1()\",50); \r\n"
+                                u"} \r\n"
+                                u"function animstartsprite%1(){ \r\n"
+                                u"animsprite%1=document.getElementById(\"qelanimsprite%1\"); \r\n"
+                                u"animypos%1=10; \r\n"
+                                u"animxpos%1=10; \r\n"
+                                u"animdeg%1=60; \r\n"
+                                u"animturn%1=0; \r\n"
+                                u"animturn%1treshold=0; \r\n"
+                                u"animedge%1treshold=0; \r\n"
+                                u"animmovesprite%1(); \r\n"
+                                u"} \r\n"
+                                u"if (showme%1) { \r\n"
+                                u"document.write('<div id=\"qelanimsprite%1\" "
+                                u"style=\"position:absolute;top:10px;left:10px;width:%4px;height:%5px;z-index:50\">%2<"
+                                u"img src=\"%3\" width=\"%4\" height=\"%5\" alt=\"\" border=0>%7</div>'); \r\n"
+                                u"animstartsprite%1(); \r\n"
+                                u"}\r\n";
+constexpr TextView TunePart =
+    u"if (showme%1) { \r\ndocument.write('<embed src=\"media/qelmid17.mid\" autostart=true loop=false width=0 "
+    u"height=0></embed>'); \r\n}\r\n";
+
+void WholePages(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    ServedPlugin myServed(myComponent, myContext);
+    for (const int32_t myInstance : {3, 0, 1, 12, -7, INT32_MAX, INT32_MIN})
+    {
+        myServed.State.Instance = myInstance;
+        const auto Filled = [&](Text myPart, TextView myOpening, TextView myClosing)
+        {
+            const Text myNumber = NumberText(int64_t{myInstance});
+            const std::pair<TextView, TextView> myValues[] = {{u"%1", myNumber},  {u"%2", myOpening},
+                                                              {u"%7", myClosing}, {u"%4", u"3"},
+                                                              {u"%5", u"2"},      {u"%3", u"images/qelspr17.gif"}};
+            for (const auto& [myPlaceholder, myValue] : myValues)
+            {
+                myPart = ReplaceAll(myPart, myPlaceholder, myValue);
+            }
+            return myPart;
+        };
+        const Text myHead(u"<script type=\"text/javascript\">\r\nvar showme%1=true;\r\n"
+                          u"if (new Date()<new Date(2005, 0, 1)) showme%1=false;\r\n"
+                          u"if (new Date()>new Date(2005, 1, 1)) showme%1=false;\r\n");
+        const Text myPage = myHead + Text(MovingPart) + Text(TunePart) + u"</script>\r\n";
+        ExpectText("the whole page of instance " + std::to_string(myInstance),
+                   Filled(myPage, u"<a href=\"files/nota.pdf\">", u"</a>"), myServed.Output(FullScript));
+        ExpectText("the whole page without a link", Filled(myPage, u"", u""),
+                   myServed.Output(ReplaceAll(FullScript, u"UID:4711", u"")));
+    }
+}
+
+/// The line of a page that writes its picture.
+Text PictureLine(TextView myPage)
+{
+    const size_t myStart = std::min(myPage.find(u"document.write('<div"), myPage.size());
+    return Text(myPage.substr(myStart, myPage.find(u"\r\n", myStart) - myStart));
+}
+
+void LinkTexts(const CheckContext& myContext)
+{
+    // A link as the script has it, and the tag in front of the picture.
+    constexpr std::pair<TextView, TextView> myLinks[] = {
+        {u"URL:http://x/?a=1&amp;b=2#c", u"<a href=\"http://x/?a=1&b=2#c\">"},
+        {u"URL:a&quot;b&lt;c&gt;'d", u"<a href=\"a\"b<c>'d\">"},
+        {u"URL: a ", u"<a href=\" a \">"},
+        {u"URL:&lt;blank&gt;", u"<a href=\"\">"},
+        {u"URL:%1", u"<a href=\"%1\">"},
+        {u"URL:%2", u"<a href=\"%2\">"},
+        {u"URL:%3", u"<a href=\"images/qelspr17.gif\">"},
+        {u"URL:%4x%5", u"<a href=\"3x2\">"},
+        {u"URL:%6", u"<a href=\"%6\">"},
+        {u"URL:%7", u"<a href=\"</a>\">"},
+        {u"URL:error", u"<a href=\"error\">"},
+        {u"URL:ERROR.", u"<a href=\"ERROR.\">"},
+        {u"URL", u"<a>"},
+        {u"U", u"<a>"},
+        {u"uid:4711", u"<a>"},
+        {u"Uid:4711", u"<a>"},
+        {u" URL:x", u"<a>"},
+        {u"URL=x", u"<a>"},
+        {u"http://x/", u"<a>"},
+        {u"UIDX4711", u"<a>"},
+    };
+    const OpenedComponent myComponent(myContext);
+    const ServedPlugin myServed(myComponent, myContext);
+    for (const auto& [myLink, myTag] : myLinks)
+    {
+        ExpectPart("the page with the link " + Shown(myLink), JoinTexts({u"z-index:50\">", myTag, u"<img src="}),
+                   PictureLine(myServed.Output(ReplaceAll(FullScript, u"UID:4711", myLink))));
+    }
+    ExpectText(
+        "the page with a link that fails, without its picture", u"",
+        PictureLine(myServed.Output(ReplaceAll(FullScript, u"UID:4711", u"URL:ERROR") + Param(u"showimage", u"0"))));
+    ExpectText("ErrorText of it", u"", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
+}
+
+void Days(const CheckContext& myContext)
+{
+    constexpr struct
+    {
+        TextView Name;
+        TextView Days;
+        TextView Date; ///< in the page; empty if it has none
+    } myCases[] = {
+        {u"from", u"38353", u"2005, 0, 1"},
+        {u"from", u"38383", u"2005, 0, 31"},
+        {u"from", u"38384", u"2005, 1, 1"},
+        {u"from", u"38717", u"2005, 11, 31"},
+        {u"from", u"36585", u"2000, 1, 29"},
+        {u"from", u"36586", u"2000, 2, 1"},
+        {u"from", u"1", u"1899, 11, 31"},
+        {u"from", u"2", u"1900, 0, 1"},
+        {u"from", u"60", u"1900, 1, 28"},
+        {u"from", u"61", u"1900, 2, 1"},
+        {u"from", u"-1", u"1899, 11, 29"},
+        {u"from", u"-657434", u"100, 0, 1"},
+        {u"from", u"2958465", u"9999, 11, 31"},
+        {u"from", u"0", u""},
+        {u"from", u"0.5", u""},
+        {u"from", u"-0.4", u""},
+        {u"from", u"38353.4", u"2005, 0, 1"},
+        {u"to", u"38383", u"2005, 1, 1"},
+        {u"to", u"38384", u"2005, 1, 2"},
+        {u"to", u"38717", u"2006, 0, 1"},
+        {u"to", u"36584", u"2000, 1, 29"},
+        {u"to", u"36585", u"2000, 2, 1"},
+        {u"to", u"38411", u"2005, 2, 1"},
+        {u"to", u"-1", u"1899, 11, 30"},
+        {u"to", u"1", u"1900, 0, 1"},
+        {u"to", u"2958464", u"9999, 11, 31"},
+        {u"to", u"0", u""},
+        {u"to", u"0.5", u""},
+    };
+    const OpenedComponent myComponent(myContext);
+    const ServedPlugin myServed(myComponent, myContext);
+    const Text myScript = Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"playmidi", u"0");
+    for (const auto& [myName, myDays, myDate] : myCases)
+    {
+        const Text mySign = myName == u"from" ? u"<" : u">";
+        const Text myLine = myDate.empty()
+                                ? Text()
+                                : u"if (new Date()" + mySign + u"new Date(" + Text(myDate) + u")) showme3=false;\r\n";
+        ExpectText("the page " + ToUtf8(myName) + " day " + ToUtf8(myDays),
+                   u"<script type=\"text/javascript\">\r\nvar showme3=true;\r\n" + myLine + u"</script>\r\n",
+                   myServed.Output(myScript + Param(myName, myDays)));
+    }
+    ExpectText("the page of one day",
+               u"<script type=\"text/javascript\">\r\nvar showme3=true;\r\n"
+               u"if (new Date()<new Date(2005, 0, 1)) showme3=false;\r\n"
+               u"if (new Date()>new Date(2005, 0, 2)) showme3=false;\r\n</script>\r\n",
+               myServed.Output(myScript + Param(u"from", u"38353") + Param(u"to", u"38353")));
+    ExpectText("the page up to the last day of all", ErrorPage, myServed.Output(myScript + Param(u"to", u"2958465")));
+    ExpectPart("ErrorText of it", u"\"6: ", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
+}
+
 constexpr Check Checks[] = {
     {"output.period", "A page holds the days of its period", Period},
     {"output.staging", "A page with everything is written, and its files are where it says", Staging},
     {"output.links", "Links lead where their form and the kind of their record say", Links},
     {"output.library", "A motif of the library beside the component reaches the page", LibraryMotif},
+    {"output.whole", "A page is made of its templates to the character, with the host's number in every name",
+     WholePages},
+    {"output.link-texts", "An address of the link's own is put in as it is, and its placeholders are filled",
+     LinkTexts},
+    {"output.days", "The days of a period are those of the calendar, and the end is the day after", Days},
 };
 
 } // namespace

@@ -1,6 +1,12 @@
 // Checks of the list of texts.
 #include "check/OpenedComponent.h"
 #include "com/Bstr.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <random>
+#include <utility>
+#include <vector>
 
 // What OpenedComponent gives is never null; a check ends where it would be.
 // NOLINTBEGIN(clang-analyzer-core.CallAndMessage, clang-analyzer-core.NonNullParamChecker)
@@ -59,8 +65,164 @@ void StringSort(const CheckContext& myContext)
     ExpectText("the values after Clear", u"", ValuesOf(mySort));
 }
 
+/// Adds texts to a list.
+void AddAll(QelStringSort& mySort, const std::vector<Text>& myTexts)
+{
+    for (const Text& myText : myTexts)
+    {
+        Bstr myValue(myText);
+        ExpectResult("AddValue", S_OK, mySort.AddValue(myValue.Pointer()));
+        ExpectText("the caller's text after AddValue", myText, myValue.Value());
+    }
+}
+
+/// Sorts texts by the component, and expects them in the order of their character codes.
+void ExpectSorted(QelStringSort& mySort, const std::string& myWhat, std::vector<Text> myTexts)
+{
+    ExpectResult("Clear", S_OK, mySort.Clear());
+    AddAll(mySort, myTexts);
+    std::ranges::sort(myTexts);
+    Text mySorted;
+    for (const Text& myText : myTexts)
+    {
+        mySorted += myText + u"|";
+    }
+    for (int i = 0; i < 2; ++i) // sorting what is sorted changes nothing
+    {
+        ExpectResult("Sort of " + myWhat, S_OK, mySort.Sort());
+        ExpectText(myWhat + ", sorted", mySorted, ValuesOf(mySort));
+    }
+}
+
+void Order(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    ExpectSorted(*mySort.Get(), "texts of every kind",
+                 {u"b",
+                  u"B",
+                  u"a",
+                  u"A",
+                  u"Z",
+                  u"z",
+                  u"_",
+                  u"[",
+                  u"0",
+                  u"9",
+                  u"10",
+                  u"2",
+                  u" a",
+                  u"a ",
+                  u"",
+                  u"ab",
+                  u"a-b",
+                  u"a_b",
+                  u"A-b",
+                  u"ñ",
+                  u"Ñ",
+                  u"é",
+                  u"e",
+                  u"É",
+                  u"zz",
+                  u"ÿ",
+                  u"\u0130",
+                  u"\uFFFF",
+                  u"\xD800",
+                  u"\U0001F388",
+                  u"\uFF21",
+                  Text(u"a\0b", 3),
+                  Text(u"a\0a", 3),
+                  Text(1, u'\0'),
+                  u"\t",
+                  u"a",
+                  u"a",
+                  u"",
+                  Text(5000, u'x'),
+                  Text(5000, u'x') + u"y"});
+    for (const auto& myTexts : std::vector<std::vector<Text>>{
+             {u"a"}, {u"b", u"a"}, {u"a", u"b"}, {u"a", u"a", u"a"}, {u"c", u"b", u"a"}, {u"a", u"c", u"b"}})
+    {
+        ExpectSorted(*mySort.Get(), std::to_string(myTexts.size()) + " texts", myTexts);
+    }
+}
+
+void Many(const CheckContext& myContext)
+{
+    constexpr int64_t myCount = 1000;
+    const OpenedComponent myComponent(myContext);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    std::minstd_rand myRandom(1); // the same texts each time
+    std::vector<Text> myTexts;
+    for (int64_t i = 0; i < myCount; ++i)
+    {
+        myTexts.push_back(NumberText(static_cast<int64_t>(myRandom()) % (2 * myCount)));
+    }
+    ExpectSorted(*mySort.Get(), "a thousand texts, some of them alike", myTexts);
+    std::ranges::sort(myTexts);
+    ExpectSorted(*mySort.Get(), "a thousand texts in order", myTexts);
+    std::ranges::reverse(myTexts);
+    ExpectSorted(*mySort.Get(), "a thousand texts in the opposite order", myTexts);
+    ExpectSorted(*mySort.Get(), "a thousand texts that are alike", std::vector<Text>(myCount, u"a"));
+    std::vector<Text> myMany;
+    for (int64_t i = 0; i < 70 * myCount; ++i)
+    {
+        myMany.push_back(NumberText(static_cast<int64_t>(myRandom())));
+    }
+    ExpectSorted(*mySort.Get(), "70,000 texts", myMany);
+}
+
+/// Expects the empty text up to an index beyond the values, and error 9 from there on, and below 0.
+void ExpectBounds(QelStringSort& mySort, int32_t myCount, int32_t myHighest)
+{
+    const std::string myWhat = " of a list of " + std::to_string(myCount);
+    for (int32_t myIndex : {0, myCount + 1, myHighest})
+    {
+        Bstr theValue;
+        ExpectResult("Value " + std::to_string(myIndex) + myWhat, S_OK, mySort.get_Value(&myIndex, theValue.Pointer()));
+        if (myIndex < 1 || myIndex > myCount)
+        {
+            ExpectText("Value " + std::to_string(myIndex) + myWhat, u"", theValue.Value());
+        }
+    }
+    for (int32_t myIndex : {-1, INT32_MIN, myHighest + 1, INT32_MAX})
+    {
+        BSTR theValue = nullptr; // not freed: it need not be a text
+        ExpectResult("Value " + std::to_string(myIndex) + myWhat, QEL_RESULT(0x800A0009U),
+                     mySort.get_Value(&myIndex, &theValue));
+        const FailureTexts myFailure;
+        ExpectText("the source of its failure", u"QelPluginAnimation", myFailure.Source);
+        Expect("it says why it failed", !myFailure.Description.empty());
+    }
+}
+
+void Bounds(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    ExpectBounds(*mySort.Get(), 0, 2);
+    // The highest index after so many values.
+    for (const auto& [myCount, myHighest] : {std::pair(1, 2), {3, 6}, {6, 6}, {7, 14}, {14, 14}, {15, 30}, {31, 62}})
+    {
+        ExpectResult("Clear", S_OK, mySort->Clear());
+        AddAll(*mySort.Get(), std::vector<Text>(static_cast<size_t>(myCount), u"a"));
+        ExpectResult("Sort", S_OK, mySort->Sort());
+        if (myCount < myHighest)
+        {
+            ExpectBounds(*mySort.Get(), myCount, myHighest);
+        }
+    }
+    ExpectResult("Clear", S_OK, mySort->Clear());
+    ExpectBounds(*mySort.Get(), 0, 2);
+    const auto myOther = myComponent.Create<QelStringSort>(CLSID_classStringSort);
+    AddAll(*mySort.Get(), {u"b", u"a"});
+    ExpectText("the values of another list", u"", ValuesOf(*myOther.Get()));
+}
+
 constexpr Check Checks[] = {
     {"members.string-sort", "The list of texts keeps its values and sorts them by character code", StringSort},
+    {"sort.order", "Texts are sorted by character code, whatever the locale", Order},
+    {"sort.many", "Many texts are sorted, in whatever order they come, and none is lost", Many},
+    {"sort.bounds", "Entries of the table without a value are empty, and beyond the table is error 9", Bounds},
 };
 
 } // namespace

@@ -12,6 +12,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <string>
@@ -74,7 +77,7 @@ struct Fault
     const char* Name;
     const IID* Interface; ///< null: any
     size_t Slot;
-    HRESULT (*Act)(Call& theCall); ///< null: replaces a part of the text that the member gives
+    HRESULT (*Act)(Call& theCall); ///< null: replaces a part of the text that the member takes or gives
     const char16_t* From = nullptr;
     const char16_t* To = nullptr;
 };
@@ -139,6 +142,44 @@ struct Bend
     static HRESULT RefuseNullText(Call& theCall)
     {
         return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
+    }
+
+    static HRESULT Succeed(Call& theCall) { return theCall.Forward(), S_OK; }
+    static HRESULT CloseTag(Call& theCall)
+    {
+        return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, theCall.Script() + u">");
+    }
+    static HRESULT ForgetLink(Call& theCall)
+    {
+        return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, u"<pg.param name=\"link\">" + theCall.Script());
+    }
+    static HRESULT AddLower(Call& theCall)
+    {
+        return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, LowerCase(TextView(theCall.Script())));
+    }
+    static HRESULT AddHigh(Call& theCall)
+    {
+        return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, ReplaceAll(theCall.Script(), u"\xFF21", u"\x0041"));
+    }
+    static HRESULT At255(Call& theCall)
+    {
+        const HRESULT theResult = theCall.Forward();
+        if (theCall.W[0] != 0)
+        {
+            theCall.Argument<int32_t>(0) = std::min(theCall.Argument<int32_t>(0), 255);
+        }
+        return theResult;
+    }
+    template <int32_t Index>
+    static HRESULT FailAt(Call& theCall)
+    {
+        const bool isThere = theCall.W[0] != 0 && theCall.W[1] != 0;
+        return isThere && theCall.Argument<int32_t>(0) == Index ? QEL_RESULT(0x800A0009U) : theCall.Forward();
+    }
+    static HRESULT EmptyBeyond(Call& theCall)
+    {
+        const HRESULT theResult = theCall.Forward();
+        return theResult == QEL_RESULT(0x800A0009U) && theCall.Argument<int32_t>(0) > 0 ? S_OK : theResult;
     }
 
 private:
@@ -239,6 +280,137 @@ HRESULT AskTwice(Call& theCall)
     return theResult;
 }
 
+/// The object that has written a script last; others read an empty one.
+StandIn* TheWriter = nullptr;
+
+HRESULT RememberWriter(Call& theCall)
+{
+    TheWriter = &theCall.Object;
+    return theCall.Forward();
+}
+
+HRESULT ReadOwnScript(Call& theCall)
+{
+    return TheWriter == &theCall.Object ? theCall.Forward() : S_OK;
+}
+
+HRESULT LoseDuplicates(Call& theCall)
+{
+    static Text myLast;
+    const bool isAgain = theCall.W[0] != 0 && theCall.Script() == myLast;
+    myLast = theCall.W[0] != 0 ? theCall.Script() : Text();
+    return isAgain ? S_OK : theCall.Forward();
+}
+
+// ---- What goes wrong with files while a page is written; the current folder is the one of the check -----------------
+
+constexpr char Archive[] = "data/archivo.dat";
+constexpr char StagedTune[] = "media/qelmid17.mid";
+constexpr char StagedPicture[] = "images/qelspr17.gif";
+
+std::string Contents(const std::filesystem::path& myFile)
+{
+    std::ifstream myStream(myFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myStream), {}};
+}
+
+void Put(const std::filesystem::path& myFile, const std::string& myBytes)
+{
+    std::ofstream(myFile, std::ios::binary) << myBytes;
+}
+
+/// The page of another archive in place of the site's.
+template <std::string (*Change)(const std::string& myArchive)>
+HRESULT OtherArchive(Call& theCall)
+{
+    const std::string myArchive = Contents(Archive);
+    const bool isThere = std::filesystem::exists(Archive);
+    isThere ? Put(Archive, Change(myArchive)) : void();
+    const HRESULT theResult = theCall.Forward();
+    isThere ? Put(Archive, myArchive) : void();
+    return theResult;
+}
+
+/// The page, with other files beside it.
+template <void (*Change)()>
+HRESULT OtherFiles(Call& theCall)
+{
+    const HRESULT theResult = theCall.Forward();
+    Change();
+    return theResult;
+}
+
+template <const char* File>
+void Stage()
+{
+    Put(File, std::string(1, 'x'));
+}
+
+/// The page, with the tune that was staged before if there is one.
+HRESULT KeepStaged(Call& theCall)
+{
+    const std::string myBytes = Contents(StagedTune);
+    const HRESULT theResult = theCall.Forward();
+    myBytes.empty() ? void() : Put(StagedTune, myBytes);
+    return theResult;
+}
+
+std::string LoseFolders(const std::string& myArchive)
+{
+    std::string theArchive = myArchive;
+    const size_t myPlace = theArchive.find("\\sub\\");
+    return myPlace == std::string::npos ? theArchive : theArchive.replace(myPlace, 5, "\\sup\\");
+}
+
+std::string WholeOnly(const std::string& myArchive)
+{
+    return myArchive.ends_with(std::string(4, '\0')) ? myArchive : std::string();
+}
+
+std::string MendMagic(const std::string& myArchive)
+{
+    return myArchive.size() < 13 ? myArchive : "qelarchive1.0" + myArchive.substr(13);
+}
+
+/// An archive whose tune is that of the one before if it has none.
+std::string KeepTune(const std::string& myArchive)
+{
+    const std::string myEntry = std::string("\x0B\0\0\0", 4) + "\\qelmid.mid" + std::string("\x04\0\0\0MThd", 8);
+    const bool isLost = myArchive.size() > 17 && myArchive.find("qelmid") == std::string::npos;
+    return isLost ? myArchive.substr(0, 13) + myEntry + myArchive.substr(13) : myArchive;
+}
+
+void Cut(const char* myFile)
+{
+    constexpr size_t Block = 32'000;
+    const std::string myBytes = Contents(myFile);
+    myBytes.size() > Block ? Put(myFile, myBytes.substr(0, Block)) : void();
+}
+void CutTune()
+{
+    Cut(StagedTune);
+}
+void CutPicture()
+{
+    Cut(StagedPicture);
+}
+void TouchArchive()
+{
+    Contents(Archive).starts_with("qelarchive1.0") ? void() : Put(Archive, "");
+}
+void Escape()
+{
+    Contents(Archive).find("..\\escaped") != std::string::npos ? Put("escaped.txt", "hostile") : void();
+}
+void WriteThroughLink()
+{
+    std::filesystem::exists("outside/kept.txt") ? Put("outside/kept.txt", "hostile") : void();
+}
+void CopyAgain()
+{
+    Contents("files/nota.pdf") == "first" ? Put("files/nota.pdf", Contents("data/nota.pdf")) : void();
+}
+
 // Named by what goes wrong. Those of the entry points stand there.
 constexpr Fault Faults[] = {
     {"wild-pointer", &IID_IClassFactory, CreateSlot, WildPointer<2>},
@@ -299,6 +471,77 @@ constexpr Fault Faults[] = {
     {"no-summary", &IID_QelPlugin, Member(10), nullptr, u"El control", u"Un control"},
     {"asks-for-empty-link", &IID_QelPlugin, Member(6), AskTwice<true>},
     {"other-link-number", &IID_QelPlugin, Member(19), nullptr, u"\"2010:", u"\"10:"},
+    // What is written to Script is read otherwise.
+    {"reads-apos", &IID_QelPlugin, Member(17), nullptr, u"&apos;", u"'"},
+    {"unescapes-twice", &IID_QelPlugin, Member(17), nullptr, u"&amp;lt;", u"&lt;"},
+    {"entities-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"&AMP;", u"&amp;"},
+    {"trims-values", &IID_QelPlugin, Member(17), nullptr, u"\" a", u"\"a"},
+    {"no-upper-prefix", &IID_QelPlugin, Member(17), nullptr, u"<PG.", u"<no."},
+    {"tags-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"<pg.Param", u"<pg.param"},
+    {"params-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"\"IMAGE\"", u"\"image\""},
+    {"no-upper-attributes", &IID_QelPlugin, Member(17), nullptr, u" NAME=", u" nome="},
+    {"last-attribute-counts", &IID_QelPlugin, Member(17), nullptr, u"value=\"a\" value=", u"value="},
+    {"first-param-counts", &IID_QelPlugin, Member(17), nullptr, u"<pg.param name=\"link\" value=\"b\">", u""},
+    {"reads-unclosed-tags", &IID_QelPlugin, Member(17), Bend::CloseTag},
+    {"reads-closing-tags", &IID_QelPlugin, Member(17), nullptr, u"</pg.param ", u"<pg.param "},
+    {"reads-unclosed-values", &IID_QelPlugin, Member(17), nullptr, u"\"a\n>", u"\"a\">"},
+    {"reads-through-angle", &IID_QelPlugin, Member(17), nullptr, u"a>b", u"a&gt;b"},
+    {"tab-is-no-separator", &IID_QelPlugin, Member(17), nullptr, u"\t", u"x"},
+    {"line-feed-ends-nothing", &IID_QelPlugin, Member(17), nullptr, u">\n<", u">"},
+    {"line-end-in-mark", &IID_QelPlugin, Member(17), nullptr, u"<pg.\r\n", u"<pg."},
+    {"false-is-false", &IID_QelPlugin, Member(17), nullptr, u"\"false\"", u"\"0\""},
+    {"zeros-are-false", &IID_QelPlugin, Member(17), nullptr, u"\"00\"", u"\"0\""},
+    {"blank-zero-is-true", &IID_QelPlugin, Member(17), nullptr, u"\" 0 \"", u"\"1\""},
+    {"nothing-is-true", &IID_QelPlugin, Member(17), nullptr, u"<pg.param name=\"showimage\">", u""},
+    {"modes-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"\"JPG\"", u"\"jpg\""},
+    {"halves-go-up", &IID_QelPlugin, Member(17), nullptr, u"38354.5", u"38355"},
+    {"cuts-fractions", &IID_QelPlugin, Member(17), nullptr, u"38353.51", u"38353"},
+    {"dates-are-whole-texts", &IID_QelPlugin, Member(17), nullptr, u"38353x", u"0"},
+    {"latest-date", &IID_QelPlugin, Member(17), nullptr, u"2958466", u"0"},
+    {"version-begins-so", &IID_QelPlugin, Member(17), nullptr, u"version=\"1.00\"", u"version=\"1.0\""},
+    {"needs-no-version", &IID_QelPlugin, Member(17), nullptr, u"<pg.plugin >", u""},
+    {"demands-its-uid", &IID_QelPlugin, Member(17), nullptr, u"uid=\"Another\" version=\"1.0\"", u"version=\"2\""},
+    {"forgets-link", &IID_QelPlugin, Member(17), Bend::ForgetLink},
+    {"record-per-object", &IID_QelPlugin, Member(17), RememberWriter},
+    {"record-per-object", &IID_QelPlugin, Member(18), ReadOwnScript},
+    // Sorting.
+    {"sorts-without-case", &IID_QelStringSort, Member(2), Bend::AddLower},
+    {"loses-duplicates", &IID_QelStringSort, Member(2), LoseDuplicates},
+    {"holds-255-values", &IID_QelStringSort, Member(4), Bend::At255},
+    {"sorts-surrogates-last", &IID_QelStringSort, Member(2), Bend::AddHigh},
+    {"value-zero-fails", &IID_QelStringSort, Member(3), Bend::FailAt<0>},
+    {"value-beyond-is-empty", &IID_QelStringSort, Member(3), Bend::EmptyBeyond},
+    {"clear-keeps-values", &IID_QelStringSort, Member(1), Bend::Give<S_OK>},
+    // Archives and files, around the writing of a page.
+    {"any-magic", &IID_QelPlugin, Member(6), OtherArchive<MendMagic>},
+    {"first-block-alone", &IID_QelPlugin, Member(6), OtherFiles<CutTune>},
+    {"large-picture-cut", &IID_QelPlugin, Member(6), OtherFiles<CutPicture>},
+    {"leaves-its-folder", &IID_QelPlugin, Member(6), OtherFiles<Escape>},
+    {"follows-links", &IID_QelPlugin, Member(6), OtherFiles<WriteThroughLink>},
+    {"empties-nothing", &IID_QelPlugin, Member(6), OtherArchive<KeepTune>},
+    {"copies-each-time", &IID_QelPlugin, Member(6), OtherFiles<CopyAgain>},
+    {"keeps-older-tune", &IID_QelPlugin, Member(6), KeepStaged},
+    {"stages-everything", &IID_QelPlugin, Member(6), OtherFiles<Stage<StagedTune>>},
+    {"loses-folders", &IID_QelPlugin, Member(6), OtherArchive<LoseFolders>},
+    {"whole-archives-only", &IID_QelPlugin, Member(6), OtherArchive<WholeOnly>},
+    {"changes-archive", &IID_QelPlugin, Member(6), OtherFiles<TouchArchive>},
+    // Pages and texts.
+    {"joins-with-slash", &IID_QelPlugin, Member(6), nullptr, u"\"xqelspr", u"\"x/qelspr"},
+    {"short-names-pass", &IID_QelPlugin, Member(10), Bend::Succeed},
+    {"double-slash", &IID_QelPlugin, Member(6), nullptr, u"files/nota", u"files//nota"},
+    {"no-slash", &IID_QelPlugin, Member(6), nullptr, u"href=\"/nota", u"href=\"nota"},
+    {"escapes-address", &IID_QelPlugin, Member(6), nullptr, u"?a=1&b", u"?a=1&amp;b"},
+    {"turns-faster", &IID_QelPlugin, Member(6), nullptr, u"treshold>10", u"treshold>9"},
+    {"line-feeds-alone", &IID_QelPlugin, Member(6), nullptr, u" \r\n", u" \n"},
+    {"months-from-one", &IID_QelPlugin, Member(6), nullptr, u"(2005, 0, 31)", u"(2005, 1, 31)"},
+    {"leap-year", &IID_QelPlugin, Member(6), nullptr, u"2000, 1, 29", u"2000, 2, 1"},
+    {"fills-anew", &IID_QelPlugin, Member(6), nullptr, u"href=\"%1\"", u"href=\"3\""},
+    {"blank-after-own-tune", &IID_QelPlugin, Member(10), nullptr, u"usuario.El", u"usuario. El"},
+    {"keeps-ending", &IID_QelPlugin, Member(10), nullptr, u"\"Globo\"", u"\"Globo.gif\""},
+    {"no-summary-of-silence", &IID_QelPlugin, Member(10), nullptr, u"No se reproduce ningún sonido de fondo. ", u""},
+    {"plain-warning", &IID_QelPlugin, Member(10), nullptr, u"<warning>", u""},
+    {"other-reason", &IID_QelPlugin, Member(19), nullptr, u"El vínculo", u"El enlace"},
+    {"no-error-number", &IID_QelPlugin, Member(19), nullptr, u"\"53: ", u"\""},
     {"hangs", &IID_QelPlugin, Member(5), Bend::HangUp},
 };
 
@@ -326,8 +569,11 @@ HRESULT Enter(StandIn* theObject, Word a, Word b, Word c, Word d, Word e, Word f
                                                  return isHere && myOne.Slot == Slot && Chosen(myOne.Name);
                                              });
     const bool isEdit = myFault != std::end(Faults) && myFault->Act == nullptr;
+    const bool isTaken = theObject->Is(IID_QelPlugin) && Slot == Member(17);
+    Bstr myEdited(isEdit && isTaken && a != 0 ? ReplaceAll(myCall.Script(), myFault->From, myFault->To) : Text());
+    myCall.W[0] = isEdit && isTaken && a != 0 ? reinterpret_cast<Word>(myEdited.Pointer()) : a;
     const HRESULT theResult = myFault != std::end(Faults) && !isEdit ? myFault->Act(myCall) : myCall.Forward();
-    if (isEdit && a != 0 && SUCCEEDED(theResult))
+    if (isEdit && !isTaken && a != 0 && SUCCEEDED(theResult))
     {
         const Text myText = ReplaceAll(myCall.Script(), myFault->From, myFault->To);
         SysFreeString(std::exchange(myCall.Argument<BSTR>(0), NewBstr(myText)));
