@@ -127,8 +127,8 @@ Connection::Statements::node_type Connection::Prepared(std::string_view mySQL)
         return myIdleStatements.extract(myIdle);
     }
     sqlite3_stmt* theHandle = nullptr;
-    const int myResult = sqlite3_prepare_v3(myHandle.get(), mySQL.data(), static_cast<int>(mySQL.size()),
-                                            SQLITE_PREPARE_PERSISTENT, &theHandle, nullptr);
+    const int myResult =
+        sqlite3_prepare_v2(myHandle.get(), mySQL.data(), static_cast<int>(mySQL.size()), &theHandle, nullptr);
     if (myResult != SQLITE_OK)
     {
         Fail(myResult);

@@ -6,7 +6,6 @@
 #include "tags/pluginFunctions.h"
 
 #include <algorithm>
-#include <map>
 
 namespace qel
 {
@@ -20,22 +19,6 @@ constexpr TextView UnresolvedLink = u"ERROR";
 TextView ExtensionOf(TextView myName)
 {
     return myName.substr(myName.size() - std::min(myName.size(), ExtensionLength));
-}
-
-/// A template with the line ends of the page.
-const Text& PageTemplate(int32_t myTemplate)
-{
-    static const auto theTemplates = []
-    {
-        std::map<int32_t, Text> theResult;
-        for (const int32_t myNumber :
-             {StringId::PageStart, StringId::PageFrom, StringId::PageTo, StringId::PageImage, StringId::PageMIDI})
-        {
-            theResult.emplace(myNumber, ReplaceAll(LoadResString(myNumber), u"\n", LineEnd));
-        }
-        return theResult;
-    }();
-    return theTemplates.at(myTemplate);
 }
 
 void Fill(Text& theText, TextView myPlaceholder, TextView myValue)
@@ -185,10 +168,11 @@ Text PageWriter::StageRecord(Text (BuildHelper::*myFolder)(), Text (BuildHelper:
     return ConcatUrl(myAddress, Records().RecordFilename());
 }
 
-/// A template with the instance number filled in. The host is asked for the number each time.
+/// A template with the line ends of the page and the instance number, for which the host is asked each time.
 Text PageWriter::FilledTemplate(int32_t myTemplate)
 {
-    return ReplaceAll(PageTemplate(myTemplate), u"%1", NumberText(int64_t{Helper().InstanceNumber()}));
+    const Text myText = ReplaceAll(LoadResString(myTemplate), u"\n", LineEnd);
+    return ReplaceAll(myText, u"%1", NumberText(int64_t{Helper().InstanceNumber()}));
 }
 
 Text PageWriter::SourcePath(TextView myFolder, TextView myName) const

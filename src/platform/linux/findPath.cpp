@@ -4,6 +4,7 @@
 #include "text/encodings.h"
 
 #include <cerrno>
+#include <optional>
 #include <string_view>
 #include <sys/stat.h>
 
@@ -27,34 +28,17 @@ PathParts PartsOf(std::string_view myPath)
     return {myPath.substr(0, myStart), myPath.substr(myStart, myEnd - myStart), myPath.substr(myEnd)};
 }
 
-/// One name that others are compared with.
-class WantedName
+/// A name in lower case; nothing for one that is not valid UTF-8.
+std::optional<Text> LoweredName(std::string_view myName)
 {
-public:
-    explicit WantedName(std::string_view myName) : myLowerCase(LowerCase(FromUtf8(myName))) {}
-
-    bool IsLike(std::string_view myName) const
-    {
-        // Most names differ early, in plain ASCII, and need not be decoded to see it.
-        for (size_t i = 0; i < myName.size() && static_cast<unsigned char>(myName[i]) < 0x80; ++i)
-        {
-            if (i >= myLowerCase.size() || LowerCase(static_cast<char16_t>(myName[i])) != myLowerCase[i])
-            {
-                return false;
-            }
-        }
-        const std::optional<Text> myText = FromUtf8Exactly(myName);
-        return myText && LowerCase(*myText) == myLowerCase;
-    }
-
-private:
-    Text myLowerCase;
-};
+    const std::optional<Text> myText = FromUtf8Exactly(myName);
+    return myText ? std::optional(LowerCase(*myText)) : std::nullopt;
+}
 
 /// The name itself or the first that is like it; empty when the folder has none.
 std::string FindName(FolderReader& myReader, std::string_view myName)
 {
-    const WantedName myWanted(myName);
+    const Text myWanted = LowerCase(FromUtf8(myName));
     std::string theFound;
     while (const dirent* const myEntry = myReader.Next())
     {
@@ -65,7 +49,7 @@ std::string FindName(FolderReader& myReader, std::string_view myName)
         }
         // The names of twins differ only in letters that have a lower case. None of these is half of a surrogate pair,
         // so the order of their bytes is the order of their character codes.
-        if (myWanted.IsLike(myEntryName) && (theFound.empty() || myEntryName < theFound))
+        if ((theFound.empty() || myEntryName < theFound) && LoweredName(myEntryName) == myWanted)
         {
             theFound = myEntryName;
         }
