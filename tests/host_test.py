@@ -723,7 +723,7 @@ class CommandLineTest(HostTest):
                     "record": [{"uid": 1, "kind": "mail", "leadsTo": "mailto:a@b.c", "title": ""}]}
         self.assertEqual({group: json.loads(self.host(group, "list", self.site, "--json")) for group in expected}, expected)
         self.assertEqual(json.loads(self.host("build", self.site, "--json")),
-                         {"pages": 1, "modules": 1, "failed": 0, "folder": str(self.site.resolve() / "build")})
+                         {"pages": 1, "modules": 1, "failed": 0, "problems": 0, "folder": str(self.site.resolve() / "build")})
 
     def test_nothing_is_printed_before_a_command_has_succeeded(self):
         self.make_site()

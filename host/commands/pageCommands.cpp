@@ -4,6 +4,7 @@
 #include "site/PageText.h"
 #include "site/references.h"
 #include "site/Site.h"
+#include "site/siteFiles.h"
 
 #include <iostream>
 
