@@ -9,6 +9,7 @@ import os
 import pty
 import re
 import shutil
+import signal
 import sqlite3
 import struct
 import subprocess
@@ -58,6 +59,13 @@ class HostTest(unittest.TestCase):
         self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
         return run.stderr if expect else run.stdout
 
+    def errors_of(self, *arguments):
+        """What a command that succeeds writes to the standard error."""
+        run = subprocess.run([STAGE / "qelhost", *map(str, arguments)], capture_output=True, text=True, timeout=60,
+                             env=self.environment)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        return run.stderr
+
     def file(self, name, content=b""):
         path = self.folder / name
         path.parent.mkdir(exist_ok=True)
@@ -70,7 +78,7 @@ class HostTest(unittest.TestCase):
             self.add_page(name)
 
     def add_page(self, name, content=PAGE):
-        self.host("page", "add", self.site, self.file("page", content), "--name", name)
+        self.host("page", "add", self.site, self.file(f"source of {name[:99]}", content), "--name", name)
 
     def add_module(self, page, text, *options):
         return int(self.host("module", "add", self.site, page, "--script", "-", *options, stdin=text).split()[1])
@@ -111,23 +119,43 @@ class BuildTest(HostTest):
         staged = {"images/Foto _del_ año.jpg": b"picture", "files/l_été 100_.pdf": b"paper"}
         self.assertEqual(tree(self.site / "build") | staged, tree(self.site / "build"))
 
-    def test_failed_modules_are_told_and_do_not_stop_the_build(self):
+    def test_failed_modules_are_left_out_and_do_not_stop_the_build(self):
         self.make_site("a.html", "b.html")
-        record, gone, there = (self.add_record("--kind", *options) for options in (["none"], *[["3", "--address", "x"]] * 2))
-        self.host("record", "remove", self.site, gone[4:])
-        reasons = {self.add_module("a.html", script(link=link)): "El vínculo no funciona."
-                   for link in (record, gone, there.replace(":", ":0"))} | {
-            self.add_module("a.html", script(image="Nada.gif")): 'El plug-in "Orvenal" ha provocado el error "53: ',
-            self.add_module("a.html", script(image=None)): "No se ha seleccionado ningún motivo.",
-        }
+        none, gone, there = (self.add_record("--kind", *options) for options in (["none"], *[["3", "--address", "x"]] * 2))
+        cases = [(script(link=none), "730", "El vínculo no funciona. ", "record 1, which leads nowhere"),
+                 (script(link=gone), "730", "El vínculo no funciona. ", "the record UID:2, which the site does not have"),
+                 (script(link=there.replace(":", ":0")), "730", "El vínculo no funciona. ", "the record UID:03, which"),
+                 (script(image="Nada--><b>.gif"), "53", 'El plug-in "Orvenal" ha provocado el error "53: ', "Fiestas/Nada--><b>.gif"),
+                 (script(image="a.gif", folder="(USER)", imagemode="gif", archive="module9.dat"), "53",
+                  'El plug-in "Orvenal" ha provocado el error "53: ', "its archive data/module9.dat is missing"),
+                 (script(image=None), "720", "No se ha seleccionado ningún motivo. ", "choose a motif")]
+        modules = [self.add_module("a.html", text.replace("--><b>", "--&gt;&lt;b&gt;")) for text, *_ in cases]
+        self.host("record", "remove", self.site, gone[4:], "--force")
         good = self.add_module("b.html", script())
         lines = self.host("build", self.site, expect=1).splitlines()
-        self.assertEqual(len(lines), len(reasons), lines)
-        for line, (module, reason) in zip(lines, reasons.items()):
+        self.assertEqual(len(lines), len(cases), lines)
+        for line, module, (_, _, reason, detail) in zip(lines, modules, cases):
             self.assertTrue(line.startswith(f"a.html, module {module}: {reason}"), line)
-        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", ERROR * 4))
-        self.assertIn(f"qelspr{good}.gif", self.page("b.html"))
+            self.assertIn(detail, line)
+        comments = [f"<!-- qelhost: module {module} is left out, error {case[1]} -->" for module, case in zip(modules, cases)]
+        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", "".join(comments)))
         self.assertEqual((self.site / f"build/images/qelspr{good}.gif").read_bytes(), GLOBO)
+        self.host("build", self.site, "--keep-errors", expect=1)
+        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", ERROR * 5))
+
+    def test_missing_file_of_a_linked_record_is_reported(self):
+        self.make_site("a.html")
+        self.add_module("a.html", script(link=self.add_record("--kind", "file", "--file", self.file("lost.txt", b"x"))))
+        (self.site / "data" / "lost.txt").unlink()
+        self.assertIn("a.html, module 1: the file data/lost.txt of record 1 is missing", self.host("build", self.site, expect=1))
+
+    def test_module_whose_call_fails_is_left_out_with_the_calls_number(self):
+        self.make_site("a.html")
+        self.add_module("a.html", script())
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
+            database.execute("UPDATE module SET script = ?", [script(**{"from": "1e300"})])
+        self.assertIn("a.html, module 1: ", self.host("build", self.site, expect=1))
+        self.assertIn("<!-- qelhost: module 1 is left out, error 6 -->", self.page("a.html"))
 
     def test_modules_go_to_their_places(self):
         pages = {
@@ -233,6 +261,171 @@ class BuildTest(HostTest):
         self.assertEqual(self.page("index.html"), PAGE.replace("<!-- qel:modules -->", ""))
         self.assertFalse([name for name in os.listdir(build) if name.endswith(".new")])
 
+    def test_mistyped_place_comments_are_reported(self):
+        self.make_site()
+        content = PAGE + "\n<!-- qel:modulos --><!--qel:menu x--><!-- QEL:Title -->\n<!-- a note of qel: --><!--Qel:menu"
+        expected = ["line 2: a build does not fill <!-- qel:modulos -->", "line 2: a build does not fill <!--qel:menu x-->",
+                    "line 2: a build does not fill <!-- QEL:Title -->", "line 3: a build does not fill <!--Qel:menu"]
+        source = self.file("p.html", content)
+        for command in (["page", "add", self.site, source], ["page", "set", self.site, "p.html", source], ["build", self.site]):
+            said = self.errors_of(*command).splitlines()
+            self.assertEqual([re.sub(";.*", "", line[line.index("line"):]) for line in said], expected)
+
+    def test_menu_addresses_are_percent_encoded(self):
+        self.make_site("a b&ñ.html")
+        self.host("page", "set", self.site, "a b&ñ.html", self.file("page", "<!-- qel:menu -->"))
+        self.host("build", self.site)
+        self.assertIn('<a href="a%20b%26%C3%B1.html" aria-current="page">a b&#38;&#241;</a>', self.page("a b&ñ.html"))
+
+    def test_static_files_come_into_the_build_and_leave_it(self):
+        self.make_site("index.html")
+        static, build = self.site / "static", self.site / "build"
+        content = {"style.css": b"1", "js/a%20b.js": b"2", "js/deep/c.js": b"3"}
+        (static / "js" / "deep").mkdir(parents=True)
+        for name, data in content.items():
+            self.file(static / name, data)
+        self.host("build", self.site)
+        self.assertEqual({name: data for name, data in tree(build).items() if name in content}, content)
+        unchanged = (build / "js/deep/c.js").stat().st_ino
+        (static / "style.css").unlink()
+        self.file(static / "js/a%20b.js", b"4")
+        self.host("build", self.site, "--only", "index.html")
+        self.assertEqual(((build / "js/a%20b.js").read_bytes(), (build / "style.css").exists()), (b"4", False))
+        self.assertEqual((build / "js/deep/c.js").stat().st_ino, unchanged)
+        (build / "js" / "mine.js").write_text("mine")
+        shutil.rmtree(static)
+        self.host("build", self.site)
+        self.assertEqual(tree(build).keys(), {".qelhost", "index.html", "js/mine.js"})
+        self.assertFalse((build / "js/deep").exists())
+
+    def test_static_files_that_others_own_are_refused_by_name(self):
+        self.make_site("index.html")
+        static, build = self.site / "static", self.site / "build"
+        self.host("build", self.site)
+        (build / "mine.css").write_text("mine")
+        (build / "out").symlink_to(self.folder)
+        (self.folder / "precious").write_text("precious")
+        for name in ("INDEX.html", "Images/a.gif", "media", ".htaccess", "css/.git", "a\nb", "mine.css", "out/precious", "good.css"):
+            (static / name).parent.mkdir(exist_ok=True)
+            self.file(static / name, b"x")
+        (static / "link").symlink_to(self.folder / "precious")
+        os.mkfifo(static / "pipe")
+        lines = self.host("build", self.site, expect=1).splitlines()
+        names = {line.split(": ")[0] for line in lines}
+        self.assertEqual(names, {f"static/{name}" for name in ("INDEX.html", "Images", "media", ".htaccess", "css/.git", "a?b",
+                                                               "mine.css", "out/precious", "link", "pipe")})
+        self.assertEqual(tree(build).keys(), {".qelhost", "index.html", "mine.css", "good.css"})
+        self.assertEqual((build / "mine.css").read_text() + (self.folder / "precious").read_text(), "mineprecious")
+        with open(build / ".qelhost", "a") as written:
+            written.write("/../data/x\n/out/precious\n/images/\n")
+        self.file("mi sitio ñ/data/x", b"kept")
+        self.host("build", self.site, expect=1)
+        self.assertTrue((self.site / "data/x").exists() and (self.folder / "precious").exists())
+
+    def test_pages_follow_the_files_that_they_came_from(self):
+        self.make_site()
+        (self.site / "src").mkdir()
+        sources = {"in.html": self.site / "src" / "in.html", "out.html": self.file("out.html")}
+        for source in sources.values():
+            source.write_text("first")
+            self.host("page", "add", self.site, source)
+        self.host("page", "add", self.site, "-", "--name", "piped.html", stdin="piped")
+        self.assertEqual(self.errors_of("build", self.site), "")
+        for source in sources.values():
+            source.write_text("second")
+        self.host("build", self.site, "--no-refresh")
+        self.assertEqual([self.page(name) for name in sources], ["first"] * 2)
+        moved = self.folder / "moved"
+        self.site = self.site.rename(moved)
+        self.assertEqual(self.errors_of("build", self.site), "in.html: taken from src/in.html again\n"
+                         f"out.html: taken from {sources['out.html']} again\n")
+        self.assertEqual([self.page(name) for name in sources], ["second"] * 2)
+        sources["out.html"].unlink()
+        self.assertRegex(self.errors_of("build", self.site), "^out.html: its file .* is gone, .*\n$")
+        self.assertEqual((self.errors_of("build", self.site), self.page("out.html")), ("", "second"))
+        sources["out.html"].write_text("third")
+        self.assertIn("again", self.errors_of("build", self.site))
+        self.host("page", "set", self.site, "out.html", "-", stdin="piped")
+        self.host("page", "set", self.site, "in.html", self.file("other.html", "other"))
+        sources["out.html"].write_text("fourth")
+        (self.folder / "other.html").write_text("newer")
+        self.assertIn("other.html again", self.errors_of("build", self.site))
+        self.assertEqual((self.page("out.html"), self.page("in.html")), ("piped", "newer"))
+
+    def test_page_files_that_cannot_be_taken_leave_the_stored_page(self):
+        self.make_site()
+        source = self.file("a.html", "first")
+        self.host("page", "add", self.site, source)
+        source.write_bytes("utf-16".encode("utf-16"))
+        self.assertRegex(self.host("build", self.site, expect=1), "^a.html: its file .*a.html is not taken, .*save it as UTF-8")
+        source.unlink()
+        os.mkfifo(source)
+        self.assertIn("is not taken", self.host("build", self.site, expect=1))
+        source.unlink()
+        with open(source, "wb") as file:
+            file.truncate((16 << 20) + 1)
+        self.assertIn("larger than 16 MB", self.host("build", self.site, expect=1))
+        self.assertIn("larger than 16 MB", self.host("page", "set", self.site, "a.html", source, expect=1))
+        self.assertEqual(self.page("a.html"), "first")
+
+    def test_page_names_that_are_too_long_end_neither_building_nor_removing(self):
+        self.make_site()
+        longest, longer = "n" * 250 + ".html", "n" * 251 + ".html"
+        self.add_page(longest)
+        self.assertIn("longer than 255 bytes", self.host("page", "add", self.site, "-", "--name", longer, expect=1))
+        self.add_page("a.html")
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
+            database.execute("UPDATE page SET name = ? WHERE name = 'a.html'", [longer])
+        self.host("build", self.site, expect=1)
+        with open(self.site / "build/.qelhost", "a") as written:
+            written.write(longer + "\n")
+        self.assertIn(f"{longer}: the page is not built", self.host("build", self.site, expect=1))
+        self.assertEqual(tree(self.site / "build").keys(), {longest, ".qelhost"})
+        self.host("page", "remove", self.site, longer)
+        self.host("build", self.site)
+
+    def interrupted_build(self, number):
+        """Sends the signal to a build that cannot go on, since nobody reads what it says; returns how it ends."""
+        reading, writing = os.pipe()
+        fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
+        with subprocess.Popen([STAGE / "qelhost", "build", self.site], stderr=writing, stdout=subprocess.DEVNULL,
+                              env=self.environment) as build, open(reading, encoding="utf-8") as messages:
+            os.close(writing)
+            messages.readline()
+            build.send_signal(number)
+            said = messages.read()
+            return build.wait(timeout=60), said
+
+    def site_whose_build_can_be_interrupted(self):
+        self.make_site("a.html", "b.html")
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
+            database.executemany("INSERT INTO module (page, place, position, script) VALUES (1, '', ?, ?)",
+                                 [(position, script(image="x" * 200 + ".gif")) for position in range(1, 201)])
+
+    def test_build_that_is_interrupted_ends_cleanly(self):
+        self.site_whose_build_can_be_interrupted()
+        for number in (signal.SIGINT, signal.SIGTERM):
+            code, said = self.interrupted_build(number)
+            self.assertEqual(code, -number)
+            self.assertTrue(said.endswith("qelhost: the build was interrupted; build again to complete it.\n"), said[-300:])
+            self.assertEqual(tree(self.site / "build").keys(), {".qelhost"})
+
+    def test_build_after_one_that_was_killed_publishes_nothing_of_it(self):
+        self.site_whose_build_can_be_interrupted()
+        self.interrupted_build(signal.SIGKILL)
+        left = [self.site / folder / ".qelhost-999999999.new" for folder in ("data", "build", "build/images", "build/static")]
+        left[-1].parent.mkdir()
+        busy = self.site / f"data/.qelhost-{os.getpid()}.new"
+        with open(self.site / "build/.qelhost", "a") as written:
+            written.write("/static/\n")
+        for path in (*left, busy, self.site / "build/images/half.gif"):
+            path.touch()
+        self.assertIn("all pages are built", self.host("build", self.site, "--only", "b.html", expect=1))
+        self.assertEqual([path for path in left if path.exists()], [])
+        self.assertTrue(busy.exists())
+        self.assertEqual(tree(self.site / "build").keys(), {".qelhost", "a.html", "b.html"})
+        self.assertEqual(self.errors_of("build", self.site, "--only", "b.html"), "")
+
     def test_programs_at_the_same_time_wait_for_each_other(self):
         self.make_site("index.html")
         adding = [subprocess.Popen([STAGE / "qelhost", "module", "add", self.site, "index.html"], env=self.environment,
@@ -315,6 +508,63 @@ class SiteTest(HostTest):
         run = subprocess.run([STAGE / "qelhost", "page", "add", self.site, "-", "--name", "p.html"], text=True,
                              input="".join([*there, *missing]), capture_output=True, env=self.environment)
         self.assertEqual(re.findall(r'p\.html refers to "(.*?)", which', run.stderr), list(missing.values()))
+
+    def test_records_that_modules_link_to_are_not_removed_unasked(self):
+        self.make_site("a.html")
+        for _ in range(11):
+            self.add_record("--kind", "none")
+        self.add_module("a.html", script(link="UID:11"))
+        self.host("record", "remove", self.site, 1)
+        self.assertRegex(self.host("record", "remove", self.site, 11, expect=1), "module 1 links to record 11; .*--force")
+        self.add_module("a.html", '<PG.plugin version=1.0><PG.param value=UID:11 name=link>')
+        self.assertIn("modules 1, 2 link to record 11", self.host("record", "remove", self.site, 11, expect=1))
+        self.host("record", "remove", self.site, 11, "--force")
+        self.assertEqual(len(self.rows("record")), 9)
+
+    def on_disk(self, options, body):
+        """Runs shell commands where a disk that only they see stands in the place of the site, a copy of which is on it.
+        $QEL is the program, $SITE the site."""
+        self.site.rename(self.folder / "original")
+        self.site.mkdir()
+        run = subprocess.run(
+            ["unshare", *([] if os.geteuid() == 0 else ["--user", "--map-root-user"]), "--mount", "sh", "-ec",
+             'mount -t tmpfs -o "$OPTIONS" none "$SITE" && cp -a "$ORIGINAL/." "$SITE" || { echo refused; exit 0; }\n' + body],
+            env=self.environment | {"QEL": str(STAGE / "qelhost"), "SITE": str(self.site), "OPTIONS": options,
+                                    "ORIGINAL": str(self.folder / "original")},
+            capture_output=True, text=True, timeout=60)
+        if run.stdout.startswith("refused") or "unshare:" in run.stderr:
+            self.skipTest("no disk may be mounted here")
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        return run.stdout, run.stderr
+
+    READING = """for what in page module record; do "$QEL" $what list "$SITE"; done; "$QEL" module script "$SITE" 1
+                 "$QEL" module show "$SITE" 1\n"""
+
+    def read_and_refused(self, options, spoil):
+        self.make_site("a.html")
+        self.add_module("a.html", script())
+        self.file("new.html", b"x" * 100000)
+        shown, refused = self.on_disk(options, spoil + self.READING + f"""
+            "$QEL" page add "$SITE" "{self.folder}/new.html" && exit 1; "$QEL" build "$SITE" && exit 1; exit 0""")
+        self.assertRegex(shown, r"(?s)a\.html.*1 +a\.html.*UID.*pg\.plugin.*Globo")
+        return refused.splitlines()
+
+    def test_site_on_a_read_only_disk_is_listed_and_shown(self):
+        for line in self.read_and_refused("size=4m", 'mount -o remount,ro "$SITE"\n'):
+            self.assertIn("can only be read", line)
+
+    def test_site_on_a_full_disk_is_listed_and_shown(self):
+        for line in self.read_and_refused("size=4m", 'cat /dev/zero > "$SITE/fill" 2> "$ORIGINAL/ignored" || true\n'):
+            self.assertIn("the disk is full", line)
+
+    def test_site_of_an_older_format_is_shown_where_it_cannot_be_brought_up_to_date(self):
+        self.make_site("a.html")
+        self.add_module("a.html", script())
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database:
+            database.executescript("DROP TABLE edit; ALTER TABLE page DROP COLUMN source; ALTER TABLE page DROP COLUMN"
+                                   " source_hash; PRAGMA user_version = 1")
+        shown, _ = self.on_disk("size=4m", 'mount -o remount,ro "$SITE"\n' + self.READING)
+        self.assertIn("Globo", shown)
 
     def test_names_that_would_do_harm_are_refused(self):
         self.make_site("index.html")
@@ -473,7 +723,7 @@ class CommandLineTest(HostTest):
                     "record": [{"uid": 1, "kind": "mail", "leadsTo": "mailto:a@b.c", "title": ""}]}
         self.assertEqual({group: json.loads(self.host(group, "list", self.site, "--json")) for group in expected}, expected)
         self.assertEqual(json.loads(self.host("build", self.site, "--json")),
-                         {"pages": 1, "modules": 1, "failed": 0, "folder": str(self.site.resolve() / "build")})
+                         {"pages": 1, "modules": 1, "failed": 0, "problems": 0, "folder": str(self.site.resolve() / "build")})
 
     def test_nothing_is_printed_before_a_command_has_succeeded(self):
         self.make_site()

@@ -149,8 +149,9 @@ class PageTest(unittest.TestCase):
         return run.stdout.decode().strip()
 
     def add(self, name, content, *scripts):
-        (self.folder / "page").write_text(content, "cp1252" if "windows-1252" in content else "utf-8")
-        self.host("page", "add", self.site, self.folder / "page", "--name", name)
+        source = self.folder / name  # a file of its own: a build reads it again
+        source.write_text(content, "cp1252" if "windows-1252" in content else "utf-8")
+        self.host("page", "add", self.site, source, "--name", name)
         for text in scripts:
             self.host("module", "add", self.site, name, "--script", "-", stdin=text)
 

@@ -1,8 +1,10 @@
-/// Writes the site's pages, with what the component gives for each module in its place.
+/// Writes the site's pages, with what the component returns for each module in its place.
 #pragma once
 
 #include "build/Component.h"
+#include "build/moduleFailures.h"
 #include "build/OutputFolder.h"
+#include "site/PageText.h"
 #include "site/Site.h"
 
 #include <optional>
@@ -12,42 +14,55 @@
 namespace qel::host
 {
 
+struct BuildOptions
+{
+    std::optional<std::string> OnlyPage; ///< the other pages stay as they are
+    bool KeepsErrors = false;            ///< what the component returns for a failed module goes into the page
+    bool Refreshes = true;               ///< pages are taken from their files again where those have changed
+};
+
 struct BuildResult
 {
-    int Pages;
-    int Modules;
-    int Failures; ///< modules that are not on their page as their author wants them
+    int Pages = 0;
+    int Modules = 0;
+    int Failures = 0; ///< modules that are not on their page as their author wants them
+    int Problems = 0; ///< pages and static files that are not, or not newly, in the build
 };
 
 class Builder
 {
 public:
-    /// `myMessages` takes each failed module's reason, and with `myShowsProgress` a line that is written over and over.
-    /// All of them outlive the builder, and the component serves this site.
+    /// `myMessages` takes a line for everything that the author is to know, and with `myShowsProgress` a line that is
+    /// written over and over. All of them outlive the builder, and the component serves this site.
     Builder(Site& theSite, Component& theComponent, std::ostream& theMessages, bool theShowsProgress);
     Builder(const Builder&) = delete;
     Builder& operator=(const Builder&) = delete;
     ~Builder() { ShowProgress(""); }
 
-    /// Builds all pages, or one and leaves the others as they are. A failed module does not end it: what the component
-    /// gives instead goes into the page. A build from the same site gives the same bytes.
-    /// Failure: the site cannot be read, or its output not be written.
-    BuildResult Build(const std::optional<std::string>& myOnlyPage);
+    /// Builds the pages. A failed module does not end it: a comment that names the module and its error number is put
+    /// into the page. A build from the same site returns the same bytes. Where the last build was interrupted all pages
+    /// are built. Failure: the site cannot be read, or its output cannot be written. Interrupted: see Interruption.
+    BuildResult Build(const BuildOptions& myOptions);
 
 private:
+    void RefreshPages();
+    void CopyStaticFiles(OutputFolder& theOutput);
     void BuildPage(const Page& myPage, OutputFolder& theOutput);
-    Text OutputOf(const Module& myModule);
+    Text ModuleText(const Module& myModule);
     Text Menu(const std::string& myCurrentPage) const;
-    void Report(const Module& myModule, const std::string& myReason);
+    void ReportModule(const Module& myModule, const std::string& myReason);
+    void ReportProblem(const std::string& myText);
+    void Say(const std::string& myText);
     void ShowProgress(const std::string& myText);
 
     Site& mySite;
     Component& myComponent;
     std::ostream& myMessages;
     bool myShowsProgress;
+    BuildOptions myOptions;
     std::vector<Page> myPages;
     Text myTitle;
-    BuildResult myResult{};
+    BuildResult myResult;
 };
 
 } // namespace qel::host

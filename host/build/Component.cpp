@@ -34,7 +34,7 @@ void Check(HRESULT myResult, const std::string& myWhat)
 {
     if (FAILED(myResult))
     {
-        throw Failure(myWhat + ": " + ReasonOf(myResult));
+        throw CallFailure(myWhat + ": " + ReasonOf(myResult), myResult);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "build/Services.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
+#include "common/Failure.h"
 #include "common/SharedLibrary.h"
 #include "site/Site.h"
 #include "text/text.h"
@@ -14,9 +15,18 @@
 namespace qel::host
 {
 
+/// A call of the component failed.
+class CallFailure : public Failure
+{
+public:
+    CallFailure(const std::string& myText, HRESULT theResult) : Failure(myText), Result(theResult) {}
+
+    HRESULT Result;
+};
+
 /// The plug-in object of the component. Order of calls: Serve, and PutInHand before anything that is about a module.
 ///
-/// A call that fails is a Failure with the component's reason.
+/// A call that fails is a CallFailure with the component's reason.
 class Component
 {
 public:

@@ -3,7 +3,7 @@
 #include "common/Failure.h"
 #include "site/siteFiles.h"
 
-#include <array>
+#include <algorithm>
 #include <sstream>
 
 namespace qel::host
@@ -12,8 +12,8 @@ namespace qel::host
 namespace
 {
 
-constexpr std::array mySubfolders{"images", "media", "files"};
 constexpr const char* myListName = ".qelhost";
+constexpr const char* myUnfinishedLine = ":unfinished";
 
 [[noreturn]] void FailForeign(const fs::path& myPath, const char* myReason)
 {
@@ -23,16 +23,36 @@ constexpr const char* myListName = ".qelhost";
 /// Makes a folder unless it is there.
 void DemandFolder(const fs::path& myFolder)
 {
-    const fs::file_status myStatus = fs::symlink_status(myFolder);
-    if (fs::is_symlink(myStatus))
+    const fs::file_type myType = TypeOfEntry(myFolder);
+    if (myType == fs::file_type::symlink)
     {
         FailForeign(myFolder, "it is a link");
     }
-    if (fs::exists(myStatus) && !fs::is_directory(myStatus))
+    if (myType != fs::file_type::not_found && myType != fs::file_type::directory)
     {
         FailForeign(myFolder, "it is not a folder");
     }
-    fs::create_directory(myFolder);
+    MakeFolder(myFolder);
+}
+
+/// The folders on the way to a path of the list, such as "/css/" and "/css/fonts/" for "/css/fonts/a.woff".
+std::vector<std::string> FoldersOf(const std::string& myPath)
+{
+    std::vector<std::string> theFolders;
+    for (std::size_t mySlash = 0; (mySlash = myPath.find('/', mySlash + 1)) != std::string::npos;)
+    {
+        theFolders.push_back(myPath.substr(0, mySlash + 1));
+    }
+    return theFolders;
+}
+
+/// True for a line of the list that is a static file or folder and leads nowhere else, whoever wrote the list.
+bool IsStaticPath(const std::string& myLine)
+{
+    const bool myIsHidden = myLine.find("/.") != std::string::npos; // also "/.." and "/./"
+    const bool myIsSubfolder = std::ranges::any_of(OutputSubfolders, [&](const char* myName)
+                                                   { return myLine.starts_with("/" + std::string(myName) + "/"); });
+    return myLine.starts_with('/') && !myIsHidden && !myIsSubfolder;
 }
 
 } // namespace
@@ -40,65 +60,194 @@ void DemandFolder(const fs::path& myFolder)
 OutputFolder::OutputFolder(const fs::path& theFolder) : myFolder(theFolder)
 {
     DemandFolder(myFolder);
-    if (fs::exists(fs::symlink_status(myFolder / myListName)))
-    {
-        std::istringstream myLines(ReadWholeFile(myFolder / myListName));
-        for (std::string myLine; std::getline(myLines, myLine);)
-        {
-            myWritten.insert(myLine);
-        }
-    }
-    else if (!fs::is_empty(myFolder))
-    {
-        FailForeign(myFolder, "it holds files that qelhost did not make");
-    }
+    ReadList();
     StoreList();
-    for (const char* mySubfolder : mySubfolders)
+    for (const char* mySubfolder : OutputSubfolders)
     {
         DemandFolder(myFolder / mySubfolder);
+    }
+    RemoveUnfinished();
+}
+
+void OutputFolder::ReadList()
+{
+    if (TypeOfEntry(myFolder / myListName) == fs::file_type::not_found)
+    {
+        // A program that was killed may have left the unfinished list, and nothing else.
+        RemoveUnfinishedFiles(myFolder, Unfinished::OfAllPrograms);
+        if (!NamesInFolder(myFolder).empty())
+        {
+            FailForeign(myFolder, "it holds files that qelhost did not make");
+        }
+        return;
+    }
+    std::istringstream myLines(ReadWholeFile(myFolder / myListName));
+    for (std::string myLine; std::getline(myLines, myLine);)
+    {
+        myWritten.insert(myLine);
+    }
+    myWasInterrupted = myWritten.erase(myUnfinishedLine) > 0;
+}
+
+void OutputFolder::RemoveUnfinished() const
+{
+    RemoveUnfinishedFiles(myFolder, Unfinished::OfAllPrograms);
+    for (const char* mySubfolder : OutputSubfolders)
+    {
+        RemoveUnfinishedFiles(myFolder / mySubfolder, Unfinished::OfAllPrograms);
+    }
+    for (const std::string& myLine : myWritten)
+    {
+        if (myLine.ends_with('/') && IsStaticPath(myLine) && IsReachable(myLine))
+        {
+            RemoveUnfinishedFiles(myFolder / myLine.substr(1), Unfinished::OfAllPrograms);
+        }
     }
 }
 
 void OutputFolder::Empty(const std::set<std::string>& myPages)
 {
-    for (const char* mySubfolder : mySubfolders)
-    {
-        for (const fs::directory_entry& myEntry : fs::directory_iterator(myFolder / mySubfolder))
-        {
-            if (fs::is_directory(myEntry.symlink_status()))
-            {
-                FailForeign(myEntry.path(), "qelhost did not make this folder");
-            }
-        }
-    }
-    for (const char* mySubfolder : mySubfolders)
+    for (const char* mySubfolder : OutputSubfolders)
     {
         for (const std::string& myName : NamesInFolder(myFolder / mySubfolder))
         {
-            fs::remove(myFolder / mySubfolder / myName);
+            if (TypeOfEntry(myFolder / mySubfolder / myName) == fs::file_type::directory)
+            {
+                FailForeign(myFolder / mySubfolder / myName, "qelhost did not make this folder");
+            }
         }
     }
-    for (const std::string& myPage : myWritten)
+    for (const char* mySubfolder : OutputSubfolders)
     {
-        if (!myPages.contains(myPage) && NameProblem(myPage).empty())
+        for (const std::string& myName : NamesInFolder(myFolder / mySubfolder))
         {
-            fs::remove(myFolder / myPage);
+            RemoveFile(myFolder / mySubfolder / myName);
         }
     }
-    myWritten = myPages;
+    std::erase_if(myWritten,
+                  [&](const std::string& myPage)
+                  {
+                      const bool myIsStale = !myPage.starts_with('/') && !myPages.contains(myPage);
+                      if (myIsStale && NameProblem(myPage).empty() &&
+                          TypeOfEntry(myFolder / myPage) != fs::file_type::directory)
+                      {
+                          RemoveFile(myFolder / myPage);
+                      }
+                      return myIsStale;
+                  });
     StoreList();
+}
+
+bool OutputFolder::IsReachable(const std::string& myPath) const
+{
+    for (const std::string& myParent : FoldersOf(myPath))
+    {
+        const fs::file_type myType = TypeOfEntry(myFolder / myParent.substr(1, myParent.size() - 2));
+        if (myType != fs::file_type::directory)
+        {
+            return myType == fs::file_type::not_found;
+        }
+    }
+    return true;
+}
+
+void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
+{
+    std::vector<std::string> myStale;
+    std::ranges::copy_if(myWritten, std::back_inserter(myStale),
+                         [&](const std::string& myLine)
+                         { return myLine.starts_with('/') && !myWanted.contains(myLine); });
+    for (auto myLine = myStale.rbegin(); myLine != myStale.rend(); ++myLine) // what a folder holds before the folder
+    {
+        const fs::path myPath = myFolder / myLine->substr(1);
+        if (IsStaticPath(*myLine) && IsReachable(*myLine) && myLine->ends_with('/'))
+        {
+            std::error_code myIgnored; // somebody has put other files into it
+            fs::remove(myFolder / myLine->substr(1, myLine->size() - 2), myIgnored);
+        }
+        else if (IsStaticPath(*myLine) && IsReachable(*myLine) && TypeOfEntry(myPath) != fs::file_type::directory)
+        {
+            RemoveFile(myPath);
+        }
+        myWritten.erase(*myLine);
+    }
+}
+
+std::string OutputFolder::ObstacleTo(const StaticFile& myFile) const
+{
+    const fs::path myTarget = myFolder / myFile.Path;
+    const std::string myHint = "; move " + myTarget.string() + " away";
+    if (!IsReachable("/" + myFile.Path))
+    {
+        return "on its way in the build is a link, or a file that qelhost did not make" + myHint;
+    }
+    const fs::file_type myType = TypeOfEntry(myTarget);
+    const bool myIsOwn = myWritten.contains("/" + myFile.Path) || myWritten.contains(myFile.Path);
+    if (myType == fs::file_type::directory)
+    {
+        return "the build has a folder of this name that qelhost did not make" + myHint;
+    }
+    return myType == fs::file_type::not_found || myIsOwn || HaveSameContent(myFile.Source, myTarget)
+               ? std::string()
+               : "the build has a file of this name that qelhost did not make" + myHint;
+}
+
+std::vector<StaticFile> OutputFolder::ClaimStatic(const std::vector<StaticFile>& myFiles,
+                                                  std::vector<std::string>& theProblems)
+{
+    std::set<std::string> myWanted;
+    for (const StaticFile& myFile : myFiles)
+    {
+        const std::string myLine = "/" + myFile.Path;
+        myWanted.insert(myLine);
+        std::ranges::copy(FoldersOf(myLine), std::inserter(myWanted, myWanted.end()));
+    }
+    RemoveStaleStatic(myWanted);
+    std::vector<StaticFile> theClaimed;
+    std::vector<std::string> myNewLines;
+    for (const StaticFile& myFile : myFiles)
+    {
+        if (const std::string myObstacle = ObstacleTo(myFile); !myObstacle.empty())
+        {
+            theProblems.push_back("static/" + myFile.Path + ": " + myObstacle);
+            continue;
+        }
+        theClaimed.push_back(myFile);
+        myNewLines.push_back("/" + myFile.Path);
+        std::ranges::copy_if(
+            FoldersOf(myNewLines.back()), std::back_inserter(myNewLines),
+            [&](const std::string& myParent)
+            { return TypeOfEntry(myFolder / myParent.substr(1, myParent.size() - 2)) == fs::file_type::not_found; });
+    }
+    myWritten.insert(myNewLines.begin(), myNewLines.end());
+    StoreList();
+    return theClaimed;
+}
+
+void OutputFolder::CopyStatic(const StaticFile& myFile) const
+{
+    const fs::path myTarget = myFolder / myFile.Path;
+    MakeFolder(myTarget.parent_path());
+    if (!HaveSameContent(myFile.Source, myTarget))
+    {
+        CopyWholeFile(myFile.Source, myTarget);
+    }
 }
 
 void OutputFolder::Refresh(const std::vector<Record>& myRecords, const fs::path& myDataFolder) const
 {
     for (const Record& myRecord : myRecords)
     {
-        const fs::path myCopy =
-            myFolder / (myRecord.Kind == RecordKind::Picture ? "images" : "files") / myRecord.Filename;
-        const fs::path mySource = myDataFolder / myRecord.Filename;
-        if (HasFile(myRecord.Kind) && fs::exists(fs::symlink_status(myCopy)) && fs::exists(mySource))
+        if (!HasFile(myRecord.Kind) || !NameProblem(myRecord.Filename).empty())
         {
-            CopyWholeFile(mySource, myCopy);
+            continue;
+        }
+        const fs::path mySubfolder = myFolder / (myRecord.Kind == RecordKind::Picture ? "images" : "files");
+        const fs::path mySource = myDataFolder / myRecord.Filename;
+        if (TypeOfEntry(mySubfolder / myRecord.Filename) != fs::file_type::not_found &&
+            TypeOfEntry(mySource) != fs::file_type::not_found)
+        {
+            CopyWholeFile(mySource, mySubfolder / myRecord.Filename);
         }
     }
 }
@@ -112,12 +261,18 @@ void OutputFolder::Write(const std::string& myPage, std::string_view myBytes)
     WriteWholeFile(myFolder / myPage, myBytes);
 }
 
+void OutputFolder::Finish()
+{
+    myIsFinished = true;
+    StoreList();
+}
+
 void OutputFolder::StoreList() const
 {
-    std::string myLines;
-    for (const std::string& myPage : myWritten)
+    std::string myLines = myIsFinished ? "" : std::string(myUnfinishedLine) + "\n";
+    for (const std::string& myLine : myWritten)
     {
-        myLines += myPage + "\n";
+        myLines += myLine + "\n";
     }
     WriteWholeFile(myFolder / myListName, myLines);
 }

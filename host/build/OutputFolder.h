@@ -1,27 +1,51 @@
-/// The folder that a build writes: the pages, flat, and a subfolder each for pictures, tunes and other files.
+/// The folder that a build writes: the pages, flat, a subfolder each for pictures, tunes and other files, and what the
+/// site's folder `static` holds.
 ///
-/// It is the site's own from when qelhost made it or found it empty: a list of the pages that were written, `.qelhost`,
-/// marks it. Nothing is removed from a folder that is not marked, from a link, or below a folder that somebody put in.
+/// It is the site's own from when qelhost made it or found it empty: a list of what was written, `.qelhost`, marks it.
+/// Nothing is replaced or removed in a folder that is not marked, through a link, or below a folder that somebody put
+/// in; a file that somebody put in stays unless it has the name of a page.
+///
+/// The list has a line each: `:unfinished` while a build runs, so that one that was interrupted is known; pages by
+/// their names; static files as `/css/style.css`, and the folders that were made for them as `/css/`.
+///
+/// Order of calls: Empty in a build of all pages; ClaimStatic, CopyStatic and Write as often as needed; Finish.
 #pragma once
 
+#include "build/staticFiles.h"
 #include "site/Site.h"
 
+#include <array>
 #include <filesystem>
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qel::host
 {
 
+/// The subfolders for the files of modules and records.
+inline constexpr std::array OutputSubfolders{"images", "media", "files"};
+
 class OutputFolder
 {
 public:
-    /// Makes the folder and its subfolders if they are not there. Failure: one of them is not the site's own.
+    /// Makes the folder and its subfolders if they are not there, and removes what an interrupted build could not
+    /// complete. Failure: one of them is not the site's own.
     explicit OutputFolder(const std::filesystem::path& myFolder);
+
+    /// True when the last build did not come to its end: files of any page may be missing or not whole.
+    bool WasInterrupted() const { return myWasInterrupted; }
 
     /// Empties the subfolders and removes the pages that `myPages` no longer holds.
     void Empty(const std::set<std::string>& myPages);
+
+    /// Removes the static files of earlier builds that are no longer among these, and returns those of them that may be
+    /// written. What keeps the others out is added to the problems.
+    std::vector<StaticFile> ClaimStatic(const std::vector<StaticFile>& myFiles, std::vector<std::string>& theProblems);
+
+    /// Copies a static file that may be written, unless it is there with the same bytes.
+    void CopyStatic(const StaticFile& myFile) const;
 
     /// Brings the copies of the records' files up to date, for a build that leaves the other pages as they are.
     void Refresh(const std::vector<Record>& myRecords, const std::filesystem::path& myDataFolder) const;
@@ -29,11 +53,23 @@ public:
     /// Writes a page.
     void Write(const std::string& myPage, std::string_view myBytes);
 
+    /// The build has come to its end.
+    void Finish();
+
 private:
+    void ReadList();
     void StoreList() const;
+    void RemoveUnfinished() const;
+    void RemoveStaleStatic(const std::set<std::string>& myWanted);
+    /// True when the way to a path leads through real folders alone, or nothing is there yet.
+    bool IsReachable(const std::string& myPath) const;
+    /// What keeps a static file from being written; the empty text when nothing does.
+    std::string ObstacleTo(const StaticFile& myFile) const;
 
     std::filesystem::path myFolder;
-    std::set<std::string> myWritten;
+    std::set<std::string> myWritten; ///< the lines of the list
+    bool myWasInterrupted = false;
+    bool myIsFinished = false;
 };
 
 } // namespace qel::host

@@ -2,6 +2,7 @@
 
 #include "build/Builder.h"
 #include "build/Component.h"
+#include "build/Interruption.h"
 #include "commands/openInBrowser.h"
 #include "common/Failure.h"
 #include "common/printable.h"
@@ -35,15 +36,31 @@ BuildResult BuildPages(Site& theSite, const Arguments& myArguments)
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(theSite);
     const UserLock myLock = LockForWriting(theSite);
-    return Builder(theSite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0).Build(myArguments.OtherPage);
+    const Interruption myInterruption;
+    return Builder(theSite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0)
+        .Build({myArguments.OtherPage, myArguments.KeepErrors, !myArguments.NoRefresh});
 }
 
-/// Ends the program with 1 if a module failed, which has been reported.
+/// Ends the program with 1 if something failed, which has been reported.
 void DemandSuccess(const BuildResult& myResult)
 {
-    if (myResult.Failures > 0)
+    if (myResult.Failures > 0 || myResult.Problems > 0)
     {
         throw CLI::RuntimeError(1);
+    }
+}
+
+/// Carries out a command that builds. Where the user interrupts it, the program ends once everything is closed.
+void RunBuilding(void (*myCommand)(const Arguments&), const Arguments& myArguments)
+{
+    try
+    {
+        myCommand(myArguments);
+    }
+    catch (const Interrupted& myEnd)
+    {
+        std::cerr << "qelhost: " << myEnd.what() << "." << std::endl;
+        Interrupted::EndProgram();
     }
 }
 
@@ -57,13 +74,16 @@ void Build(const Arguments& myArguments)
         std::cout << JsonObject({{"pages", int64_t{myResult.Pages}},
                                  {"modules", int64_t{myResult.Modules}},
                                  {"failed", int64_t{myResult.Failures}},
+                                 {"problems", int64_t{myResult.Problems}},
                                  {"folder", myFolder}})
                   << std::endl;
     }
     else
     {
         std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules
-                  << ", failed: " << myResult.Failures << ". They are in " << myFolder << std::endl;
+                  << ", failed: " << myResult.Failures
+                  << (myResult.Problems > 0 ? ", other problems: " + std::to_string(myResult.Problems) : "")
+                  << ". They are in " << myFolder << std::endl;
     }
     DemandSuccess(myResult);
 }
@@ -199,13 +219,20 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
     myBuild->add_option("--only", theArguments.OtherPage, "Builds this page and leaves the others as they are")
         ->type_name("PAGE");
     myBuild->add_flag("--json", theArguments.Json, "Writes the result as a JSON object");
-    myBuild->footer("A module that fails does not stop the build: its reason is shown, and the program ends with 1.");
-    myBuild->callback([&theArguments] { Build(theArguments); });
+    myBuild->add_flag("--keep-errors", theArguments.KeepErrors,
+                      "Puts what the component says of a failed module into the page, not a comment");
+    myBuild->add_flag("--no-refresh", theArguments.NoRefresh,
+                      "Builds the pages as they are stored, also where the files that they came from have changed");
+    myBuild->footer("A page whose file has changed since it was added or set is taken from that file again.\n"
+                    "What lies in SITE/static goes into the build as it stands: styles, scripts, pictures.\n"
+                    "A module that fails does not stop the build: a comment with its number is put in its place, its\n"
+                    "reason is shown, and the program ends with 1.");
+    myBuild->callback([&theArguments] { RunBuilding(Build, theArguments); });
 
     CLI::App* const myPreview =
         AddSiteCommand(theApplication, "preview", "Builds the pages and opens one in the browser", theArguments);
     myPreview->add_option("PAGE", theArguments.Page, "The page to open; without it the first one")->type_name("");
-    myPreview->callback([&theArguments] { Preview(theArguments); });
+    myPreview->callback([&theArguments] { RunBuilding(Preview, theArguments); });
 
     CLI::App* const myGroup = AddGroup(theApplication, "site", "The site as a whole");
     CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes the site's title", theArguments);

@@ -38,6 +38,8 @@ struct Arguments
     bool WithModules = false;
     std::filesystem::path Folder;
     bool Force = false;
+    bool KeepErrors = false;
+    bool NoRefresh = false;
     std::vector<std::string> Checks;
     double Seconds = 10;
     bool List = false;

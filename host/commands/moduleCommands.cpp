@@ -26,7 +26,7 @@ std::string ReadScript(const std::filesystem::path& myFile)
     {
         return Failure("the script " + myFile.string() + " " + myReason);
     };
-    std::string theScript = ReadWholeFile(myFile);
+    std::string theScript = ReadWholeFile(myFile, LongestText);
     if (!IsUtf8(theScript))
     {
         throw myProblem("is not valid UTF-8; save it as UTF-8");

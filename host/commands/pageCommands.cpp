@@ -1,9 +1,12 @@
 #include "commands/commands.h"
 #include "common/Failure.h"
 #include "common/printable.h"
+#include "site/PageText.h"
 #include "site/references.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
+
+#include <iostream>
 
 #include <algorithm>
 #include <iostream>
@@ -34,10 +37,14 @@ bool IsInSite(Site& theSite, const std::string& myPath)
     return myIsPage || myIsOfBuild || (myFolder != ".." && fs::exists(theSite.StaticFolder() / myNormal, myIgnored));
 }
 
-/// Tells the author which references of a page lead to nothing.
-void ReportReferences(Site& theSite, const std::string& myPage, const std::string& myContent)
+/// Tells the author which references of a page lead to nothing, and which comments look like places and are none.
+void ReportOddities(Site& theSite, const std::string& myPage, const PageInput& myInput)
 {
-    for (const std::string& myPath : RelativeReferences(myContent))
+    for (const std::string& myComment : PageText(myInput.Content).UnknownComments())
+    {
+        std::cerr << "qelhost: " << Printable(myPage + ", " + myComment) << "." << std::endl;
+    }
+    for (const std::string& myPath : RelativeReferences(myInput.Content))
     {
         if (!IsInSite(theSite, myPath))
         {
@@ -52,10 +59,10 @@ void Add(const Arguments& myArguments)
 {
     const std::string myName = myArguments.Name.value_or(myArguments.File.filename().string());
     const std::string myTitle = myArguments.Title.value_or(fs::path(myName).stem().string());
-    const std::string myContent = ReadWholeFile(myArguments.File);
+    const PageInput myInput = ReadPage(myArguments.File);
     Site mySite(myArguments.Site);
-    mySite.AddPage(myName, myTitle, myContent);
-    ReportReferences(mySite, myName, myContent);
+    mySite.AddPage(myName, myTitle, myInput);
+    ReportOddities(mySite, myName, myInput);
 }
 
 void Show(const Arguments& myArguments)
@@ -66,10 +73,10 @@ void Show(const Arguments& myArguments)
 
 void Set(const Arguments& myArguments)
 {
-    std::optional<std::string> myContent;
+    std::optional<PageInput> myInput;
     if (myArguments.OptionalFile)
     {
-        myContent = ReadWholeFile(*myArguments.OptionalFile);
+        myInput = ReadPage(*myArguments.OptionalFile);
     }
     else if (!myArguments.Title && !myArguments.Name)
     {
@@ -82,8 +89,11 @@ void Set(const Arguments& myArguments)
         mySite.RenamePage(myName, *myArguments.Name);
         myName = *myArguments.Name;
     }
-    mySite.SetPage(myName, myArguments.Title, myContent);
-    ReportReferences(mySite, myName, myContent.value_or(""));
+    mySite.SetPage(myName, myArguments.Title, myInput);
+    if (myInput)
+    {
+        ReportOddities(mySite, myName, *myInput);
+    }
 }
 
 void List(const Arguments& myArguments)

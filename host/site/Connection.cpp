@@ -2,6 +2,9 @@
 
 #include "common/Failure.h"
 
+#include <algorithm>
+#include <array>
+
 #include <sqlite3.h>
 
 namespace qel::host
@@ -11,6 +14,7 @@ namespace
 {
 
 constexpr int myWaitInMilliseconds = 10'000;
+constexpr const char* myDiskIsFull = "the disk is full; make room and try again";
 
 std::string Advice(int myCode)
 {
@@ -21,16 +25,42 @@ std::string Advice(int myCode)
         return "another program is working on it; try again when that has ended";
     case SQLITE_CANTOPEN:
     case SQLITE_PERM:
+        return "it cannot be opened; check its permissions and those of its folder";
     case SQLITE_READONLY:
-        return "it cannot be opened for writing; check its permissions and those of its folder";
+        return "it can only be read; check its permissions and those of its folder, or copy the site to another disk";
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
         return "it is damaged or not a SQLite database; put back a copy of it";
     case SQLITE_FULL:
-        return "the disk is full; make room and try again";
+        return myDiskIsFull;
+    case SQLITE_IOERR:
+        // The index of the write-ahead log has no room.
+        return myCode == SQLITE_IOERR_SHMSIZE ? myDiskIsFull : "the disk reports an error; check it and try again";
     default:
         return {};
     }
+}
+
+/// True for what keeps a database from being written that may well be readable.
+bool KeepsFromWriting(int myCode)
+{
+    constexpr std::array myCodes{SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY, SQLITE_FULL, SQLITE_IOERR};
+    return std::ranges::find(myCodes, myCode & 0xFF) != myCodes.end();
+}
+
+/// An address that SQLite opens a file by, as one that nothing changes meanwhile.
+std::string UnchangingAddress(const std::filesystem::path& myFilename)
+{
+    std::string theAddress = "file:";
+    for (const char myCharacter : myFilename.string())
+    {
+        const bool myIsSpecial = std::string_view("%?#").find(myCharacter) != std::string_view::npos;
+        theAddress += !myIsSpecial         ? std::string(1, myCharacter)
+                      : myCharacter == '%' ? "%25"
+                      : myCharacter == '?' ? "%3f"
+                                           : "%23";
+    }
+    return theAddress + "?immutable=1";
 }
 
 void BindValue(sqlite3_stmt* myStatement, int myIndex, const Value& myValue)
@@ -62,11 +92,11 @@ void Connection::Closer::operator()(sqlite3* theHandle) const
     sqlite3_close_v2(theHandle);
 }
 
-Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : myFilename(theFilename)
+void Connection::Open(const std::string& myAddress, int myFlags)
 {
-    const int myFlags = SQLITE_OPEN_READWRITE | (myMode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    myIdleStatements.clear();
     sqlite3* theHandle = nullptr;
-    const int myResult = sqlite3_open_v2(myFilename.c_str(), &theHandle, myFlags, nullptr);
+    const int myResult = sqlite3_open_v2(myAddress.c_str(), &theHandle, myFlags, nullptr);
     myHandle.reset(theHandle);
     if (myResult != SQLITE_OK)
     {
@@ -74,10 +104,71 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
     }
     sqlite3_busy_timeout(myHandle.get(), myWaitInMilliseconds);
     Run("PRAGMA foreign_keys = ON");
+}
+
+Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : myFilename(theFilename)
+{
     if (myMode == Mode::Create)
     {
+        Open(myFilename.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
         Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
+        return;
     }
+    try
+    {
+        Open(myFilename.string(), SQLITE_OPEN_READWRITE);
+        Number("SELECT count(*) FROM sqlite_schema"); // needs the files of the write-ahead log
+        if (sqlite3_db_readonly(myHandle.get(), "main") != 0)
+        {
+            RefuseWriting(Advice(SQLITE_READONLY));
+        }
+    }
+    catch (const Failure&)
+    {
+        const int myCode = myHandle ? sqlite3_extended_errcode(myHandle.get()) : SQLITE_CANTOPEN;
+        if (!KeepsFromWriting(myCode))
+        {
+            throw;
+        }
+        OpenForReading();
+        RefuseWriting(Advice((myCode & 0xFF) == SQLITE_CANTOPEN ? SQLITE_READONLY : myCode));
+    }
+}
+
+void Connection::OpenForReading()
+{
+    try
+    {
+        Open(myFilename.string(), SQLITE_OPEN_READONLY);
+        Number("SELECT count(*) FROM sqlite_schema");
+    }
+    catch (const Failure&)
+    {
+        // Without its write-ahead log the file alone is the whole database. With one it is not.
+        std::error_code myError;
+        const auto myLength = std::filesystem::file_size(myFilename.string() + "-wal", myError);
+        if (!myError && myLength > 0)
+        {
+            throw Failure(myFilename.string() +
+                          ": a program that wrote to it was interrupted, and its disk cannot be written to complete "
+                          "that; make room, or copy the site to another disk");
+        }
+        Open(UnchangingAddress(myFilename), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    }
+}
+
+void Connection::DemandWritable() const
+{
+    if (!myRefusal.empty())
+    {
+        throw Failure(myFilename.string() + ": " + myRefusal);
+    }
+}
+
+void Connection::RefuseWriting(const std::string& myReason)
+{
+    Run("PRAGMA query_only = ON");
+    myRefusal = myReason;
 }
 
 void Connection::Run(std::string_view mySQL, std::initializer_list<Value> myValues)
@@ -110,9 +201,15 @@ int64_t Connection::LastKey() const
 
 void Connection::Fail(int myCode) const
 {
-    const std::string myAdvice = Advice(myCode);
-    const char* myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
-    throw Failure(myFilename.string() + ": " + (myAdvice.empty() ? std::string(myReason) : myAdvice));
+    if ((myCode & 0xFF) == SQLITE_READONLY)
+    {
+        DemandWritable();
+    }
+    const std::string myAdvice = Advice(myHandle ? sqlite3_extended_errcode(myHandle.get()) : myCode);
+    const std::string myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
+    throw Failure(
+        myFilename.string() + ": " +
+        (myAdvice.empty() ? "the database fails with \"" + myReason + "\"; put back a copy of it" : myAdvice));
 }
 
 void Connection::Finisher::operator()(sqlite3_stmt* theStatement) const
@@ -184,6 +281,10 @@ std::string Statement::Text(int myColumn) const
 
 Transaction::Transaction(Connection& theConnection, Kind myKind) : myConnection(theConnection)
 {
+    if (myKind == Kind::Writing)
+    {
+        myConnection.DemandWritable();
+    }
     myConnection.Run(myKind == Kind::Writing ? "BEGIN IMMEDIATE" : "BEGIN");
 }
 

@@ -27,6 +27,9 @@ using Value = std::variant<std::monostate, int64_t, std::string_view, Blob>;
 
 /// An open database: foreign keys are enforced, and it waits some seconds for other programs that hold it. It and its
 /// statements take no locks of their own and are used on one thread.
+///
+/// An existing database that cannot be opened for writing, since its disk is full or can only be read, is opened for
+/// reading. Each attempt to write to it is a Failure with that reason.
 class Connection
 {
 public:
@@ -37,6 +40,12 @@ public:
     };
 
     Connection(const std::filesystem::path& myFilename, Mode myMode);
+
+    /// Passes when the database can be written. Failure: it is open for reading only.
+    void DemandWritable() const;
+
+    /// Lets the database be read only from now on; the reason goes to who tries to write.
+    void RefuseWriting(const std::string& myReason);
 
     /// Runs one statement to its end.
     void Run(std::string_view mySQL, std::initializer_list<Value> myValues = {});
@@ -65,10 +74,14 @@ private:
     using Statements = std::multimap<std::string, std::unique_ptr<sqlite3_stmt, Finisher>, std::less<>>;
 
     [[noreturn]] void Fail(int myCode) const;
+    /// Opens the file, or closes it and opens it in another way.
+    void Open(const std::string& myAddress, int myFlags);
+    void OpenForReading();
     Statements::node_type Prepared(std::string_view mySQL);
 
     std::filesystem::path myFilename;
     std::unique_ptr<sqlite3, Closer> myHandle;
+    std::string myRefusal;       ///< why nothing can be written, or empty
     Statements myIdleStatements; ///< prepared and not in use, by their text
 };
 

@@ -40,6 +40,14 @@ std::string_view TakeWord(std::string_view& theText)
     return theWord;
 }
 
+/// True for a word that is, or was to be, one of those that mark a place.
+bool IsLikePlace(std::string_view myWord)
+{
+    constexpr std::string_view myHead = "qel:";
+    return std::ranges::equal(myWord.substr(0, myHead.size()), myHead,
+                              [](char myLeft, char myRight) { return (myLeft | 0x20) == (myRight | 0x20); });
+}
+
 /// Where the unnamed place is in a page that does not show it.
 std::size_t DefaultPlace(std::string_view myContent)
 {
@@ -65,6 +73,11 @@ PageText::PageText(std::string theContent) : myContent(std::move(theContent))
         myEnd = myContent.find(myClosing, myStart + myOpening.size());
         if (myEnd == std::string::npos)
         {
+            std::string_view myRest = std::string_view(myContent).substr(myStart + myOpening.size());
+            if (IsLikePlace(TakeWord(myRest)))
+            {
+                NoteUnknown(myStart, myContent.size());
+            }
             break;
         }
         myEnd += myClosing.size();
@@ -86,9 +99,12 @@ void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
     const std::string myName(TakeWord(myWords));
     if (!TakeWord(myWords).empty())
     {
-        return;
+        if (IsLikePlace(myWord))
+        {
+            NoteUnknown(myStart, myEnd);
+        }
     }
-    if (myWord == "qel:modules")
+    else if (myWord == "qel:modules")
     {
         myPlaces.push_back({myStart, myEnd, PlaceKind::Modules, myName, !HasPlace(myName)});
     }
@@ -100,6 +116,24 @@ void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
     {
         myPlaces.push_back({myStart, myEnd, PlaceKind::Menu, {}, true});
     }
+    else if (IsLikePlace(myWord))
+    {
+        NoteUnknown(myStart, myEnd);
+    }
+}
+
+void PageText::NoteUnknown(std::size_t myStart, std::size_t myEnd)
+{
+    constexpr std::size_t myLongest = 60;
+    const auto myLine =
+        1 + std::count(myContent.begin(), myContent.begin() + static_cast<std::ptrdiff_t>(myStart), '\n');
+    const std::string myComment = myContent.substr(myStart, std::min(myEnd - myStart, myLongest));
+    const std::string myText =
+        myEncoding == Encoding::Windows1252 ? ToUtf8(FromAnsi(myComment)) : ToUtf8(FromUtf8(myComment));
+    myUnknownComments.push_back("line " + std::to_string(myLine) + ": a build does not fill " + myText +
+                                (myEnd - myStart > myLongest ? "..." : "") +
+                                "; it fills <!-- qel:modules -->, <!-- qel:modules NAME -->, <!-- qel:title --> and "
+                                "<!-- qel:menu -->, with these small letters");
 }
 
 bool PageText::HasPlace(std::string_view myName) const
@@ -181,6 +215,28 @@ std::string EscapedForHtml(std::string_view myText)
         theText += myIsPlain ? std::string(1, myCharacter) : CharacterReference(myCode);
     }
     return theText;
+}
+
+std::string EncodedForAddress(std::string_view myName)
+{
+    constexpr std::string_view myPlain = "-._~";
+    constexpr std::string_view myDigits = "0123456789ABCDEF";
+    std::string theAddress;
+    for (const char myCharacter : myName)
+    {
+        const auto myCode = static_cast<unsigned char>(myCharacter);
+        const bool myIsLetter = (myCode | 0x20) >= 'a' && (myCode | 0x20) <= 'z';
+        const bool myIsDigit = myCode >= '0' && myCode <= '9';
+        if (myIsLetter || myIsDigit || myPlain.find(myCharacter) != std::string_view::npos)
+        {
+            theAddress += myCharacter;
+        }
+        else
+        {
+            theAddress += {'%', myDigits[myCode >> 4], myDigits[myCode & 0xF]};
+        }
+    }
+    return theAddress;
 }
 
 namespace

@@ -3,7 +3,7 @@
 /// The places are comments: `<!-- qel:modules -->` and `<!-- qel:modules NAME -->` for the modules of the unnamed place
 /// and of a named one, `<!-- qel:title -->` for the site's title, `<!-- qel:menu -->` for the list of its pages. A page
 /// without the unnamed place has it right before its last `</body>`, or at its end. Only the first place of a name is
-/// filled; the comments never reach the output.
+/// filled; the comments never reach the output. Any other comment stays.
 ///
 /// The author's bytes stay as they are. What is put in is written as they are: as UTF-8 where the page is UTF-8 with
 /// more than ASCII in it, otherwise in Windows-1252; and in a page of plain ASCII, whose encoding cannot be told from
@@ -28,6 +28,10 @@ public:
     bool HasPlace(std::string_view myName) const;
 
     bool HasMenu() const;
+
+    /// The comments that begin like a place and are none, such as a mistyped `<!-- qel:modulos -->`, each with its
+    /// line: what is to be told about them, ready to print.
+    std::vector<std::string> UnknownComments() const { return myUnknownComments; }
 
     /// The page with its places filled: modules by the name of their place, and the rest as HTML.
     std::string Filled(const std::map<std::string, Text>& myModules, TextView myTitle, TextView myMenu) const;
@@ -60,10 +64,12 @@ private:
     };
 
     void ReadPlace(std::size_t myStart, std::size_t myEnd);
+    void NoteUnknown(std::size_t myStart, std::size_t myEnd);
 
     std::string myContent;
     Encoding myEncoding;
     std::vector<Place> myPlaces; ///< in the order of the page
+    std::vector<std::string> myUnknownComments;
 };
 
 /// Passes when the bytes can be a page. Failure: they are not text of one byte or UTF-8.
@@ -72,6 +78,10 @@ void DemandPageContent(std::string_view myContent);
 /// The UTF-8 text with the characters escaped that mean something to HTML, to a script that has the HTML in a quoted
 /// text, or to the component's templates.
 std::string EscapedForHtml(std::string_view myText);
+
+/// A file name as it stands in the address of a link: its UTF-8 with each byte that has a meaning there, or is not of
+/// ASCII, as "%" and its number.
+std::string EncodedForAddress(std::string_view myName);
 
 /// The text that was escaped so, or as authors write it: what stands for a character of ASCII becomes that character.
 std::string UnescapedFromHtml(std::string_view myText);

@@ -104,29 +104,47 @@ void DemandPosition(int64_t myPosition, int64_t myLast)
 void Site::Create(const fs::path& myFolder, std::string_view myTitle)
 {
     DemandTitle(myTitle);
-    if (fs::exists(myFolder / "site.db"))
+    if (TypeOfEntry(myFolder / "site.db") != fs::file_type::not_found)
     {
         throw Failure(myFolder.string() + " is a site already; work on it, or give another folder");
     }
     for (const char* mySubfolder : {"data", "build"})
     {
-        if (fs::exists(fs::symlink_status(myFolder / mySubfolder)))
+        if (TypeOfEntry(myFolder / mySubfolder) != fs::file_type::not_found)
         {
             throw Failure((myFolder / mySubfolder).string() + " is there already; give another folder for the site");
         }
     }
-    fs::create_directories(myFolder / "data");
+    MakeFolder(myFolder / "data");
+    MakeFolder(myFolder / "static"); // an author may have filled it already
     Connection(myFolder / "site.db", Connection::Mode::Create)
         .RunAll("PRAGMA application_id = " + std::to_string(myApplication));
     Site(myFolder).myConnection.Run("INSERT INTO site VALUES (1, ?)", {myTitle});
 }
 
+namespace
+{
+
+/// The folder of a site, absolute and with all links followed. Failure: it is none.
+fs::path RealFolder(const fs::path& myFolder)
+{
+    if (TypeOfEntry(myFolder / "site.db") == fs::file_type::not_found)
+    {
+        throw Failure(myFolder.string() + " is not a site: run qelhost init " + myFolder.string());
+    }
+    std::error_code myError;
+    fs::path theFolder = fs::canonical(myFolder, myError);
+    if (myError)
+    {
+        FailWithSystemError("cannot open the site " + myFolder.string(), myError.value());
+    }
+    return theFolder;
+}
+
+} // namespace
+
 Site::Site(const fs::path& theFolder)
-    : myFolder(fs::canonical(
-          fs::exists(theFolder / "site.db")
-              ? theFolder
-              : throw Failure(theFolder.string() + " is not a site: run qelhost init " + theFolder.string()))),
-      myConnection(myFolder / "site.db", Connection::Mode::Existing)
+    : myFolder(RealFolder(theFolder)), myConnection(myFolder / "site.db", Connection::Mode::Existing)
 {
     Migrate();
 }
@@ -147,16 +165,28 @@ void Site::Migrate()
         throw Failure(myFolder.string() + " has the format " + std::to_string(myVersion()) +
                       " of a newer qelhost, and this one knows " + std::to_string(myNewest) + "; use the newer one");
     }
-    while (myVersion() < myNewest)
+    try
     {
-        Transaction myTransaction(myConnection, Transaction::Kind::Writing);
-        const int64_t myOld = myVersion();
-        if (myOld < myNewest)
+        while (myVersion() < myNewest)
         {
-            myConnection.RunAll(myMigrations[static_cast<std::size_t>(myOld)]);
-            myConnection.RunAll("PRAGMA user_version = " + std::to_string(myOld + 1));
+            Transaction myTransaction(myConnection, Transaction::Kind::Writing);
+            const int64_t myOld = myVersion();
+            if (myOld < myNewest)
+            {
+                myConnection.RunAll(myMigrations[static_cast<std::size_t>(myOld)]);
+                myConnection.RunAll("PRAGMA user_version = " + std::to_string(myOld + 1));
+            }
+            myTransaction.Commit();
         }
-        myTransaction.Commit();
+    }
+    catch (const Failure& myFailure)
+    {
+        // Where the new format cannot be written, an old site can still be listed and shown.
+        if (myVersion() == 0)
+        {
+            throw;
+        }
+        myConnection.RefuseWriting(myFailure.what());
     }
 }
 
@@ -182,11 +212,11 @@ int64_t Site::PageId(std::string_view myName)
     return theId;
 }
 
-void Site::AddPage(std::string_view myName, std::string_view myTitle, std::string_view myContent)
+void Site::AddPage(std::string_view myName, std::string_view myTitle, const PageInput& myInput)
 {
     DemandPageName(myName);
     DemandTitle(myTitle);
-    DemandPageContent(myContent);
+    DemandPageContent(myInput.Content);
     Transaction myTransaction(myConnection, Transaction::Kind::Writing);
     if (myConnection.Number("SELECT 1 FROM page WHERE name = ?", {myName}) != 0)
     {
@@ -195,7 +225,8 @@ void Site::AddPage(std::string_view myName, std::string_view myTitle, std::strin
     }
     myConnection.Run(
         "INSERT INTO page (name, title, position, content) VALUES (?, ?, (SELECT count(*) + 1 FROM page), ?)",
-        {myName, myTitle, Blob{myContent}});
+        {myName, myTitle, Blob{myInput.Content}});
+    StoreSource(myConnection.LastKey(), myInput);
     myTransaction.Commit();
 }
 
@@ -213,7 +244,7 @@ void Site::RenamePage(std::string_view myName, std::string_view myNewName)
 }
 
 void Site::SetPage(std::string_view myName, const std::optional<std::string>& myTitle,
-                   const std::optional<std::string>& myContent)
+                   const std::optional<PageInput>& myInput)
 {
     Transaction myTransaction(myConnection, Transaction::Kind::Writing);
     const int64_t myId = PageId(myName);
@@ -222,10 +253,9 @@ void Site::SetPage(std::string_view myName, const std::optional<std::string>& my
         DemandTitle(*myTitle);
         myConnection.Run("UPDATE page SET title = ? WHERE id = ?", {*myTitle, myId});
     }
-    if (myContent)
+    if (myInput)
     {
-        DemandPageContent(*myContent);
-        myConnection.Run("UPDATE page SET content = ? WHERE id = ?", {Blob{*myContent}, myId});
+        StoreContent(myId, *myInput);
     }
     myTransaction.Commit();
 }

@@ -26,6 +26,24 @@ struct Page
     int64_t Modules;   ///< how many stand on it
 };
 
+/// The HTML of a page, and where it comes from.
+struct PageInput
+{
+    std::string Content;
+    std::optional<std::filesystem::path> Source; ///< none for the standard input and whatever else is no plain file
+};
+
+/// Reads what a page is to be; "-" is the standard input. Failure: it cannot be read, or is larger than 16 MB.
+PageInput ReadPage(const std::filesystem::path& myFile);
+
+/// What happened with the file that a page came from.
+struct SourceNews
+{
+    std::string Page;
+    std::string Text;
+    bool IsFailure; ///< the file is there and cannot be taken
+};
+
 struct Module
 {
     int64_t Id;
@@ -41,13 +59,14 @@ public:
     /// Makes a new site. Failure: there is one already, or something stands where its folders go.
     static void Create(const std::filesystem::path& myFolder, std::string_view myTitle);
 
-    /// Opens a site and brings its database up to this program's format. Failure: it is none, or of a newer format.
+    /// Opens a site and brings its database up to this program's format. On a disk that is full or can only be read, a
+    /// site is opened for reading. Failure: it is none, or of a newer format.
     explicit Site(const std::filesystem::path& myFolder);
 
     /// Absolute, without a closing "/".
     std::filesystem::path DataFolder() const { return myFolder / "data"; }
     std::filesystem::path BuildFolder() const { return myFolder / "build"; }
-    /// Files of the author's that belong to the pages.
+    /// What a build takes over as it stands; it need not exist.
     std::filesystem::path StaticFolder() const { return myFolder / "static"; }
 
     std::string Title();
@@ -58,13 +77,16 @@ public:
 
     // ---- Pages ----
 
-    /// Adds a page behind the others.
-    void AddPage(std::string_view myName, std::string_view myTitle, std::string_view myContent);
+    /// Adds a page after the others.
+    void AddPage(std::string_view myName, std::string_view myTitle, const PageInput& myInput);
     /// Gives a page another name; records and modules stay with it. Failure: another page has that name.
     void RenamePage(std::string_view myName, std::string_view myNewName);
     /// Changes what is given.
     void SetPage(std::string_view myName, const std::optional<std::string>& myTitle,
-                 const std::optional<std::string>& myContent);
+                 const std::optional<PageInput>& myInput);
+    /// Takes pages, or the one that is given, from the files that they came from again where those have changed. A file
+    /// that is gone or cannot be taken leaves the stored page in force; that one is gone is reported once.
+    std::vector<SourceNews> RefreshPages(const std::optional<std::string>& myOnlyPage);
     void MovePage(std::string_view myName, int64_t myPosition);
     /// Removes a page; its modules go with it if `myWithModules` says so. Failure: records lead to it, or modules stand
     /// on it.
@@ -75,7 +97,7 @@ public:
 
     // ---- Modules ----
 
-    /// Adds a module behind the others of its place and gives its id. `myArchive` is copied into the data folder.
+    /// Adds a module after the others of its place and returns its id. `myArchive` is copied into the data folder.
     int64_t AddModule(std::string_view myPage, std::string_view myPlace, std::string_view myScript,
                       const std::optional<std::filesystem::path>& myArchive);
     /// Without a page or place the module stays on its own one.
@@ -115,8 +137,8 @@ public:
     /// Adds a record and gives its uid. UsageFailure: what is given does not suit the kind.
     int64_t AddRecord(RecordKind myKind, const RecordChange& myRecord);
     void SetRecord(int64_t myUid, const RecordChange& myChange);
-    /// Removes a record and its file.
-    void RemoveRecord(int64_t myUid);
+    /// Removes a record and its file. Failure: modules link to it, and `myWithLinks` does not allow for that.
+    void RemoveRecord(int64_t myUid, bool myWithLinks);
     std::vector<Record> Records();
     /// Nothing when no record has that uid.
     std::optional<Record> FindRecord(int64_t myUid);
@@ -124,6 +146,14 @@ public:
 private:
     void Migrate();
     int64_t PageId(std::string_view myName);
+    void StoreContent(int64_t myPage, const PageInput& myInput);
+    /// Remembers the file that a page came from, and the hash of its content.
+    void StoreSource(int64_t myPage, const PageInput& myInput);
+    /// Nothing where the file has not changed.
+    std::optional<SourceNews> RefreshPage(int64_t myPage, const std::string& myName, const std::string& mySource,
+                                          const std::string& myOldHash);
+    /// Passes when no module links to a record. Failure: some do; it names them.
+    void DemandUnlinked(int64_t myUid);
     /// Passes when the page has that place. Failure: it has not.
     void DemandPlace(int64_t myPage, std::string_view myPlace);
     Record RecordOf(int64_t myUid);

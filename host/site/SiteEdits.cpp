@@ -23,7 +23,7 @@ void Site::BeginEdit(int64_t myId)
 {
     ModuleOf(myId);
     const fs::path myArchive = DataFolder() / ArchiveName(myId);
-    const bool myHasArchive = fs::exists(fs::symlink_status(myArchive));
+    const bool myHasArchive = TypeOfEntry(myArchive) != fs::file_type::not_found;
     if (myHasArchive)
     {
         CopyWholeFile(myArchive, DataFolder() / CopyName(myId));
@@ -52,17 +52,18 @@ void Site::UndoEdit(int64_t myId)
     const fs::path myCopy = DataFolder() / CopyName(myId);
     if (myMark.Number(0) == 0)
     {
-        fs::remove(myArchive);
+        RemoveFile(myArchive);
     }
-    else if (fs::exists(fs::symlink_status(myCopy))) // else it has been put back already
+    else if (TypeOfEntry(myCopy) != fs::file_type::not_found) // else it has been put back already
     {
-        fs::rename(myCopy, myArchive);
+        RenameFile(myCopy, myArchive);
     }
     myConnection.Run("DELETE FROM edit WHERE module = ?", {myId});
 }
 
 std::vector<int64_t> Site::UndoInterruptedEdits()
 {
+    myConnection.DemandWritable();
     std::vector<int64_t> theModules;
     {
         Statement myMarks(myConnection, "SELECT module FROM edit ORDER BY module");

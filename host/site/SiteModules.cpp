@@ -34,6 +34,10 @@ int64_t Site::AddModule(std::string_view myPage, std::string_view myPlace, std::
     {
         CopyWholeFile(*myArchive, DataFolder() / ArchiveName(theId));
     }
+    else
+    {
+        RemoveArchives(theId); // of a program that ended before it could store the module
+    }
     myTransaction.Commit();
     return theId;
 }

@@ -1,4 +1,5 @@
 #include "common/Failure.h"
+#include "site/scriptTags.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
@@ -32,9 +33,12 @@ std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName)
 {
     std::string theName = SafeFileName(mySource.filename().string());
     const Text myLowerName = LowerCase(FromUtf8(theName));
-    if (theName.empty() || IsReserved(myLowerName))
+    const std::string myProblem = NameProblem(theName);
+    if (!myProblem.empty() || IsReserved(myLowerName))
     {
-        throw Failure("a record's file cannot be named \"" + theName + "\"; give the file another name");
+        throw Failure("a record's file cannot be named \"" + theName +
+                      "\": " + (myProblem.empty() ? "it is a name of the site's own" : myProblem) +
+                      "; give the file another name");
     }
     for (const std::string& myOther : NamesInFolder(DataFolder()))
     {
@@ -97,10 +101,35 @@ void Site::SetRecord(int64_t myUid, const RecordChange& myChange)
     StoreRecord(myTransaction, RecordOf(myUid), myChange);
 }
 
-void Site::RemoveRecord(int64_t myUid)
+void Site::DemandUnlinked(int64_t myUid)
 {
+    std::string myModules;
+    int myCount = 0;
+    for (const Module& myModule : Modules())
+    {
+        if (NamesRecord(myModule.Script, myUid))
+        {
+            myModules += (++myCount == 1 ? "" : ", ") + std::to_string(myModule.Id);
+        }
+    }
+    if (myCount > 0)
+    {
+        throw Failure((myCount == 1 ? "module " + myModules + " links" : "modules " + myModules + " link") +
+                      " to record " + std::to_string(myUid) +
+                      "; change that with qelhost module edit, or give --force to remove the record nevertheless");
+    }
+}
+
+void Site::RemoveRecord(int64_t myUid, bool myWithLinks)
+{
+    Transaction myTransaction(myConnection, Transaction::Kind::Writing);
     const Record myOld = RecordOf(myUid);
+    if (!myWithLinks)
+    {
+        DemandUnlinked(myUid);
+    }
     myConnection.Run("DELETE FROM record WHERE uid = ?", {myUid});
+    myTransaction.Commit();
     RemoveDataFile(myOld.Filename);
 }
 

@@ -5,13 +5,16 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include <optional>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qel::host
@@ -23,9 +26,40 @@ namespace
 /// Separators, what ends or splits an address, and what ends the quoted text of a script that the address stands in.
 constexpr std::string_view myForbiddenCharacters = "/\\:%#?\"'<>";
 
-[[noreturn]] void FailWithSystemError(const std::string& myWhat, int myError)
+/// What the file systems in use allow, in bytes.
+constexpr std::size_t myLongestName = 255;
+
+constexpr std::string_view myUnfinishedHead = ".qelhost-";
+constexpr std::string_view myUnfinishedEnd = ".new";
+
+std::string SystemReason(int myError)
 {
-    throw Failure(myWhat + ": " + std::strerror(myError));
+    switch (myError)
+    {
+    case ENOSPC:
+        return "the disk is full; make room and try again";
+    case EDQUOT:
+        return "your share of the disk is full; make room and try again";
+    case EROFS:
+        return "the disk can only be read; copy the site to another one";
+    case EACCES:
+    case EPERM:
+        return "no permission; change the permissions of the file and its folder";
+    case ENOENT:
+        return "there is no such file or folder; check the path";
+    case ENOTDIR:
+        return "a part of its path is not a folder; check the path";
+    case EISDIR:
+        return "it is a folder; give a file";
+    case ENAMETOOLONG:
+        return "the name is too long; give a shorter one";
+    case ENOTSUP:
+        return "it is not a plain file; give one";
+    case ELOOP:
+        return "it is a link, or leads through too many; give the file itself";
+    default:
+        return std::strerror(myError);
+    }
 }
 
 bool IsForbidden(char myCharacter)
@@ -40,7 +74,8 @@ class NewFile
 public:
     explicit NewFile(const fs::path& theTarget)
         : myTarget(theTarget.string()),
-          myName(myTarget.substr(0, myTarget.rfind('/') + 1) + ".qelhost-" + std::to_string(getpid()) + ".new")
+          myName(myTarget.substr(0, myTarget.rfind('/') + 1) + std::string(myUnfinishedHead) +
+                 std::to_string(getpid()) + std::string(myUnfinishedEnd))
     {
     }
     NewFile(const NewFile&) = delete;
@@ -99,23 +134,44 @@ private:
 
 } // namespace
 
-std::string ReadWholeFile(const fs::path& mySource)
+void FailWithSystemError(const std::string& myWhat, int myError)
 {
-    if (mySource == "-")
+    throw Failure(myWhat + ": " + SystemReason(myError));
+}
+
+std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
+{
+    const bool myIsInput = mySource == "-";
+    const std::string myWhat = "cannot read " + (myIsInput ? "the standard input" : mySource.string());
+    Descriptor myFile(myIsInput ? -1 : open(mySource.c_str(), O_RDONLY | O_CLOEXEC));
+    const int myHandle = myIsInput ? STDIN_FILENO : myFile.Handle();
+    struct stat myFacts
     {
-        return {std::istreambuf_iterator<char>(std::cin), {}};
+    };
+    if (myHandle == -1 || fstat(myHandle, &myFacts) != 0)
+    {
+        FailWithSystemError(myWhat, errno);
     }
-    std::error_code myError;
-    if (fs::is_directory(mySource, myError))
+    std::string theBytes;
+    const auto DemandLength = [&](uint64_t myLength)
     {
-        throw Failure("cannot read " + mySource.string() + ": it is a folder");
-    }
-    errno = 0;
-    std::ifstream myStream(mySource, std::ios::binary);
-    std::string theBytes{std::istreambuf_iterator<char>(myStream), {}};
-    if (!myStream.is_open() || myStream.bad())
+        if (myLength > myLimit)
+        {
+            throw Failure(myWhat + ": it is larger than " + std::to_string(myLimit >> 20) +
+                          " MB; move what it holds into several files");
+        }
+    };
+    DemandLength(S_ISREG(myFacts.st_mode) ? static_cast<uint64_t>(myFacts.st_size) : 0);
+    std::array<char, 65536> myPart{};
+    for (ssize_t myCount = 1; myCount != 0;)
     {
-        FailWithSystemError("cannot read " + mySource.string(), errno);
+        myCount = Retrying([&] { return read(myHandle, myPart.data(), myPart.size()); });
+        if (myCount < 0)
+        {
+            FailWithSystemError(myWhat, errno);
+        }
+        theBytes.append(myPart.data(), static_cast<std::size_t>(myCount));
+        DemandLength(theBytes.size());
     }
     return theBytes;
 }
@@ -134,6 +190,110 @@ void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget)
     myFile.TakePlace();
 }
 
+fs::file_type TypeOfEntry(const fs::path& myPath)
+{
+    std::error_code myError;
+    const fs::file_type theType = fs::symlink_status(myPath, myError).type();
+    if (theType == fs::file_type::none)
+    {
+        FailWithSystemError("cannot look at " + myPath.string(), myError.value());
+    }
+    return theType;
+}
+
+bool HaveSameContent(const fs::path& myOne, const fs::path& myOther)
+{
+    const auto Length = [](const fs::path& myFile) -> std::optional<uint64_t>
+    {
+        std::error_code myError;
+        const uint64_t theLength = fs::file_size(myFile, myError);
+        return myError || TypeOfEntry(myFile) != fs::file_type::regular ? std::nullopt : std::optional(theLength);
+    };
+    const auto myLength = Length(myOne);
+    if (!myLength || myLength != Length(myOther))
+    {
+        return false;
+    }
+    const Descriptor myOneFile(open(myOne.c_str(), O_RDONLY | O_CLOEXEC));
+    const Descriptor myOtherFile(open(myOther.c_str(), O_RDONLY | O_CLOEXEC));
+    std::array<char, 65536> myOnePart{};
+    std::array<char, 65536> myOtherPart{};
+    ssize_t myCount = 1;
+    while (myCount > 0)
+    {
+        myCount = Retrying([&] { return read(myOneFile.Handle(), myOnePart.data(), myOnePart.size()); });
+        const ssize_t myOtherCount =
+            Retrying([&] { return read(myOtherFile.Handle(), myOtherPart.data(), myOtherPart.size()); });
+        if (myCount != myOtherCount ||
+            !std::equal(myOnePart.begin(), myOnePart.begin() + std::max<ssize_t>(myCount, 0), myOtherPart.begin()))
+        {
+            return false;
+        }
+    }
+    return myCount == 0;
+}
+
+void MakeFolder(const fs::path& myFolder)
+{
+    std::error_code myError;
+    fs::create_directories(myFolder, myError);
+    if (myError)
+    {
+        FailWithSystemError("cannot make the folder " + myFolder.string(), myError.value());
+    }
+}
+
+void RemoveFile(const fs::path& myFile)
+{
+    if (unlink(myFile.c_str()) != 0 && errno != ENOENT)
+    {
+        FailWithSystemError("cannot remove " + myFile.string(), errno);
+    }
+}
+
+void RenameFile(const fs::path& myFile, const fs::path& myTarget)
+{
+    if (rename(myFile.c_str(), myTarget.c_str()) != 0)
+    {
+        FailWithSystemError("cannot rename " + myFile.string(), errno);
+    }
+}
+
+namespace
+{
+
+/// The number of the program that writes an unfinished file of that name; 0 for any other name.
+pid_t WriterOf(std::string_view myName)
+{
+    pid_t theWriter = 0;
+    if (myName.starts_with(myUnfinishedHead) && myName.ends_with(myUnfinishedEnd))
+    {
+        const char* const myEnd = myName.data() + myName.size() - myUnfinishedEnd.size();
+        const auto myParsed = std::from_chars(myName.data() + myUnfinishedHead.size(), myEnd, theWriter);
+        theWriter = myParsed.ptr == myEnd ? theWriter : 0;
+    }
+    return theWriter;
+}
+
+bool HasEnded(pid_t myProgram)
+{
+    return kill(myProgram, 0) != 0 && errno == ESRCH;
+}
+
+} // namespace
+
+void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind)
+{
+    for (const std::string& myName : NamesInFolder(myFolder))
+    {
+        const pid_t myWriter = WriterOf(myName);
+        if (myWriter > 0 && (myKind == Unfinished::OfAllPrograms || HasEnded(myWriter)))
+        {
+            RemoveFile(myFolder / myName);
+        }
+    }
+}
+
 std::vector<std::string> NamesInFolder(const fs::path& myFolder)
 {
     std::error_code myError;
@@ -147,6 +307,7 @@ std::vector<std::string> NamesInFolder(const fs::path& myFolder)
     {
         FailWithSystemError("cannot read the folder " + myFolder.string(), myError.value());
     }
+    std::ranges::sort(theNames);
     return theNames;
 }
 
@@ -163,6 +324,10 @@ std::string NameProblem(std::string_view myName)
     if (!IsUtf8(myName))
     {
         return "it is not valid UTF-8";
+    }
+    if (myName.size() > myLongestName)
+    {
+        return "it is longer than " + std::to_string(myLongestName) + " bytes";
     }
     for (const char myCharacter : myName)
     {

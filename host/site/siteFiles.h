@@ -1,6 +1,9 @@
 /// Files as the commands need them: read whole, written so that a reader never sees half of one, and their names.
+///
+/// Every failure is a Failure that names the file and says in plain words why and what to do next.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -11,8 +14,15 @@ namespace qel::host
 
 namespace fs = std::filesystem;
 
-/// The bytes of a file; "-" is the standard input. Failure: it cannot be read.
-std::string ReadWholeFile(const fs::path& mySource);
+/// The most bytes that a page or a script may have.
+constexpr uint64_t LongestText = 16ULL << 20;
+
+/// Fails with what could not be done and the reason of an errno value.
+[[noreturn]] void FailWithSystemError(const std::string& myWhat, int myError);
+
+/// The bytes of a plain file or a pipe; "-" is the standard input. Failure: it cannot be read, or is longer than
+/// `myLimit` bytes; a plain file that is too long is refused before it is read.
+std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit = UINT64_MAX);
 
 /// Writes a file under another name beside the target and then gives it the target's name, so that the target is there
 /// whole or as it was. A link of that name is replaced and not followed. Failure: it cannot be written.
@@ -21,14 +31,40 @@ void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes);
 /// The same with the bytes of another plain file. Failure: as above, or the source is not a file that can be read.
 void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget);
 
-/// The names in a folder; none when there is no such folder. Failure: it cannot be read.
+/// What is at a path itself, a link not followed. Failure: that cannot be known, for want of permission for example.
+fs::file_type TypeOfEntry(const fs::path& myPath);
+
+/// True when both are plain files of the same bytes.
+bool HaveSameContent(const fs::path& myOne, const fs::path& myOther);
+
+/// Makes a folder, and those that it is to be in. Failure: it cannot be made.
+void MakeFolder(const fs::path& myFolder);
+
+/// Removes a file or link; nothing happens when there is none. Failure: it cannot be removed.
+void RemoveFile(const fs::path& myFile);
+
+/// Gives a file another name in its folder, in the place of a file that has it. Failure: it cannot be renamed.
+void RenameFile(const fs::path& myFile, const fs::path& myTarget);
+
+/// Whose unfinished files are removed.
+enum class Unfinished
+{
+    OfEndedPrograms, ///< other programs may be writing into the folder
+    OfAllPrograms
+};
+
+/// Removes from a folder the files that a program which was killed could not give their names. Failure: one of them
+/// cannot be removed.
+void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind);
+
+/// The names in a folder, sorted; none when there is no such folder. Failure: it cannot be read.
 std::vector<std::string> NamesInFolder(const fs::path& myFolder);
 
 /// What keeps a text from being a file name that an address in a page can carry as it stands, such as `it holds "/"`;
 /// the empty text when nothing does.
 std::string NameProblem(std::string_view myName);
 
-/// The name with "_" for each character that keeps it from being one.
+/// The name with "_" for each character that keeps it from being one. It may still be empty or too long.
 std::string SafeFileName(std::string_view myName);
 
 } // namespace qel::host

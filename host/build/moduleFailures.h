@@ -1,0 +1,33 @@
+/// What the author and the readers of a page are told of a module that failed.
+#pragma once
+
+#include "com/QelHelperInterfaces.h"
+#include "site/Site.h"
+#include "text/text.h"
+
+#include <string>
+#include <string_view>
+
+namespace qel::host
+{
+
+/// The error number in a reason of the component, such as 53 in `... "53: ...".`. Two reasons have none and get the
+/// number that their text has in the component: 720 where nothing is chosen, so that the module's output is empty, and
+/// 730 where its link does not work.
+std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty);
+
+/// The error number of a call of the component that failed: that of the component, or else the result itself.
+std::string ErrorNumberOf(HRESULT myResult);
+
+/// The comment that a page gets in the place of a failed module. It holds nothing but the two numbers.
+Text FailureComment(int64_t myModule, const std::string& myErrorNumber);
+
+/// What is wrong with the record that a module links to: it is missing, leads nowhere, or its file is missing; the
+/// empty text where nothing is. The component does not report a missing file.
+std::string LinkProblem(Site& theSite, const Module& myModule);
+
+/// The files and the record that a failed module is about, as far as they can be known, and what to do about those that
+/// are missing; it follows the component's reason.
+std::string FailureDetails(Site& theSite, const Module& myModule);
+
+} // namespace qel::host

@@ -1,0 +1,112 @@
+#include "build/staticFiles.h"
+
+#include "build/OutputFolder.h"
+#include "common/Failure.h"
+#include "site/siteFiles.h"
+#include "text/encodings.h"
+
+#include <algorithm>
+#include <map>
+
+namespace qel::host
+{
+
+namespace
+{
+
+/// Who has a name at the top of a build, by the name in lower case.
+using Owners = std::map<Text, std::string>;
+
+Owners OwnersOf(const std::vector<Page>& myPages)
+{
+    Owners theOwners;
+    for (const char* mySubfolder : OutputSubfolders)
+    {
+        theOwners[FromUtf8(mySubfolder)] = std::string("a build writes its own files to ") + mySubfolder + "/";
+    }
+    for (const Page& myPage : myPages)
+    {
+        theOwners[LowerCase(FromUtf8(myPage.Name))] = "the page " + myPage.Name + " has this name";
+    }
+    return theOwners;
+}
+
+/// What keeps an entry out; the empty text when nothing does.
+std::string ProblemOf(const std::string& myName, bool myIsAtTop, fs::file_type myType, const Owners& myOwners)
+{
+    const auto IsControl = [](char myCharacter)
+    {
+        return static_cast<unsigned char>(myCharacter) < 0x20 || myCharacter == 0x7F;
+    };
+    if (myName.front() == '.')
+    {
+        return "hidden files are not published; rename or remove it";
+    }
+    if (!IsUtf8(myName) || std::ranges::any_of(myName, IsControl))
+    {
+        return "its name holds a control character or is not valid UTF-8; rename it";
+    }
+    if (myType == fs::file_type::symlink)
+    {
+        return "it is a link, and links are not followed; put the file itself there";
+    }
+    if (myType != fs::file_type::regular && myType != fs::file_type::directory)
+    {
+        return "it is neither a file nor a folder; remove it";
+    }
+    const auto myOwner = myIsAtTop ? myOwners.find(LowerCase(FromUtf8(myName))) : myOwners.end();
+    return myOwner == myOwners.end() ? std::string() : myOwner->second + "; rename it";
+}
+
+} // namespace
+
+StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& myPages)
+{
+    const std::string myShownFolder = myFolder.filename().string() + "/";
+    const fs::file_type myTopType = TypeOfEntry(myFolder);
+    if (myTopType != fs::file_type::directory)
+    {
+        return {
+            {},
+            myTopType == fs::file_type::not_found
+                ? std::vector<std::string>()
+                : std::vector{myShownFolder + ": it is not a folder, or a link to one; put the folder itself there"}};
+    }
+    const Owners myOwners = OwnersOf(myPages);
+    StaticFiles theFiles;
+    std::vector<std::string> myFolders{""}; // still to be read
+    while (!myFolders.empty())
+    {
+        const std::string myPath = myFolders.back();
+        myFolders.pop_back();
+        try
+        {
+            for (const std::string& myName : NamesInFolder(myFolder / myPath))
+            {
+                const std::string myEntry = myPath + myName;
+                const fs::file_type myType = TypeOfEntry(myFolder / myEntry);
+                const std::string myProblem = ProblemOf(myName, myPath.empty(), myType, myOwners);
+                if (!myProblem.empty())
+                {
+                    theFiles.Problems.push_back(myShownFolder + myEntry + ": " + myProblem);
+                }
+                else if (myType == fs::file_type::directory)
+                {
+                    myFolders.push_back(myEntry + "/");
+                }
+                else
+                {
+                    theFiles.Files.push_back({myEntry, myFolder / myEntry});
+                }
+            }
+        }
+        catch (const Failure& myFailure)
+        {
+            theFiles.Problems.push_back(myShownFolder + myPath + ": " + myFailure.what());
+        }
+    }
+    std::ranges::sort(theFiles.Files, {}, &StaticFile::Path);
+    return theFiles;
+}
+
+} // namespace qel::host

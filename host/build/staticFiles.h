@@ -1,0 +1,29 @@
+/// The files that belong to the pages, such as styles, scripts and pictures: what lies in the site's folder `static`.
+#pragma once
+
+#include "site/Site.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace qel::host
+{
+
+struct StaticFile
+{
+    std::string Path; ///< below the folder, with "/" between names
+    std::filesystem::path Source;
+};
+
+struct StaticFiles
+{
+    std::vector<StaticFile> Files;     ///< in the order of their paths
+    std::vector<std::string> Problems; ///< what stays out, and why
+};
+
+/// Lists the plain files of a folder and its subfolders. Links are not followed. What stays out: links, hidden files,
+/// whatever is no plain file, and paths that a page or one of the folders of a build has, case aside.
+StaticFiles ListStaticFiles(const std::filesystem::path& myFolder, const std::vector<Page>& myPages);
+
+} // namespace qel::host
