@@ -225,9 +225,9 @@ double PeakMemory(const Case& myCase)
 int main(int myCount, char** myArguments)
 {
     const bench::Bench myBench(myCount, myArguments);
-    const bench::WorkFolder myFolder;
-    const Case mySmall{"2,000 files of 8 KB", myFolder.Path() / "small", 1.0};
-    const Case myLarge{"one file of 1 GiB", myFolder.Path() / "large", 1.2};
+    const TemporaryFolder myFolder(bench::WorkPlace());
+    const Case mySmall{"2,000 files of 8 KB", myFolder / "small", 1.0};
+    const Case myLarge{"one file of 1 GiB", myFolder / "large", 1.2};
     MakeFiles(mySmall.Folder / "in", 2000, 8192);
     MakeFiles(myLarge.Folder / "in", 1, size_t{1} << 30);
     myBench.Record("peak memory, " + mySmall.Name, PeakMemory(mySmall), "MiB");

@@ -154,19 +154,19 @@ int main(int myCount, char** myArguments)
         return 0;
     }
     const bench::Bench myBench(myCount - 1, myArguments + 1);
-    const bench::WorkFolder myFolder;
-    MakeStage(fs::absolute(myArguments[1]), myFolder.Path());
+    const TemporaryFolder myFolder(bench::WorkPlace());
+    MakeStage(fs::absolute(myArguments[1]), myFolder.Native());
     fs::create_directory(myFolder / "tmp");
     fs::permissions(myFolder / "tmp", fs::perms::owner_all);
     setenv("TMPDIR", (myFolder / "tmp").c_str(), 1);
     setenv("XDG_RUNTIME_DIR", (myFolder / "tmp").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", myFolder.Path().c_str(), 1);
+    setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
 
-    OpenInAProcess(myFolder.Path());
+    OpenInAProcess(myFolder.Native());
     myBench.Record("dialog of 200 folders of 500 motifs, from a process's start",
-                   MedianOf([&] { return OpenInAProcess(myFolder.Path()); }), "ms", 150);
-    QelPlugin& myPlugin = bench::OpenComponent(myFolder.Path() / "QelPluginAnimation.so");
+                   MedianOf([&] { return OpenInAProcess(myFolder.Native()); }), "ms", 150);
+    QelPlugin& myPlugin = bench::OpenComponent(myFolder / "QelPluginAnimation.so");
     Open(myPlugin);
     const auto OpenAgain = [&]
     {

@@ -5,8 +5,8 @@
 #include "imaging/GifPicture.h"
 #include "imaging/paletteReduction.h"
 #include "module/FormMain.h"
-#include "platform/linux/nativePath.h"
 #include "platform/shared/SystemPlatform.h"
+#include "TestHost.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -26,25 +26,6 @@ using namespace qel::bench;
 constexpr int32_t Width = 350;
 constexpr int32_t Height = 250;
 constexpr size_t Repetitions = 50;
-
-class PageHost : public BuildHelper
-{
-public:
-    explicit PageHost(Text myBuildFolder) : myFolder(std::move(myBuildFolder)) {}
-
-    Text UniqueName() override { return u"17"; }
-    int32_t InstanceNumber() override { return 3; }
-    Text MediaFolder() override { return myFolder; }
-    Text MediaURL() override { return u"media/"; }
-    Text ImageFolder() override { return myFolder; }
-    Text ImageURL() override { return u"images/"; }
-    Text FileFolder() override { return myFolder; }
-    Text FileURL() override { return u"files/"; }
-    Text ArchiveName() override { return {}; }
-
-private:
-    Text myFolder;
-};
 
 void WriteFile(const std::filesystem::path& myFile, const std::vector<uint8_t>& myBytes)
 {
@@ -89,8 +70,8 @@ void Copy(const std::filesystem::path& mySource, const std::filesystem::path& my
 int main(int argc, char** argv)
 {
     const Bench myBench(argc, argv);
-    const WorkFolder myFolder;
-    setenv("TMPDIR", myFolder.Path().c_str(), 1);
+    const TemporaryFolder myFolder(WorkPlace());
+    setenv("TMPDIR", myFolder.Native().c_str(), 1);
     std::filesystem::create_directories(myFolder / "designs/Fiestas");
     std::filesystem::create_directories(myFolder / "ours");
     std::filesystem::create_directories(myFolder / "peer");
@@ -102,13 +83,16 @@ int main(int argc, char** argv)
     const std::filesystem::path myPicture = myFolder / "designs/Fiestas" / myNames[0];
 
     const std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    const localConstants myConstants{*LogicalPath((myFolder / "designs/").string()), {}};
+    const localConstants myConstants{myFolder.Logical(u"designs\\"), {}};
     FormLead myLead(mySystem->Ports());
+    TestHost myHost;
+    myHost.UniqueName = u"17";
+    myHost.BuildInto(myFolder.Logical(u"ours\\"));
     std::deque<FormMain> myForms;
     for (const char* const myName : myNames)
     {
         FormMain& myForm = myForms.emplace_back(mySystem->Ports(), myConstants, myLead);
-        myForm.myBuildHelper = std::make_unique<PageHost>(*LogicalPath((myFolder / "ours/").string()));
+        myForm.myBuildHelper = std::make_unique<TestHostServices>(myHost);
         myForm.Script(u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n"
                       u"<pg.param name=\"image\" value=\"" +
                       FromUtf8(myName) +

@@ -80,7 +80,7 @@ int main(int myCount, char** myArguments)
     const Bench myBench(myCount, myArguments);
     Require(vips_init(myArguments[0]) == 0, "libvips starts");
     vips_cache_set_max(0); // else it would keep what it has made
-    const WorkFolder myFolder;
+    const TemporaryFolder myFolder(WorkPlace());
     const std::string myFile = (myFolder / "photograph.jpg").string();
     WritePhotograph(myFile);
 

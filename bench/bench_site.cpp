@@ -150,7 +150,7 @@ int main(int myCount, char** myArguments)
     }
     bench::Require(myCount > 1, "usage: bench_site STAGE [--json] [--runs N]");
     const bench::Bench myBench(myCount - 1, myArguments + 1);
-    const bench::WorkFolder myFolder;
+    const TemporaryFolder myFolder(bench::WorkPlace());
     const fs::path myStage = myFolder / "stage";
     fs::copy(myArguments[1], myStage, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
     fs::create_directory(myFolder / "tmp");
@@ -166,7 +166,7 @@ int main(int myCount, char** myArguments)
     myBench.Record("opening the component and reading a text", bench::Median(myTimes), "ms", 3);
 
     const std::string myHost = "'" + (myStage / "qelhost").string() + "' --plugin '" + myComponent.string() + "'";
-    MakeSite(myHost, myFolder.Path());
+    MakeSite(myHost, myFolder.Native());
     const fs::path myBuild = myFolder / "site/build";
     const std::string myCommand = myHost + " build '" + (myFolder / "site").string() + "'";
     Run(myCommand);

@@ -5,6 +5,8 @@
 /// that both sides give the same result, then calls Compare for each comparison and returns.
 #pragma once
 
+#include "TemporaryFolder.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -136,38 +138,19 @@ private:
     int myRuns = 21;
 };
 
-/// A fresh folder in memory that goes with the object; in the temporary folder, said on stderr, where there is no such
-/// file system.
-class WorkFolder
+/// Where a comparison makes its TemporaryFolder: in memory; in the temporary folder, said on stderr, where there is no
+/// such file system.
+inline std::filesystem::path WorkPlace()
 {
-public:
-    WorkFolder()
+    const std::filesystem::path myMemory = "/dev/shm";
+    if (std::filesystem::is_directory(myMemory))
     {
-        const std::filesystem::path myMemory = "/dev/shm";
-        const bool myIsInMemory = std::filesystem::is_directory(myMemory);
-        myPath = myIsInMemory ? myMemory : std::filesystem::temp_directory_path();
-        if (!myIsInMemory)
-        {
-            std::fprintf(stderr, "not in memory: working in %s\n", myPath.c_str());
-        }
-        std::string myTemplate = (myPath / "qel-bench-XXXXXX").string();
-        Require(mkdtemp(myTemplate.data()) != nullptr, "a folder to work in");
-        myPath = myTemplate;
+        return myMemory;
     }
-    ~WorkFolder()
-    {
-        std::error_code myIgnored;
-        std::filesystem::remove_all(myPath, myIgnored);
-    }
-    WorkFolder(const WorkFolder&) = delete;
-    WorkFolder& operator=(const WorkFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return myPath; }
-    std::filesystem::path operator/(std::string_view myName) const { return myPath / myName; }
-
-private:
-    std::filesystem::path myPath;
-};
+    const std::filesystem::path thePlace = std::filesystem::temp_directory_path();
+    std::fprintf(stderr, "not in memory: working in %s\n", thePlace.c_str());
+    return thePlace;
+}
 
 /// Runs some work in a process of its own, which ends this one if it fails, and gives what the system tells about it.
 inline rusage RunInChild(const std::function<void()>& myWork)

@@ -2,6 +2,7 @@
 #include "fuzz.h"
 #include "platform/ImagingControl.h"
 #include "platform/shared/SystemPlatform.h"
+#include "TemporaryFolder.h"
 #include "text/errors.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ constexpr float LargestSide = 1500;
 
 struct Work
 {
-    const WorkFolder Folder;
+    const TemporaryFolder Folder;
     const std::unique_ptr<SystemPlatform> System = MakeSystemPlatform();
     const std::unique_ptr<ImagingControl> Control = MakeImagingControl(System->Ports().files);
 };
@@ -52,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* myBytes, size_t mySize)
     static const Work myWork;
     ImagingControl& theControl = *myWork.Control;
     myWork.Folder.Write("a", Characters(myBytes, mySize));
-    if (!IsPicture(theControl, myWork.Folder.Logical("a")))
+    if (!IsPicture(theControl, myWork.Folder.Logical(u"a")))
     {
         return 0;
     }
@@ -68,14 +69,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* myBytes, size_t mySize)
     const float myNewHeight = std::min(myHeight + 1, 35.0F);
     theControl.Resize(myNewWidth, myNewHeight, 4);
     DemandSize(theControl, myNewWidth, myNewHeight);
-    theControl.Save(myWork.Folder.Logical("a"), ImagingSettings::JpegFormat, 24, 20, false);
+    theControl.Save(myWork.Folder.Logical(u"a"), ImagingSettings::JpegFormat, 24, 20, false);
     theControl.ReduceColors(8, 2, 0, 0);
     const std::vector<uint8_t> myPixels = theControl.CurrentPicture().Pixels;
-    theControl.Save(myWork.Folder.Logical("b"), ImagingSettings::GifFormat, 8, 0, false);
+    theControl.Save(myWork.Folder.Logical(u"b"), ImagingSettings::GifFormat, 8, 0, false);
 
-    Demand(IsPicture(theControl, myWork.Folder.Logical("a")), "a saved JPEG loads");
+    Demand(IsPicture(theControl, myWork.Folder.Logical(u"a")), "a saved JPEG loads");
     DemandSize(theControl, myNewWidth, myNewHeight);
-    Demand(IsPicture(theControl, myWork.Folder.Logical("b")), "a saved GIF loads");
+    Demand(IsPicture(theControl, myWork.Folder.Logical(u"b")), "a saved GIF loads");
     DemandSize(theControl, myNewWidth, myNewHeight);
     Demand(theControl.CurrentPicture().Pixels == myPixels, "a GIF keeps each pixel");
     Demand(!theControl.IsAnimated(), "one page was saved");

@@ -1,4 +1,4 @@
-/// A fresh folder of a test's own, removed with all that lies in it.
+/// A fresh folder for a test, a fuzzer or a comparison.
 #pragma once
 
 #include "platform/linux/nativePath.h"
@@ -15,11 +15,13 @@
 namespace qel
 {
 
-/// Names are relative to the folder and in the system's form, but for Logical, which takes the logic's.
+/// A folder of this user alone. It is removed with its content when the object goes. Names are relative to it and in
+/// the system's form; only Logical takes the logic's.
 class TemporaryFolder
 {
 public:
-    TemporaryFolder() : myPath((std::filesystem::temp_directory_path() / "qeltest-XXXXXX").string())
+    explicit TemporaryFolder(const std::filesystem::path& myParent = std::filesystem::temp_directory_path())
+        : myPath((myParent / "qeltest-XXXXXX").string())
     {
         if (mkdtemp(myPath.data()) == nullptr)
         {
@@ -40,10 +42,13 @@ public:
         return myName.empty() ? myPath : myPath + "/" + std::string(myName);
     }
 
+    /// The same, to go on from.
+    std::filesystem::path operator/(std::string_view myName) const { return Native(myName); }
+
     /// The same as the logic writes it; the folder itself ends in "\".
     Text Logical(TextView myName = {}) const { return LogicalPath(myPath).value() + u"\\" + Text(myName); }
 
-    /// Writes a file anew, and makes the folders that lead to it.
+    /// Writes a new file, and makes the folders on its path.
     void Write(std::string_view myName, std::string_view myContent) const
     {
         std::filesystem::create_directories(std::filesystem::path(Native(myName)).parent_path());

@@ -1,11 +1,11 @@
 // The component object model: texts, variants, failures, the class registry, and the late binding that calls of the
 // component by qelhost check do not reach.
 #include "com/ComHostServices.h"
-#include "com/CountedObject.h"
-#include "com/Failure.h"
-#include "com/InterfaceTables.h"
+#include "ComTestHost.h"
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "FailingMemory.h"
+#include "TemporaryFolder.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +23,7 @@
 #include <set>
 #include <sys/stat.h>
 #include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -91,44 +92,37 @@ std::string Show(const VARIANT& myValue)
     }
 }
 
-/// A host's database: some members answer, each other one fails in a way of its own.
-class TestDatabase final : public CountedObject<QelDatabase>
+/// The database of a host whose calls succeed or fail in a way of their own: RecordURL with a number and a text,
+/// DataFolder with a number alone, RecordFilename with neither.
+class TestDatabase final : private TestHost, public ComTestDatabase
 {
 public:
-    explicit TestDatabase(std::shared_ptr<int> theLife = nullptr) : myLife(std::move(theLife)) {}
+    explicit TestDatabase(std::shared_ptr<int> theLife = nullptr)
+        : ComTestDatabase(static_cast<TestHost&>(*this)), myLife(std::move(theLife))
+    {
+        RecordType = 4;
+        AtEnd = true;
+        Link = u"UID:9";
+        Called = [](const std::string& myMember)
+        {
+            myMember == "RecordURL" ? throw Error{53, u"No está"} : void();
+        };
+    }
 
-    HRESULT get_RecordType(int32_t* theType) override
-    {
-        return Answer(theType, [] { return 4; });
-    }
-    HRESULT get_EOF(VARIANT_BOOL* theEnd) override
-    {
-        return Answer(theEnd, [] { return true; });
-    }
     HRESULT get_RecordFilename(BSTR* /*theFilename*/) override { return E_ACCESSDENIED; }
     HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override
     {
-        mySeeks.push_back(ToUtf8(TextOfBstr(*myUID)) + " " + std::to_string(*myFirst) + " " +
-                          std::to_string(*mySecond));
+        mySeeks.emplace_back(TextOfBstr(*myUID), *myFirst, *mySecond);
         *myFirst += 100;
         return S_OK;
     }
-    HRESULT get_RecordURL(BSTR* theURL) override
-    {
-        return Answer(theURL, []() -> Text { throw Error{53, u"No está"}; });
-    }
     HRESULT get_DataFolder(BSTR* /*theFolder*/) override { return QEL_RESULT(0x800A0035U); }
-    HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
-    {
-        if (myWhileChoosing)
-        {
-            myWhileChoosing();
-        }
-        return Answer(theLink, [&] { return u"UID:" + TextOfBstr(*myPresentLink); });
-    }
 
-    std::vector<std::string> mySeeks;
-    std::function<void()> myWhileChoosing;
+    using TestHost::Called;
+    using TestHost::PresentLink;
+
+    using Seek = std::tuple<Text, int32_t, int32_t>;
+    std::vector<Seek> mySeeks;
 
 private:
     const std::shared_ptr<int> myLife; ///< shared with who wants to know whether the object lives
@@ -399,9 +393,10 @@ TEST(HostCalls, KeepTheHostsNumberAndItsTextOrAGeneralOne)
     ComDatabase myDatabase(myHost.Get());
     EXPECT_EQ(myDatabase.RecordType(), 4);
     EXPECT_TRUE(myDatabase.AtEnd());
-    EXPECT_EQ(myDatabase.ChooseLink(u"1"), u"UID:1");
+    EXPECT_EQ(myDatabase.ChooseLink(u"1"), u"UID:9");
+    EXPECT_EQ(myHost->PresentLink, u"1");
     myDatabase.SeekUID(u"4711");
-    EXPECT_EQ(myHost->mySeeks.back(), "4711 0 0");
+    EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"4711", 0, 0)}));
 
     const struct
     {
@@ -427,13 +422,13 @@ TEST(HostCalls, SurviveAHostThatTakesItsObjectBackMeanwhile)
     const auto myLife = std::make_shared<int>();
     auto myHost = MakeCounted<TestDatabase>(myLife);
     auto myDatabase = std::make_unique<ComDatabase>(myHost.Get());
-    myHost->myWhileChoosing = [&]
+    myHost->Called = [&](const std::string&)
     {
         myHost.Reset();
         myDatabase.reset();
         EXPECT_EQ(myLife.use_count(), 2);
     };
-    EXPECT_EQ(myDatabase->ChooseLink(u"7"), u"UID:7");
+    EXPECT_EQ(myDatabase->ChooseLink(u"7"), u"UID:9");
     EXPECT_EQ(myLife.use_count(), 1);
 }
 
@@ -480,7 +475,7 @@ TEST(LateBinding, AnswersCallsAsDocumented)
     const std::vector<LateCall> myCalls = {
         {1, Get, {}, {}, "ok, I4 4"},
         {2, Get, {}, {}, "ok, BOOL -1"},
-        {7, Method, {myText}, {}, "ok, BSTR UID:x"},
+        {7, Method, {myText}, {}, "ok, BSTR UID:9"},
         {4, Method, {myUid, myByReference, myOtherType}, {}, "ok, empty"},
         {4, Method | Get, {myUid, myTwo, Value()}, {}, "ok, empty"},
         {4, Method, {myUid, myText, myTwo}, {}, "type, argument 1"},
@@ -491,7 +486,8 @@ TEST(LateBinding, AnswersCallsAsDocumented)
         {5, Get, {}, {}, "exception"},
     };
     ExpectOutcomes(*myHost.Get(), myCalls);
-    EXPECT_EQ(myHost->mySeeks, (std::vector<std::string>{"uid 1 2", "uid 2 0"}));
+    EXPECT_EQ(myHost->PresentLink, u"x");
+    EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"uid", 1, 2), TestDatabase::Seek(u"uid", 2, 0)}));
     EXPECT_EQ(myNumber, 101) << "the member works on the caller's variable";
     EXPECT_EQ(mySmall, 2);
     EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
@@ -574,23 +570,7 @@ TEST(QueryInterface, LeavesTheErrorInformationForWhoAsksAboutAFailure)
 class ClassRegistry : public testing::Test
 {
 public:
-    ClassRegistry()
-    {
-        setenv("XDG_DATA_HOME", (myRoot / "user").c_str(), 1);
-        setenv("XDG_DATA_DIRS", ("relative::" + (myRoot / "system").string()).c_str(), 1);
-        setenv("TMPDIR", myRoot.c_str(), 1);
-        setenv("HOME", myRoot.c_str(), 1);
-        fs::create_directories(mySystem);
-    }
-
-    ~ClassRegistry() override
-    {
-        for (const char* const myVariable : {"XDG_DATA_HOME", "XDG_DATA_DIRS", "TMPDIR", "HOME"})
-        {
-            unsetenv(myVariable);
-        }
-        fs::remove_all(myRoot);
-    }
+    ClassRegistry() { fs::create_directories(mySystem); }
 
 protected:
     static void Write(const fs::path& myPath, const std::string& myBytes)
@@ -613,13 +593,11 @@ protected:
         return myHandle != nullptr && dlclose(myHandle) == 0;
     }
 
-    static fs::path MakeFolder()
-    {
-        std::string theFolder = fs::temp_directory_path() / "com_test.XXXXXX";
-        return mkdtemp(theFolder.data());
-    }
-
-    const fs::path myRoot = MakeFolder();
+    const TemporaryFolder myRoot;
+    Environment myEnvironment{{"XDG_DATA_HOME", myRoot.Native("user")},
+                              {"XDG_DATA_DIRS", "relative::" + myRoot.Native("system")},
+                              {"TMPDIR", myRoot.Native()},
+                              {"HOME", myRoot.Native()}};
     const fs::path mySystem = myRoot / "system/qel/classes";
     const fs::path myUser = myRoot / "user/qel/classes";
     const std::string myFilename = "{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class"; // CLSID_Main
@@ -694,13 +672,13 @@ TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
         EXPECT_EQ(QelRegisterClass(&CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
     }
     Write(myRoot / "file", "");
-    setenv("XDG_DATA_HOME", (myRoot / "file").c_str(), 1);
+    myEnvironment.Set("XDG_DATA_HOME", myRoot.Native("file"));
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
 }
 
 TEST_F(ClassRegistry, LiesBelowTheHomeFolderUnlessAnAbsoluteDataFolderIsNamed)
 {
-    setenv("XDG_DATA_HOME", "relative", 1);
+    myEnvironment.Set("XDG_DATA_HOME", "relative");
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
     EXPECT_TRUE(fs::exists(myRoot / ".local/share/qel/classes" / myFilename));
 }

@@ -1,10 +1,10 @@
 // The built component, opened through its entry points as a host opens it. qelhost check tests what every component has
 // to do; these tests are about this one alone.
 #include "com/Bstr.h"
-#include "com/CountedObject.h"
-#include "com/Failure.h"
-#include "com/InterfaceTables.h"
+#include "ComTestHost.h"
+#include "Environment.h"
 #include "FailingMemory.h"
+#include "TemporaryFolder.h"
 #include "text/encodings.h"
 
 #include <dlfcn.h>
@@ -80,42 +80,6 @@ HRESULT Write(QelPlugin& myPlugin, TextView myScript)
     return myPlugin.put_Script(myText.Pointer());
 }
 
-/// A host's build service with one folder for everything.
-class TestHelper final : public CountedObject<QelBuildHelper>
-{
-public:
-    HRESULT get_UniqueName(BSTR* theName) override
-    {
-        if (InUniqueName)
-        {
-            InUniqueName();
-        }
-        return Give(theName, u"1");
-    }
-    HRESULT get_InstanceNumber(int32_t* theNumber) override
-    {
-        *theNumber = 1;
-        return S_OK;
-    }
-    HRESULT get_MediaFolder(BSTR* theFolder) override { return Give(theFolder, Folder); }
-    HRESULT get_MediaURL(BSTR* theURL) override { return Give(theURL, u"./"); }
-    HRESULT get_ImageFolder(BSTR* theFolder) override { return Give(theFolder, Folder); }
-    HRESULT get_ImageURL(BSTR* theURL) override { return Give(theURL, u"./"); }
-    HRESULT get_FileFolder(BSTR* theFolder) override { return Give(theFolder, Folder); }
-    HRESULT get_FileURL(BSTR* theURL) override { return Give(theURL, u"./"); }
-    HRESULT get_ArchiveName(BSTR* theName) override { return Give(theName, u"1.dat"); }
-
-    Text Folder;
-    std::function<void()> InUniqueName;
-
-private:
-    static HRESULT Give(BSTR* theText, TextView myText)
-    {
-        *theText = NewBstr(myText);
-        return S_OK;
-    }
-};
-
 using Call = std::function<HRESULT(QelPlugin&)>;
 
 Call Reads(HRESULT (QelPlugin::*myMember)(BSTR*))
@@ -153,28 +117,23 @@ class ComponentTest : public testing::Test
 protected:
     ComponentTest()
     {
-        std::string myPattern = (fs::temp_directory_path() / "component_test.XXXXXX").string();
-        myFolder = mkdtemp(myPattern.data());
-        setenv("TMPDIR", myFolder.c_str(), 1);
-        setenv("XDG_DATA_HOME", (myFolder / "data").c_str(), 1);
-        setenv("XDG_DATA_DIRS", myFolder.c_str(), 1);
         for (const char* myDisplay : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         {
-            unsetenv(myDisplay); // no window may come up
+            myEnvironment.Unset(myDisplay); // no window may come up
         }
-    }
-    ~ComponentTest() override
-    {
-        unsetenv("TMPDIR");
-        fs::remove_all(myFolder);
     }
 
     /// The page of the library's module, built with a service of this folder.
-    Text LibraryPage(QelPlugin& myPlugin, std::function<void()> myInUniqueName = {})
+    Text LibraryPage(
+        QelPlugin& myPlugin, std::function<void()> myInUniqueName = [] {})
     {
-        const auto myHelper = MakeCounted<TestHelper>();
-        myHelper->Folder = FromUtf8((myFolder / "").string());
-        myHelper->InUniqueName = std::move(myInUniqueName);
+        TestHost myHost;
+        myHost.BuildInto(FromUtf8(myFolder.Native()) + u"/");
+        myHost.Called = [&](const std::string& myMember)
+        {
+            myMember == "UniqueName" ? myInUniqueName() : void();
+        };
+        const auto myHelper = MakeCounted<ComTestBuildHelper>(myHost);
         QelBuildHelper* myService = myHelper.Get();
         EXPECT_EQ(myPlugin.putref_QelBuildHelper(&myService), S_OK);
         EXPECT_EQ(Write(myPlugin, LibraryModule), S_OK);
@@ -183,7 +142,10 @@ protected:
         return thePage;
     }
 
-    fs::path myFolder;
+    const TemporaryFolder myFolder;
+    Environment myEnvironment{{"TMPDIR", myFolder.Native()},
+                              {"XDG_DATA_HOME", myFolder.Native("data")},
+                              {"XDG_DATA_DIRS", myFolder.Native()}};
 };
 
 // First, before another test loads what this one must not find.
@@ -268,7 +230,7 @@ TEST_F(ComponentTest, OpenedByARelativePathRegistersTheAbsoluteOne)
     fs::current_path(QEL_STAGE);
     {
         const Component myComponent("./QelPluginAnimation.so");
-        fs::current_path(myFolder);
+        fs::current_path(myFolder.Native());
         EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
         void* myObject = nullptr;
         ASSERT_EQ(CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IDispatch, &myObject), S_OK);
@@ -285,8 +247,7 @@ TEST_F(ComponentTest, LoadedThroughALink_WorksFromItsRealFolderAndRegistersTheLi
     const Component myComponent(myLink.c_str());
     EXPECT_TRUE(LibraryPage(*myComponent.Plugin().Get()).starts_with(u"<script")) << "the library lies beside the file";
     EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
-    std::ifstream myEntry(myFolder / "data/qel/classes/{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class");
-    const std::string myLines((std::istreambuf_iterator<char>(myEntry)), {});
+    const std::string myLines = myFolder.Read("data/qel/classes/{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class");
     EXPECT_NE(myLines.find("Library=" + myLink.string() + "\n"), std::string::npos) << myLines;
 }
 

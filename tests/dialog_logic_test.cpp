@@ -1,6 +1,7 @@
 /// The logic of the settings dialog on a window that keeps a record: the order of what it does, and the failures of its
 /// controls.
 #include "dialog/pictureSize.h"
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "FormTable.h"
 #include "MadePictures.h"
@@ -27,7 +28,6 @@ protected:
         myFolder.Write("library/Fiestas/Vela.gif", Gif(350, 250, {0, 0, 255}, true));
         myFolder.Write("library/Fiestas/Vals.mid", "tune");
     }
-    ~DialogLogic() override { unsetenv("TMPDIR"); }
 
     /// Opens the dialog and gives the record of what the user made happen.
     std::string Open(TextView myScript, std::function<void(FormMainEvents&)> myUser)
@@ -39,7 +39,7 @@ protected:
     }
 
     TemporaryFolder myFolder;
-    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
+    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
     RecordedWindow myWindow;
     std::string& myWords = myWindow.Happened.Words;
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();

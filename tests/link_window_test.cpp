@@ -1,6 +1,7 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
 #include "DialogUser.h"
+#include "Environment.h"
 #include "site/PageText.h"
 #include "window/linkWindowModule.h"
 
@@ -76,7 +77,7 @@ TEST(LinkChoiceTest, FindsThePresentLinkAndWritesItAgain)
 /// Opens the window of the built module on a present link, and expects a link of it, or "cancelled".
 void Choose(TextView myPresentLink, const char* myResult, std::function<void()> myAction)
 {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const Environment myEnvironment{{"QT_QPA_PLATFORM", "offscreen"}};
     void* const myLibrary = dlopen(QEL_STAGE "/qelhostWindow.so", RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(myLibrary, nullptr) << dlerror();
     const auto myEntry = reinterpret_cast<LinkWindowEntry*>(dlsym(myLibrary, LinkWindowEntryName));

@@ -1,4 +1,5 @@
 /// The record of the module in hand: script, summary and page, on real files.
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "MadePictures.h"
 #include "module/FormMain.h"
@@ -6,6 +7,7 @@
 #include "platform/shared/SystemPlatform.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
+#include "TestHost.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
@@ -21,43 +23,6 @@ namespace
 {
 
 using namespace std::string_literals;
-
-/// Both services of a host that knows one record.
-struct OneRecordHost : BuildHelper, Database
-{
-    using Listener = std::function<void(const std::string& myMember)>;
-
-    OneRecordHost(const Text& myFolder, const int32_t& myType, const Listener& myListener)
-        : Folder(myFolder), Type(myType), Called(myListener)
-    {
-    }
-    Text UniqueName() override { return Answer("UniqueName", u"17"); }
-    int32_t InstanceNumber() override { return Called("InstanceNumber"), 3; }
-    Text MediaFolder() override { return Answer("MediaFolder", Folder + u"media\\"); }
-    Text MediaURL() override { return Answer("MediaURL", u"media/"); }
-    Text ImageFolder() override { return Answer("ImageFolder", Folder + u"images\\"); }
-    Text ImageURL() override { return Answer("ImageURL", u"images/"); }
-    Text FileFolder() override { return Answer("FileFolder", Folder + u"files\\"); }
-    Text FileURL() override { return Answer("FileURL", u"files"); }
-    Text ArchiveName() override { return {}; }
-    int32_t RecordType() override { return Called("RecordType"), Type; }
-    bool AtEnd() override { return Called("EOF"), false; }
-    Text RecordFilename() override { return Answer("RecordFilename", u"Doc.pdf"); }
-    void SeekUID(TextView) override { Called("SeekUID"); }
-    Text RecordURL() override { return Answer("RecordURL", u"https://example.org/?a=1&b=2"); }
-    Text DataFolder() override { return Answer("DataFolder", Folder + u"data\\"); }
-    Text ChooseLink(TextView) override { return {}; }
-
-    Text Answer(const char* myMember, const Text& myAnswer) const
-    {
-        Called(myMember);
-        return myAnswer;
-    }
-
-    const Text Folder; ///< of the build and of the data alike
-    const int32_t& Type;
-    const Listener& Called; ///< runs inside each call before it returns
-};
 
 /// The script of some settings as the format has it, from "name=value|name=value" with escaped values.
 Text Params(const Text& mySettings, const Text& myFileTag = {})
@@ -77,7 +42,16 @@ class Module : public testing::Test
 protected:
     Module()
     {
-        setenv("TMPDIR", myFolder.Native().c_str(), 1);
+        myHost.UniqueName = u"17";
+        myHost.InstanceNumber = 3;
+        myHost.MediaFolder = myFolder.Logical(u"media\\");
+        myHost.ImageFolder = myFolder.Logical(u"images\\");
+        myHost.FileFolder = myFolder.Logical(u"files\\");
+        myHost.FileURL = u"files";
+        myHost.RecordType = 1;
+        myHost.RecordFilename = u"Doc.pdf";
+        myHost.RecordURL = u"https://example.org/?a=1&b=2";
+        myHost.DataFolder = myFolder.Logical(u"data\\");
         for (const char* const myName : {"media", "images", "files", "component"})
         {
             myFolder.MakeFolder(myName);
@@ -91,13 +65,12 @@ protected:
         myPorts.componentFolder = myFolder.Logical(u"component");
         Restart();
     }
-    ~Module() override { unsetenv("TMPDIR"); }
 
     void Restart()
     {
         myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
-        myForm->myBuildHelper = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType, myHostIsCalled);
-        myForm->myDatabase = std::make_unique<OneRecordHost>(myFolder.Logical(), myRecordType, myHostIsCalled);
+        myForm->myBuildHelper = std::make_unique<TestHostServices>(myHost);
+        myForm->myDatabase = std::make_unique<TestHostServices>(myHost);
     }
 
     /// The page text of a module with the library picture alone, changed by further settings.
@@ -110,12 +83,11 @@ protected:
 
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     TemporaryFolder myFolder;
+    Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
     Platform myPorts{mySystem->Ports()};
     localConstants myConstants{myFolder.Logical(u"Designs\\"), {}};
     FormLead myLead{myPorts};
-    int32_t myRecordType = 1;
-    OneRecordHost::Listener myHostIsCalled = [](const std::string&) {
-    };
+    TestHost myHost;
     std::unique_ptr<FormMain> myForm;
 };
 
@@ -177,7 +149,7 @@ TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
     };
     for (const auto& [myLink, myType, myTag] : myCases)
     {
-        myRecordType = myType;
+        myHost.RecordType = myType;
         const Text myPage = Output(u"link=" + myLink);
         EXPECT_NE(myPage.find(u"50\">" + myTag + u"<img"), Text::npos) << ToUtf8(myPage);
     }
@@ -200,8 +172,8 @@ TEST_F(Module, Output_HostIsAskedInItsOrderAndMayChangeTheModuleMeanwhile)
     const Text myOtherScript = Params(u"image=g|imagefolder=Fiestas|midi=|playmidi=0|link=URL:other");
     std::string myCalls;
     int myCount = 0, myChangingCall = 0;
-    myRecordType = 5;
-    myHostIsCalled = [&](const std::string& myMember)
+    myHost.RecordType = 5;
+    myHost.Called = [&](const std::string& myMember)
     {
         myCalls += myMember + " ";
         if (++myCount == myChangingCall)
@@ -265,9 +237,9 @@ TEST_F(Module, TemporaryFolderIsOneOfItsOwn)
     EXPECT_NE(myForm->ErrorText().find(u"\"75: "), Text::npos);
     EXPECT_TRUE(myFolder.Exists("elsewhere/mine")) << "emptied through a link";
 
-    setenv("TMPDIR", "/nonexistent", 1); // and so on: the system has no temporary path
-    unsetenv("XDG_RUNTIME_DIR");
-    setenv("XDG_CACHE_HOME", "/dev/null", 1);
+    myEnvironment.Set("TMPDIR", "/nonexistent"); // and so on: the system has no temporary path
+    myEnvironment.Unset("XDG_RUNTIME_DIR");
+    myEnvironment.Set("XDG_CACHE_HOME", "/dev/null");
     Restart();
     EXPECT_TRUE(myFolder.Exists("component/qelpluginanimtemp"));
     EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));

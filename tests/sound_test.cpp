@@ -1,4 +1,5 @@
 /// Tunes: the multimedia service's commands down to the samples that come out of them, without any sound device.
+#include "Environment.h"
 #include "platform/linux/window/MultimediaService.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
@@ -31,8 +32,6 @@ protected:
         myFolder.Write("a.mid", LongNote);
         myFolder.Write("broken.mid", "MThd and nothing after it");
         myFolder.Write("no.conf", "");
-        setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
-        setenv("ALSA_CONFIG_PATH", myFolder.Native("no.conf").c_str(), 1);
     }
 
     Text Open(TextView myName) const { return u"open \"" + myFolder.Logical(myName) + u"\" type sequencer alias Tune"; }
@@ -68,6 +67,7 @@ protected:
     }
 
     TemporaryFolder myFolder;
+    Environment myEnvironment{{"XDG_CONFIG_HOME", myFolder.Native()}, {"ALSA_CONFIG_PATH", myFolder.Native("no.conf")}};
 };
 
 TEST_F(Sound, ComesOutAsTheCommandsSay)
@@ -118,7 +118,7 @@ TEST_F(Sound, EndsWithStopAndBeginsAnewWithPlay)
 
 TEST_F(Sound, IsSilentAndSaysNothingWhereThereIsNoDevice)
 {
-    setenv("PULSE_SERVER", ("unix:" + myFolder.Native("nobody")).c_str(), 1);
+    myEnvironment.Set("PULSE_SERVER", "unix:" + myFolder.Native("nobody"));
     testing::internal::CaptureStderr();
     {
         MultimediaService myService;
@@ -135,7 +135,7 @@ TEST_F(Sound, DoesNotWaitForASoundServerThatNeverAnswers)
     const int myServer = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0); // open until the process ends
     ASSERT_EQ(bind(myServer, reinterpret_cast<const sockaddr*>(&myAddress), sizeof myAddress), 0);
     ASSERT_EQ(listen(myServer, 1), 0);
-    setenv("PULSE_SERVER", ("unix:" + myFolder.Native("dumb")).c_str(), 1);
+    myEnvironment.Set("PULSE_SERVER", "unix:" + myFolder.Native("dumb"));
     auto myService = std::make_unique<MultimediaService>();
     myService->Send(Open(u"a.mid"));
     myService->Send(u"play Tune ");

@@ -18,7 +18,7 @@ namespace qel
 namespace
 {
 
-TEST(TagBuilder, WritesAttributesInTheirOrderAndKeepsTheFrame)
+TEST(TagBuilder, Tag_AttributesInTheirOrder)
 {
     classTagBuilder myBuilder;
     EXPECT_EQ(myBuilder.Tag(), u"<>");
@@ -29,71 +29,117 @@ TEST(TagBuilder, WritesAttributesInTheirOrderAndKeepsTheFrame)
     myBuilder.AddAttribute(u"empty", u"");
     myBuilder.AddAttribute(u"value", u"a\"b");
     EXPECT_EQ(myBuilder.Tag(), u"<pg.param name=\"image\" value=\"a&quot;b\">");
-    myBuilder.SingleTag(true);
-    myBuilder.Clear();
-    EXPECT_EQ(myBuilder.Tag(), u"<pg.param />");
+    EXPECT_EQ(myBuilder.Tag(), u"<pg.param name=\"image\" value=\"a&quot;b\">") << "read for the second time";
+}
+
+TEST(TagBuilder, AddAttribute_NameIsNeitherEscapedNorMerged)
+{
+    classTagBuilder myBuilder;
     myBuilder.AddAttribute(u"a b\"<", u" ");
     myBuilder.AddAttribute(u"N", u"1");
     myBuilder.AddAttribute(u"N", u"2");
-    EXPECT_EQ(myBuilder.Tag(), u"<pg.param a b\"<=\" \" N=\"1\" N=\"2\" />");
-    EXPECT_EQ(myBuilder.Tag(), u"<pg.param a b\"<=\" \" N=\"1\" N=\"2\" />") << "read for the second time";
+    EXPECT_EQ(myBuilder.Tag(), u"< a b\"<=\" \" N=\"1\" N=\"2\">");
 }
 
-TEST(TagBuilder, QuoteIsOnePassAndUnQuoteTurnsItBack)
+TEST(TagBuilder, Clear_KeepsPrefixNameAndForm)
+{
+    classTagBuilder myBuilder;
+    myBuilder.Prefix(u"pg.");
+    myBuilder.BaseTag(u"param");
+    myBuilder.AddAttribute(u"name", u"image");
+    myBuilder.SingleTag(true);
+    myBuilder.Clear();
+    EXPECT_EQ(myBuilder.Tag(), u"<pg.param />");
+}
+
+TEST(TagBuilder, Quote_OnePassThatUnQuoteReverses)
 {
     const TextView myText = u"a<b>c&d\"e &amp;lt; it's\r\n\tñ\xD83D";
     const TextView myQuoted = u"a&lt;b&gt;c&amp;d&quot;e &amp;amp;lt; it's\r\n\tñ\xD83D";
     EXPECT_EQ(classTagBuilder::Quote(myText), myQuoted);
     EXPECT_EQ(classTag::UnQuote(myQuoted), myText);
+}
+
+TEST(TagBuilder, UnQuote_OnlyTheFourExactEntities)
+{
     EXPECT_EQ(classTag::UnQuote(u"&LT;&amp&gt &#38;&apos;&&quot;amp;&a&gt;mp;"),
               u"&LT;&amp&gt &#38;&apos;&\"amp;&a>mp;");
 }
 
 using Pairs = std::vector<std::pair<Text, Text>>;
 
-TEST(Tag, ReadsEveryTextInItsDefinedWay)
+class Parser : public testing::Test
 {
-    const std::tuple<TextView, TextView, Pairs> myCases[] = {
-        // text, tag name, attributes with still escaped values
-        {u"", u"", {}},
-        {u" a=1", u"", {{u"a", u"1"}}},
-        {u"a=1 /", u"a=1", {}},
-        {u"Param NAME=\"image\"\r\n Value=a&amp;b x", u"Param", {{u"name", u"image"}, {u"value", u"a&amp;b"}}},
-        {u"T\ta=1 b=\"\" c=", u"T", {{u"a", u"1"}, {u"b", u""}, {u"c", u""}}},
-        {u"t a = \"x\" b=   ", u"t", {{u"a", u"x"}, {u"b", u""}}},
-        {u"t a=\"x b=1 c=\"y=2 d=\"z", u"t", {{u"a", u"x b=1 c="}, {u"y", u"2"}, {u"d", u""}}},
-        {u"t a=\tb c=\r\nd=1", u"t", {{u"a", u"\tb"}, {u"c", u"\r"}, {u"d", u"1"}}},
-        {u"t a=\" 1\r\n\"b=\"2\"", u"t", {{u"a", u" 1\r\n"}, {u"b", u"2"}}},
-        {u"t a=b=c d==\"e", u"t", {{u"a", u"b=c"}, {u"d", u"=\"e"}}},
-        {u"t longName=\"&amp;, and plain\" b=\"x&amp;", u"t", {{u"longname", u"&amp;, and plain"}, {u"b", u""}}},
-        {u"t a='x' b='y z=1'", u"t", {{u"a", u"'x'"}, {u"b", u"'y"}, {u"z", u"1'"}}},
-        {u"t a\"b=1 c\r\n\td=2", u"t", {{u"ab", u"1"}, {u"cd", u"2"}}},
-        {u"t \t a \" =1 \" b\r =2", u"t", {{u"a", u"1"}, {u"b", u"2"}}},
-        {u"t foo  bar =1 =x", u"t", {{u"foo  bar", u"1"}, {u"", u"x"}}},
-        {u"t A=1 a=2 Ñ=Ñ", u"t", {{u"a", u"1"}, {u"a", u"2"}, {u"ñ", u"Ñ"}}},
-    };
-    classTag myTag;
-    for (const auto& [myText, myBaseTag, myAttributes] : myCases)
+protected:
+    /// Expects of a tag its name, and its attributes with values as they stand in it.
+    void Expect(TextView myText, TextView myBaseTag, const Pairs& myAttributes)
     {
+        SCOPED_TRACE(ToUtf8(myText));
         myTag.Tag(myText);
         EXPECT_EQ(myTag.Tag(), myText);
-        EXPECT_EQ(myTag.BaseTag(), myBaseTag) << ToUtf8(myText);
+        EXPECT_EQ(myTag.BaseTag(), myBaseTag);
         Pairs myFound;
         for (int32_t i = 0; i < myTag.AttributeCount(); ++i)
         {
             myFound.emplace_back(myTag.AttributeName(i), myTag.AttributeValue(i));
         }
-        EXPECT_EQ(myFound, myAttributes) << ToUtf8(myText);
+        EXPECT_EQ(myFound, myAttributes);
     }
-    myTag.BaseTag(u"Other");
-    EXPECT_EQ(Text(myTag.BaseTag()).append(myTag.Tag()) + myTag.AttributeValue(2), u"Othert A=1 a=2 Ñ=ÑÑ")
-        << "the name alone";
+
+    classTag myTag; ///< one for all: a tag leaves nothing for the next
+};
+
+TEST_F(Parser, BaseTag)
+{
+    Expect(u"", u"", {});
+    Expect(u" a=1", u"", {{u"a", u"1"}});
+    Expect(u"a=1 /", u"a=1", {});
+    Expect(u"T\ta=1 b=\"\" c=", u"T", {{u"a", u"1"}, {u"b", u""}, {u"c", u""}});
+    Expect(u"Param NAME=\"image\"\r\n Value=a&amp;b x", u"Param", {{u"name", u"image"}, {u"value", u"a&amp;b"}});
 }
 
-TEST(Tag, EntriesOfAnEarlierTagEndWhereTheLastAttributePutTheBound)
+TEST_F(Parser, AttributeName)
+{
+    Expect(u"t A=1 a=2 Ñ=Ñ", u"t", {{u"a", u"1"}, {u"a", u"2"}, {u"ñ", u"Ñ"}});
+    Expect(u"t foo  bar =1 =x", u"t", {{u"foo  bar", u"1"}, {u"", u"x"}});
+    Expect(u"t a\"b=1 c\r\n\td=2", u"t", {{u"ab", u"1"}, {u"cd", u"2"}});
+    Expect(u"t \t a \" =1 \" b\r =2", u"t", {{u"a", u"1"}, {u"b", u"2"}});
+}
+
+TEST_F(Parser, UnquotedValue)
+{
+    Expect(u"t a=b=c d==\"e", u"t", {{u"a", u"b=c"}, {u"d", u"=\"e"}});
+    Expect(u"t a=\tb c=\r\nd=1", u"t", {{u"a", u"\tb"}, {u"c", u"\r"}, {u"d", u"1"}});
+    Expect(u"t a='x' b='y z=1'", u"t", {{u"a", u"'x'"}, {u"b", u"'y"}, {u"z", u"1'"}});
+}
+
+TEST_F(Parser, QuotedValue)
+{
+    Expect(u"t a = \"x\" b=   ", u"t", {{u"a", u"x"}, {u"b", u""}});
+    Expect(u"t a=\" 1\r\n\"b=\"2\"", u"t", {{u"a", u" 1\r\n"}, {u"b", u"2"}});
+}
+
+TEST_F(Parser, UnclosedValue)
+{
+    Expect(u"t a=\"x b=1 c=\"y=2 d=\"z", u"t", {{u"a", u"x b=1 c="}, {u"y", u"2"}, {u"d", u""}});
+    Expect(u"t longName=\"&amp;, and plain\" b=\"x&amp;", u"t", {{u"longname", u"&amp;, and plain"}, {u"b", u""}});
+    Expect(u"t b=1", u"t", {{u"b", u"1"}});
+}
+
+TEST(Tag, BaseTag_ChangesTheNameAlone)
+{
+    classTag myTag;
+    myTag.Tag(u"t a=1");
+    myTag.BaseTag(u"Other");
+    EXPECT_EQ(myTag.BaseTag(), u"Other");
+    EXPECT_EQ(myTag.Tag(), u"t a=1");
+    EXPECT_EQ(myTag.AttributeValue(0), u"1");
+}
+
+TEST(Tag, AttributeValue_EntriesOfAnEarlierTagEndAfterTheLastAttribute)
 {
     const std::pair<TextView, std::vector<Text>> mySteps[] = {
-        // text, values of all entries, those behind the count too
+        // text, values of all entries, also of those after the count
         {u"none", {}},
         {u"t x=1 y=2 z=3", {u"1", u"2", u"3", u""}},
         {u"none", {u"1", u"2", u"3", u""}},
@@ -106,37 +152,44 @@ TEST(Tag, EntriesOfAnEarlierTagEndWhereTheLastAttributePutTheBound)
     classTag myTag;
     for (const auto& [myText, myValues] : mySteps)
     {
+        SCOPED_TRACE(ToUtf8(myText));
         myTag.Tag(myText);
         const auto myEnd = static_cast<int32_t>(myValues.size());
         for (int32_t i = 0; i < myEnd; ++i)
         {
-            EXPECT_EQ(myTag.AttributeValue(i), myValues[static_cast<size_t>(i)]) << ToUtf8(myText) << i;
+            EXPECT_EQ(myTag.AttributeValue(i), myValues[static_cast<size_t>(i)]) << i;
         }
-        EXPECT_EQ(ErrorOf([&] { myTag.AttributeValue(myEnd); }), ErrorNumber::SubscriptOutOfRange) << ToUtf8(myText);
-        EXPECT_EQ(ErrorOf([&] { myTag.AttributeName(-1); }), ErrorNumber::SubscriptOutOfRange) << ToUtf8(myText);
+        EXPECT_EQ(ErrorOf([&] { myTag.AttributeValue(myEnd); }), ErrorNumber::SubscriptOutOfRange);
+        EXPECT_EQ(ErrorOf([&] { myTag.AttributeName(-1); }), ErrorNumber::SubscriptOutOfRange);
     }
     EXPECT_EQ(myTag.AttributeName(1), u"b");
 }
 
-TEST(Tag, QueryFindsTheFirstOfLikeNamesAmongAnyNumber)
+TEST(Tag, AttributeCount_Over255_Overflows)
 {
     classTag myTag;
-    Text myText = u"t A=1 a=2 =x b=\"&amp;quot;\"";
-    for (int i = 4; i < 255; ++i)
+    Text myText = u"t";
+    for (int i = 0; i < 255; ++i)
     {
-        myText += u" c=&lt;";
+        myText += u" c=1";
     }
     myTag.Tag(myText);
     EXPECT_EQ(myTag.AttributeCount(), 255);
-    myText += u" last=v";
-    myTag.Tag(myText);
+    myTag.Tag(myText + u" last=v");
     EXPECT_EQ(ErrorOf([&] { myTag.AttributeCount(); }), ErrorNumber::Overflow);
-    EXPECT_EQ(Text(myTag.QueryAttribute(u"A", false)).append(myTag.QueryAttribute(u"", false)), u"1x");
+    EXPECT_EQ(myTag.QueryAttribute(u"last", false), u"v");
+}
+
+TEST(Tag, QueryAttribute_FirstOfEqualNames)
+{
+    classTag myTag;
+    myTag.Tag(u"t A=1 a=2 =x b=\"&amp;quot;\" c=&lt; c=&gt;");
+    EXPECT_EQ(myTag.QueryAttribute(u"A", false), u"1");
+    EXPECT_EQ(myTag.QueryAttribute(u"", false), u"x");
     const TextView myPlain = myTag.QueryAttribute(u"B", false);
     EXPECT_EQ(myTag.QueryAttribute(u"c", false), u"<");
-    EXPECT_EQ(myPlain, u"&quot;") << "the first view holds after other queries";
+    EXPECT_EQ(myPlain, u"&quot;") << "the first view is valid after other queries";
     EXPECT_EQ(myTag.QueryAttribute(u"b", true), u"&amp;quot;");
-    EXPECT_EQ(myTag.QueryAttribute(u"last", false), u"v");
     EXPECT_EQ(myTag.QueryAttribute(u" a", false), u"") << "the wanted name is not trimmed";
     myTag.Tag(u"t");
     EXPECT_EQ(myTag.QueryAttribute(u"a", false), u"") << "an attribute of the tag before";
@@ -150,43 +203,34 @@ public:
 };
 
 /// Type, text, tag name and line.
-using Token = std::tuple<int, Text, Text, int32_t>;
+using Token = std::tuple<TokenType, Text, Text, int32_t>;
+
+Token Plain(TextView myText, int32_t myLine)
+{
+    return {TokenType::PlainText, Text(myText), u"", myLine};
+}
+Token Open(TextView myTag, TextView myBaseTag, int32_t myLine)
+{
+    return {TokenType::OpeningTag, Text(myTag), Text(myBaseTag), myLine};
+}
+Token Close(TextView myTag, int32_t myLine)
+{
+    return {TokenType::ClosingTag, Text(myTag), Text(myTag), myLine};
+}
+const Token NoToken = {TokenType::None, u"", u"", 0};
 
 Token CurrentToken(const classScript& myScript)
 {
-    return {static_cast<int>(myScript.TagType()), Text(myScript.Tag()), Text(myScript.BaseTag()), myScript.TagLine()};
+    return {myScript.TagType(), Text(myScript.Tag()), Text(myScript.BaseTag()), myScript.TagLine()};
 }
 
-TEST(Script, IsWalkedTokenByToken)
+class Script : public testing::Test
 {
-    const std::tuple<TextView, Text, std::vector<Token>> myCases[] = {
-        {u"pg.", u"", {}},
-        {u"pg.", u"\r\n\r\n\n", {}},
-        {u"pg.",
-         u"ab<pg.param name=\"x\">\r\n<b>c</PG.param>\r\n",
-         {{1, u"ab", u"", 1}, {2, u"param name=\"x\"", u"param", 1}, {1, u"<b>c", u"", 2}, {3, u"param", u"param", 2}}},
-        {u"pg.", u"<PG.A>\r\n  \r\n<pg.b>", {{2, u"A", u"A", 1}, {1, u"  \r\n", u"", 3}, {2, u"b", u"b", 3}}},
-        {u"pg.", u"\r\na\r\nb\r\n", {{1, u"a\r\nb\r\n", u"", 4}}},
-        {u"pg.", u"\n\na\rb\nc<pg", {{1, u"a\rb\nc<pg", u"", 2}}},
-        {u"pg.", u"<pg.></pg.><pg.br />", {{2, u"", u"", 1}, {3, u"", u"", 1}, {2, u"br /", u"br", 1}}},
-        {u"pg.", u"<pg.a\r\nb=1\r\n>", {{2, u"a\r\nb=1\r\n", u"a", 3}}},
-        {u"pg.", u"<pg.a <pg.b=\">\">", {{2, u"a <pg.b=\"", u"a", 1}, {1, u"\">", u"", 1}}},
-        {u"pg.", u"<<pg.a><</pg.b>", {{1, u"<", u"", 1}, {2, u"a", u"a", 1}, {1, u"<", u"", 1}, {3, u"b", u"b", 1}}},
-        {u"pg.", u"<pg</ pg.><pg.a>", {{1, u"<pg</ pg.>", u"", 1}, {2, u"a", u"a", 1}}},
-        {u"pg.", u"x<pg.a b", {{1, u"x", u"", 1}}},
-        {u"pg.", u"x<pg.\r\na>", {{1, u"x", u"", 1}, {2, u"a", u"a", 2}}},
-        {u"pg.", u"<pg.a><pg.\r\nb>", {{2, u"a", u"a", 1}, {2, u"\r\nb", u"", 2}}},
-        {u"PG.", u"<PG.a><pg.a>", {{1, u"<PG.a><pg.a>", u"", 1}}},
-        {u"", u"<p>x</p>", {{2, u"p", u"p", 1}, {1, u"x", u"", 1}, {3, u"p", u"p", 1}}},
-        {u"", u"<br/><></>a>", {{2, u"br/", u"br/", 1}, {2, u"", u"", 1}, {3, u"", u"", 1}, {1, u"a>", u"", 1}}},
-    };
-    CountingQueue myQueue;
-    classScript myScript(myQueue); // one object for all: a script that ends inside a tag leaves nothing behind
-    myScript.GetNextTag();
-    EXPECT_EQ(CurrentToken(myScript), (Token{0, u"", u"", 0})) << "a script that was never set";
-    for (const auto& [myPrefix, myText, myTokens] : myCases)
+protected:
+    /// Expects the tokens of a script.
+    void Expect(TextView myText, const std::vector<Token>& myTokens)
     {
-        myScript.Prefix(myPrefix);
+        SCOPED_TRACE(ToUtf8(myText));
         myScript.Script(myText);
         myQueue.Calls = 0;
         std::vector<Token> myFound;
@@ -194,47 +238,127 @@ TEST(Script, IsWalkedTokenByToken)
         {
             myFound.push_back(CurrentToken(myScript));
         }
-        EXPECT_EQ(myFound, myTokens) << ToUtf8(myText);
-        EXPECT_EQ(myQueue.Calls, myFound.size() + 1) << "messages run once per call";
+        EXPECT_EQ(myFound, myTokens);
+        EXPECT_EQ(myQueue.Calls, myFound.size() + 1) << "messages are processed once in each call";
         myScript.GetNextTag();
-        EXPECT_EQ(CurrentToken(myScript), (Token{0, u"", u"", 0})) << "behind the end";
+        EXPECT_EQ(CurrentToken(myScript), NoToken) << "after the end";
     }
+
+    CountingQueue myQueue;
+    classScript myScript{myQueue}; ///< one for all: a script leaves nothing for the next
+    const int myPrefix = (myScript.Prefix(u"pg."), 0);
+};
+
+TEST_F(Script, NeverSet)
+{
+    myScript.GetNextTag();
+    EXPECT_EQ(CurrentToken(myScript), NoToken);
 }
 
-TEST(Script, ReadsAttributesOfTagsAlone)
+TEST_F(Script, PlainText)
 {
-    CountingQueue myQueue;
-    classScript myScript(myQueue);
-    myScript.Prefix(u"pg.");
-    myScript.Script(u"</pg.a X=\"&lt;\" y=2>\rtext");
+    Expect(u"", {});
+    Expect(u"\r\n\r\n\n", {});
+    Expect(u"\r\na\r\nb\r\n", {Plain(u"a\r\nb\r\n", 4)});
+    Expect(u"\n\na\rb\nc<pg", {Plain(u"a\rb\nc<pg", 2)});
+}
+
+TEST_F(Script, Tag)
+{
+    Expect(u"ab<pg.param name=\"x\">\r\n<b>c</PG.param>\r\n",
+           {Plain(u"ab", 1), Open(u"param name=\"x\"", u"param", 1), Plain(u"<b>c", 2), Close(u"param", 2)});
+    Expect(u"<PG.A>\r\n  \r\n<pg.b>", {Open(u"A", u"A", 1), Plain(u"  \r\n", 3), Open(u"b", u"b", 3)});
+    Expect(u"<pg.></pg.><pg.br />", {Open(u"", u"", 1), Close(u"", 1), Open(u"br /", u"br", 1)});
+    Expect(u"<pg.a\r\nb=1\r\n>", {Open(u"a\r\nb=1\r\n", u"a", 3)});
+    Expect(u"<pg.a><pg.\r\nb>", {Open(u"a", u"a", 1), Open(u"\r\nb", u"", 2)});
+}
+
+TEST_F(Script, StartOfATagInText)
+{
+    Expect(u"<pg.a <pg.b=\">\">", {Open(u"a <pg.b=\"", u"a", 1), Plain(u"\">", 1)});
+    Expect(u"<<pg.a><</pg.b>", {Plain(u"<", 1), Open(u"a", u"a", 1), Plain(u"<", 1), Close(u"b", 1)});
+    Expect(u"<pg</ pg.><pg.a>", {Plain(u"<pg</ pg.>", 1), Open(u"a", u"a", 1)});
+}
+
+TEST_F(Script, UnclosedTag)
+{
+    Expect(u"x<pg.a b", {Plain(u"x", 1)});
+    Expect(u"x<pg.\r\na>", {Plain(u"x", 1), Open(u"a", u"a", 2)});
+}
+
+TEST_F(Script, Prefix)
+{
+    myScript.Prefix(u"PG."); // tags are compared in lower case
+    Expect(u"<PG.a><pg.a>", {Plain(u"<PG.a><pg.a>", 1)});
+    myScript.Prefix(u"");
+    Expect(u"<p>x</p>", {Open(u"p", u"p", 1), Plain(u"x", 1), Close(u"p", 1)});
+    Expect(u"<br/><></>a>", {Open(u"br/", u"br/", 1), Open(u"", u"", 1), Close(u"", 1), Plain(u"a>", 1)});
+}
+
+TEST_F(Script, AttributesOfATag)
+{
+    myScript.Script(u"</pg.a X=\"&lt;\" y=2>");
     myScript.GetNextTag();
     EXPECT_EQ(myScript.AttributeCount(), 2);
-    EXPECT_EQ(Text(myScript.AttributeName(0) + myScript.AttributeValue(0)).append(myScript.PlainText()), u"x&lt;");
-    EXPECT_EQ(Text(myScript.QueryAttribute(u"x")).append(myScript.QueryAttribute(u"x", true)), u"<&lt;");
+    EXPECT_EQ(myScript.AttributeName(0), u"x");
+    EXPECT_EQ(myScript.AttributeValue(0), u"&lt;");
+    EXPECT_EQ(myScript.PlainText(), u"");
+    EXPECT_EQ(myScript.QueryAttribute(u"x"), u"<");
+    EXPECT_EQ(myScript.QueryAttribute(u"x", true), u"&lt;");
     EXPECT_EQ(ErrorOf([&] { myScript.AttributeValue(3); }), ErrorNumber::SubscriptOutOfRange);
+}
+
+TEST_F(Script, AttributesOfPlainTextAreEmpty)
+{
+    myScript.Script(u"<pg.a x=1>text");
     myScript.GetNextTag();
+    myScript.GetNextTag();
+    EXPECT_EQ(myScript.PlainText(), u"text");
     EXPECT_EQ(myScript.AttributeCount(), 0);
-    EXPECT_EQ(Text(myScript.AttributeName(-1) + myScript.AttributeValue(99)).append(myScript.QueryAttribute(u"x")),
-              u"");
+    EXPECT_EQ(myScript.AttributeName(-1), u"");
+    EXPECT_EQ(myScript.AttributeValue(99), u"");
+    EXPECT_EQ(myScript.QueryAttribute(u"x"), u"");
+}
+
+TEST_F(Script, Setting_LeavesTheCurrentToken)
+{
+    myScript.Script(u"<pg.a x=1 y=2>\rtext");
+    myScript.GetNextTag();
+    myScript.GetNextTag();
+    EXPECT_EQ(CurrentToken(myScript), Plain(u"text", 2));
     myScript.Script(u"<pg.other>\r<pg.b z=3>");
-    EXPECT_EQ(CurrentToken(myScript), (Token{1, u"text", u"", 2})) << "setting a script leaves the current token";
+    EXPECT_EQ(CurrentToken(myScript), Plain(u"text", 2));
     myScript.GetNextTag();
     EXPECT_EQ(myScript.AttributeCount(), 0);
     EXPECT_EQ(myScript.AttributeValue(1), u"2") << "left by a tag of the script before";
     myScript.GetNextTag();
-    EXPECT_EQ(CurrentToken(myScript), (Token{2, u"b z=3", u"b", 2})) << "lines count from the new script's start";
+    EXPECT_EQ(CurrentToken(myScript), Open(u"b z=3", u"b", 2));
 }
 
-TEST(PluginFunctions, MakeTagsAndTellTruthValues)
+TEST(MakeTag, EmptyValuesAreLeftOutAndBlankStandsForEmpty)
 {
     const TextView myPairs[] = {u"x", u"<blank>", u"y", u"", u"z", u"\"&<", u"w", u" <blank>"};
     EXPECT_EQ(MakeTag(u"t", myPairs), u"<t x=\"\" z=\"\"&<\" w=\" <blank>\">");
-    EXPECT_EQ(MakeAnchor(u"h", u"o", u"c", u"t"), u"<a href=\"h\" onclick=\"o\" target=\"t\" class=\"c\">");
-    EXPECT_FALSE(TextToBoolean(u"") || TextToBoolean(u"   ") || TextToBoolean(u"  0 "));
-    EXPECT_TRUE(TextToBoolean(u"-1") && TextToBoolean(u"00") && TextToBoolean(u"0 0") && TextToBoolean(u"\t"));
 }
 
-TEST(PluginFunctions, ConcatUrlCutsOneOfEachSeparatorAtTheSeam)
+TEST(MakeAnchor, AttributesInTheirOrder)
+{
+    EXPECT_EQ(MakeAnchor(u"h", u"o", u"c", u"t"), u"<a href=\"h\" onclick=\"o\" target=\"t\" class=\"c\">");
+}
+
+TEST(TextToBoolean, EmptyBlankOrZero_IsFalse)
+{
+    for (const TextView myText : {u"", u"   ", u"  0 "})
+    {
+        EXPECT_FALSE(TextToBoolean(myText)) << ToUtf8(myText);
+    }
+    for (const TextView myText : {u"-1", u"00", u"0 0", u"\t"})
+    {
+        EXPECT_TRUE(TextToBoolean(myText)) << ToUtf8(myText);
+    }
+}
+
+TEST(ConcatUrl, OneOfEachSeparatorIsCutOffWhereTheTextsMeet)
 {
     const TextView myCases[][3] = {
         {u"a", u"b", u"a/b"},    {u"a/", u"/b", u"a/b"},  {u"a//", u"b", u"a//b"},  {u"a/\\", u"b", u"a//b"},

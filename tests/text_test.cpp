@@ -10,6 +10,7 @@
 #include <clocale>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <locale>
 
 namespace qel
@@ -17,31 +18,44 @@ namespace qel
 namespace
 {
 
-TEST(Text, LowerCaseIsTheSimpleOneOfEachUnit)
+TEST(LowerCase, EachUnit_IsTheSimpleOne)
 {
     const TextView myUnits = u"AZ@[zÑ×ßĀāİŸǄǅΣЀႠᎠᲐẞⒶＡῼϴ\u2126\u212A\u212B";
     const TextView myLower = u"az@[zñ×ßāāiÿǆǆσѐⴀꭰაßⓐａῳθωkå";
     EXPECT_EQ(LowerCase(myUnits), myLower);
     EXPECT_TRUE(EqualInLowerCase(myUnits, myLower));
-    EXPECT_FALSE(EqualInLowerCase(u"árbol", u"arbol") || EqualInLowerCase(u"árbol", u"árbole"));
+}
+
+TEST(LowerCase, EveryUnit_StaysOnceLoweredAndSurrogatesStay)
+{
     for (uint32_t u = 0; u <= 0xFFFF; ++u)
     {
         const char16_t myOne = LowerCase(static_cast<char16_t>(u));
         EXPECT_EQ(LowerCase(myOne), myOne) << std::hex << u;
-        EXPECT_TRUE(u < 0xD800 || u > 0xDFFF || u == myOne) << "half a pair has no lower case";
+        EXPECT_TRUE(u < 0xD800 || u > 0xDFFF || u == myOne) << std::hex << u;
     }
 }
 
-TEST(Text, BlankIsThatOneCharacterAndReplacedTextIsNotSearched)
+TEST(EqualInLowerCase, OtherLetterOrLength_Differs)
+{
+    EXPECT_FALSE(EqualInLowerCase(u"árbol", u"arbol"));
+    EXPECT_FALSE(EqualInLowerCase(u"árbol", u"árbole"));
+}
+
+TEST(TrimBlanks, BlankAlone)
 {
     EXPECT_EQ(TrimBlanks(u"  a b "), u"a b");
     EXPECT_EQ(TrimBlanks(u" \t\u00A0 "), u"\t\u00A0");
+}
+
+TEST(ReplaceAll, ReplacementIsNotSearched)
+{
     EXPECT_EQ(ReplaceAll(u"aaa", u"aa", u"a"), u"aa");
     EXPECT_EQ(ReplaceAll(u"\n\n", u"\n", u"\r\n"), u"\r\n\r\n");
     EXPECT_EQ(ReplaceAll(u"abc", u"", u"x"), u"abc");
 }
 
-TEST(Find, FirstUnitFromThePosition)
+TEST(Find, StartsAtThePosition)
 {
     const TextView myText = u"a<b<c";
     EXPECT_EQ(Find(myText, u'<', 0), 1U);
@@ -54,13 +68,26 @@ TEST(Find, FirstUnitFromThePosition)
     EXPECT_EQ(Find(u"\x8041", u'A', 0), Text::npos) << "a unit with the same low byte";
 }
 
-/// A decimal comma, which no script has.
+/// A locale whose decimal separator is a comma.
 struct CommaNumbers : std::numpunct<char>
 {
     char do_decimal_point() const override { return ','; }
 };
 
-TEST(Text, NumbersAreReadAndWrittenWithoutALocale)
+/// Runs the checks in the classic locale, then in one with a comma.
+void InEachLocale(const std::function<void()>& myChecks)
+{
+    myChecks();
+    std::locale::global(std::locale(std::locale(), new CommaNumbers));
+    std::setlocale(LC_ALL, "es_ES.UTF-8");
+    {
+        SCOPED_TRACE("with a decimal comma");
+        myChecks();
+    }
+    std::locale::global(std::locale::classic());
+}
+
+TEST(NumericPrefix, LongestNumberInAnyLocale)
 {
     const std::pair<TextView, double> myCases[] = {
         {u"", 0},        {u"38353x", 38353}, {u"  +7", 7},        {u"-1.25abc", -1.25}, {u".5", 0.5},    {u"5.", 5},
@@ -69,26 +96,34 @@ TEST(Text, NumbersAreReadAndWrittenWithoutALocale)
         {u"1e+", 1},     {u"inf", 0},        {u"-INFINITY", 0},   {u"nan", 0},          {u"0x1F", 0},    {u"1e-999", 0},
         {u"0e999", 0},   {u"x1", 0},         {u"\u0661", 0},      {u"0.00001e6", 10},   {u"00012", 12},
     };
-    for (const bool myHasComma : {false, true})
-    {
-        std::locale::global(myHasComma ? std::locale(std::locale(), new CommaNumbers) : std::locale::classic());
-        std::setlocale(LC_ALL, myHasComma ? "es_ES.UTF-8" : "C");
-        for (const auto& [myText, myNumber] : myCases)
+    InEachLocale(
+        [&]
         {
-            EXPECT_EQ(NumericPrefix(myText), myNumber) << ToUtf8(myText);
-        }
-        for (const Text& myText : {Text(u"1e999"), Text(u"-1e309"), Text(400, u'9'), Text(u"0.0001e999")})
-        {
-            EXPECT_EQ(ErrorOf([&] { NumericPrefix(myText); }), ErrorNumber::Overflow) << ToUtf8(myText);
-        }
-        EXPECT_EQ(NumericPrefix(u"0." + Text(400, u'0') + u"1"), 0);
-        EXPECT_EQ(NumberText(int64_t{INT64_MIN}), u"-9223372036854775808");
-        EXPECT_EQ(NumberText(120.0F) + NumberText(0.1F) + NumberText(16777216.0F), u"1200.116777216");
-    }
-    std::locale::global(std::locale::classic());
+            for (const auto& [myText, myNumber] : myCases)
+            {
+                EXPECT_EQ(NumericPrefix(myText), myNumber) << ToUtf8(myText);
+            }
+            EXPECT_EQ(NumericPrefix(u"0." + Text(400, u'0') + u"1"), 0);
+            for (const Text& myText : {Text(u"1e999"), Text(u"-1e309"), Text(400, u'9'), Text(u"0.0001e999")})
+            {
+                EXPECT_EQ(ErrorOf([&] { NumericPrefix(myText); }), ErrorNumber::Overflow) << ToUtf8(myText);
+            }
+        });
 }
 
-TEST(Dates, RoundHalvesToTheEvenNeighbourInAnyRoundingMode)
+TEST(NumberText, ShortestInAnyLocale)
+{
+    InEachLocale(
+        []
+        {
+            EXPECT_EQ(NumberText(int64_t{INT64_MIN}), u"-9223372036854775808");
+            EXPECT_EQ(NumberText(120.0F), u"120");
+            EXPECT_EQ(NumberText(0.1F), u"0.1");
+            EXPECT_EQ(NumberText(16777216.0F), u"16777216");
+        });
+}
+
+TEST(RoundToWhole, Half_GoesToTheEvenNeighbourInAnyRoundingMode)
 {
     const std::pair<double, int32_t> myCases[] = {
         {0.5, 0},  {1.5, 2},   {2.5, 2},    {38352.5, 38352}, {0.49999999999999994, 0},  {0.51, 1},
@@ -107,7 +142,7 @@ TEST(Dates, RoundHalvesToTheEvenNeighbourInAnyRoundingMode)
     EXPECT_EQ(ErrorOf([&] { RoundToWhole(std::nan("")); }), ErrorNumber::Overflow);
 }
 
-TEST(Dates, DayIsTheDateCutDown)
+TEST(DayOfDate, Time_IsCutOff)
 {
     const std::tuple<Date, int, int, int> myCases[] = {
         {0.6, 1899, 12, 30},       {60, 1900, 2, 28},      {61, 1900, 3, 1},
@@ -117,15 +152,22 @@ TEST(Dates, DayIsTheDateCutDown)
     for (const auto& [myDate, myYear, myMonth, myDay] : myCases)
     {
         const CalendarDay myFound = DayOfDate(CheckedDate(myDate));
-        EXPECT_EQ(std::tuple(myFound.Year, myFound.Month, myFound.Day), std::tuple(myYear, myMonth, myDay)) << myDate;
+        SCOPED_TRACE(myDate);
+        EXPECT_EQ(myFound.Year, myYear);
+        EXPECT_EQ(myFound.Month, myMonth);
+        EXPECT_EQ(myFound.Day, myDay);
     }
+}
+
+TEST(CheckedDate, OutOfRange_Overflows)
+{
     for (const double myDays : {-657435.0, 2958466.0, 1e300, std::nan("")})
     {
         EXPECT_EQ(ErrorOf([&] { CheckedDate(myDays); }), ErrorNumber::Overflow) << myDays;
     }
 }
 
-TEST(Encodings, BrokenUtf8IsToldAndReplacedByteByByte)
+TEST(FromUtf8, Broken_IsReplacedByteByByte)
 {
     for (const std::string_view myBroken : {"\xC0\x80", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80",
                                             "\xF4\x90\x80\x80", "\xE2\x82", "\xC3", "\x80\xFF", "\xF8\x88\x80\x80\x80"})
@@ -134,19 +176,36 @@ TEST(Encodings, BrokenUtf8IsToldAndReplacedByteByByte)
         EXPECT_EQ(FromUtf8Exactly(myBroken), std::nullopt);
         EXPECT_FALSE(IsUtf8("a" + std::string(myBroken)));
     }
-    const std::string myBytes = "a\xC3\xB1\xE2\x82\xAC\xEF\xBB\xBF\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF";
-    EXPECT_EQ(FromUtf8Exactly(myBytes), u"añ€\uFEFF\U0001F600\U0010FFFF");
-    EXPECT_EQ(ToUtf8Exactly(u"añ€\uFEFF\U0001F600\U0010FFFF"), myBytes);
-    EXPECT_TRUE(IsUtf8(myBytes) && IsUtf8(""));
-    EXPECT_EQ(FromUtf8Exactly("\x7F\xC2\x80\x7F"), u"\x7F\x80\x7F");
-    EXPECT_EQ(ToUtf8(u"\x7F\x80\x7F"), "\x7F\xC2\x80\x7F");
+}
+
+TEST(FromUtf8, EveryLength_ComesBack)
+{
+    const std::pair<TextView, std::string_view> myCases[] = {
+        {u"", ""},
+        {u"a\x7F\x80\x7F", "a\x7F\xC2\x80\x7F"},
+        {u"ñ€", "\xC3\xB1\xE2\x82\xAC"},
+        {u"\uFEFF", "\xEF\xBB\xBF"},
+        {u"\U0001F600\U0010FFFF", "\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF"},
+    };
+    for (const auto& [myText, myBytes] : myCases)
+    {
+        SCOPED_TRACE(myBytes);
+        EXPECT_TRUE(IsUtf8(myBytes));
+        EXPECT_EQ(FromUtf8Exactly(myBytes), myText);
+        EXPECT_EQ(ToUtf8Exactly(myText), myBytes);
+        EXPECT_EQ(ToUtf8(myText), myBytes);
+    }
+}
+
+TEST(ToUtf8, HalfAPair_IsReplaced)
+{
     EXPECT_EQ(ToUtf8(Text{0xDE00, 0xD83D, 0xD83D, 0xDE00, 0xD83D}),
               "\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD");
     EXPECT_EQ(ToUtf8Exactly(Text{u'x', 0xD83D}), std::nullopt);
     EXPECT_EQ(ToUtf8Exactly(Text{0xDE00, u'x'}), std::nullopt);
 }
 
-TEST(Encodings, EveryAnsiByteIsOneCharacterAndComesBack)
+TEST(FromAnsi, EveryByte_IsOneCharacterAndComesBack)
 {
     for (int b = 0; b < 256; ++b)
     {
@@ -154,14 +213,18 @@ TEST(Encodings, EveryAnsiByteIsOneCharacterAndComesBack)
         EXPECT_EQ(ToAnsi(FromAnsi(myByte)), myByte) << b;
     }
     EXPECT_EQ(FromAnsi("\x80\x8E\x99\x9F\xA0\xFF\x81\x9D"), u"€Ž™Ÿ\u00A0ÿ\x81\x9D");
+}
+
+TEST(ToAnsi, CharacterOutsideTheCodePage_IsRefused)
+{
     for (const Text& myOther : {Text{0x80}, Text{0x9F}, Text(u"Ā"), Text(u"a\U0001F600")})
     {
         EXPECT_EQ(ToAnsi(myOther), std::nullopt) << ToUtf8(myOther);
     }
 }
 
-/// Each line of the file is a number, a blank and the text of that number. The long templates are proved by page.html.
-TEST(StringTable, HoldsEveryTextToTheCharacter)
+/// Each line of the file is a number, a blank and the text of that number. page.html holds the long templates.
+TEST(LoadResString, EveryText)
 {
     std::ifstream myFile(QEL_TEST_DATA "/strings.txt", std::ios::binary);
     int myCount = 0;
