@@ -277,6 +277,7 @@ TEST(Variants, ConvertByValueAndByReference)
         {Value(VT_BYREF | VT_VARIANT, &myOuter), VT_I4, "badtype"},
         {Value(VT_BYREF | VT_VARIANT, nullptr), VT_I4, "pointer"},
         {Value(VT_BYREF | VT_I4, nullptr), VT_I4, "pointer"},
+        {Value(VT_BYREF | VT_EMPTY, &mySmall), VT_I4, "badtype"},
         {Value(999, nullptr), VT_I4, "badtype"},
         {Value(5), VT_BYREF | VT_I4, "badtype"},
         {Value(5), VT_VARIANT, "badtype"},
@@ -330,20 +331,60 @@ TEST(ErrorInformation, GivesBackWhatWasSet)
     uint32_t theContext = 1;
     EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
     EXPECT_TRUE(SameId(theInterface, GUID_NULL)) << "as long as none is set";
+    EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
+    EXPECT_EQ(theContext, 0U) << "as long as none is set";
     EXPECT_EQ(myWriter->SetGUID(&IID_QelPlugin), S_OK);
     EXPECT_EQ(myWriter->SetGUID(nullptr), E_POINTER);
-    EXPECT_EQ(myWriter->SetHelpFile(u"ayuda.chm"), S_OK);
     EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
     EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
     EXPECT_TRUE(SameId(theInterface, IID_QelPlugin));
     EXPECT_EQ(myReader->GetGUID(nullptr), E_POINTER);
-    Bstr theFile;
-    EXPECT_EQ(myReader->GetHelpFile(theFile.Pointer()), S_OK);
-    EXPECT_EQ(theFile.Value(), u"ayuda.chm");
     EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
     EXPECT_EQ(theContext, 100U);
     EXPECT_EQ(myReader->GetHelpContext(nullptr), E_POINTER);
-    EXPECT_EQ(myReader->GetDescription(nullptr), E_POINTER);
+
+    const struct
+    {
+        HRESULT (ICreateErrorInfo::*Set)(const char16_t*);
+        HRESULT (IErrorInfo::*Get)(BSTR*);
+        const char16_t* Text;
+    } myTexts[] = {{&ICreateErrorInfo::SetSource, &IErrorInfo::GetSource, u"fuente"},
+                   {&ICreateErrorInfo::SetDescription, &IErrorInfo::GetDescription, u"descripción"},
+                   {&ICreateErrorInfo::SetHelpFile, &IErrorInfo::GetHelpFile, u"ayuda.chm"}};
+    for (const bool mySets : {true, false})
+    {
+        for (const auto& myMember : myTexts)
+        {
+            EXPECT_EQ((myWriter.Get()->*myMember.Set)(mySets ? myMember.Text : nullptr), S_OK);
+        }
+        for (const auto& myMember : myTexts)
+        {
+            Bstr theText;
+            EXPECT_EQ((myReader.Get()->*myMember.Get)(theText.Pointer()), S_OK);
+            EXPECT_EQ(theText.Value(), mySets ? myMember.Text : u"");
+            EXPECT_EQ((myReader.Get()->*myMember.Get)(nullptr), E_POINTER);
+        }
+    }
+}
+
+TEST(ErrorInformation, SetAndGet_WithoutMemory_KeepTheText)
+{
+    ComPtr<ICreateErrorInfo> myWriter;
+    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
+    const auto myReader = myWriter.Query<IErrorInfo>();
+    EXPECT_EQ(myWriter->SetSource(u"old"), S_OK);
+    std::vector<HRESULT> myResults;
+    const auto Collect = [&](HRESULT myResult)
+    {
+        Bstr theText;
+        EXPECT_EQ(myReader->GetSource(theText.Pointer()), S_OK);
+        EXPECT_EQ(theText.Value(), myResults.empty() ? u"old" : u"new");
+        myResults.push_back(myResult);
+    };
+    FailEachPieceOfMemory([&] { return myWriter->SetSource(u"new"); }, Collect);
+    Bstr theText;
+    FailEachPieceOfMemory([&] { return myReader->GetSource(theText.Pointer()); }, Collect);
+    EXPECT_EQ(myResults, (std::vector{E_OUTOFMEMORY, S_OK, E_OUTOFMEMORY, S_OK}));
 }
 
 TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
@@ -693,6 +734,9 @@ TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
     {
         EXPECT_EQ(QelRegisterClass(&CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
     }
+    fs::create_directories(myUser / myFilename); // a folder in the place of the file
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
+    EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
     Write(myRoot / "file", "");
     setenv("XDG_DATA_HOME", (myRoot / "file").c_str(), 1);
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
