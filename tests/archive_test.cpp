@@ -182,6 +182,18 @@ TEST_F(Archive, Unpacking_LooksUpEachLevelOnce)
     EXPECT_EQ(myFolder.Read("base/IMG/Sub/c") + myFolder.Read("base/IMG/NEW/e"), "35");
 }
 
+TEST_F(Archive, Unpacking_CopiesInBlocksOf32000Bytes)
+{
+    FailingFiles myRecordedFiles(myFiles);
+    classArchive theArchive(myRecordedFiles);
+    theArchive.BaseFolder(myFolder.Logical(u"base"));
+    theArchive.ArchiveFilename(myFolder.Logical(u"x.dat"));
+    myFolder.Write("x.dat", Magic + Entry("\\a", std::string(32000, 'a')) + Entry("\\b", "") +
+                                Entry("\\c", std::string(64001, 'c')) + EndMarker);
+    EXPECT_TRUE(theArchive.UnPackArchive());
+    EXPECT_EQ(myRecordedFiles.Writes, (std::vector<size_t>{32000, 32000, 32000, 1}));
+}
+
 TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
 {
     std::filesystem::create_directory_symlink(myFolder.Native("outside"), myFolder.Native("base/link"));

@@ -163,6 +163,11 @@ TEST(Encodings, EveryAnsiByteIsOneCharacterAndComesBack)
     }
 }
 
+TEST(ErrorDescription, OfAnUnknownNumberIsAGeneralOne)
+{
+    EXPECT_EQ(ErrorDescription(1), u"Error del programa anfitrión o del sistema");
+}
+
 /// Each line of the file is a number, a blank and the text of that number. The long templates are proved by page.html.
 TEST(StringTable, HoldsEveryTextToTheCharacter)
 {
