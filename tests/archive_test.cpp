@@ -197,9 +197,10 @@ TEST_F(Archive, Unpacking_CopiesInBlocksOf32000Bytes)
 TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
 {
     std::filesystem::create_directory_symlink(myFolder.Native("outside"), myFolder.Native("base/link"));
-    std::istringstream myNames("\\..\\evil|..\\evil|\\sub\\..\\..\\evil|\\../evil|\\sub/../../evil|\\.. \\evil|/evil|"
-                               "\\\\evil|\\/evil|C:\\evil|\\c:\\evil|\\sub\\D:evil|c:evil|\\evil\0.gif|\\link\\evil|"
-                               "\\LINK\\evil|\\link/evil|\\link\\evil\\a|link\\evil|\\|\\..|\\."s);
+    std::istringstream myNames(
+        "\\..\\evil|..\\evil|\\sub\\..\\..\\evil|\\../evil|\\sub/../../evil|\\.. \\evil|/evil|"
+        "\\\\evil|\\/evil|C:\\evil|\\c:\\evil|\\sub\\D:evil|c:evil|a:evil|\\Z:\\evil|\\evil\0.gif|\\link\\evil|"
+        "\\LINK\\evil|\\link/evil|\\link\\evil\\a|link\\evil|\\|\\..|\\."s);
     for (std::string myName; std::getline(myNames, myName, '|');)
     {
         myFolder.MakeFolder("outside");

@@ -23,6 +23,7 @@
 #include <set>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -399,7 +400,12 @@ TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
         })
         .join();
     EXPECT_EQ(myOther, "-");
-    EXPECT_EQ(TakenDescription(), "mío");
+    ComPtr<IErrorInfo> myInfo;
+    EXPECT_EQ(SetErrorInfo(1, nullptr), E_INVALIDARG);
+    EXPECT_EQ(GetErrorInfo(1, myInfo.Receive()), E_INVALIDARG);
+    EXPECT_EQ(GetErrorInfo(0, nullptr), E_POINTER);
+    EXPECT_EQ(CreateErrorInfo(nullptr), E_POINTER);
+    EXPECT_EQ(TakenDescription(), "mío") << "refused calls leave it";
     EXPECT_EQ(TakenDescription(), "-") << "it is taken away";
 }
 
@@ -719,6 +725,18 @@ TEST_F(ClassRegistry, PassesOverMalformedEntriesAndPrefersTheUsersOnes)
     fs::remove(myUser / myFilename);
     Write(myUser / "{4fcc59ca-c869-4963-a843-14d7c29afa23}.class", "ProgID=Lower.Main\nLibrary=/none/user.so\n");
     EXPECT_EQ(CLSIDFromProgID(u"Lower.Main", &theClass), CO_E_CLASSSTRING);
+}
+
+TEST_F(ClassRegistry, WithoutStandardInput_IsWrittenAndReadAllTheSame)
+{
+    const int myInput = dup(STDIN_FILENO);
+    close(STDIN_FILENO); // the next file that is opened has its number
+    CLSID theClass{};
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
+    EXPECT_EQ(CLSIDFromProgID(u"A.Main", &theClass), S_OK);
+    EXPECT_EQ(close(STDIN_FILENO), -1) << "left open";
+    dup2(myInput, STDIN_FILENO);
+    close(myInput);
 }
 
 TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)

@@ -3,6 +3,7 @@
 #include "resources/stringTable.h"
 #include "text/dates.h"
 #include "text/encodings.h"
+#include "text/NumberGrouping.h"
 
 #include <gtest/gtest.h>
 
@@ -88,6 +89,25 @@ TEST(Text, NumbersAreReadAndWrittenWithoutALocale)
     std::locale::global(std::locale::classic());
 }
 
+TEST(GroupedNumberText, SeparatesGroupsOfTheirSizes)
+{
+    const std::tuple<int64_t, std::vector<uint8_t>, TextView> myCases[] = {
+        {999, {3}, u"999"},
+        {1000, {3}, u"1.000"},
+        {-999, {3}, u"-999"},
+        {-1000, {3}, u"-1.000"},
+        {123456, {3}, u"123.456"},
+        {-1234567, {3}, u"-1.234.567"},
+        {12345678, {}, u"12345678"},
+        {12345678, {3, 2}, u"1.23.45.678"},
+        {12345678, {3, 0}, u"12345.678"},
+    };
+    for (const auto& [myNumber, mySizes, myText] : myCases)
+    {
+        EXPECT_EQ(GroupedNumberText(myNumber, {u".", mySizes}), myText);
+    }
+}
+
 TEST(Dates, RoundHalvesToTheEvenNeighbourInAnyRoundingMode)
 {
     const std::pair<double, int32_t> myCases[] = {
@@ -138,8 +158,10 @@ TEST(Encodings, BrokenUtf8IsToldAndReplacedByteByByte)
     EXPECT_EQ(FromUtf8Exactly(myBytes), u"añ€\uFEFF\U0001F600\U0010FFFF");
     EXPECT_EQ(ToUtf8Exactly(u"añ€\uFEFF\U0001F600\U0010FFFF"), myBytes);
     EXPECT_TRUE(IsUtf8(myBytes) && IsUtf8(""));
-    EXPECT_EQ(FromUtf8Exactly("\x7F\xC2\x80\x7F"), u"\x7F\x80\x7F");
-    EXPECT_EQ(ToUtf8(u"\x7F\x80\x7F"), "\x7F\xC2\x80\x7F");
+    // The first and the last character of each length, and those beside the surrogates.
+    const std::string myBounds = "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80";
+    EXPECT_EQ(FromUtf8Exactly(myBounds), u"\x7F\x80\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000");
+    EXPECT_EQ(ToUtf8(u"\x7F\x80\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000"), myBounds);
     EXPECT_EQ(ToUtf8(Text{0xDE00, 0xD83D, 0xD83D, 0xDE00, 0xD83D}),
               "\xEF\xBF\xBD\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD");
     EXPECT_EQ(ToUtf8Exactly(Text{u'x', 0xD83D}), std::nullopt);
@@ -163,9 +185,32 @@ TEST(Encodings, EveryAnsiByteIsOneCharacterAndComesBack)
     }
 }
 
-TEST(ErrorDescription, OfAnUnknownNumberIsAGeneralOne)
+TEST(ErrorDescription, OfEachNumber)
 {
-    EXPECT_EQ(ErrorDescription(1), u"Error del programa anfitrión o del sistema");
+    const std::pair<int32_t, TextView> myCases[] = {
+        {1, u"Error del programa anfitrión o del sistema"},
+        {5, u"Llamada a procedimiento o argumento no válidos"},
+        {6, u"Desbordamiento"},
+        {7, u"Memoria insuficiente"},
+        {9, u"Subíndice fuera del intervalo"},
+        {13, u"Los tipos no coinciden"},
+        {52, u"Nombre de archivo incorrecto"},
+        {53, u"No se encuentra el archivo"},
+        {55, u"El archivo ya está abierto"},
+        {57, u"Error de entrada o salida del dispositivo"},
+        {58, u"El archivo ya existe"},
+        {61, u"El disco está lleno"},
+        {62, u"El archivo termina antes de lo esperado"},
+        {70, u"Permiso denegado"},
+        {75, u"Error de acceso a la ruta o al archivo"},
+        {76, u"No se encuentra la ruta"},
+        {91, u"El programa anfitrión no ha facilitado el servicio necesario"},
+        {481, u"La imagen no es válida"},
+    };
+    for (const auto& [myNumber, myDescription] : myCases)
+    {
+        EXPECT_EQ(ErrorDescription(myNumber), myDescription) << myNumber;
+    }
 }
 
 /// Each line of the file is a number, a blank and the text of that number. The long templates are proved by page.html.
