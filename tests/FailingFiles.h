@@ -5,6 +5,7 @@
 #include "text/errors.h"
 
 #include <csignal>
+#include <vector>
 
 namespace qel
 {
@@ -32,7 +33,8 @@ public:
     }
 
     bool HasFailed = false;
-    int Looks = 0; ///< how often Look has been called
+    int Looks = 0;              ///< how often Look has been called
+    std::vector<size_t> Writes; ///< how many bytes each Write was called with
 
     std::unique_ptr<InputFile> OpenForReading(TextView f) override { return Open<Input>(&Files::OpenForReading, f); }
     std::unique_ptr<InputFile> OpenShared(TextView f) override { return Open<Input>(&Files::OpenShared, f); }
@@ -63,7 +65,11 @@ private:
     struct Output final : OutputFile
     {
         Output(FailingFiles& theOwner, std::unique_ptr<OutputFile> f) : My(theOwner), Real(std::move(f)) {}
-        void Write(std::span<const std::byte> b) override { My.Do(*Real, &OutputFile::Write, b); }
+        void Write(std::span<const std::byte> b) override
+        {
+            My.Writes.push_back(b.size());
+            My.Do(*Real, &OutputFile::Write, b);
+        }
         void Close() override { My.Do(*Real, &OutputFile::Close); }
         FailingFiles& My;
         std::unique_ptr<OutputFile> Real;

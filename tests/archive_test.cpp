@@ -182,12 +182,25 @@ TEST_F(Archive, Unpacking_LooksUpEachLevelOnce)
     EXPECT_EQ(myFolder.Read("base/IMG/Sub/c") + myFolder.Read("base/IMG/NEW/e"), "35");
 }
 
+TEST_F(Archive, Unpacking_CopiesInBlocksOf32000Bytes)
+{
+    FailingFiles myRecordedFiles(myFiles);
+    classArchive theArchive(myRecordedFiles);
+    theArchive.BaseFolder(myFolder.Logical(u"base"));
+    theArchive.ArchiveFilename(myFolder.Logical(u"x.dat"));
+    myFolder.Write("x.dat", Magic + Entry("\\a", std::string(32000, 'a')) + Entry("\\b", "") +
+                                Entry("\\c", std::string(64001, 'c')) + EndMarker);
+    EXPECT_TRUE(theArchive.UnPackArchive());
+    EXPECT_EQ(myRecordedFiles.Writes, (std::vector<size_t>{32000, 32000, 32000, 1}));
+}
+
 TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
 {
     std::filesystem::create_directory_symlink(myFolder.Native("outside"), myFolder.Native("base/link"));
-    std::istringstream myNames("\\..\\evil|..\\evil|\\sub\\..\\..\\evil|\\../evil|\\sub/../../evil|\\.. \\evil|/evil|"
-                               "\\\\evil|\\/evil|C:\\evil|\\c:\\evil|\\sub\\D:evil|c:evil|\\evil\0.gif|\\link\\evil|"
-                               "\\LINK\\evil|\\link/evil|\\link\\evil\\a|link\\evil|\\|\\..|\\."s);
+    std::istringstream myNames(
+        "\\..\\evil|..\\evil|\\sub\\..\\..\\evil|\\../evil|\\sub/../../evil|\\.. \\evil|/evil|"
+        "\\\\evil|\\/evil|C:\\evil|\\c:\\evil|\\sub\\D:evil|c:evil|a:evil|\\Z:\\evil|\\evil\0.gif|\\link\\evil|"
+        "\\LINK\\evil|\\link/evil|\\link\\evil\\a|link\\evil|\\|\\..|\\."s);
     for (std::string myName; std::getline(myNames, myName, '|');)
     {
         myFolder.MakeFolder("outside");

@@ -24,6 +24,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <tuple>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -271,6 +272,7 @@ TEST(Variants, ConvertByValueAndByReference)
         {Value(VT_BYREF | VT_VARIANT, &myOuter), VT_I4, "badtype"},
         {Value(VT_BYREF | VT_VARIANT, nullptr), VT_I4, "pointer"},
         {Value(VT_BYREF | VT_I4, nullptr), VT_I4, "pointer"},
+        {Value(VT_BYREF | VT_EMPTY, &mySmall), VT_I4, "badtype"},
         {Value(999, nullptr), VT_I4, "badtype"},
         {Value(5), VT_BYREF | VT_I4, "badtype"},
         {Value(5), VT_VARIANT, "badtype"},
@@ -324,20 +326,60 @@ TEST(ErrorInformation, GivesBackWhatWasSet)
     uint32_t theContext = 1;
     EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
     EXPECT_TRUE(SameId(theInterface, GUID_NULL)) << "as long as none is set";
+    EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
+    EXPECT_EQ(theContext, 0U) << "as long as none is set";
     EXPECT_EQ(myWriter->SetGUID(&IID_QelPlugin), S_OK);
     EXPECT_EQ(myWriter->SetGUID(nullptr), E_POINTER);
-    EXPECT_EQ(myWriter->SetHelpFile(u"ayuda.chm"), S_OK);
     EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
     EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
     EXPECT_TRUE(SameId(theInterface, IID_QelPlugin));
     EXPECT_EQ(myReader->GetGUID(nullptr), E_POINTER);
-    Bstr theFile;
-    EXPECT_EQ(myReader->GetHelpFile(theFile.Pointer()), S_OK);
-    EXPECT_EQ(theFile.Value(), u"ayuda.chm");
     EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
     EXPECT_EQ(theContext, 100U);
     EXPECT_EQ(myReader->GetHelpContext(nullptr), E_POINTER);
-    EXPECT_EQ(myReader->GetDescription(nullptr), E_POINTER);
+
+    const struct
+    {
+        HRESULT (ICreateErrorInfo::*Set)(const char16_t*);
+        HRESULT (IErrorInfo::*Get)(BSTR*);
+        const char16_t* Text;
+    } myTexts[] = {{&ICreateErrorInfo::SetSource, &IErrorInfo::GetSource, u"fuente"},
+                   {&ICreateErrorInfo::SetDescription, &IErrorInfo::GetDescription, u"descripción"},
+                   {&ICreateErrorInfo::SetHelpFile, &IErrorInfo::GetHelpFile, u"ayuda.chm"}};
+    for (const bool mySets : {true, false})
+    {
+        for (const auto& myMember : myTexts)
+        {
+            EXPECT_EQ((myWriter.Get()->*myMember.Set)(mySets ? myMember.Text : nullptr), S_OK);
+        }
+        for (const auto& myMember : myTexts)
+        {
+            Bstr theText;
+            EXPECT_EQ((myReader.Get()->*myMember.Get)(theText.Pointer()), S_OK);
+            EXPECT_EQ(theText.Value(), mySets ? myMember.Text : u"");
+            EXPECT_EQ((myReader.Get()->*myMember.Get)(nullptr), E_POINTER);
+        }
+    }
+}
+
+TEST(ErrorInformation, SetAndGet_WithoutMemory_KeepTheText)
+{
+    ComPtr<ICreateErrorInfo> myWriter;
+    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
+    const auto myReader = myWriter.Query<IErrorInfo>();
+    EXPECT_EQ(myWriter->SetSource(u"old"), S_OK);
+    std::vector<HRESULT> myResults;
+    const auto Collect = [&](HRESULT myResult)
+    {
+        Bstr theText;
+        EXPECT_EQ(myReader->GetSource(theText.Pointer()), S_OK);
+        EXPECT_EQ(theText.Value(), myResults.empty() ? u"old" : u"new");
+        myResults.push_back(myResult);
+    };
+    FailEachPieceOfMemory([&] { return myWriter->SetSource(u"new"); }, Collect);
+    Bstr theText;
+    FailEachPieceOfMemory([&] { return myReader->GetSource(theText.Pointer()); }, Collect);
+    EXPECT_EQ(myResults, (std::vector{E_OUTOFMEMORY, S_OK, E_OUTOFMEMORY, S_OK}));
 }
 
 TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
@@ -352,7 +394,12 @@ TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
         })
         .join();
     EXPECT_EQ(myOther, "-");
-    EXPECT_EQ(TakenDescription(), "mío");
+    ComPtr<IErrorInfo> myInfo;
+    EXPECT_EQ(SetErrorInfo(1, nullptr), E_INVALIDARG);
+    EXPECT_EQ(GetErrorInfo(1, myInfo.Receive()), E_INVALIDARG);
+    EXPECT_EQ(GetErrorInfo(0, nullptr), E_POINTER);
+    EXPECT_EQ(CreateErrorInfo(nullptr), E_POINTER);
+    EXPECT_EQ(TakenDescription(), "mío") << "refused calls leave it";
     EXPECT_EQ(TakenDescription(), "-") << "it is taken away";
 }
 
@@ -658,6 +705,18 @@ TEST_F(ClassRegistry, PassesOverMalformedEntriesAndPrefersTheUsersOnes)
     EXPECT_EQ(CLSIDFromProgID(u"Lower.Main", &theClass), CO_E_CLASSSTRING);
 }
 
+TEST_F(ClassRegistry, WithoutStandardInput_IsWrittenAndReadAllTheSame)
+{
+    const int myInput = dup(STDIN_FILENO);
+    close(STDIN_FILENO); // the next file that is opened has its number
+    CLSID theClass{};
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
+    EXPECT_EQ(CLSIDFromProgID(u"A.Main", &theClass), S_OK);
+    EXPECT_EQ(close(STDIN_FILENO), -1) << "left open";
+    dup2(myInput, STDIN_FILENO);
+    close(myInput);
+}
+
 TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
 {
     const std::pair<const char16_t*, std::string> myCases[] = {{u"", "/none/a.so"},
@@ -671,6 +730,9 @@ TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
     {
         EXPECT_EQ(QelRegisterClass(&CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
     }
+    fs::create_directories(myUser / myFilename); // a folder in the place of the file
+    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
+    EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
     Write(myRoot / "file", "");
     myEnvironment.Set("XDG_DATA_HOME", myRoot.Native("file"));
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);

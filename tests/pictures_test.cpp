@@ -16,6 +16,7 @@
 #include <functional>
 #include <gif_lib.h>
 #include <gtest/gtest.h>
+#include <random>
 #include <turbojpeg.h>
 
 using namespace qel;
@@ -199,6 +200,7 @@ TEST_F(PicturesTest, AGifIsAsLargeAsItsScreenAndAJpegAsItsFrame)
 {
     ExpectSize(MakeGif({.ScreenWidth = 350, .ScreenHeight = 250, .Width = 350, .Height = 250}), 350, 250);
     ExpectSize(MakeGif({.ScreenWidth = 4, .ScreenHeight = 3}), 4, 3);
+    ExpectSize(MakeGif({.ScreenWidth = 1, .ScreenHeight = 1, .Width = 1, .Height = 1}), 1, 1);
     ExpectSize(MakeGif({.ScreenWidth = 0, .ScreenHeight = 30}), 9, 8);
     ExpectSize(MakeJpeg(350, 262), 350, 262);
     ExpectSize(MakeJpeg(1, 1), 1, 1);
@@ -269,14 +271,17 @@ TEST_F(PicturesTest, WhatIsNoPictureOrTooLargeIsRefused)
     };
     for (const FileBytes& myFile :
          {FileBytes(), AsFile("GIF"), AsFile("GIF88a and so on"), AsFile("BM, a bitmap"), AsFile("\xFF\xD8\xFF"),
-          myWith(myGif, 6, 4, 0xFF), myWith(myGif, myImage, 4, 0xFF), myWith(myGif, myImage, 2, 0),
-          MakeGif({.HasScreenColours = false}), MakeGif({.Images = 0}), myWith(myJpeg, myFrame, 4, 0x40),
-          myWith(myJpeg, myFrame + 2, 2, 0)})
+          myWith(myGif, 5, 1, 'b'), myWith(myGif, 6, 4, 0xFF), myWith(myGif, myImage, 4, 0xFF),
+          myWith(myGif, myImage, 2, 0), MakeGif({.HasScreenColours = false}), MakeGif({.Images = 0}),
+          myWith(myJpeg, myFrame, 4, 0x40), myWith(myJpeg, myFrame + 2, 2, 0)})
     {
         ExpectSize(myJpeg, 40, 30);
         EXPECT_EQ(Load(myFile), ErrorNumber::InvalidPicture);
         EXPECT_EQ(ErrorOf([&] { myControl->BitmapWidth(); }), ErrorNumber::InvalidPicture); // the old one is gone
     }
+    ExpectSize(myJpeg, 40, 30);
+    std::filesystem::resize_file(myFolder.Native("picture.bmp"), (256U << 20U) + 1); // by bytes after its end
+    EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), ErrorNumber::InvalidPicture);
 }
 
 /// A picture of smooth colours, the left of it transparent and fading in.
@@ -316,6 +321,7 @@ TEST_F(PicturesTest, AShrunkGifKeepsTransparencyColoursAndItsAnimatedMark)
 {
     const auto mySource = ReduceToPalette(Gradient(400, 300, 200), false);
     FileBytes myFile = WriteGif(*mySource);
+    EXPECT_EQ(myFile[10], 0xF7) << "256 colours of eight bits a channel";
     const size_t myImages = 13 + 256 * 3; // behind the colours: a second image like the first
     const FileBytes myImage(myFile.begin() + myImages, myFile.end());
     myFile.pop_back();
@@ -368,6 +374,31 @@ TEST_F(PicturesTest, AGifOfManyColoursIsAsGoodAsItsPaletteAllows)
     EXPECT_EQ(ReduceToPalette(myFew, false)->Pixels(20, 20).Pixels, myFew.Pixels);
     const PixelPicture myNothing{2, 1, std::vector<uint8_t>(8)};
     EXPECT_EQ(ReduceToPalette(myNothing, false)->Pixels(2, 1).Pixels, myNothing.Pixels);
+}
+
+TEST(ReduceToPalette, EachPixelHasTheNearestEntry)
+{
+    std::mt19937 myRandom(1);
+    PixelPicture myMany{64, 64, std::vector<uint8_t>(64 * 64 * 4)};
+    std::ranges::generate(myMany.Pixels, [&] { return static_cast<uint8_t>(myRandom()); });
+    for (size_t i = 3; i < myMany.Pixels.size(); i += 4)
+    {
+        myMany.Pixels[i] = 255;
+    }
+    const auto myReduced = ReduceToPalette(myMany, false);
+    const GifImage& myImage = myReduced->FirstImage();
+    for (size_t i = 0; i < myMany.Pixels.size() / 4; ++i)
+    {
+        const uint8_t* const myPixel = &myMany.Pixels[i * 4];
+        const auto Distance = [&](const GifColour& c)
+        {
+            return std::pow(c.Red - myPixel[0], 2) + std::pow(c.Green - myPixel[1], 2) +
+                   std::pow(c.Blue - myPixel[2], 2);
+        };
+        const auto myEnd = myImage.Palette.end() - 1; // the last entry is kept for transparent pixels
+        const auto myNearest = std::ranges::min_element(myImage.Palette.begin(), myEnd, {}, Distance);
+        ASSERT_EQ(Distance(myImage.Palette[myImage.Indices[i]]), Distance(*myNearest)) << i;
+    }
 }
 
 TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
@@ -439,24 +470,33 @@ TEST_F(PicturesTest, Save_WritesAnUprightPictureWithoutAnOrientation)
     }
 }
 
-TEST_F(PicturesTest, Load_TakesLargePhotographsThatNeedLittleMemory)
+TEST_F(PicturesTest, Load_TakesAsManyPixelsAsItsMemoryAllows)
 {
-    // 16,000 by 16,000 pixels, of which the file holds the first rows.
-    const auto myEnlarged = [](FileBytes theFile, uint8_t myMarker)
+    // A JPEG whose header says more than the file holds, which is the first rows.
+    const auto myEnlarged = [](bool myIsProgressive, int myWidth, int myHeight)
     {
-        const size_t mySides = FrameOf(theFile, myMarker) + 5;
+        FileBytes theFile = MakeJpeg(64, 64, TJPF_RGB, TJSAMP_420, myIsProgressive ? TJFLAG_PROGRESSIVE : 0);
+        const size_t mySides = FrameOf(theFile, myIsProgressive ? 0xC2 : 0xC0) + 5;
         for (size_t i = 0; i < 4; ++i)
         {
-            theFile[mySides + i] = i % 2 == 0 ? 16000 >> 8 : 16000 & 0xFF;
+            const int mySide = i < 2 ? myHeight : myWidth;
+            theFile[mySides + i] = static_cast<uint8_t>(i % 2 == 0 ? mySide >> 8 : mySide);
         }
         return theFile;
     };
-    ExpectSize(myEnlarged(MakeJpeg(64, 64), 0xC0), 16000, 16000);
+    const FileBytes myRefused[] = {MakeGif({.ScreenWidth = 8192, .ScreenHeight = 8193}), myEnlarged(true, 8193, 8192),
+                                   myEnlarged(false, 16384, 16385)};
+    for (const FileBytes& myFile : myRefused)
+    {
+        EXPECT_EQ(Load(myFile), ErrorNumber::InvalidPicture);
+    }
+    ExpectSize(MakeGif({.ScreenWidth = 8192, .ScreenHeight = 8192}), 8192, 8192);
+    ExpectSize(myEnlarged(true, 8192, 8192), 8192, 8192);
+    ExpectSize(myEnlarged(false, 16384, 16384), 16384, 16384);
     EXPECT_EQ(ErrorOf([&] { myControl->CurrentPicture(); }), ErrorNumber::InvalidPicture);
+    EXPECT_EQ(ErrorOf([&] { myControl->Resize(8192, 8193, 4); }), ErrorNumber::InvalidArgument);
     myControl->Resize(350, 350, 4);
     EXPECT_EQ(myControl->CurrentPicture().Width, 350);
-    EXPECT_EQ(Load(myEnlarged(MakeJpeg(64, 64, TJPF_RGB, TJSAMP_420, TJFLAG_PROGRESSIVE), 0xC2)),
-              ErrorNumber::InvalidPicture);
 }
 
 TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)

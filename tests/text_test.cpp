@@ -3,6 +3,7 @@
 #include "resources/stringTable.h"
 #include "text/dates.h"
 #include "text/encodings.h"
+#include "text/NumberGrouping.h"
 
 #include <gtest/gtest.h>
 
@@ -123,6 +124,25 @@ TEST(NumberText, ShortestInAnyLocale)
         });
 }
 
+TEST(GroupedNumberText, SeparatesGroupsOfTheirSizes)
+{
+    const std::tuple<int64_t, std::vector<uint8_t>, TextView> myCases[] = {
+        {999, {3}, u"999"},
+        {1000, {3}, u"1.000"},
+        {-999, {3}, u"-999"},
+        {-1000, {3}, u"-1.000"},
+        {123456, {3}, u"123.456"},
+        {-1234567, {3}, u"-1.234.567"},
+        {12345678, {}, u"12345678"},
+        {12345678, {3, 2}, u"1.23.45.678"},
+        {12345678, {3, 0}, u"12345.678"},
+    };
+    for (const auto& [myNumber, mySizes, myText] : myCases)
+    {
+        EXPECT_EQ(GroupedNumberText(myNumber, {u".", mySizes}), myText);
+    }
+}
+
 TEST(RoundToWhole, Half_GoesToTheEvenNeighbourInAnyRoundingMode)
 {
     const std::pair<double, int32_t> myCases[] = {
@@ -195,6 +215,10 @@ TEST(FromUtf8, EveryLength_ComesBack)
         EXPECT_EQ(ToUtf8Exactly(myText), myBytes);
         EXPECT_EQ(ToUtf8(myText), myBytes);
     }
+    // The first and the last character of each length, and those beside the surrogates.
+    const std::string myBounds = "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80";
+    EXPECT_EQ(FromUtf8Exactly(myBounds), u"\x7F\x80\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000");
+    EXPECT_EQ(ToUtf8(u"\x7F\x80\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000"), myBounds);
 }
 
 TEST(ToUtf8, HalfAPair_IsReplaced)
@@ -207,12 +231,15 @@ TEST(ToUtf8, HalfAPair_IsReplaced)
 
 TEST(FromAnsi, EveryByte_IsOneCharacterAndComesBack)
 {
-    for (int b = 0; b < 256; ++b)
+    // The bytes 0x80 to 0x9F, five of which are not assigned.
+    const TextView myHighControls = u"€\x81‚ƒ„…†‡ˆ‰Š‹Œ\x8DŽ\x8F\x90‘’“”•–—˜™š›œ\x9DžŸ";
+    for (size_t b = 0; b < 256; ++b)
     {
         const std::string myByte(1, static_cast<char>(b));
-        EXPECT_EQ(ToAnsi(FromAnsi(myByte)), myByte) << b;
+        const Text myCharacter(1, b < 0x80 || b > 0x9F ? static_cast<char16_t>(b) : myHighControls[b - 0x80]);
+        EXPECT_EQ(FromAnsi(myByte), myCharacter) << b;
+        EXPECT_EQ(ToAnsi(myCharacter), myByte) << b;
     }
-    EXPECT_EQ(FromAnsi("\x80\x8E\x99\x9F\xA0\xFF\x81\x9D"), u"€Ž™Ÿ\u00A0ÿ\x81\x9D");
 }
 
 TEST(ToAnsi, CharacterOutsideTheCodePage_IsRefused)
@@ -220,6 +247,34 @@ TEST(ToAnsi, CharacterOutsideTheCodePage_IsRefused)
     for (const Text& myOther : {Text{0x80}, Text{0x9F}, Text(u"Ā"), Text(u"a\U0001F600")})
     {
         EXPECT_EQ(ToAnsi(myOther), std::nullopt) << ToUtf8(myOther);
+    }
+}
+
+TEST(ErrorDescription, OfEachNumber)
+{
+    const std::pair<int32_t, TextView> myCases[] = {
+        {1, u"Error del programa anfitrión o del sistema"},
+        {5, u"Llamada a procedimiento o argumento no válidos"},
+        {6, u"Desbordamiento"},
+        {7, u"Memoria insuficiente"},
+        {9, u"Subíndice fuera del intervalo"},
+        {13, u"Los tipos no coinciden"},
+        {52, u"Nombre de archivo incorrecto"},
+        {53, u"No se encuentra el archivo"},
+        {55, u"El archivo ya está abierto"},
+        {57, u"Error de entrada o salida del dispositivo"},
+        {58, u"El archivo ya existe"},
+        {61, u"El disco está lleno"},
+        {62, u"El archivo termina antes de lo esperado"},
+        {70, u"Permiso denegado"},
+        {75, u"Error de acceso a la ruta o al archivo"},
+        {76, u"No se encuentra la ruta"},
+        {91, u"El programa anfitrión no ha facilitado el servicio necesario"},
+        {481, u"La imagen no es válida"},
+    };
+    for (const auto& [myNumber, myDescription] : myCases)
+    {
+        EXPECT_EQ(ErrorDescription(myNumber), myDescription) << myNumber;
     }
 }
 
