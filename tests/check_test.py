@@ -47,7 +47,8 @@ reading.versions: version-begins-so needs-no-version demands-its-uid; reading.re
 reading.one-record: record-per-object;
 texts.summaries: blank-after-own-tune keeps-ending no-summary-of-silence plain-warning; texts.short-names: short-names-pass;
 texts.reasons: other-reason; texts.error-numbers: no-error-number; output.period: ends-a-day-early; output.staging: width-for-height;
-output.links: no-empty-link; output.library: library-fails;
+output.links: no-empty-link; output.library: library-fails; output.library-tune: tune-at-picture;
+output.endings: four-letter-endings jpeg-turned; output.records: cuts-fragments trims-uid;
 output.whole: turns-faster line-feeds-alone; output.link-texts: escapes-address fills-anew;
 output.days: months-from-one leap-year; files.addresses: double-slash no-slash; files.joins: joins-with-slash;
 files.copied-once: copies-each-time; files.replaced: keeps-older-tune; files.needed-alone: stages-everything;

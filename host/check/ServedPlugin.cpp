@@ -41,8 +41,10 @@ void HostState::Note(const char* myName)
 HRESULT CheckedDatabase::SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
 {
     const bool isRight = myFirst != nullptr && mySecond != nullptr && *myFirst == 0 && *mySecond == 0;
-    return Accept(myUID, [&](const Text& myText)
-                  { myState.Note(isRight && myText == u"4711" ? "SeekUID" : "SeekUID of something else"); });
+    return Accept(myUID,
+                  [&](const Text& myText) {
+                      myState.Note(isRight && myText == myState.ExpectedUID ? "SeekUID" : "SeekUID of something else");
+                  });
 }
 
 ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const CheckContext& myContext)

@@ -33,7 +33,9 @@ struct HostState
     Text MediaURL = u"media/";
     Text FileURL = u"files/";
     Text RecordFilename = u"nota.pdf";
-    Text Root; ///< the folder of the build's and the site's folders; ends in "/"
+    Text RecordURL = u"otra.html";
+    Text ExpectedUID = u"4711"; ///< the one that may be searched for
+    Text Root;                  ///< the folder of the build's and the site's folders; ends in "/"
     int32_t Instance = 3;
     int32_t Kind = 5;
     bool AtEnd = false;
@@ -89,7 +91,7 @@ public:
         return myState.Tell("RecordFilename", theName, myState.RecordFilename);
     }
     HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
-    HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, u"otra.html"); }
+    HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, myState.RecordURL); }
     HRESULT get_DataFolder(BSTR* theFolder) override
     {
         return myState.Tell("DataFolder", theFolder, JoinTexts({myState.Root, u"data/"}));

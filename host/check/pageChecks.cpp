@@ -3,6 +3,7 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace qel::host
@@ -82,41 +83,139 @@ void Links(const CheckContext& myContext)
     }
 }
 
-/// A picture of the library beside the component, the first by name; the empty path without one.
-fs::path LibraryPicture(const fs::path& myLibrary)
+/// A file of the library beside the component with an ending, the first by name. Throws an Outcome that skips the check
+/// if there is none.
+fs::path LibraryFile(const CheckContext& myContext, TextView myEnding)
 {
-    std::vector<fs::path> myPictures;
+    const fs::path myLibrary = myContext.File.parent_path() / "QelPluginAnimationDesigns";
+    std::vector<fs::path> myFiles;
     if (fs::is_directory(myLibrary))
     {
         for (const fs::path& myFile : fs::recursive_directory_iterator(myLibrary))
         {
-            if (LowerCase(FromUtf8(myFile.extension().string())) == u".gif")
+            if (LowerCase(FromUtf8(myFile.extension().string())) == myEnding)
             {
-                myPictures.push_back(myFile);
+                myFiles.push_back(myFile);
             }
         }
     }
-    return myPictures.empty() ? fs::path() : *std::ranges::min_element(myPictures);
+    if (myFiles.empty())
+    {
+        throw Outcome{CheckResult::Skipped,
+                      "a folder QelPluginAnimationDesigns with motifs and tunes beside the component", "there is none"};
+    }
+    return *std::ranges::min_element(myFiles);
+}
+
+Text NameOf(const fs::path& myFile)
+{
+    return FromUtf8(myFile.filename().string());
 }
 
 void LibraryMotif(const CheckContext& myContext)
 {
-    const fs::path myPicture = LibraryPicture(myContext.File.parent_path() / "QelPluginAnimationDesigns");
-    if (myPicture.empty())
-    {
-        throw Outcome{CheckResult::Skipped, "a folder QelPluginAnimationDesigns with motifs beside the component",
-                      "there is none"};
-    }
+    const fs::path myPicture = LibraryFile(myContext, u".gif");
     const OpenedComponent myComponent(myContext);
     const ServedPlugin myServed(myComponent, myContext);
-    const Text myPage = myServed.Output(Param(u"image", FromUtf8(myPicture.filename().string())) +
-                                        Param(u"imagefolder", FromUtf8(myPicture.parent_path().filename().string())) +
-                                        Param(u"playmidi", u"0"));
+    const Text myPage =
+        myServed.Output(Param(u"image", NameOf(myPicture)) + Param(u"imagefolder", NameOf(myPicture.parent_path())) +
+                        Param(u"playmidi", u"0"));
     const std::string myStaged = "images/qelspr17" + myPicture.extension().string();
     ExpectPart("the page with " + myPicture.filename().string(), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
     ExpectText("the calls of the page with it", u"InstanceNumber InstanceNumber UniqueName ImageFolder ImageURL ",
                Joined(myServed.State.Calls));
     ExpectText("the staged motif", Bytes(myPicture), Bytes(myStaged));
+}
+
+void LibraryTune(const CheckContext& myContext)
+{
+    const fs::path myTune = LibraryFile(myContext, u".mid");
+    const OpenedComponent myComponent(myContext);
+    const ServedPlugin myServed(myComponent, myContext);
+    const Text myPage =
+        myServed.Output(Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"midi", NameOf(myTune)) +
+                        Param(u"midifolder", NameOf(myTune.parent_path())));
+    const std::string myStaged = "media/qelmid17" + myTune.extension().string();
+    ExpectPart("the page with " + myTune.filename().string(), u"<embed src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    ExpectText("the staged tune", Bytes(myTune), Bytes(myStaged));
+}
+
+/// A JPEG of 5 by 3 grey pixels.
+std::string JpegBytes()
+{
+    constexpr auto myFrame = std::to_array<unsigned char>(
+        {0xFF, 0xC0, 0, 11, 8, 0, 3, 0, 5, 1, 1,    0x11, 0,    0xFF, 0xC4, 0,  20,   0, 1,    0, 0,    0,    0,   0,
+         0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0,    0,    0xFF, 0xC4, 0,    20, 0x10, 1, 0,    0, 0,    0,    0,   0,
+         0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0xFF, 0xDA, 0,    8,    1,    1,  0,    0, 0x3F, 0, 0x3F, 0xFF, 0xD9});
+    std::string theBytes("\xFF\xD8\xFF\xDB\0\x43\0", 7); // the table of how exact each frequency is
+    theBytes += std::string(64, '\xFF');
+    return theBytes.append(reinterpret_cast<const char*>(myFrame.data()), myFrame.size());
+}
+
+void Endings(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    const ServedPlugin myServed(myComponent, myContext);
+    // The name of a picture, and the ending of the staged one.
+    constexpr std::pair<TextView, TextView> myNames[] = {
+        {u"qelspr.jpg", u".jpg"}, {u"a.jpeg", u"jpeg"}, {u"A.JPG", u".JPG"},
+        {u"abc", u"abc"},         {u"x", u"x"},         {u"a.b.jpg", u".jpg"}};
+    for (const auto& [myName, myEnding] : myNames)
+    {
+        for (const char* myFolder : {"images", "media"}) // names that differ in case alone may be one file
+        {
+            fs::remove_all(myFolder);
+            fs::create_directory(myFolder);
+        }
+        WriteFile("data/archivo.dat",
+                  ArchiveOf({{"\\" + ToUtf8(myName), JpegBytes()}, {"\\t" + ToUtf8(myName), "MThd"}}));
+        const Text myPage =
+            myServed.Output(Text(FullScript) + Param(u"image", myName) + Param(u"midi", Text(u"t").append(myName)));
+        const Text myTuneEnding = myName.size() < 4 ? Text(u"t").append(myName) : Text(myEnding);
+        ExpectPart("the page with " + Shown(myName),
+                   JoinTexts({u"<img src=\"images/qelspr17", myEnding, u"\" width=\"5\" height=\"3\" alt=\"\""}),
+                   myPage);
+        ExpectPart("the page with " + Shown(myName), JoinTexts({u"<embed src=\"media/qelmid17", myTuneEnding, u"\""}),
+                   myPage);
+        ExpectText("the picture of the ending " + Shown(myEnding), FromAnsi(JpegBytes()),
+                   Bytes("images/qelspr17" + ToUtf8(myEnding)));
+    }
+}
+
+void RecordTexts(const CheckContext& myContext)
+{
+    const OpenedComponent myComponent(myContext);
+    ServedPlugin myServed(myComponent, myContext);
+    for (const TextView myUID : {u"4711", u"", u"1", u" 47 ", u"UID:1", u"Ñandú", u"-5"})
+    {
+        myServed.State.ExpectedUID = myUID;
+        myServed.State.Calls.clear();
+        myServed.Output(ReplaceAll(FullScript, u"UID:4711", JoinTexts({u"UID:", myUID})));
+        ExpectPart("the calls for the record " + Shown(myUID), u"UniqueName SeekUID EOF RecordType ",
+                   Joined(myServed.State.Calls));
+    }
+    myServed.State.ExpectedUID = u"4711";
+    for (const TextView myURL : {u"otra.html#a", u"http://x/?a=1&b=%20", u"a\"b'c", u"mailto:a@b"})
+    {
+        for (const int32_t myKind : {1, 2, 3, 6})
+        {
+            myServed.State.Kind = myKind;
+            myServed.State.RecordURL = myURL;
+            ExpectPart("the page with a record at " + Shown(myURL), JoinTexts({u"<a href=\"", myURL, u"\"><img "}),
+                       myServed.Output(FullScript));
+        }
+    }
+    for (const int32_t myKind : {-1, 8, 100, INT32_MIN})
+    {
+        myServed.State.Kind = myKind;
+        ExpectPart("the page with a record of kind " + std::to_string(myKind), u"z-index:50\"><a><img ",
+                   myServed.Output(FullScript));
+    }
+    myServed.State.Kind = 1;
+    myServed.State.RecordURL = u"";
+    ExpectPart("the page with a record without an address", u"z-index:50\"><a><img ", myServed.Output(FullScript));
+    myServed.State.RecordURL = u"ERROR";
+    ExpectText("the page with a record at ERROR", ErrorPage, myServed.Output(FullScript));
 }
 
 /// The part of a page that moves a picture; "%1" and so on stand for what depends on the module.
@@ -304,6 +403,9 @@ constexpr Check Checks[] = {
     {"output.staging", "A page with everything is written, and its files are where it says", Staging},
     {"output.links", "Links lead where their form and the kind of their record say", Links},
     {"output.library", "A motif of the library beside the component reaches the page", LibraryMotif},
+    {"output.library-tune", "A tune of the library beside the component reaches the page", LibraryTune},
+    {"output.endings", "A staged file has the last four characters of its name, and a JPEG its own size", Endings},
+    {"output.records", "A record is searched for by its text, and its address is put in as it is", RecordTexts},
     {"output.whole", "A page is made of its templates to the character, with the host's number in every name",
      WholePages},
     {"output.link-texts", "An address of the link's own is put in as it is, and its placeholders are filled",

@@ -526,6 +526,11 @@ constexpr Fault Faults[] = {
     {"whole-archives-only", &IID_QelPlugin, Member(6), OtherArchive<WholeOnly>},
     {"changes-archive", &IID_QelPlugin, Member(6), OtherFiles<TouchArchive>},
     // Pages and texts.
+    {"tune-at-picture", &IID_QelPlugin, Member(6), nullptr, u"media/", u"images/"},
+    {"four-letter-endings", &IID_QelPlugin, Member(6), nullptr, u"qelspr17jpeg", u"qelspr17.jpeg"},
+    {"jpeg-turned", &IID_QelPlugin, Member(6), nullptr, u"width=\"5\" height=\"3\"", u"width=\"3\" height=\"5\""},
+    {"cuts-fragments", &IID_QelPlugin, Member(6), nullptr, u"otra.html#a", u"otra.html"},
+    {"trims-uid", &IID_QelPlugin, Member(17), nullptr, u"UID: 47 ", u"UID:47"},
     {"joins-with-slash", &IID_QelPlugin, Member(6), nullptr, u"\"xqelspr", u"\"x/qelspr"},
     {"short-names-pass", &IID_QelPlugin, Member(10), Bend::Succeed},
     {"double-slash", &IID_QelPlugin, Member(6), nullptr, u"files/nota", u"files//nota"},
