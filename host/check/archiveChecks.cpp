@@ -168,8 +168,10 @@ void Names(const CheckContext& myContext)
                             ArchiveOf({Tune(), {myArchived, std::string(PictureBytes())}}), PictureBytes(), TuneBytes,
                             OwnScript() + Param(u"image", myName));
     }
+    constexpr int OtherFiles = 500;
     std::vector<ArchivedFile> myFiles;
-    for (int i = 0; i < 500; ++i)
+    myFiles.reserve(OtherFiles + 2);
+    for (int i = 0; i < OtherFiles; ++i)
     {
         myFiles.push_back({"\\f" + std::to_string(i % 7) + "\\" + std::to_string(i) + ".txt", std::to_string(i)});
     }
