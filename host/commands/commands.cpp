@@ -50,7 +50,7 @@ void DemandSuccess(const BuildResult& myResult)
     }
 }
 
-/// Carries out a command that builds. Where the user interrupts it, the program ends once everything is closed.
+/// Runs a command that builds. If the user interrupts it, the program ends after everything has been closed.
 void RunBuilding(void (*myCommand)(const Arguments&), const Arguments& myArguments)
 {
     try
@@ -220,12 +220,12 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
         ->type_name("PAGE");
     myBuild->add_flag("--json", theArguments.Json, "Writes the result as a JSON object");
     myBuild->add_flag("--keep-errors", theArguments.KeepErrors,
-                      "Puts what the component says of a failed module into the page, not a comment");
+                      "Puts the component's text for a failed module into the page instead of a comment");
     myBuild->add_flag("--no-refresh", theArguments.NoRefresh,
-                      "Builds the pages as they are stored, also where the files that they came from have changed");
-    myBuild->footer("A page whose file has changed since it was added or set is taken from that file again.\n"
-                    "What lies in SITE/static goes into the build as it stands: styles, scripts, pictures.\n"
-                    "A module that fails does not stop the build: a comment with its number is put in its place, its\n"
+                      "Builds the stored pages, even if the files from which they were read have changed");
+    myBuild->footer("A page whose file has changed since it was added or set is read from that file again.\n"
+                    "The files in SITE/static are copied into the build unchanged: styles, scripts, pictures.\n"
+                    "A module that fails does not stop the build: a comment with its number takes its place, the\n"
                     "reason is shown, and the program ends with 1.");
     myBuild->callback([&theArguments] { RunBuilding(Build, theArguments); });
 

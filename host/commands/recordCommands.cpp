@@ -79,7 +79,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
 
     CLI::App* const myRemove = AddSiteCommand(*myGroup, "remove", "Removes a record and its file", theArguments);
     AddUid(myRemove);
-    myRemove->add_flag("--force", theArguments.Force, "Removes it also where modules link to it");
+    myRemove->add_flag("--force", theArguments.Force, "Removes it even if modules link to it");
     myRemove->callback([&theArguments] { Site(theArguments.Site).RemoveRecord(theArguments.Id, theArguments.Force); });
 
     AddListCommand(*myGroup, "Lists the records", theArguments)->callback([&theArguments] { List(theArguments); });
