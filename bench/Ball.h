@@ -1,5 +1,5 @@
-/// The picture that the comparisons work with: a ball with a shine, some grain and a shadow, transparent around; about
-/// what a scanner or a painter gives.
+/// The picture for the comparisons: a ball with a highlight, some grain and a shadow on a transparent background,
+/// similar to a scanned or painted one.
 #pragma once
 
 #include "platform/PixelPicture.h"

@@ -1,4 +1,4 @@
-/// Opens a build of the component by its entry points, as a host does.
+/// Opens a build of the component through its entry points, as a host does.
 #pragma once
 
 #include "com/qelcom.h"
@@ -10,7 +10,7 @@
 namespace qel::bench
 {
 
-/// Gives an object of the component, which stays loaded until the process ends. Ends the program when it cannot.
+/// Returns an object of the component, which stays loaded until the process ends. Ends the program if that fails.
 inline QelPlugin& OpenComponent(const std::filesystem::path& myFile)
 {
     void* const myLibrary = dlopen(myFile.c_str(), RTLD_NOW | RTLD_LOCAL);

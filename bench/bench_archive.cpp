@@ -25,7 +25,7 @@ using namespace qel;
 struct Case
 {
     std::string Name;
-    fs::path Folder; ///< holds in, ours, peer, and the archives
+    fs::path Folder; ///< contains in, ours, peer, and the archives
     double UnpackTarget;
 };
 
@@ -151,8 +151,8 @@ void UnpackWithLibrary(const Case& myCase)
 void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
 {
     const fs::path& myFolder = myCase.Folder;
-    // How fast memory is depends on where in the machine it lies. Before each timing everything goes that either side
-    // has written, so that both write to the same memory, which the system gives out again last in, first out.
+    // The speed of memory depends on its location in the machine. Before each timing everything that either side has
+    // written is deleted, so that both write to the same memory: the system reuses the memory that was freed last.
     const auto Clears = [&]
     {
         for (const char* const myName : {"ours", "peer", "ours.dat", "peer.tar"})
@@ -206,7 +206,7 @@ void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
                      MakesPeers});
 }
 
-/// The most memory that a process has held which packs and unpacks once, in MiB.
+/// The peak memory of a process that packs and unpacks once, in MiB.
 double PeakMemory(const Case& myCase)
 {
     const rusage myUsage = bench::RunInChild(

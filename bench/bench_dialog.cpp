@@ -48,7 +48,7 @@ void MakeStage(const fs::path& mySource, const fs::path& myTarget)
     }
 }
 
-/// What comes next, once, when the preview has been painted with all that is painted together with it.
+/// Runs once, after the preview and everything painted together with it has been painted.
 std::function<void()> theNextStep;
 
 class PreviewWatcher : public QObject
@@ -91,7 +91,7 @@ void CallBack(QelPlugin& myPlugin)
     bench::Require(myPlugin.CallBack(&myLink, &theAnswer) == S_OK && theAnswer == VARIANT_FALSE, "a cancelled dialog");
 }
 
-/// Opens the dialog and tells when it was painted.
+/// Opens the dialog and returns when it was painted.
 Clock::time_point Open(QelPlugin& myPlugin)
 {
     Clock::time_point theEnd;
@@ -104,7 +104,7 @@ Clock::time_point Open(QelPlugin& myPlugin)
     return theEnd;
 }
 
-/// The same in a fresh process, from its start.
+/// The same in a new process, from its start.
 double OpenInAProcess(const fs::path& myStage)
 {
     const std::string myCommand = "/proc/" + std::to_string(getpid()) + "/exe --once '" + myStage.string() + "'";
@@ -116,7 +116,7 @@ double OpenInAProcess(const fs::path& myStage)
     return Milliseconds(Clock::time_point(Clock::duration(myEnd)) - myStart);
 }
 
-/// Takes one motif after the other with a key, and notes the time that each took.
+/// Selects one motif after the other with a key, and records the time of each.
 void TakeNextMotif(std::vector<double>& theTimes)
 {
     auto& myList = Control<QListWidget>("lstImage");

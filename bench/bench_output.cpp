@@ -1,5 +1,5 @@
 /// The page text of modules with a picture of 350 by 250, against the codec's own decode and one copy of the file. Two
-/// modules take turns, each with a file of its own, since a motif that is decoded already would not be decoded again.
+/// modules alternate, each with a file of its own, because a motif that is already decoded would not be decoded again.
 #include "Ball.h"
 #include "compare.h"
 #include "imaging/GifPicture.h"
@@ -39,7 +39,7 @@ std::string ReadFile(const std::filesystem::path& myFile)
     return {std::istreambuf_iterator<char>(myStream), {}};
 }
 
-/// Decodes every image of a file with the codec's own reader and gives the size of the screen.
+/// Decodes every image of a file with the codec's own reader and returns the size of the screen.
 std::pair<int, int> Decode(const std::filesystem::path& myFile)
 {
     GifFileType* const myGif = DGifOpenFileName(myFile.c_str(), nullptr);
@@ -103,7 +103,7 @@ int main(int argc, char** argv)
     const Text myPage = myForms.front().Output();
     Copy(myPicture, myFolder / "peer/qelspr17.gif");
     Require(myPage.find(u"width=\"350\" height=\"250\"") != Text::npos, "the page tells the picture's size");
-    Require(Decode(myPicture) == std::pair<int, int>(Width, Height), "the codec tells the same size");
+    Require(Decode(myPicture) == std::pair<int, int>(Width, Height), "the codec reports the same size");
     Require(ReadFile(myFolder / "ours/qelspr17.gif") == ReadFile(myFolder / "peer/qelspr17.gif"), "the same copy");
 
     const auto RunOurs = [&]

@@ -19,7 +19,7 @@ using namespace qel::bench;
 constexpr int32_t Width = 350;
 constexpr int32_t Height = 262;
 
-/// The ball before its negative, so that it has an edge and something around it, with the noise of a camera.
+/// The ball over its negative, so that there is an edge and a background, with the noise of a camera.
 void WritePhotograph(const std::filesystem::path& myFile)
 {
     PixelPicture myPicture = Ball(4000, 3000);
@@ -45,7 +45,7 @@ PixelPicture ShrinkOurs(ImagingControl& myControl, TextView myFile)
     return myControl.CurrentPicture();
 }
 
-/// Three bytes a pixel.
+/// Three bytes per pixel.
 std::vector<uint8_t> ShrinkWithVips(const std::string& myFile)
 {
     VipsImage* myThumbnail = nullptr;
@@ -79,7 +79,7 @@ int main(int myCount, char** myArguments)
 {
     const Bench myBench(myCount, myArguments);
     Require(vips_init(myArguments[0]) == 0, "libvips starts");
-    vips_cache_set_max(0); // else it would keep what it has made
+    vips_cache_set_max(0); // otherwise it would cache its results
     const TemporaryFolder myFolder(WorkPlace());
     const std::string myFile = (myFolder / "photograph.jpg").string();
     WritePhotograph(myFile);
@@ -95,7 +95,7 @@ int main(int myCount, char** myArguments)
     {
         Keep(ShrinkWithVips(myFile));
     };
-    // Ours adds up light, the other the numbers that stand for it, which shows at the edge and in the noise.
+    // Ours works in linear light, the peer on encoded values; the results differ at the edge and in the noise.
     Require(MeanError(ShrinkOurs(*myControl, myLogicalFile), ShrinkWithVips(myFile)) < 2, "about the same picture");
     const std::string myName = "JPEG of 4000 by 3000 to 350 / libvips, ";
     const int myDefault = vips_concurrency_get();

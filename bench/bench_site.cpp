@@ -59,8 +59,8 @@ void MakeSite(const std::string& myHost, const fs::path& myFolder)
     }
 }
 
-/// What the plain program has to bring about, in one file as the host has it in its database: each page with its text,
-/// and each file with where it comes from, under a line with its name and the text's length.
+/// The work of the plain program, in one file, as the host has it in its database: each page with its text, and each
+/// file with its source, after a line with its name and the length of the text.
 void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& myLibrary)
 {
     std::ofstream myWork(myFile, std::ios::binary);
@@ -111,7 +111,7 @@ void Do(const fs::path& myFile, const fs::path& myTarget)
     }
 }
 
-/// Opens the component in this process, reads one text, and gives the milliseconds that took.
+/// Opens the component in this process, reads one text, and returns the time that this took, in milliseconds.
 double TimeToOpen(const fs::path& myFile)
 {
     const auto myStart = std::chrono::steady_clock::now();
@@ -120,7 +120,7 @@ double TimeToOpen(const fs::path& myFile)
     return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - myStart).count();
 }
 
-/// The same in a fresh process.
+/// The same in a new process.
 double OpenInAProcess(const fs::path& myFile)
 {
     int myEnds[2] = {};

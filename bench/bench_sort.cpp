@@ -14,7 +14,7 @@ using namespace qel::bench;
 
 constexpr size_t Count = 1'000'000;
 
-/// Names such as a library of pictures has, all different, in ascending order.
+/// Names as in a library of pictures, all different, in ascending order.
 std::vector<Text> MakeNames()
 {
     const TextView myWords[] = {
@@ -37,7 +37,7 @@ std::vector<Text> MakeNames()
 /// value.
 std::vector<Text> MakeAdversarial(const std::vector<Text>& mySorted)
 {
-    // What stands where, while the partitioning swaps the pivot to the front of its range.
+    // The entry at each index, while the partitioning swaps the pivot to the front of its range.
     std::vector<size_t> myPlaces(mySorted.size() + 1);
     std::iota(myPlaces.begin(), myPlaces.end(), size_t{0});
     std::vector<Text> theResult(mySorted.size());
@@ -78,7 +78,7 @@ void CompareOrder(const Bench& myBench, const std::string& myOrder, const std::v
         myFilled.AddValue(myName);
     }
     classStringSort mySort;
-    // Both sides sort a fresh copy; how the texts lie in memory is half the time.
+    // Both sides sort a new copy, because half of the time depends on where the texts are in memory.
     myBench.Compare("sort: a million names, " + myOrder, 1.2,
                     {[&] { mySort.Sort(); },
                      [&]

@@ -23,7 +23,7 @@ class IdleQueue : public MessageQueue
     void ProcessPending() override {}
 };
 
-/// Scripts of real modules, one behind the other: twelve or thirteen tags each, some values with escapes.
+/// Scripts of real modules, concatenated: twelve or thirteen tags each, some values with escapes.
 Text MakeScript(size_t myLength)
 {
     ModuleSettings myMotif;
@@ -93,7 +93,7 @@ void ReadXmlTags(const std::string& myXml, Sink mySink)
     ForEachValue(myDocument, mySink);
 }
 
-/// Needs every value, its length and its ends, without being what takes the time.
+/// Uses every value, its length and its ends, at a negligible cost.
 struct Checksum
 {
     uint32_t& theSum;
@@ -117,7 +117,7 @@ uint32_t SumOf(Reader myReader)
     return theResult;
 }
 
-/// The peer on a script as this component has it at hand, in UTF-16, with values in UTF-16 for whoever asked.
+/// The peer on a script as this component receives it, in UTF-16, with the values converted to UTF-16.
 template <class Sink>
 void ReadWideXmlTags(TextView myXml, Sink mySink)
 {
@@ -184,7 +184,7 @@ void CompareAll(const Bench& myBench, const std::string& myAllocator)
 int main(int argc, char** argv)
 {
     const Bench myBench(argc, argv);
-    // An allocator keeps its settings and its habits for the life of a process, so each setting has one of its own.
+    // An allocator keeps its settings and its state until the process ends, so each setting has a process of its own.
     RunInChild([&] { CompareAll(myBench, "stock"); });
     RunInChild(
         [&]

@@ -19,7 +19,7 @@ struct Replacement
     TextView New;
 };
 
-/// As the page text fills them: line ends first, then the placeholders, each over all that is there by then.
+/// As the page text fills them: first line ends, then the placeholders, each in the whole text so far.
 constexpr std::array ImageReplacements = {
     Replacement{u"\n", u"\r\n"},
     Replacement{u"%1", u"17"},

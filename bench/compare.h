@@ -1,8 +1,8 @@
 /// Compares two ways of doing the same work, ours and that of a peer that a user could pick instead.
 ///
-/// Both run in turn within one process, so that whatever slows the machine down slows both. What counts is the ratio of
-/// their times; the times themselves are printed for orientation and never judged. A program first proves with Require
-/// that both sides give the same result, then calls Compare for each comparison and returns.
+/// Both run alternately within one process, so that whatever slows the machine down slows both. The result is the ratio
+/// of their times; the times themselves are printed for orientation only. A program first checks with Require that both
+/// sides give the same result, then calls Compare for each comparison and returns.
 #pragma once
 
 #include "TemporaryFolder.h"
@@ -23,7 +23,7 @@
 namespace qel::bench
 {
 
-/// Ends the program with 1 unless something holds that every comparison below leans on.
+/// Ends the program with 1 unless a condition holds that the comparisons rely on.
 inline void Require(bool myCondition, std::string_view myMeaning)
 {
     if (!myCondition)
@@ -33,7 +33,7 @@ inline void Require(bool myCondition, std::string_view myMeaning)
     }
 }
 
-/// Hides from the compiler that a value is not needed.
+/// Keeps the compiler from removing an unused value.
 template <class Value>
 void Keep(const Value& myValue)
 {
@@ -47,7 +47,7 @@ inline double Median(std::vector<double> myValues)
     return *myMiddle;
 }
 
-/// One of the two: the work that is timed, and what has to be made ready before each time without being timed.
+/// One of the two: the work that is timed, and its preparation before each run, which is not timed.
 struct Side
 {
     std::function<void()> Run;
@@ -75,8 +75,8 @@ public:
         }
     }
 
-    /// Times both sides in turn, after one run of each that does not count. `myTarget` is the ratio aimed at, 0
-    /// where there is none.
+    /// Times both sides alternately, after one run of each that does not count. `myTarget` is the target ratio; 0:
+    /// none.
     void Compare(const std::string& myName, double myTarget, const Side& myOurs, const Side& myPeer) const
     {
         std::vector<double> myOursTimes;
@@ -96,7 +96,7 @@ public:
         Report(myName, Median(myOursTimes), Median(myPeerTimes), Median(myRatios), myTarget);
     }
 
-    /// Reports a single figure that has no peer; `myAim` is 0 where there is none.
+    /// Reports a single figure without a peer. `myAim` is its target; 0: none.
     void Record(const std::string& myName, double myValue, const char* myUnit, double myAim = 0) const
     {
         if (myIsJson)
@@ -138,8 +138,8 @@ private:
     int myRuns = 21;
 };
 
-/// Where a comparison makes its TemporaryFolder: in memory; in the temporary folder, said on stderr, where there is no
-/// such file system.
+/// Where a comparison makes its TemporaryFolder: in memory. Without such a file system it is in the temporary folder,
+/// which is reported on stderr.
 inline std::filesystem::path WorkPlace()
 {
     const std::filesystem::path myMemory = "/dev/shm";
@@ -152,7 +152,7 @@ inline std::filesystem::path WorkPlace()
     return thePlace;
 }
 
-/// Runs some work in a process of its own, which ends this one if it fails, and gives what the system tells about it.
+/// Runs some work in a process of its own and returns the resources that it used. If it fails, this process ends too.
 inline rusage RunInChild(const std::function<void()>& myWork)
 {
     std::fflush(nullptr);

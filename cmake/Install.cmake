@@ -1,10 +1,11 @@
-# What cmake --install puts where, in three components: `runtime` runs, `window` shows windows and plays tunes on the
-# toolkit, `development` is for building other programs. PREFIX/LIBDIR/qel is the stage folder, without the headers and
-# without libqelcom, which is in LIBDIR. All files find each other by relative paths: PREFIX can be any folder, and be moved.
+# What cmake --install installs, in three components: `runtime` for building pages, `window` for windows and sound,
+# `development` for building other programs. PREFIX/LIBDIR/qel is the stage folder, without the headers and without
+# libqelcom, which is in LIBDIR. All files find each other by relative paths: PREFIX can be any folder, and can be
+# moved.
 include(CMakePackageConfigHelpers)
 set(documents "${CMAKE_INSTALL_DATAROOTDIR}/doc/tesselwind")
 set(headers "${CMAKE_INSTALL_INCLUDEDIR}/qel")
-set(made "${CMAKE_BINARY_DIR}/installed") # files that are made for the installation alone
+set(made "${CMAKE_BINARY_DIR}/installed") # files that are only made for the installation
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME runtime)
 
 # The folder of the installation TO, relative to its folder FROM. Both may be absolute, as CMAKE_INSTALL_<DIR> may be.
@@ -17,7 +18,7 @@ endfunction()
 
 target_include_directories(qelcom INTERFACE "$<INSTALL_INTERFACE:${headers}>")
 set_target_properties(qelcom PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-# The same files run in the stage folder, where libqelcom is beside them, and installed.
+# The same files run in the stage folder, beside libqelcom, and after the installation.
 set_target_properties(QelPluginAnimation qelhost PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN;$ORIGIN/..")
 install(TARGETS qelcom EXPORT Tesselwind
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_COMPONENT development)
@@ -32,7 +33,8 @@ file(CREATE_LINK "${folder}/qelhost" "${made}/qelhost" SYMBOLIC)
 install(FILES "${made}/qelhost" DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES docs/qelhost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
-# The class files, in the form that qelcom.h documents: whoever has PREFIX/share among the data folders need not register.
+# The class files, in the form that qelcom.h documents: users with PREFIX/share among their data folders need not
+# register.
 set(classes "${CMAKE_INSTALL_DATADIR}/qel/classes")
 qel_relative(folder "${classes}" "${QEL_FOLDER}")
 function(qel_class identifier name)
@@ -43,7 +45,7 @@ endfunction()
 qel_class(4FCC59CA-C869-4963-A843-14D7C29AFA23 QelPluginAnimation.Main)
 qel_class(AC34163F-A9F3-4932-A75F-284E50AD181B QelPluginAnimation.classStringSort)
 
-# In the folders that they have in the sources, so that the links of the README hold.
+# In the same folders as in the sources, so that the links of the README work.
 install(FILES README.md LICENSE THIRD-PARTY-NOTICES.md DESTINATION ${documents})
 install(FILES designs/LICENSE DESTINATION ${documents}/designs)
 install(DIRECTORY docs DESTINATION ${documents} PATTERN qelhost.1 EXCLUDE)
@@ -62,5 +64,5 @@ install(EXPORT Tesselwind DESTINATION ${configurations} NAMESPACE Tesselwind:: F
 write_basic_package_version_file("${made}/TesselwindConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${made}/TesselwindConfigVersion.cmake" DESTINATION ${configurations} COMPONENT development)
 
-# cmake -P uninstall.cmake in the build folder takes away what the last cmake --install from there has put.
+# cmake -P uninstall.cmake in the build folder removes what the last cmake --install from there has installed.
 configure_file(cmake/uninstall.cmake "${CMAKE_BINARY_DIR}/uninstall.cmake" COPYONLY)

@@ -1,4 +1,4 @@
-# The Debian packages: cpack in the build folder makes one of each component of the installation.
+# The Debian packages: cpack in the build folder makes one for each component of the installation.
 set(sources "${CMAKE_CURRENT_LIST_DIR}/package")
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -11,18 +11,18 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${QEL_STAGE}") # where libqelcom is, which no installed package has
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${QEL_STAGE}") # the folder of libqelcom, which is in no installed package
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-# What makes the packages the same wherever and whenever they are made, and what belongs to a Debian package alone.
+# Makes the packages reproducible, and adds what only a Debian package has.
 set(CPACK_PROJECT_CONFIG_FILE "${sources}/environment.cmake")
 set(CPACK_PRE_BUILD_SCRIPTS "${sources}/documents.cmake")
 set(CPACK_QEL_SOURCES "${sources}")
 set(CPACK_QEL_DOCUMENTS "${CMAKE_INSTALL_DATAROOTDIR}/doc")
 set(CPACK_QEL_MANUALS "${CMAKE_INSTALL_MANDIR}")
 
-# CPack would add scripts that call ldconfig where a trigger does it. It leaves that to scripts of our own, also where, as
-# here, there are none; it warns that it does not find them.
+# CPack would add scripts that call ldconfig, although a trigger does that. It omits them if we name scripts of our own,
+# even if they do not exist, as here; it then warns that it does not find them.
 set(control none/postinst none/postrm)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${control})
 configure_file("${sources}/shlibs.in" "${CMAKE_BINARY_DIR}/installed/shlibs" @ONLY)
@@ -39,8 +39,8 @@ The component for desktop web-site builders, with its library of motifs and
 tunes, and qelhost, a small site builder. The settings dialog is in the package
 tesselwind-window; building pages needs no display and no toolkit.")
 
-# What the windows do without: the synthesiser with its instruments, the toolkit's own texts in Spanish, the font that the
-# dialog is laid out for, and what opens the help.
+# What the windows also work without: the synthesiser with its instruments, the toolkit's own texts in Spanish, the font
+# for which the dialog is laid out, and what opens the help.
 set(CPACK_DEBIAN_WINDOW_PACKAGE_NAME tesselwind-window)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION web)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "tesselwind ${version}")

@@ -8,7 +8,7 @@ endif()
 file(READ "${manifest}" files)
 string(REPLACE "\n" ";" files "${files}")
 
-# The prefix is what lies before the path of the link to the host.
+# The prefix is what precedes bin/qelhost in the path of the link to the host.
 set(prefix "")
 foreach(file IN LISTS files)
   if(file MATCHES "^(.*)/bin/qelhost$")

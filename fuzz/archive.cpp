@@ -1,4 +1,5 @@
-/// Archives: whatever the file holds, nothing is written outside the folder; and what was packed unpacks to the same.
+/// Archives: whatever the file contains, nothing is written outside the folder; packing and unpacking gives the same
+/// files.
 #include "archive/classArchive.h"
 #include "fuzz.h"
 #include "platform/shared/SystemPlatform.h"
@@ -33,7 +34,7 @@ void Fill(classArchive& theArchive, const TemporaryFolder& myFolder, TextView my
     theArchive.ArchiveFilename(myFolder.Logical(myFile));
 }
 
-/// An archive that anybody may have made. A link in the folder leads out of it, and a folder lies on the way to it.
+/// An archive from an untrusted source. In the folder there are a link that leads out of it, and a subfolder.
 void UnPackAnything(std::string_view myBytes)
 {
     const TemporaryFolder myFolder;
@@ -55,7 +56,7 @@ void UnPackAnything(std::string_view myBytes)
 
 using Tree = std::map<std::string, std::string>;
 
-/// Plain names of up to three parts, no two alike, and contents.
+/// Plain names of up to three parts, all different without regard to case, and contents.
 Tree MadeUpTree(FuzzedDataProvider& theBytes)
 {
     static constexpr std::string_view Characters[] = {"a", "B", "z", "0", "_", "-", ".", " ", "ñ", "Á", "€", "(", "~"};
@@ -82,11 +83,11 @@ std::string Lowered(const std::string& myName)
     return ToUtf8(LowerCase(FromUtf8(myName)));
 }
 
-/// Makes the files as far as no name is in the way of another, and gives what is there then.
+/// Creates the files, except those whose names conflict with others, and returns what exists then.
 Tree Made(const Tree& myWanted, const TemporaryFolder& myFolder)
 {
     Tree theTree;
-    std::map<std::string, std::string> mySpellings; // of each path on the way, by its lower case
+    std::map<std::string, std::string> mySpellings; // of each folder, by its lower case
     for (const auto& [myName, myContent] : myWanted)
     {
         bool myIsFree = true;
@@ -142,7 +143,7 @@ void PackAndUnPack(FuzzedDataProvider& theBytes)
 } // namespace
 } // namespace qel
 
-/// The first byte tells whether the rest is an archive or what to pack.
+/// The first byte decides whether the rest is an archive or files to pack.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* myBytes, size_t mySize)
 {
     using namespace qel;

@@ -1,4 +1,4 @@
-/// What the fuzzers share. Each reads one made-up input and ends the process where a promise is not kept.
+/// What the fuzzers share. Each reads one generated input and ends the process if a promise is broken.
 #pragma once
 
 #include <cstddef>

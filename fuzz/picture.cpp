@@ -1,4 +1,4 @@
-/// Pictures: any file is a picture or an error, and what was saved loads as it was.
+/// Pictures: any file is a picture or an error, and a saved picture loads unchanged.
 #include "fuzz.h"
 #include "platform/ImagingControl.h"
 #include "platform/shared/SystemPlatform.h"
@@ -12,7 +12,7 @@ namespace qel
 namespace
 {
 
-/// A larger picture is loaded and no more: what it costs to work on it goes by its size alone, which is limited.
+/// A larger picture is only loaded: the cost of working on it depends on its size alone, which is limited.
 constexpr float LargestSide = 1500;
 
 struct Work
@@ -38,7 +38,7 @@ bool IsPicture(ImagingControl& theControl, const Text& myFilename)
 
 void DemandSize(ImagingControl& theControl, float myWidth, float myHeight)
 {
-    Demand(theControl.BitmapWidth() == myWidth && theControl.BitmapHeight() == myHeight, "the size is as told");
+    Demand(theControl.BitmapWidth() == myWidth && theControl.BitmapHeight() == myHeight, "the size is the given one");
     const PixelPicture myPicture = theControl.CurrentPicture();
     Demand(myPicture.Pixels.size() == static_cast<size_t>(myWidth) * static_cast<size_t>(myHeight) * 4,
            "there is a pixel for each place");

@@ -1,4 +1,4 @@
-/// Scripts: any text comes to an end token by token, and settings that were read from it, written and read again stay.
+/// Scripts: scanning any text ends, and settings that are read from it, written and read again are the same.
 #include "fuzz.h"
 #include "module/moduleScript.h"
 #include "platform/Platform.h"

@@ -1,4 +1,4 @@
-/// Tags: any text has a reading, and what the builder writes reads back the same.
+/// Tags: any text is accepted, and what the builder writes is read back unchanged.
 #include "fuzz.h"
 #include "tags/classTag.h"
 #include "tags/classTagBuilder.h"
@@ -16,7 +16,7 @@ namespace
 
 using Attributes = std::vector<std::pair<Text, Text>>;
 
-/// The attributes with their values unescaped; those that an index cannot reach are left out.
+/// The attributes with their values unescaped, without those that an index cannot reach.
 Attributes AttributesOf(const classTag& myTag)
 {
     Attributes theAttributes;
@@ -27,7 +27,7 @@ Attributes AttributesOf(const classTag& myTag)
     }
     catch (const Error& e)
     {
-        Demand(e.Number == ErrorNumber::Overflow, "more attributes than a count can tell are error 6");
+        Demand(e.Number == ErrorNumber::Overflow, "more attributes than a count can hold are error 6");
     }
     for (int32_t i = 0; i < myCount; ++i)
     {
@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* myBytes, size_t mySize)
 {
     using namespace qel;
     const Text myText = FromUtf8(Characters(myBytes, mySize));
-    static classTag myTag; // one object serves many tags, and what an earlier one left must not show
+    static classTag myTag; // one object serves many tags, and an earlier one must not affect the next
     myTag.Tag(myText);
     const Attributes myAttributes = AttributesOf(myTag);
     DemandNames(myTag, myAttributes);

@@ -1,6 +1,6 @@
-/// qelhost: makes and keeps small web sites whose pages hold modules of the component, and builds them.
+/// qelhost: manages small web sites whose pages contain modules of the component, and builds them.
 ///
-/// The program ends with 0 when all went well, 1 when something failed, 2 when the command was not understood.
+/// The exit code is 0 for success, 1 if something failed, 2 if the command line is wrong.
 
 #include "commands/commandNames.h"
 #include "commands/commands.h"
@@ -40,14 +40,14 @@ int Run(int myCount, char** myTexts)
     AddArchiveCommands(myApplication, myArguments);
     AddComponentCommands(myApplication, myArguments);
     AddCheckCommands(myApplication, myArguments);
-    // Only now, since commands inherit the footer that stands when they are added.
+    // Only now, because commands inherit the footer that is set when they are added.
     myApplication.footer("A first site:\n"
                          "  qelhost init mysite --title \"My site\"\n"
                          "  qelhost page add mysite index.html\n"
                          "  qelhost module add mysite index.html\n"
                          "  qelhost module edit mysite 1\n"
                          "  qelhost preview mysite\n"
-                         "qelhost COMMAND --help tells more about a command.");
+                         "qelhost COMMAND --help explains a command.");
     DemandKnownCommands(myApplication, myCount, myTexts);
     try
     {

@@ -37,7 +37,7 @@ public:
     HRESULT get_ImageURL(BSTR*) override { return E_FAIL; }
     HRESULT get_FileFolder(BSTR*) override { return E_FAIL; }
     HRESULT get_FileURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_ArchiveName(BSTR* theName) override { return Give(theName, u"m7.dat"), S_OK; }
+    HRESULT get_ArchiveName(BSTR* theName) override { return Store(theName, u"m7.dat"), S_OK; }
 };
 
 class DialogDatabase final : public CountedObject<QelDatabase>
@@ -48,11 +48,11 @@ public:
     HRESULT get_RecordFilename(BSTR*) override { return E_FAIL; }
     HRESULT SeekUID(BSTR*, int32_t*, int32_t*) override { return E_FAIL; }
     HRESULT get_RecordURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_DataFolder(BSTR* theFolder) override { return Give(theFolder, DataFolder), S_OK; }
+    HRESULT get_DataFolder(BSTR* theFolder) override { return Store(theFolder, DataFolder), S_OK; }
     HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
     {
         PresentLink = TextOfBstr(*myPresentLink);
-        Give(theLink, Link);
+        Store(theLink, Link);
         return LinkResult;
     }
 

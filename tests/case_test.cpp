@@ -149,14 +149,14 @@ TEST_F(Case, Staging_KeepsLinkedFilesApartThatDifferInCase)
     EXPECT_EQ(myFolder.Read("site/Doc.pdf"), "large");
 }
 
-TEST_F(Case, DeleteTwins_LeavesTheNameItselfAndOthers)
+TEST_F(Case, DeleteCaseVariants_LeavesTheNameItselfAndOthers)
 {
     for (const char* const myName : {"foto.jpg", "Foto.jpg", "FOTO.JPG", "foto.jpg2"})
     {
         myFolder.Write("x/"s + myName, "");
     }
-    DeleteTwins(mySystem->Ports().files, myFolder.Logical(u"X\\foto.jpg"));
-    DeleteTwins(mySystem->Ports().files, myFolder.Logical(u"none\\foto.jpg"));
+    DeleteCaseVariants(mySystem->Ports().files, myFolder.Logical(u"X\\foto.jpg"));
+    DeleteCaseVariants(mySystem->Ports().files, myFolder.Logical(u"none\\foto.jpg"));
     std::vector<Text> myNames = mySystem->Ports().files.List(myFolder.Logical(u"x\\*"), Listing::PlainFiles);
     std::sort(myNames.begin(), myNames.end());
     EXPECT_EQ(myNames, (std::vector<Text>{u"foto.jpg", u"foto.jpg2"}));

@@ -1,7 +1,7 @@
 """The small changes that tools/mutants makes to a C++ source: operators, constants, conditions, calls and returned values.
 
 Source splits the text into tokens, without comments and lines of the preprocessor. It relies on the layout that
-clang-format gives: only operators have a blank on both sides, and each statement of an if or loop stands in braces.
+clang-format gives: only operators have a blank on both sides, and each statement of an if or loop is in braces.
 """
 import collections
 import itertools
@@ -21,14 +21,14 @@ RELATIONS = {"<", "<=", ">", ">=", "==", "!="}
 WORDS = {"true": "false", "false": "true"}
 NO_CALLS = {"if", "while", "for", "switch", "catch", "return", "sizeof", "alignof", "decltype", "noexcept", "throw",
             "operator", "alignas", "requires"}
-EITHER_WAY = {"EqualInLowerCase", "SameId", "min", "max"}  # the order of the arguments is all one
+EITHER_WAY = {"EqualInLowerCase", "SameId", "min", "max"}  # the order of the arguments does not matter
 MEMORY_ONLY = {"reserve", "shrink_to_fit"}
 NO_CHANGE = {"nullptr", "nullopt", "S_OK", "true", "false"}  # what "return {}" would return as well, or is changed as a word
 ESCAPES = {"n": 10, "t": 9, "r": 13, "0": 0, "b": 8, "f": 12, "v": 11, "a": 7}
 
 
 def numbers_beside(text):
-    """The constants that stand in for a number: one more and one less, 0 and 1 for each other."""
+    """The constants that replace a number: one more and one less, or 1 for 0 and 0 for 1."""
     digits = text.replace("'", "")
     whole = re.fullmatch(r"(0[xX][\da-fA-F]+|0[bB][01]+|\d+)([uUlLzZ]*)", digits)
     if whole:

@@ -1,5 +1,5 @@
-# Run by cpack when the files of the packages are in place: adds to each what a Debian package has, its changelog and its
-# copyright file, and compresses manual pages.
+# cpack runs this when the files of the packages are in place. It adds the changelog and the copyright file to each
+# package, and compresses manual pages.
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER "${component}" name)
   set(package "${CPACK_DEBIAN_${name}_PACKAGE_NAME}")
@@ -10,6 +10,6 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
        FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
   file(GLOB_RECURSE manuals "${root}/${CPACK_QEL_MANUALS}/*.[1-8]")
   execute_process(COMMAND gzip -9n "${folder}/changelog" ${manuals} COMMAND_ERROR_IS_FATAL ANY)
-  # All that was made on the way has the permissions of the user who runs cpack.
+  # The folders and files made so far have the permissions of the user who runs cpack.
   execute_process(COMMAND chmod -R go=u-w "${root}" COMMAND_ERROR_IS_FATAL ANY)
 endforeach()

@@ -1,5 +1,5 @@
-# Read by cpack before it makes the packages. They hold the times of the changelog's last entry, or of SOURCE_DATE_EPOCH if
-# that is set, and their file names are written as UTF-8 in any locale.
+# Read by cpack before it makes the packages. Their files have the time of the changelog's last entry, or of
+# SOURCE_DATE_EPOCH if that is set, and their file names are written as UTF-8 in any locale.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()

@@ -13,7 +13,7 @@ from picture import read_png
 
 SVG = "http://www.w3.org/2000/svg"
 NUMBER = re.compile(r"-?(?:\d+\.?\d*|\.\d+)")
-# A pixel of a GIF is opaque or not; a white rim of two pixels keeps the edge clean on any page.
+# A pixel of a GIF is opaque or transparent; a white rim of two pixels keeps the edge clean on any page.
 RIM = """<filter xmlns="http://www.w3.org/2000/svg" id="motif-rim" filterUnits="userSpaceOnUse" x="{left}" y="{top}"
   width="{width}" height="{height}" color-interpolation-filters="sRGB">
   <feGaussianBlur in="SourceAlpha" stdDeviation="1.3"/>

@@ -4,7 +4,7 @@ from fractions import Fraction
 
 TICKS = 480
 DRUM_CHANNEL = 9
-# At one tick, first what is said about the voice, then what ends, then what begins.
+# At the same tick, first the settings of the voice, then the ends of notes, then their starts.
 ORDER = {0xF0: 0, 0xC0: 0, 0xB0: 1, 0x80: 2, 0x90: 3}
 TEXT, RIGHTS, NAME, TEMPO, METER = 1, 2, 3, 0x51, 0x58
 
@@ -36,7 +36,7 @@ def _voice(voice, channel, tune):
     starts.setdefault(note.key, []).append(_ticks(note.start))
   for note in voice.notes:
     begin = _ticks(note.start)
-    # A key that is struck again is let go first.
+    # A key is released before it is struck again.
     finish = min([_finish(note, voice)] + [start for start in starts[note.key] if start > begin])
     velocity = max(1, min(127, note.velocity + _unevenness(begin, note.key)))
     events.append((begin, bytes([0x90 | channel, note.key, velocity])))
@@ -45,7 +45,7 @@ def _voice(voice, channel, tune):
 
 
 def _pedal(channel, times, tune):
-  """The pedal goes down so many times a bar and is up at the end."""
+  """The pedal is pressed so many times per bar and released at the end."""
   for number in range(int((tune.length - tune.start) / tune.bar) * times):
     at = max(0, _ticks(tune.start + tune.bar * Fraction(number, times)))
     yield at, bytes([0xB0 | channel, 64, 0])
@@ -58,7 +58,7 @@ def _finish(note, voice):
 
 
 def _unevenness(at, key):
-  """No player strikes twice alike: a few steps of velocity, the same in every run."""
+  """Small variations of velocity, as of a player, the same in every run."""
   return (at // 60 * 7 + key * 5) * 31 % 9 - 4
 
 

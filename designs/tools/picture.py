@@ -9,7 +9,7 @@ import zlib
 from collections import Counter
 from dataclasses import dataclass
 
-# Six bits a channel are enough for a palette, and make choosing it quick. White stays white and black black.
+# Six bits per channel are enough for a palette, and make choosing it fast. White stays white and black black.
 COARSE = bytes(c & 0xFC | c >> 6 for c in range(256))
 
 
@@ -21,7 +21,7 @@ class Picture:
 
 
 def read_png(data):
-  """The picture in a PNG as the renderer writes it: 8 bits a channel, not interlaced, without alpha if it is opaque."""
+  """The picture in a PNG as the renderer writes it: 8 bits per channel, not interlaced, without alpha if it is opaque."""
   width, height, depth, colour, _, _, interlace = struct.unpack(">IIBBBBB", data[16:29])
   if depth != 8 or colour not in (2, 6) or interlace:
     raise ValueError("unexpected kind of PNG")
@@ -75,7 +75,7 @@ def write_bmp(picture):
 
 
 def write_png(picture):
-  """A PNG of 8 bits a channel with alpha."""
+  """A PNG of 8 bits per channel with alpha."""
   stride = picture.width * 4
   rows = b"".join(b"\0" + picture.pixels[y * stride:(y + 1) * stride] for y in range(picture.height))
   head = struct.pack(">IIBBBBB", picture.width, picture.height, 8, 6, 0, 0, 0)
@@ -175,7 +175,7 @@ def _blocks(data):
 
 
 def choose_palette(frames, colours):
-  """The palette, and which entry stands for each opaque colour of the frames.
+  """The palette, and the entry for each opaque colour of the frames.
 
   Boxes of colours are cut where they vary most, then the entries are moved to the middle of what they stand
   for. A colour counts by the root of its pixels, so that an eye is not lost beside a large body.

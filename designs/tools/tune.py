@@ -1,4 +1,4 @@
-"""Reads a tune from its text. The notation is told in designs/sources/README.md."""
+"""Reads a tune from its text. The notation is documented in designs/sources/README.md."""
 import re
 from dataclasses import dataclass, field
 from fractions import Fraction
@@ -48,7 +48,7 @@ class Voice:
 
 @dataclass
 class Place:
-  """Where a bar stands, and what carries over from one bar of a voice to the next."""
+  """The position of a bar, and what carries over from one bar of a voice to the next."""
   name: str
   start: Fraction
   harmony: list
@@ -165,7 +165,7 @@ class Tune:
       raise TuneError(f"{place.name}: no pattern {name}")
 
   def _lean(self, velocity, at):
-    """A player leans on the first beat and lightens what falls between the beats."""
+    """Players stress the first beat, and play softer between the beats."""
     if at == 0:
       return velocity + 7
     return velocity if (at / self.beat).denominator == 1 else velocity - 7
@@ -200,7 +200,7 @@ def _chord(word):
 
 
 def _keys(what, voice, chord):
-  """The keys that a word stands for: notes, tones of the chord (1-5), or its bass, third and fifth below (R, T, F)."""
+  """The keys of a word: notes, tones of the chord (1-5), or its bass, third and fifth below (R, T, F)."""
   if what.startswith("["):
     words = re.findall(NOTE, what) if what[1] in STEPS else re.findall(TONE, what)
     return [key for word in words for key in _keys(word, voice, chord)]

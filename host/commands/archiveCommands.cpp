@@ -25,7 +25,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// Takes the items as rows of a table, and their full names.
+/// Stores the items as rows of a table, and their full names.
 class ListedFiles final : public ListView
 {
 public:
@@ -40,18 +40,18 @@ public:
     std::vector<Text> Names;
 };
 
-/// Why an operation on an archive failed, by the number of its error, in words for whoever gave the command.
+/// Why an operation on an archive failed, by the number of its error, in words for the user.
 constexpr std::pair<int32_t, const char*> Reasons[] = {
     {ErrorNumber::Overflow, "it has 2 GiB or more, which an archive cannot hold"},
     {ErrorNumber::OutOfMemory, "there is not enough memory"},
     {ErrorNumber::BadFileName, "its name is too long, or has characters that the disk cannot hold"},
-    {ErrorNumber::FileNotFound, "it is not there any more"},
-    {ErrorNumber::FileAlreadyExists, "its folder holds another name that differs in case alone"},
+    {ErrorNumber::FileNotFound, "it does not exist any more"},
+    {ErrorNumber::FileAlreadyExists, "its folder has another name that differs only in case"},
     {ErrorNumber::DiskFull, "the disk is full"},
-    {ErrorNumber::InputPastEnd, "it has become shorter meanwhile"},
+    {ErrorNumber::InputPastEnd, "it has become shorter in the meantime"},
     {ErrorNumber::PermissionDenied, "there is no permission, or someone else has it open"},
     {ErrorNumber::PathAccess, "a folder, a link or something else is in the way, or a folder cannot be read"},
-    {ErrorNumber::PathNotFound, "its folder is not there, or cannot be made"},
+    {ErrorNumber::PathNotFound, "its folder does not exist, or cannot be created"},
 };
 
 /// Why an operation failed on a name below the folder, or on the archive itself, whose name is empty.
@@ -77,12 +77,12 @@ std::string FailureOf(const classArchive& myArchive)
            ReasonOf(myArchive.FailureNumber(), myName);
 }
 
-/// The absolute path without links, also of what is not there yet.
+/// The absolute path without links, also of what does not exist yet.
 fs::path RealName(const fs::path& myPath)
 {
     if (myPath.empty())
     {
-        throw UsageFailure("an empty name leads to no file and no folder");
+        throw UsageFailure("an empty name is not a file or a folder");
     }
     return fs::weakly_canonical(fs::absolute(myPath));
 }
@@ -98,7 +98,7 @@ Text LogicalName(const fs::path& myPath)
     return *theName;
 }
 
-/// An archive with the port that it works on.
+/// An archive with the port that it uses.
 class OpenArchive
 {
 public:
@@ -120,10 +120,10 @@ public:
         return theFiles;
     }
 
-    /// True when a file that is there is the archive.
+    /// True when an existing file is the archive itself.
     bool IsAt(const Text& myFilename) const
     {
-        std::error_code myIgnored; // what cannot be compared is another file
+        std::error_code myIgnored; // a file that cannot be compared is another one
         return fs::equivalent(NativePath(myFilename), NativePath(Archive.ArchiveFilename()), myIgnored);
     }
 
@@ -134,7 +134,7 @@ private:
     fs::path myFile;
 };
 
-/// Writes one line over and over while a terminal looks on, and clears it when it goes.
+/// Rewrites one line of the terminal, if there is one, and clears it at the end of its life.
 class ProgressLine
 {
 public:
@@ -155,8 +155,8 @@ private:
     bool myIsTerminal = isatty(STDERR_FILENO) != 0;
 };
 
-/// What stands under exactly this name, where a file is to be written; nothing if the place is free. Fails where that
-/// cannot be told.
+/// What exists under exactly this name, where a file is to be written; nothing if the name is free. Fails if that is
+/// unknown.
 std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
 {
     try
@@ -173,8 +173,8 @@ std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
     }
 }
 
-/// Makes sure that a file may be written: that its place is free, or that a plain file there may be replaced. True: one
-/// will be.
+/// Makes sure that a file may be written: its name is free, or a plain file there may be replaced. True: a file will be
+/// replaced.
 bool DemandPlace(const Text& myFilename, Files& theFiles, bool myMayReplace)
 {
     const std::optional<EntryKind> myKind = KindInTheWay(myFilename, theFiles);
@@ -186,11 +186,11 @@ bool DemandPlace(const Text& myFilename, Files& theFiles, bool myMayReplace)
     switch (*myKind)
     {
     case EntryKind::File:
-        throw Failure(myName + " is there already; --force replaces it");
+        throw Failure(myName + " exists already; --force replaces it");
     case EntryKind::Folder:
-        throw Failure(myName + " is there already, as a folder; move it away");
+        throw Failure(myName + " exists already, as a folder; move it away");
     default:
-        throw Failure(myName + " is there already, and is no plain file; move it away");
+        throw Failure(myName + " exists already, and is no plain file; move it away");
     }
 }
 
@@ -217,7 +217,7 @@ void Pack(const Arguments& myArguments)
     const auto myWay = RealName(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
     if (!myWay.empty() && *myWay.begin() != "..")
     {
-        throw UsageFailure("an archive cannot lie in the folder that it packs; name another place for it");
+        throw UsageFailure("an archive cannot be in the folder that it packs; choose another place for it");
     }
     OpenArchive myArchive(myArguments.File);
     DemandPlace(myArchive.Archive.ArchiveFilename(), *myArchive.Disk, myArguments.Force);
@@ -285,7 +285,7 @@ void Unpack(const Arguments& myArguments)
     };
     if (!myArchive.Archive.UnPackArchive())
     {
-        throw Failure("unpacking failed " + FailureOf(myArchive.Archive) + ". What came before it stays");
+        throw Failure("unpacking failed " + FailureOf(myArchive.Archive) + ". The files before it stay");
     }
 }
 
@@ -303,17 +303,17 @@ CLI::App* AddArchiveCommand(CLI::App& theGroup, const char* myName, const char* 
 void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
 {
     CLI::App* const myGroup = AddGroup(theApplication, "archive", "Design archives, the files with imported designs");
-    AddArchiveCommand(*myGroup, "list", "Lists what an archive holds", theArguments, List);
+    AddArchiveCommand(*myGroup, "list", "Lists the files in an archive", theArguments, List);
     CLI::App* const myPack = AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder", theArguments, Pack);
     myPack->footer(
-        "Left out are links, names with a leading dot, names that hold \"\\\" or are not UTF-8, and whatever is "
+        "Left out are links, names with a leading dot, names that contain \"\\\" or are not UTF-8, and whatever is "
         "no plain file.");
     CLI::App* const myUnpack =
         AddArchiveCommand(*myGroup, "unpack", "Unpacks an archive into a folder", theArguments, Unpack);
     for (CLI::App* const myCommand : {myPack, myUnpack})
     {
         myCommand->add_option("FOLDER", theArguments.Folder, "The folder")->required()->type_name("");
-        myCommand->add_flag("--force", theArguments.Force, "Replaces what is there already");
+        myCommand->add_flag("--force", theArguments.Force, "Replaces existing files");
     }
 }
 

@@ -34,7 +34,7 @@ std::vector<Check> ChosenChecks(const std::vector<std::string>& myNames)
     {
         if (std::ranges::find(theChecks, myName, &Check::Name) == theChecks.end())
         {
-            throw UsageFailure("there is no check \"" + myName + "\"; qelhost check --list names them");
+            throw UsageFailure("there is no check \"" + myName + "\"; qelhost check --list lists them");
         }
     }
     std::erase_if(theChecks, [&](const Check& myCheck)
@@ -61,10 +61,10 @@ fs::path FileToCheck(const Arguments& myArguments)
     {
         throw Failure("there is no file \"" + Printable(theFile.string()) + "\" to check");
     }
-    return fs::absolute(theFile); // as it stands: ".." behind a link does not lead back
+    return fs::absolute(theFile); // unchanged: ".." after a link does not lead back
 }
 
-/// Runs the first check, which no other gets beyond. Fails if the system does not take the file for a shared library at
+/// Runs the first check, on which all others depend. Fails if the system cannot open the file as a shared library at
 /// all.
 Outcome OpenFirst(const Check& myOpening, const fs::path& myFile, double mySeconds)
 {
@@ -72,12 +72,12 @@ Outcome OpenFirst(const Check& myOpening, const fs::path& myFile, double mySecon
     if (theOutcome.Expected == OpenedComponent::Opens)
     {
         throw Failure(Printable(myFile.string()) +
-                      " is no shared object that can be opened: " + Printable(theOutcome.Got));
+                      " is not a shared library that can be opened: " + Printable(theOutcome.Got));
     }
     return theOutcome;
 }
 
-/// Writes what comes out, one check after the other.
+/// Writes the results, one check after the other.
 class Report
 {
 public:
@@ -105,7 +105,7 @@ public:
             std::cout << myResult << myCheck.Name << "\n";
             if (myOutcome.Result != CheckResult::Passed)
             {
-                std::cout << "         Meant:    " << myCheck.Sentence << ".\n"
+                std::cout << "         Rule:     " << myCheck.Sentence << ".\n"
                           << "         Expected: " << Printable(myOutcome.Expected) << "\n"
                           << "         Got:      " << Printable(myOutcome.Got) << "\n";
             }
@@ -190,7 +190,7 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myCheck = theApplication.add_subcommand("check", "Checks a build of the component");
     myCheck->add_option("FILE", theArguments.OptionalFile, "The component; without it the one of --plugin")
         ->type_name("");
-    myCheck->add_flag("--list", theArguments.List, "Names the checks and what each is about, and runs none");
+    myCheck->add_flag("--list", theArguments.List, "Lists the checks with what each one means, and runs none");
     myCheck->add_option("--only", theArguments.Checks, "Runs this check; may be given several times")
         ->type_name("NAME")
         ->allow_extra_args(false);
@@ -202,7 +202,7 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
                     "check.\nThe program ends with 0 if none failed, else with 1.");
     myCheck->callback([&theArguments] { Run(theArguments); });
 
-    // What the command above starts for each check; no group, so that no help names it.
+    // The command above starts this one for each check. Without a group no help lists it.
     CLI::App* const myRun = theApplication.add_subcommand(RunCheckCommand)->group("");
     myRun->add_option("NAME", theArguments.Kind)->required();
     myRun->add_option("FILE", theArguments.File)->required();

@@ -12,7 +12,7 @@ namespace qel::host
 namespace
 {
 
-/// How many characters have to be put in, taken out, changed, or exchanged with the next one, to make one text of the
+/// How many characters have to be inserted, removed, changed, or swapped with the next one, to turn one text into the
 /// other.
 std::size_t EditDistance(std::string_view myFirst, std::string_view mySecond)
 {
@@ -43,11 +43,11 @@ std::vector<const CLI::App*> CommandsOf(const CLI::App& myGroup)
                                    { return !myCommand->get_name().empty() && !myCommand->get_group().empty(); });
 }
 
-/// The name of a command of the group that is most like a name; empty when none is like it.
+/// The name of the command of the group that is most similar to a name; empty if none is similar.
 std::string NearestName(const CLI::App& myGroup, const std::string& myName)
 {
     std::string theNearest;
-    std::size_t myLeast = myName.size() / 2 + 1; // with more than half of it changed it is another word
+    std::size_t myLeast = myName.size() / 2 + 1; // a name with more than half of it changed is not similar
     for (const CLI::App* const myCommand : CommandsOf(myGroup))
     {
         const std::size_t myDistance = EditDistance(myName, myCommand->get_name());

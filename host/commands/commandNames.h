@@ -1,4 +1,4 @@
-/// Names of commands that are mistyped.
+/// Checks the names of commands for typing errors.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -6,8 +6,8 @@
 namespace qel::host
 {
 
-/// Passes when every name of a command on the command line is one that there is.
-/// UsageFailure: it is not; the nearest name is suggested.
+/// Checks that every name of a command on the command line exists. UsageFailure: one does not; the nearest name is
+/// suggested.
 void DemandKnownCommands(const CLI::App& myApplication, int myCount, const char* const* myTexts);
 
 } // namespace qel::host

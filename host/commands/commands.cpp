@@ -50,7 +50,7 @@ void DemandSuccess(const BuildResult& myResult)
     }
 }
 
-/// Carries out a command that builds. Where the user interrupts it, the program ends once everything is closed.
+/// Runs a command that builds. If the user interrupts it, the program ends after everything has been closed.
 void RunBuilding(void (*myCommand)(const Arguments&), const Arguments& myArguments)
 {
     try
@@ -88,7 +88,7 @@ void Build(const Arguments& myArguments)
     DemandSuccess(myResult);
 }
 
-/// Builds all pages, since each may lead to the others, and opens one of them.
+/// Builds all pages, since each may link to the others, and opens one of them.
 void Preview(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
@@ -118,7 +118,7 @@ void PrintInfo(const Arguments& myArguments)
 {
     const Component myComponent(myArguments.Plugin);
     const bool myWithEscapes = WantsEscapes();
-    std::string myInfo; // written once all is known
+    std::string myInfo; // written when everything has been read
     const auto Print = [&](const char* myHeading, const Text& myText)
     {
         myInfo += myHeading + RenderedMarkup(ToUtf8(myText), myWithEscapes) + "\n";
@@ -139,8 +139,8 @@ void PrintInfo(const Arguments& myArguments)
 
 bool WantsEscapes()
 {
-    const char* const myWish = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) != 0 && (myWish == nullptr || *myWish == '\0');
+    const char* const myNoColor = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) != 0 && (myNoColor == nullptr || *myNoColor == '\0');
 }
 
 void PrintTable(const std::vector<std::vector<std::string>>& myRows)
@@ -203,7 +203,7 @@ UserLock LockForWriting(Site& theSite)
     UserLock theLock(std::cerr);
     for (const int64_t myModule : theSite.UndoInterruptedEdits())
     {
-        std::cerr << "qelhost: the dialog of module " << myModule << " was interrupted; the module is as it was before."
+        std::cerr << "qelhost: the dialog of module " << myModule << " was interrupted; the module is unchanged."
                   << std::endl;
     }
     return theLock;
@@ -216,16 +216,16 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
     myInit->callback([&theArguments] { Site::Create(theArguments.Site, theArguments.Title.value_or("")); });
 
     CLI::App* const myBuild = AddSiteCommand(theApplication, "build", "Builds the pages into SITE/build", theArguments);
-    myBuild->add_option("--only", theArguments.OtherPage, "Builds this page and leaves the others as they are")
+    myBuild->add_option("--only", theArguments.OtherPage, "Builds only this page; the others stay unchanged")
         ->type_name("PAGE");
     myBuild->add_flag("--json", theArguments.Json, "Writes the result as a JSON object");
     myBuild->add_flag("--keep-errors", theArguments.KeepErrors,
-                      "Puts what the component says of a failed module into the page, not a comment");
+                      "Puts the component's text for a failed module into the page instead of a comment");
     myBuild->add_flag("--no-refresh", theArguments.NoRefresh,
-                      "Builds the pages as they are stored, also where the files that they came from have changed");
-    myBuild->footer("A page whose file has changed since it was added or set is taken from that file again.\n"
-                    "What lies in SITE/static goes into the build as it stands: styles, scripts, pictures.\n"
-                    "A module that fails does not stop the build: a comment with its number is put in its place, its\n"
+                      "Builds the stored pages, even if the files from which they were read have changed");
+    myBuild->footer("A page whose file has changed since it was added or set is read from that file again.\n"
+                    "The files in SITE/static are copied into the build unchanged: styles, scripts, pictures.\n"
+                    "A module that fails does not stop the build: a comment with its number takes its place, the\n"
                     "reason is shown, and the program ends with 1.");
     myBuild->callback([&theArguments] { RunBuilding(Build, theArguments); });
 
@@ -242,7 +242,7 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
 
 void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments)
 {
-    theApplication.add_subcommand("info", "Tells about the component")
+    theApplication.add_subcommand("info", "Shows the component's version and what it says about itself")
         ->callback([&theArguments] { PrintInfo(theArguments); });
 
     const auto AddRegistration =
@@ -255,8 +255,8 @@ void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments)
         myCommand->callback([&theArguments, myAction]
                             { myAction(theArguments.OptionalFile.value_or(ComponentBesideProgram())); });
     };
-    AddRegistration("register", "Enters a component in the user's class registry", RegisterComponent);
-    AddRegistration("unregister", "Takes a component out of the user's class registry", UnregisterComponent);
+    AddRegistration("register", "Adds a component to the user's class registry", RegisterComponent);
+    AddRegistration("unregister", "Removes a component from the user's class registry", UnregisterComponent);
 }
 
 } // namespace qel::host

@@ -18,7 +18,7 @@
 namespace qel::host
 {
 
-/// What the command line gives. One command runs in a program, so they all share one record.
+/// The arguments of the command line. A program runs one command, so all commands share one record.
 struct Arguments
 {
     std::optional<std::filesystem::path> Plugin;
@@ -46,7 +46,7 @@ struct Arguments
     bool Json = false;
 };
 
-// What they add outlives neither the application nor the arguments.
+// What they add must not outlive the application or the arguments.
 void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddPageCommands(CLI::App& theApplication, Arguments& theArguments);
 void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments);
@@ -59,20 +59,20 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments);
 CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,
                          Arguments& theArguments);
 
-/// Adds a group of commands, one of which has to be given.
+/// Adds a group of commands, one of which is required.
 CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp);
 
-/// Takes the user's lock for a command that changes modules or builds, and undoes what a program left that ended while
-/// a dialog was open, which is reported on the standard error.
+/// Takes the user's lock for a command that changes modules or builds, and undoes the changes of a program that ended
+/// while a dialog was open, which is reported on the standard error.
 UserLock LockForWriting(Site& theSite);
 
-/// Writes rows to the standard output, their columns one below the other; the first row is the heading.
+/// Writes rows to the standard output with aligned columns; the first row is the heading.
 void PrintTable(const std::vector<std::vector<std::string>>& myRows);
 
 /// Adds the command that lists what a group is about; it takes --json.
 CLI::App* AddListCommand(CLI::App& theGroup, const std::string& myHelp, Arguments& theArguments);
 
-/// Writes a list to the standard output: the rows as a table or, where the arguments ask for it, the objects as JSON.
+/// Writes a list to the standard output: the rows as a table or, if the arguments say so, the objects as JSON.
 void PrintList(const std::vector<std::vector<std::string>>& myRows, const std::vector<JsonMembers>& myObjects,
                const Arguments& myArguments);
 

@@ -17,8 +17,8 @@ namespace
 {
 
 constexpr const char* myArchiveHelp =
-    "An archive holds the files that a module's author imported. The site keeps it as module and the module's id and\n"
-    ".dat, as in module3.dat, and the module's script has to name it so: <pg.file filename=\"module3.dat\">";
+    "An archive holds the files that a module's author imported. The site stores it as module, the module's id and\n"
+    ".dat, such as module3.dat, and the module's script has to contain that name: <pg.file filename=\"module3.dat\">";
 
 std::string ReadScript(const std::filesystem::path& myFile)
 {
@@ -39,8 +39,8 @@ std::string ReadScript(const std::filesystem::path& myFile)
     return theScript;
 }
 
-/// The script with a link of its own: one that names no link would leave that of the module before it in force. The
-/// component itself is asked, since it alone knows how a script is read.
+/// The script with a link param of its own: without one, the link of the previous module would stay in force. The
+/// component is asked, because only it knows how a script is read.
 std::string WithLink(Component& theComponent, const std::string& myScript)
 {
     const std::string myNoLink = "<pg.param name=\"link\">\r\n";
@@ -57,7 +57,7 @@ std::string WithLink(Component& theComponent, const std::string& myScript)
     return myIsClosed ? myScript.substr(0, myEnd) + "\r\n" + myNoLink : myNoLink + myScript;
 }
 
-/// Has the component take the script, and passes on what it says about it.
+/// Writes the script to the component, and reports what it says about it.
 void TryScript(Component& theComponent, int64_t myModule, const std::string& myScript)
 {
     theComponent.PutInHand(myModule, myScript);
@@ -125,12 +125,12 @@ void Edit(const Arguments& myArguments)
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
     const UserLock myLock = LockForWriting(mySite);
-    // Read only now: whoever held the lock may have changed it.
+    // Read only now: another program may have changed it before the lock was taken.
     TryScript(myComponent, myArguments.Id, mySite.ModuleOf(myArguments.Id).Script);
     mySite.BeginEdit(myArguments.Id);
     bool myIsStored = false;
     {
-        // Whatever ends the dialog other than a stored script, the module stays as it was.
+        // Unless a script is stored, the module stays unchanged.
         const ScopeGuard myUndo([&] { myIsStored || Succeeds([&] { mySite.UndoEdit(myArguments.Id); }); });
         if (myComponent.Edit())
         {
@@ -170,19 +170,19 @@ CLI::App* AddModuleCommand(CLI::App& theGroup, const char* myName, const char* m
     return theCommand;
 }
 
-/// The commands that read and change what a module is made of.
+/// The commands that read and change the contents of a module.
 void AddContentCommands(CLI::App& theGroup, Arguments& theArguments)
 {
     CLI::App* const myScript =
         AddModuleCommand(theGroup, "script", "Prints a module's script, or stores another one", theArguments);
     myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
         ->type_name("");
-    myScript->footer("A new script is stored as you give it, once the component has taken it. Where it names no\n"
-                     "link an empty one is added: without it a build would keep that of the module before it.");
+    myScript->footer("A new script is stored unchanged, once the component has accepted it. If it names no link,\n"
+                     "an empty one is added: without it a build would use the link of the previous module.");
     myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
 
     CLI::App* const myArchive =
-        AddModuleCommand(theGroup, "archive", "Gives a module its archive of imported files", theArguments);
+        AddModuleCommand(theGroup, "archive", "Stores a module's archive of imported files", theArguments);
     myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
     myArchive->footer(myArchiveHelp);
     myArchive->callback(
@@ -212,7 +212,9 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
 
     CLI::App* const myMove =
         AddModuleCommand(*myGroup, "move", "Moves a module to another position, place or page", theArguments);
-    myMove->add_option("POSITION", theArguments.Position, "Counts from 1 in its place")->required()->type_name("");
+    myMove->add_option("POSITION", theArguments.Position, "Its new position in its place, from 1")
+        ->required()
+        ->type_name("");
     myMove
         ->add_option("--page", theArguments.OtherPage,
                      "To this page, there to the unnamed place unless --place is given")
@@ -229,7 +231,7 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myEdit = AddModuleCommand(
         *myGroup, "edit", "Opens a module's settings dialog, and stores what it confirms", theArguments);
     myEdit->footer("The dialog needs a display. Its button for links opens a window with the site's records.\n"
-                   "Where the dialog is cancelled the module stays as it is.");
+                   "If the dialog is cancelled, the module stays unchanged.");
     myEdit->callback([&theArguments] { Edit(theArguments); });
 
     AddModuleCommand(*myGroup, "remove", "Removes a module and its archive", theArguments)
@@ -242,7 +244,7 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
             });
 
     AddContentCommands(*myGroup, theArguments);
-    AddModuleCommand(*myGroup, "show", "Tells what a module will do", theArguments)
+    AddModuleCommand(*myGroup, "show", "Shows what a module will do", theArguments)
         ->callback([&theArguments] { Show(theArguments); });
 
     AddListCommand(*myGroup, "Lists the modules", theArguments)->callback([&theArguments] { List(theArguments); });

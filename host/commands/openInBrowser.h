@@ -6,7 +6,7 @@
 namespace qel::host
 {
 
-/// Has the user's browser open a file, and does not wait for it. Failure: the system knows no browser.
+/// Opens a file in the user's browser, without waiting for it. Failure: no browser is known.
 void OpenInBrowser(const std::filesystem::path& myFile);
 
 } // namespace qel::host

@@ -19,26 +19,26 @@ namespace
 
 constexpr const char* myPlaces =
     "A page is an HTML file as you write it. A build fills these comments in it:\n"
-    "  <!-- qel:modules -->       the page's modules; without it they stand at the end of the body\n"
-    "  <!-- qel:modules NAME -->  the modules of a place of that name\n"
+    "  <!-- qel:modules -->       the page's modules; without it they are at the end of the body\n"
+    "  <!-- qel:modules NAME -->  the modules of the place with that name\n"
     "  <!-- qel:title -->         the site's title\n"
     "  <!-- qel:menu -->          a list with links to all pages";
 
-/// True when a path below the folder of the pages leads to something that the site has or may have.
+/// True when a path below the folder of the pages is something that the site has or may have.
 bool IsInSite(Site& theSite, const std::string& myPath)
 {
     const fs::path myNormal = fs::path(myPath).lexically_normal();
     const std::vector<Page> myPages = theSite.Pages();
     const bool myIsPage = std::ranges::find(myPages, myNormal.string(), &Page::Name) != myPages.end();
     const std::string myFolder = myNormal.begin() == myNormal.end() ? std::string() : myNormal.begin()->string();
-    // What a build puts into its folders is known by the build alone.
+    // Only a build knows what it puts into its folders.
     const bool myIsOfBuild = myFolder == "images" || myFolder == "media" || myFolder == "files";
     std::error_code myIgnored;
     return myIsPage || myIsOfBuild || (myFolder != ".." && fs::exists(theSite.StaticFolder() / myNormal, myIgnored));
 }
 
-/// Tells the author which references of a page lead to nothing, and which comments look like places and are none.
-void ReportOddities(Site& theSite, const std::string& myPage, const PageInput& myInput)
+/// Reports the references of a page without a target, and the comments that look like places but are not.
+void ReportProblems(Site& theSite, const std::string& myPage, const PageInput& myInput)
 {
     for (const std::string& myComment : PageText(myInput.Content).UnknownComments())
     {
@@ -62,7 +62,7 @@ void Add(const Arguments& myArguments)
     const PageInput myInput = ReadPage(myArguments.File);
     Site mySite(myArguments.Site);
     mySite.AddPage(myName, myTitle, myInput);
-    ReportOddities(mySite, myName, myInput);
+    ReportProblems(mySite, myName, myInput);
 }
 
 void Show(const Arguments& myArguments)
@@ -92,7 +92,7 @@ void Set(const Arguments& myArguments)
     mySite.SetPage(myName, myArguments.Title, myInput);
     if (myInput)
     {
-        ReportOddities(mySite, myName, *myInput);
+        ReportProblems(mySite, myName, *myInput);
     }
 }
 
@@ -125,7 +125,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
         return theCommand;
     };
 
-    CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a page behind the others", theArguments);
+    CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a page after the others", theArguments);
     myAdd->add_option("FILE", theArguments.File, "The HTML file; - reads the standard input")
         ->required()
         ->type_name("");
@@ -145,7 +145,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
     mySet->callback([&theArguments] { Set(theArguments); });
 
     CLI::App* const myMove = AddPageCommand("move", "Moves a page to another position in the site");
-    myMove->add_option("POSITION", theArguments.Position, "Counts from 1")->required()->type_name("");
+    myMove->add_option("POSITION", theArguments.Position, "Its new position, from 1")->required()->type_name("");
     myMove->callback([&theArguments] { Site(theArguments.Site).MovePage(theArguments.Page, theArguments.Position); });
 
     CLI::App* const myRemove = AddPageCommand("remove", "Removes a page");

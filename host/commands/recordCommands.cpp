@@ -54,7 +54,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
     };
     const auto AddContent = [&](CLI::App* theCommand)
     {
-        theCommand->add_option("--title", theArguments.Title, "For yourself, in the list");
+        theCommand->add_option("--title", theArguments.Title, "Its title in the list of records");
         theCommand->add_option("--page", theArguments.OtherPage, "A page of the site")->type_name("PAGE");
         theCommand->add_option("--address", theArguments.Address, "An address, or what follows the page's");
         theCommand->add_option("--file", theArguments.OptionalFile, "A file of yours")->type_name("FILE");
@@ -72,14 +72,14 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
             std::cout << "UID:" << myUid << std::endl;
         });
 
-    CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes what is given of a record", theArguments);
+    CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes a record; what is not given stays", theArguments);
     AddUid(mySet);
     AddContent(mySet);
     mySet->callback([&theArguments] { Site(theArguments.Site).SetRecord(theArguments.Id, ChangeOf(theArguments)); });
 
     CLI::App* const myRemove = AddSiteCommand(*myGroup, "remove", "Removes a record and its file", theArguments);
     AddUid(myRemove);
-    myRemove->add_flag("--force", theArguments.Force, "Removes it also where modules link to it");
+    myRemove->add_flag("--force", theArguments.Force, "Removes it even if modules link to it");
     myRemove->callback([&theArguments] { Site(theArguments.Site).RemoveRecord(theArguments.Id, theArguments.Force); });
 
     AddListCommand(*myGroup, "Lists the records", theArguments)->callback([&theArguments] { List(theArguments); });

@@ -6,12 +6,12 @@
 namespace qel::host
 {
 
-/// An open shared library, or none. It is closed when the object goes.
+/// An open shared library, or none. It is closed at the end of the object's life.
 class SharedLibrary
 {
 public:
     SharedLibrary() = default;
-    /// Opens this file and no other of that name. Failure: the system cannot open it; the text is the system's reason.
+    /// Opens exactly this file. Failure: the system cannot open it; the text is the system's reason.
     explicit SharedLibrary(const std::filesystem::path& myFile);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
@@ -21,10 +21,10 @@ public:
 
     bool IsOpen() const { return myHandle != nullptr; }
 
-    /// Leaves the library open to the end of the process.
+    /// Keeps the library open until the end of the process.
     void StayOpen() { myHandle = nullptr; }
 
-    /// What the library exports under a name; null if there is nothing.
+    /// The export with this name; null if there is none.
     template <class Function>
     Function Find(const char* myName) const
     {
@@ -37,7 +37,7 @@ private:
     void* myHandle = nullptr; ///< the system's
 };
 
-/// The file of the library or program that holds an address; empty if there is none.
+/// The file of the library or program that contains an address; empty if there is none.
 std::filesystem::path FileOfAddress(const void* myAddress);
 
 } // namespace qel::host

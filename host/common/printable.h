@@ -1,4 +1,4 @@
-/// Texts of others, made safe to show.
+/// Makes foreign texts safe to show.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace qel::host
 {
 
-/// The text with "?" for every control character, which could steer the terminal. Line ends stay.
+/// The text with "?" for every control character, which could control the terminal. Line ends stay.
 std::string PrintableLines(std::string_view myText);
 
 /// The same on one line: line ends become "?" too.

@@ -16,7 +16,7 @@ constexpr QSize StartSize(560, 400);
 constexpr int NameWidth = 200;
 constexpr int ColumnGap = 16;
 
-/// A caption whose access key leads to a control, which a screen reader calls by the same words.
+/// A caption whose access key leads to a control. It is also the name of that control for a screen reader.
 QLabel* CaptionOf(QWidget& theControl, const QString& myCaption)
 {
     auto* const theLabel = new QLabel(myCaption);

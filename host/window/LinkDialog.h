@@ -1,7 +1,7 @@
 /// The window in which an author chooses a link: the site's records, and a field for any other address.
 ///
-/// One of the two says where the link leads: choosing a record empties the field, and typing takes the choice away from
-/// the list. The window cannot be confirmed while neither does.
+/// One of the two is the target of the link: choosing a record clears the field, and typing clears the selection of the
+/// list. Without a target the window cannot be confirmed.
 #pragma once
 
 #include "site/LinkChoice.h"
@@ -15,7 +15,7 @@
 namespace qel::host
 {
 
-/// A list where the focus alone chooses nothing, and the first arrow key the first row.
+/// A list in which the focus alone selects nothing, and the first arrow key selects the first row.
 class RecordList final : public QTreeWidget
 {
 public:
@@ -32,10 +32,10 @@ protected:
 class LinkDialog final : public QDialog
 {
 public:
-    /// Shows what is offered, with what is chosen by then.
+    /// Shows the offered targets and the current choice.
     LinkDialog(const LinkChoice& myOffer, QWidget* myParent);
 
-    /// Writes what the author has chosen.
+    /// Stores what the author has chosen.
     void ReadInto(LinkChoice& theChoice) const;
 
 private:

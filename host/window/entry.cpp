@@ -8,7 +8,7 @@
 extern "C" __attribute__((visibility("default"))) bool QelhostShowLinkWindow1(qel::host::LinkChoice& theChoice)
 {
     qel::DemandApplication();
-    // The component's dialog is in front by now, and takes no click until this window is closed.
+    // The component's dialog is in front of it, and accepts no click until this window is closed.
     qel::host::LinkDialog myDialog(theChoice, QApplication::activeModalWidget());
     const bool theAnswer = myDialog.exec() == QDialog::Accepted;
     if (theAnswer)

@@ -15,7 +15,7 @@
 namespace qel
 {
 
-/// An archive that is open for reading. Nobody else can write to it, so its length is asked once.
+/// An archive that is open for reading. Nobody else can write to it, so its length is read only once.
 struct ArchiveInput
 {
     explicit ArchiveInput(std::unique_ptr<InputFile> theOpenFile) : File(std::move(theOpenFile)), Length(File->Length())
@@ -31,10 +31,10 @@ namespace
 
 constexpr std::string_view Magic = "qelarchive1.0";
 
-/// More characters than a path takes on any system.
+/// More characters than any system allows in a path.
 constexpr int32_t LongestName = 32767;
 
-/// The text without one such character at its end, if it is there; and the same at its start.
+/// The text without one such character at its end, if there is one; and the same for its start.
 TextView WithoutEnd(TextView myText, char16_t myCharacter)
 {
     return myText.substr(0, myText.size() - (myText.ends_with(myCharacter) ? 1 : 0));
@@ -45,8 +45,8 @@ TextView WithoutStart(TextView myText, char16_t myCharacter)
     return myText.substr(myText.starts_with(myCharacter) ? 1 : 0);
 }
 
-/// True for one part of a path that leads up or to a drive. Blanks and dots at the end count for nothing on some
-/// systems, so ".. " leads up as well.
+/// True for a part of a path that leads up or to a drive. Some systems ignore blanks and dots at the end, so ".. "
+/// leads up as well.
 bool IsHostilePart(TextView myPart)
 {
     const bool myLeadsUp = myPart.size() >= 2 && myPart.find_first_not_of(u". ") == TextView::npos &&
@@ -56,7 +56,7 @@ bool IsHostilePart(TextView myPart)
     return myLeadsUp || myIsDrive;
 }
 
-/// A name as an archive holds it. Error 52: the code page has not all of its characters.
+/// Encodes a name for an archive. Error 52: the code page lacks one of its characters.
 std::string AnsiName(TextView myName)
 {
     std::optional<std::string> theResult = ToAnsi(myName);
@@ -67,7 +67,7 @@ std::string AnsiName(TextView myName)
     return *std::move(theResult);
 }
 
-/// A length as an archive holds it. Error 6: it takes more than 32 bits.
+/// Encodes a length for an archive. Error 6: it needs more than 32 bits.
 int32_t SizeOfFile(int64_t myLength)
 {
     if (myLength > INT32_MAX)
@@ -137,7 +137,7 @@ Text ReadName(ArchiveInput& theInput)
 }
 
 /// Runs an operation whose result says whether it is complete. A failure, also one of a subscriber, is the result
-/// false, and its number is kept.
+/// false, and its number is stored.
 template <class Operation>
 bool Completes(Operation myOperation, int32_t& theFailureNumber)
 {
@@ -148,7 +148,7 @@ bool Completes(Operation myOperation, int32_t& theFailureNumber)
     }
     catch (...)
     {
-        theFailureNumber = ErrorInHand().Number;
+        theFailureNumber = CurrentError().Number;
         return false;
     }
 }
@@ -182,8 +182,8 @@ bool classArchive::PackArchive()
         myFailureNumber);
 }
 
-/// Lists the files of a folder, and then those of its subfolders. Both are paths below the base folder: as the archive
-/// is to have it, and as the disk has it.
+/// Lists the files of a folder, and then those of its subfolders. Both arguments are its path below the base folder: as
+/// the archive stores it, and as spelled on disk.
 void classArchive::ListFolder(const Text& myFolder, const Text& myDiskFolder)
 {
     const Text myFullFolder = Concat(myBaseFolder, myDiskFolder);
@@ -234,7 +234,7 @@ void classArchive::AddFile(Text myName, Text myDiskName, int64_t myLength)
     myFiles.push_back({std::move(myName), SizeOfFile(myLength), std::move(myDiskName)});
 }
 
-/// Writes the entries until the flag is raised. The percentage goes by the sizes as they were listed.
+/// Writes the entries until the flag is set. The percentage is based on the sizes as they were listed.
 void classArchive::WriteAllEntries(OutputFile& myOutputFile, bool& theCancel)
 {
     const double myTotal = TotalSize();
@@ -252,7 +252,7 @@ void classArchive::WriteAllEntries(OutputFile& myOutputFile, bool& theCancel)
     }
 }
 
-/// Writes one entry with the length that its file has by now.
+/// Writes one entry with the current length of its file.
 void classArchive::WriteArchiveEntry(OutputFile& myOutputFile, const ArchiveEntry& myEntry)
 {
     const auto myInputFile = myFilePort.OpenForReading(Concat(myBaseFolder, myEntry.DiskName));
@@ -338,7 +338,7 @@ void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, bool&
     const TextView myFolder = FolderOfName(myName);
     const Text& myDiskFolder = myFolder.empty() ? myBaseFolder : MakeFolders(myFolder);
     const Text myFilename = JoinTexts({myDiskFolder, TextView(myName).substr(myFolder.size())});
-    // What cannot be deleted may be a link, and must not be written through.
+    // What cannot be deleted may be a link, which must not be followed.
     if (!DeleteFile(myFilename) && myFilePort.IsLink(myFilename))
     {
         Raise(ErrorNumber::PathAccess);
@@ -353,9 +353,9 @@ void classArchive::UnPackEntry(ArchiveInput& theInput, const Text& myName, bool&
     myLastName.clear();
 }
 
-/// Makes sure of each level of a path below the base folder, the base folder itself first, and gives the path's folder
-/// on the disk with its closing "\". Each level is looked up once in a run. Error 75: a level is a link. Others: it
-/// cannot be made.
+/// Creates each missing level of a path below the base folder, which comes first, and returns the path's folder on disk
+/// with its closing "\". Each level is looked up once per operation. Error 75: a level is a link. Others: it cannot be
+/// created.
 const Text& classArchive::MakeFolders(TextView myFolder)
 {
     if (const auto myKnown = myFolders.find(Text(myFolder)); myKnown != myFolders.end())
@@ -377,7 +377,8 @@ const Text& classArchive::MakeFolders(TextView myFolder)
     return *theFolder;
 }
 
-/// Makes sure of one folder in another, which is there and ends in "\"; the empty name is the other one itself.
+/// Creates a folder in another one if it is missing. The other one exists and ends in "\"; the empty name means the
+/// other one itself.
 Text classArchive::MakeFolder(const Text& myParent, TextView myName)
 {
     if (myName.empty())
@@ -412,13 +413,14 @@ Text classArchive::MakeFolder(const Text& myParent, TextView myName)
     return theFolder += u'\\';
 }
 
-/// Asks for the folder itself: a listing that yields anything would say the same, at the cost of its length.
+/// Checks the folder itself. A listing with any entry would prove the same, but takes longer the more entries there
+/// are.
 bool classArchive::FolderExists(TextView myFolder)
 {
     return !myFolder.empty() && myFilePort.IsFolder(myFolder);
 }
 
-/// False: it cannot be deleted, which shows when the file is written.
+/// False: it cannot be deleted; writing the file then fails.
 bool classArchive::DeleteFile(TextView myFilename)
 {
     return Succeeds([&] { myFilePort.Delete(myFilename); });
@@ -456,8 +458,8 @@ Text classArchive::ConcatUnix(TextView myFirst, TextView mySecond)
         {WithoutEnd(WithoutEnd(myFirst, u'\\'), u'/'), u"/", WithoutStart(WithoutStart(mySecond, u'\\'), u'/')});
 }
 
-/// A "/" separates folders on some systems and is no part of a file's name on any, so it can only hide where a name
-/// leads.
+/// A "/" separates folders on some systems and is no part of a file's name on any, so its only use is to hide where a
+/// name leads.
 bool classArchive::LeavesFolder(TextView myName)
 {
     if (myName.starts_with(u"\\\\") || myName.find(u'/') != TextView::npos || myName.find(u'\0') != TextView::npos)
@@ -476,7 +478,7 @@ bool classArchive::LeavesFolder(TextView myName)
     return false;
 }
 
-/// The name up to and with its last "\"; empty if there is none.
+/// The name up to its last "\", which is included; empty if there is none.
 TextView classArchive::FolderOfName(TextView myFilename)
 {
     return myFilename.substr(0, myFilename.rfind(u'\\') + 1);

@@ -15,7 +15,7 @@ namespace
 constexpr int32_t Black = 0;
 constexpr int32_t Grey = 6710886;
 
-/// How files of some extensions look in a list.
+/// How files with some extensions are shown in a list.
 struct FileClass
 {
     std::array<TextView, 4> Extensions;
@@ -30,13 +30,13 @@ constexpr FileClass FileClasses[] = {
 };
 constexpr FileClass AnyFile = {{}, 1, Grey};
 
-/// The name behind its last "\", or all of it.
+/// The name after its last "\", or all of it.
 TextView FileOfName(TextView myFilename)
 {
     return myFilename.substr(myFilename.rfind(u'\\') + 1);
 }
 
-/// What stands behind the last ".", or the whole name, in lower case.
+/// What follows the last ".", or the whole name, in lower case.
 Text ExtensionOfName(TextView myFilename)
 {
     return LowerCase(myFilename.substr(myFilename.rfind(u'.') + 1));

@@ -17,7 +17,8 @@ class HostObject
 public:
     explicit HostObject(Interface* myObject) : myHost(myObject) {}
 
-    /// Forgets the object without a call into the host, for when the component is unloaded. Calls then are error 91.
+    /// Drops the reference without a call into the host, for when the component is unloaded. Later calls fail with
+    /// error 91.
     void Abandon() noexcept { myHost.Detach(); }
 
 protected:

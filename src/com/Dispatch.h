@@ -88,7 +88,7 @@ public:
         return PointerToArgument(myArgument, VariantType<Value>, myOwn, myPointer);
     }
     Value* Pointer() noexcept { return static_cast<Value*>(myPointer); }
-    void Give(VARIANT& theResult) noexcept { std::swap(theResult, myOwn); }
+    void Store(VARIANT& theResult) noexcept { std::swap(theResult, myOwn); }
 
 private:
     VARIANT myOwn{};
@@ -112,7 +112,7 @@ public:
         return theResult;
     }
     Interface** Pointer() noexcept { return &myObject; }
-    void Give(VARIANT& theResult) noexcept
+    void Store(VARIANT& theResult) noexcept
     {
         theResult.vt = VT_DISPATCH;
         theResult.pdispVal = std::exchange(myObject, nullptr);
@@ -159,7 +159,7 @@ private:
         {
             if (SUCCEEDED(theResult) && theCall.Result != nullptr)
             {
-                std::get<Count - 1>(myParameters).Give(*theCall.Result);
+                std::get<Count - 1>(myParameters).Store(*theCall.Result);
             }
         }
         return theResult;

@@ -94,7 +94,7 @@ HRESULT ReportFailure() noexcept
 {
     try
     {
-        const Error myError = ErrorInHand();
+        const Error myError = CurrentError();
         return ReportNumber(myError.Number, myError.Description.c_str());
     }
     catch (...) // there is no memory for a copy of the description

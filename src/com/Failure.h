@@ -1,4 +1,4 @@
-/// Failures on their way across the binary interface, in both directions: no exception leaves, and none is lost.
+/// Translates failures at the binary interface, in both directions: no exception leaves, and none is lost.
 ///
 /// A member of an object is written as one Answer or Accept, or as Guarded where neither fits; a call into the host as
 /// one CallHost. Every failed call leaves error information of its own in the thread, never that of an older call; only
@@ -19,9 +19,9 @@ namespace qel
 /// What failures name as their source. Each component, library or program that links this defines it once.
 extern const char16_t* const ErrorSource;
 
-/// For a catch clause: turns the exception in hand into a result, and into the thread's error information.
+/// For a catch clause: turns the current exception into a result, and into the thread's error information.
 /// An Error gives 0x800A0000 and its number, or its number itself if that is negative, which is a host's failure.
-/// Memory running out is error 7; any other exception is error 5.
+/// Running out of memory is error 7; any other exception is error 5.
 HRESULT ReportFailure() noexcept;
 
 /// Leaves a failure with this description in the thread's error information, and returns its result.
@@ -54,25 +54,25 @@ HRESULT Guarded(Operation&& myOperation) noexcept
     }
 }
 
-/// Puts a value where a caller wants it.
-inline void Give(BSTR* theValue, TextView myText)
+/// Stores a value where the caller wants it.
+inline void Store(BSTR* theValue, TextView myText)
 {
     *theValue = NewBstr(myText);
 }
-inline void Give(int32_t* theValue, int32_t myNumber)
+inline void Store(int32_t* theValue, int32_t myNumber)
 {
     *theValue = myNumber;
 }
-inline void Give(uint32_t* theValue, uint32_t myNumber)
+inline void Store(uint32_t* theValue, uint32_t myNumber)
 {
     *theValue = myNumber;
 }
-inline void Give(VARIANT_BOOL* theValue, bool myAnswer)
+inline void Store(VARIANT_BOOL* theValue, bool myAnswer)
 {
     *theValue = myAnswer ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
-/// A member with a result: hands out what the operation returns. E_POINTER; on failure the value is empty.
+/// A member with a result: passes on what the operation returns. E_POINTER; on failure the value is empty.
 template <class Value, class Operation>
 HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
 {
@@ -81,7 +81,7 @@ HRESULT Answer(Value* theValue, Operation&& myOperation) noexcept
         return Refuse(E_POINTER);
     }
     *theValue = Value{};
-    return Guarded([&] { Give(theValue, myOperation()); });
+    return Guarded([&] { Store(theValue, myOperation()); });
 }
 
 /// A member with one argument by reference and a result. E_POINTER; on failure the value is empty.
@@ -130,7 +130,7 @@ template <class Interface, class... Parameters>
 void CallHost(ComPtr<Interface> myHost, HRESULT (Interface::*myMember)(Parameters...),
               std::type_identity_t<Parameters>... myArguments)
 {
-    // The reference is a copy: the host may take its object back before the call returns.
+    // The reference is a copy: the host may withdraw its object before the call returns.
     if (!myHost)
     {
         Raise(ErrorNumber::ObjectNotSet);

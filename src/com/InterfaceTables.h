@@ -1,4 +1,4 @@
-/// The identifiers of the interfaces of QelHelperInterfaces.h by their C++ types. MembersOf has their tables of
+/// The identifiers of the interfaces of QelHelperInterfaces.h by their C++ types. MembersOf returns their tables of
 /// members.
 #pragma once
 

@@ -66,7 +66,7 @@ QEL_INTERFACE(QelDatabase, IDispatch)
     /* Makes the record with this uid the current one: the text of a link after "UID:". Finding none is no failure, see
      * EOF. Both numbers are 0; what the host writes to them is ignored. */
     QEL_MEMBER(SeekUID, BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
-    /* The address of the current record, of kind 1, 2, 3 or 6, as it is to stand in an href. */
+    /* The address of the current record, of kind 1, 2, 3 or 6, as it is written into an href. */
     QEL_MEMBER(get_RecordURL, BSTR* theURL)
     /* The local folder of the site's data, where archives and the files of records are. It ends in its separator. */
     QEL_MEMBER(get_DataFolder, BSTR* theFolder)

@@ -1,7 +1,7 @@
 /// One half of the settings dialog, the motif or the tune: its controls, its settings and its texts.
 ///
-/// Both halves are worked by the same code where they behave alike. Where they differ, the code of FormMainDialog names
-/// the half that it means.
+/// The same code handles both halves where they behave alike. Where they differ, the code of FormMainDialog names the
+/// half that it means.
 #pragma once
 
 #include "dialog/ports/FormMainControls.h"
@@ -17,7 +17,7 @@ struct DialogHalf
 {
     ComboBox& Folders;
     ListBox& Files;
-    PictureBox& ImportBox; ///< shows in the place of the list while the own file is selected
+    PictureBox& ImportBox; ///< shown instead of the list while the own file is selected
     Label& ImportLabel;
     IconImage& ImportIcon;
     CheckBox& Switch;
@@ -33,10 +33,10 @@ struct DialogHalf
     int32_t OpenFilter;
     int32_t IsImportedText;
     int32_t IsNotImportedText;
-    int32_t ImportFirstText; ///< the message of a commit without an import
+    int32_t ImportFirstText; ///< the message for a commit without an import
 
     bool (*IsImported)(const ModuleSettings&);
-    /// The name of the imported file, without folder; of use where there is one.
+    /// The name of the imported file, without folder; only valid if there is one.
     Text (*ImportedName)(const ModuleSettings&);
 };
 

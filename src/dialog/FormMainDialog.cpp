@@ -127,8 +127,8 @@ void FormMainDialog::UpdateLinkButtons()
     Controls().cmdUnsetLink.Enabled(!Settings().myLink.empty());
 }
 
-/// Runs a handler. Inside a write of a selected index a failure goes on to the code that writes; any other failure is
-/// shown to the author here, since no other code would report it.
+/// Runs a handler. During a write of a selected index a failure is passed on to the code that writes; any other failure
+/// is shown to the author here, because no other code would report it.
 template <class Operation>
 void FormMainDialog::Handle(Operation myOperation)
 {
@@ -143,7 +143,7 @@ void FormMainDialog::Handle(Operation myOperation)
     }
     catch (...)
     {
-        Succeeds([&] { ShowMessage(ErrorInHand().Description); });
+        Succeeds([&] { ShowMessage(CurrentError().Description); });
     }
 }
 

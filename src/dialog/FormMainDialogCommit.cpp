@@ -24,8 +24,8 @@ void KeepWholeDay(DatePicker& thePicker)
 
 } // namespace
 
-/// Takes the author's choices into the settings and closes the dialog. What a step has changed stays changed when a
-/// later one refuses.
+/// Stores the author's choices in the settings and closes the dialog. What a step has changed stays changed if a later
+/// one fails.
 void FormMainDialog::Commit()
 {
     if (!TakeFile(myMotif) || !TakeFile(myTune) || !PackImports())
@@ -44,8 +44,8 @@ void FormMainDialog::Commit()
     myWindow.Unload();
 }
 
-/// Takes the selected file into the settings. False: it is to be an own file, but none has been imported; the author
-/// has been told.
+/// Stores the selected file in the settings. False: it is an own file, but none has been imported; the author has seen
+/// a message.
 bool FormMainDialog::TakeFile(const DialogHalf& myHalf)
 {
     const Text myFolder = myHalf.Folders.SelectedText();
@@ -66,7 +66,7 @@ bool FormMainDialog::TakeFile(const DialogHalf& myHalf)
 }
 
 /// Packs what has been imported, selected or not, into the module's archive. False: that failed, and the author has
-/// been told.
+/// seen a message.
 bool FormMainDialog::PackImports()
 {
     const ImageMode myFormat = Settings().myImageMode;
@@ -80,7 +80,7 @@ bool FormMainDialog::PackImports()
         // An earlier import of the other format may still be there.
         const Text myOther = StagedFile(ImportedImageOfOtherFormat(myFormat));
         Succeeds([&] { myPorts.files.Delete(myOther); });
-        DeleteTwins(myPorts.files, myOther);
+        DeleteCaseVariants(myPorts.files, myOther);
     }
     classArchive myArchive(myPorts.files);
     myArchive.BaseFolder(myForm.TempFolder());
@@ -98,7 +98,7 @@ bool FormMainDialog::PackImports()
     return true;
 }
 
-/// Takes the period into the settings. False: it ends before it starts, and the author has been told.
+/// Stores the period in the settings. False: it ends before it starts, and the author has seen a message.
 bool FormMainDialog::TakePeriod()
 {
     KeepWholeDay(Controls().DateFrom);

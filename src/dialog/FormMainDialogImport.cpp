@@ -15,7 +15,7 @@ namespace
 constexpr int32_t RoomForNames = 30000; ///< in characters
 constexpr uint32_t BrowsingDialog = 0x80004;
 
-/// A motif may have as many pixels each way, and no more.
+/// The largest width and height of a motif, in pixels.
 constexpr int32_t LargestSide = 350;
 
 void Shrink(ImagingControl& theControl)
@@ -54,7 +54,7 @@ void FormMainDialog::StageImage(TextView myFilename)
     const ImageMode myFormat = ImportFormat(myFilename);
     const Text myTarget = StagedFile(ImportedImage(myFormat));
     LoadPicture(LeadIn(), myFilename);
-    DeleteTwins(myPorts.files, myTarget);
+    DeleteCaseVariants(myPorts.files, myTarget);
     if (LeadIn().BitmapWidth() <= LargestSide && LeadIn().BitmapHeight() <= LargestSide)
     {
         myPorts.files.Copy(myFilename, myTarget);
@@ -93,7 +93,7 @@ void FormMainDialog::ImportMIDI()
     }
     Settings().myMIDIMode = false;
     const Text myTarget = StagedFile(ImportedTune());
-    DeleteTwins(myPorts.files, myTarget);
+    DeleteCaseVariants(myPorts.files, myTarget);
     Settings().myMIDIMode = Succeeds([&] { myPorts.files.Copy(*myFilename, myTarget); });
     UpdateMIDILabel();
 }

@@ -58,7 +58,7 @@ void FormMainDialog::FillFileList(TextView myExtension, ListBox& theList, TextVi
     }
 }
 
-/// Writes the selected index. The click handler of the box runs inside, and what it throws comes out here.
+/// Writes the selected index. The click handler of the box runs during the write, and its exceptions pass through.
 void FormMainDialog::Select(ComboBox& theBox, int32_t myIndex)
 {
     ++myIndexWrites;
@@ -84,7 +84,7 @@ void FormMainDialog::OpenFolder(const DialogHalf& myHalf)
     }
 }
 
-/// The selected file of the library; no such file where nothing is selected in the list.
+/// The path of the selected file of the library. If nothing is selected in the list, there is no such file.
 Text FormMainDialog::SelectedFile(const DialogHalf& myHalf) const
 {
     return LibraryFile(myHalf.Folders.SelectedText(), myHalf.Files.SelectedText(), myHalf.Extension);

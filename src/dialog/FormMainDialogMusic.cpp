@@ -27,7 +27,7 @@ void FormMainDialog::PlaySelectedMIDI()
     PlayMIDI(SelectedFile(myTune));
 }
 
-/// Plays a copy, so that an import can overwrite the tune while it plays. Any failure leaves silence.
+/// Plays a copy, so that an import can overwrite the tune while it plays. If anything fails, no tune plays.
 void FormMainDialog::PlayMIDI(const Text& myFile)
 {
     StopMIDI();

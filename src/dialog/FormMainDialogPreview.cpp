@@ -20,7 +20,7 @@ void FormMainDialog::UpdatePreview()
 
 void FormMainDialog::PaintPreview()
 {
-    constexpr int32_t Margins = 10; // the two of a direction together
+    constexpr int32_t Margins = 10; // left and right together, or top and bottom
     const bool myIsOwn = OwnFileIsSelected(myMotif);
     if (myIsOwn && !myMotif.IsImported(Settings()))
     {

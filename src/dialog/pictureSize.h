@@ -1,4 +1,4 @@
-/// How large a picture comes out in a limited room.
+/// Fits the size of a picture into limits.
 #pragma once
 
 #include "platform/ImagingControl.h"
@@ -15,9 +15,9 @@ struct PictureSize
     int32_t Height;
 };
 
-/// The size of a picture that is made no larger than the room, with its proportions kept: the width is fitted first,
-/// and each side rounded to a whole number as soon as it is known, halves to the even neighbour. A side can come to 0.
-/// Error 6: it cannot be told.
+/// The size of a picture that is reduced to the limits if necessary, with its proportions kept: the width is fitted
+/// first, and each side is rounded to a whole number as soon as it is known, halves to the even neighbour. A side can
+/// become 0. Error 6: the result is out of range.
 inline PictureSize FitInto(PictureSize myRoom, double myWidth, double myHeight)
 {
     const double myRatio = myWidth / myHeight;
@@ -32,7 +32,7 @@ inline PictureSize FitInto(PictureSize myRoom, double myWidth, double myHeight)
     return theSize;
 }
 
-/// Gives the control's picture that size, in the one mode that is used.
+/// Resizes the control's picture to that size, in the only mode that is used.
 inline void ResizePicture(ImagingControl& theControl, PictureSize mySize)
 {
     theControl.Resize(static_cast<float>(mySize.Width), static_cast<float>(mySize.Height), ImagingSettings::ResizeMode);

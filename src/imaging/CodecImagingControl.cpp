@@ -16,7 +16,7 @@ using namespace ImagingSettings;
 
 constexpr int64_t LongestFile = int64_t{256} * 1024 * 1024;
 
-/// What JpegQuality is on the usual scale of the codec.
+/// JpegQuality on the usual scale of the codec.
 constexpr int UsualJpegQuality = 85;
 
 std::vector<uint8_t> WholeFile(InputFile& myFile)
@@ -44,9 +44,9 @@ std::unique_ptr<Picture> ReadPicture(std::vector<uint8_t> myFile)
     Raise(ErrorNumber::InvalidPicture);
 }
 
-void DemandSettings(bool myAreThePassed)
+void DemandSettings(bool myAreValid)
 {
-    if (!myAreThePassed)
+    if (!myAreValid)
     {
         Raise(ErrorNumber::InvalidArgument);
     }
@@ -60,15 +60,15 @@ public:
     void Load(TextView myFilename, int16_t myBitsPerPixel, int32_t myFirstPage, int32_t myPages) override
     {
         DemandSettings(myBitsPerPixel == LoadBitsPerPixel && myFirstPage == FirstPage && myPages == PageCount);
-        std::unique_ptr<Picture> myFormer = std::move(myPicture);
+        std::unique_ptr<Picture> myPrevious = std::move(myPicture);
         const std::unique_ptr<InputFile> myFile = myFiles.OpenShared(myFilename);
         const std::optional<FileVersion> myVersion = myFile->Version();
-        if (myFormer && myVersion && myVersion == myLoadedVersion)
+        if (myPrevious && myVersion && myVersion == myLoadedVersion)
         {
-            myPicture = std::move(myFormer); // the pages of a site most often have one motif
+            myPicture = std::move(myPrevious); // most pages of a site have the same motif
             return;
         }
-        myFormer.reset();
+        myPrevious.reset();
         myPicture = ReadPicture(WholeFile(*myFile));
         myLoadedVersion = myVersion;
     }
@@ -125,7 +125,7 @@ private:
         return *myPicture;
     }
 
-    /// Puts another picture in the place of the one that was loaded.
+    /// Replaces the picture that was loaded.
     void ReplacePicture(std::unique_ptr<Picture> myOther)
     {
         myPicture = std::move(myOther);
@@ -134,7 +134,7 @@ private:
 
     Files& myFiles;
     std::unique_ptr<Picture> myPicture;
-    std::optional<FileVersion> myLoadedVersion; ///< of the file that the picture is as it stands
+    std::optional<FileVersion> myLoadedVersion; ///< of the file, as long as the picture is unchanged
 };
 
 } // namespace

@@ -27,7 +27,7 @@ bool PixelsAreServed(int32_t myWidth, int32_t myHeight)
     return int64_t{myWidth} * myHeight <= MostPixels;
 }
 
-/// Walks the records of one file.
+/// Iterates over the records of one file.
 class GifReader
 {
 public:
@@ -46,7 +46,7 @@ private:
         void operator()(GifFileType* myOpenDecoder) const { DGifCloseFile(myOpenDecoder, nullptr); }
     };
 
-    /// Gives the decoder its bytes; fewer than asked for at the end. Called from C: nothing may be thrown.
+    /// Passes bytes to the decoder, at the end of the file fewer than requested. Called from C: nothing may be thrown.
     static int Supply(GifFileType* myAsking, GifByteType* theBytes, int myCount)
     {
         auto& myBytes = static_cast<GifReader*>(myAsking->UserData)->myRest;
@@ -56,7 +56,7 @@ private:
         return static_cast<int>(myGiven);
     }
 
-    /// Throws when the decoder says that a call has failed.
+    /// Throws if a call of the decoder has failed.
     static void Check(int myResult) { Demand(myResult == GIF_OK); }
 
     void ReadExtension();
@@ -171,13 +171,13 @@ void GifReader::SkipImage()
     }
 }
 
-/// The closing of an encoder, which can fail: what the encoder holds back is written then.
+/// Closes an encoder after a failure. Otherwise WriteGif closes it, because closing writes the rest and can fail.
 struct EncoderCloser
 {
     void operator()(GifFileType* myOpenEncoder) const { EGifCloseFile(myOpenEncoder, nullptr); }
 };
 
-/// Takes bytes from the encoder; fewer than it gives when memory is out. Called from C: nothing may be thrown.
+/// Takes bytes from the encoder, fewer than it passes if memory runs out. Called from C: nothing may be thrown.
 int Append(GifFileType* myWriting, const GifByteType* myBytes, int myCount)
 {
     auto& theFile = *static_cast<std::vector<uint8_t>*>(myWriting->UserData);
@@ -192,7 +192,7 @@ int Append(GifFileType* myWriting, const GifByteType* myBytes, int myCount)
     }
 }
 
-/// Throws when the encoder says that a call has failed: its only reason is the memory.
+/// Throws if a call of the encoder has failed, which only happens for lack of memory.
 void DemandWritten(int myResult)
 {
     if (myResult != GIF_OK)
@@ -212,7 +212,7 @@ void WriteTransparency(GifFileType* myEncoder, int myTransparentIndex)
 void WriteRows(GifFileType* myEncoder, const GifImage& myImage)
 {
     const auto myWidth = static_cast<size_t>(myImage.Width);
-    std::vector<GifPixelType> myRow(myWidth); // the encoder writes into what it is given
+    std::vector<GifPixelType> myRow(myWidth); // a copy, because the encoder overwrites it
     for (int32_t i = 0; i < myImage.Height; ++i)
     {
         std::copy_n(&myImage.Indices[static_cast<size_t>(i) * myWidth], myWidth, myRow.begin());

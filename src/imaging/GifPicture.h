@@ -19,7 +19,7 @@ struct GifColour
     uint8_t Blue;
 };
 
-/// One image of a GIF. It may lie partly or wholly beside the picture.
+/// One image of a GIF. It may be partly or completely outside the picture.
 struct GifImage
 {
     static constexpr int NotTransparent = -1;
@@ -28,14 +28,14 @@ struct GifImage
     int32_t Top = 0;
     int32_t Width = 0;
     int32_t Height = 0;
-    /// One byte for each pixel, from the top row to the bottom one, interlaced or not.
+    /// One byte per pixel, rows from top to bottom even if the file is interlaced.
     std::unique_ptr<uint8_t[]> Indices;
     std::array<GifColour, 256> Palette = {}; ///< black where the file has no colour
     int TransparentIndex = NotTransparent;
 };
 
-/// The first page of a GIF as a browser shows it: as large as the logical screen, or as the first image where the file
-/// gives no screen size, and transparent where that image does not lie.
+/// The first page of a GIF as a browser shows it: as large as the logical screen, or as the first image if the file has
+/// no screen size, and transparent outside that image.
 class GifPicture final : public Picture
 {
 public:
@@ -53,11 +53,11 @@ private:
 
 bool IsGif(std::span<const uint8_t> myFile);
 
-/// Decodes the first image and walks over the others to the end. Error 481: broken, truncated or too large. Only the
-/// last byte of all, which marks the end, may be missing: no browser asks for it.
+/// Decodes the first image and skips the others up to the end. Error 481: broken, truncated or too large. Only the very
+/// last byte, the end marker, may be missing: no browser requires it.
 std::unique_ptr<GifPicture> ReadGif(std::span<const uint8_t> myFile);
 
-/// A file of the first page alone. Error 481: a side is longer than a GIF can tell.
+/// Encodes a file with only the first page. Error 481: a side is longer than a GIF can store.
 std::vector<uint8_t> WriteGif(const GifPicture& myPicture);
 
 } // namespace qel

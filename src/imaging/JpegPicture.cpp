@@ -12,11 +12,11 @@ namespace qel
 namespace
 {
 
-/// The longer side, in pixels, that a large picture is decoded to at once: twice what the dialog shows or imports at
-/// most, so that it is not decoded again.
+/// The longer side, in pixels, to which a large picture is decoded at first: twice the most that the dialog shows or
+/// imports, so that it is not decoded again.
 constexpr int32_t UsualSide = 880;
 
-/// What a file may have that is decoded at a fraction of its size without ever being in memory whole.
+/// The most pixels of a file that is decoded at a reduced size and is never completely in memory.
 constexpr int64_t MostSequentialPixels = 4 * MostPixels;
 
 struct Closer
@@ -45,7 +45,7 @@ int32_t Scaled(int32_t mySide, int32_t myDivisor)
     return TJSCALED(mySide, (tjscalingfactor{1, myDivisor}));
 }
 
-/// The largest divisor for which the decoder is fast that leaves sides of at least so many pixels.
+/// The largest divisor that is fast in the decoder and leaves sides of at least so many pixels.
 int32_t DivisorFor(int32_t myWidth, int32_t myHeight, int32_t myLeastWidth, int32_t myLeastHeight)
 {
     int32_t theDivisor = 8;
@@ -57,7 +57,7 @@ int32_t DivisorFor(int32_t myWidth, int32_t myHeight, int32_t myLeastWidth, int3
     return theDivisor;
 }
 
-/// Turns the inks of a picture that is made for print into colours. Such files hold how much of the light passes.
+/// Converts the inks of a picture for print into colours. Such files store how much light passes.
 void MixInks(std::vector<uint8_t>& thePixels)
 {
     for (size_t i = 0; i < thePixels.size(); i += 4)
@@ -87,7 +87,8 @@ void DemandPixels(int32_t myWidth, int32_t myHeight, int64_t myMost)
     }
 }
 
-/// An unusual subsampling counts as a failure here, but not for the decoder: whether there is a size is what matters.
+/// Reading the header reports an unusual subsampling as a failure, although the decoder accepts it. So only the size
+/// counts.
 Frame ReadFrame(const Codec& myDecoder, std::span<const uint8_t> myFile)
 {
     Frame theFrame;
@@ -100,7 +101,7 @@ Frame ReadFrame(const Codec& myDecoder, std::span<const uint8_t> myFile)
     return theFrame;
 }
 
-/// A warning means that there is a picture all the same.
+/// After a warning there is still a picture.
 PixelPicture Decode(const Codec& myDecoder, std::span<const uint8_t> myFile, const Frame& myFrame, int32_t myDivisor)
 {
     const bool myHasFourInks = myFrame.ColourSpace == TJCS_CMYK || myFrame.ColourSpace == TJCS_YCCK;
@@ -120,7 +121,7 @@ PixelPicture Decode(const Codec& myDecoder, std::span<const uint8_t> myFile, con
     return theResult;
 }
 
-/// The colours over white, three bytes a pixel.
+/// The colours over white, three bytes per pixel.
 std::vector<uint8_t> OverWhite(const PixelPicture& myPicture)
 {
     std::vector<uint8_t> theColours;

@@ -13,8 +13,8 @@
 namespace qel
 {
 
-/// A JPEG that is known to be decodable, set upright as its EXIF record says. It is kept as the file has it, and as a
-/// picture of moderate size.
+/// A JPEG that is known to be decodable, rotated as its EXIF record says. It is kept both as the bytes of the file and
+/// as a decoded picture of moderate size.
 class JpegPicture final : public Picture
 {
 public:
@@ -36,12 +36,12 @@ private:
 
 bool IsJpeg(std::span<const uint8_t> myFile);
 
-/// Decodes the picture, a large one at a fraction of its size. Error 481: it cannot be decoded, or it has more than
-/// MostPixels, or more than four times as many where the file can be decoded in a few rows of memory. A picture whose
-/// data ends early is shown by browsers as far as it goes, and passes.
+/// Decodes the picture, a large one at a reduced size. Error 481: it cannot be decoded, or it has more than MostPixels,
+/// or more than four times as many if one sequential scan holds it. A picture whose data ends early is no error:
+/// browsers show what there is.
 std::unique_ptr<JpegPicture> ReadJpeg(std::vector<uint8_t> myFile);
 
-/// A file of the picture over white; the quality goes from 1 to 100. Error 481: a side is longer than a JPEG can tell.
+/// Encodes the picture over white, with a quality from 1 to 100. Error 481: a side is longer than a JPEG can store.
 std::vector<uint8_t> WriteJpeg(const PixelPicture& myPicture, int myQuality);
 
 } // namespace qel

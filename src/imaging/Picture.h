@@ -1,4 +1,4 @@
-/// What the picture codecs hand to the imaging control.
+/// What the picture codecs return to the imaging control.
 #pragma once
 
 #include "platform/PixelPicture.h"
@@ -12,7 +12,7 @@ namespace qel
 /// More pixels than this are never allocated for one picture: 64 megapixels.
 inline constexpr int64_t MostPixels = int64_t{64} * 1024 * 1024;
 
-/// A picture that its codec has found sound to the last byte that counts.
+/// A picture that its codec has checked completely.
 class Picture
 {
 public:
@@ -27,11 +27,11 @@ public:
     /// The size in pixels; neither side is 0.
     int32_t Width() const { return myWidth; }
     int32_t Height() const { return myHeight; }
-    /// True when the file holds more than one image.
+    /// True when the file has more than one image.
     bool Animated() const { return myAnimated; }
 
-    /// What it shows. Where that is cheaper it is a smaller picture, but at least twice as large each way as what is
-    /// needed. Error 481: it cannot be decoded, or that would take more than MostPixels.
+    /// The decoded picture. If that is cheaper it is smaller than the original, but at least twice the needed width and
+    /// height. Error 481: it cannot be decoded, or has more than MostPixels.
     virtual PixelPicture Pixels(int32_t myNeededWidth, int32_t myNeededHeight) const = 0;
 
 private:
@@ -40,7 +40,7 @@ private:
     bool myAnimated;
 };
 
-/// A picture that lies in memory as it is.
+/// A picture that is in memory uncompressed.
 class PlainPicture final : public Picture
 {
 public:

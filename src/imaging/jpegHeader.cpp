@@ -24,7 +24,7 @@ struct Segment
     Bytes Content;
 };
 
-/// Takes the next segment off the rest of a file; nothing when there is none.
+/// Removes the next segment from the rest of a file; nothing if there is none.
 std::optional<Segment> TakeSegment(Bytes& theRest)
 {
     constexpr size_t HeadLength = 4; // the marker and the length, which counts its own two bytes
@@ -46,7 +46,7 @@ std::optional<Segment> TakeSegment(Bytes& theRest)
     return theSegment;
 }
 
-/// The EXIF record that a segment holds; empty when it holds none.
+/// The EXIF record in a segment; empty if there is none.
 Bytes ExifOf(const Segment& mySegment)
 {
     constexpr std::string_view Mark("Exif\0\0", 6);
@@ -61,7 +61,7 @@ Bytes ExifOf(const Segment& mySegment)
 JpegHeader ReadJpegHeader(Bytes myFile)
 {
     constexpr size_t StartOfImage = 2;
-    constexpr size_t ComponentCount = 5; // its place in a frame's segment
+    constexpr size_t ComponentCount = 5; // its offset in a frame's segment
     JpegHeader theHeader;
     bool myHasExif = false;
     int mySequentialComponents = -1;

@@ -10,13 +10,13 @@ namespace qel
 namespace
 {
 
-/// Reads numbers of a TIFF structure, in its own order of bytes. What lies outside reads as 0.
+/// Reads numbers of a TIFF structure in its byte order. Outside the structure it reads 0.
 class TiffReader
 {
 public:
     explicit TiffReader(std::span<const uint8_t> myBytes) : myRecord(myBytes) {}
 
-    /// True when the header is one of the two that there are.
+    /// True when the header is one of the two valid ones.
     bool HasHeader() const
     {
         constexpr uint16_t LittleEndianMark = 0x4949;
@@ -26,7 +26,7 @@ public:
         return (myMark == LittleEndianMark || myMark == BigEndianMark) && Number(2, 2) == Version;
     }
 
-    /// The number of `mySize` bytes at a place.
+    /// The number of `mySize` bytes at an offset.
     uint32_t Number(size_t myPlace, size_t mySize) const
     {
         if (myPlace > myRecord.size() || mySize > myRecord.size() - myPlace)

@@ -1,4 +1,4 @@
-/// How a camera was held, and the turning that sets its picture upright.
+/// The orientation of a photograph, and the rotation that makes it upright.
 #pragma once
 
 #include "platform/PixelPicture.h"
@@ -9,7 +9,7 @@
 namespace qel
 {
 
-/// What has to be done with the stored rows so that the picture stands upright. The numbers are those of EXIF.
+/// What makes the stored picture upright. The numbers are those of EXIF.
 enum class Orientation : uint8_t
 {
     AsStored = 1,
@@ -22,11 +22,11 @@ enum class Orientation : uint8_t
     TurnLeft = 8        ///< by 90 degrees
 };
 
-/// The orientation that an EXIF record names, which begins with its TIFF header. AsStored when it names none or is
+/// The orientation in an EXIF record, which begins with its TIFF header. AsStored if there is none or the record is
 /// damaged. No error.
 Orientation OrientationOfExif(std::span<const uint8_t> myExif);
 
-/// True when width and height change places.
+/// True when width and height are swapped.
 bool SwapsSides(Orientation myOrientation);
 
 /// The picture upright.

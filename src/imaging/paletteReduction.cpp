@@ -17,7 +17,7 @@ constexpr int ImprovingSteps = 3;
 
 using Colour = std::array<int32_t, 3>;
 
-/// Colours that lie close together, as their number and sums.
+/// A group of similar colours, as their count and sums.
 struct Cell
 {
     int64_t Count = 0;
@@ -50,7 +50,7 @@ bool IsTransparent(const uint8_t* myPixel)
     return myPixel[3] < LeastOpaque;
 }
 
-/// The colours of the picture, those together whose channels have the same upper five bits.
+/// The colours of the picture, grouped by the upper five bits of each channel.
 std::vector<Cell> CellsOf(const PixelPicture& myPicture)
 {
     std::vector<Cell> theCells(size_t{1} << 15);
@@ -67,7 +67,7 @@ std::vector<Cell> CellsOf(const PixelPicture& myPicture)
     return theCells;
 }
 
-/// Cells that share an entry of the palette, and how far they spread.
+/// Cells that share an entry of the palette, with their variance.
 struct Box
 {
     std::span<Cell> Cells;
@@ -99,7 +99,7 @@ struct Box
         }
     }
 
-    /// The number of cells below the middle of the longest channel, which are moved to the front.
+    /// Moves the cells below the mean of the longest channel to the front, and returns their number.
     size_t Divide() const
     {
         const double myMiddle = Total.Mean(LongestChannel);
@@ -109,7 +109,7 @@ struct Box
     }
 };
 
-/// Divides the colours time and again where they lie farthest apart.
+/// Divides the colours repeatedly, each time the box with the largest error.
 std::vector<Colour> CutPalette(std::vector<Cell>& theCells)
 {
     std::vector<Box> myBoxes;
@@ -128,7 +128,7 @@ std::vector<Colour> CutPalette(std::vector<Cell>& theCells)
         const size_t myFirst = myBox.Divide();
         if (myFirst == 0 || myFirst == myBox.Cells.size())
         {
-            break; // even the widest box holds one colour
+            break; // even the box with the largest error has only one colour
         }
         myBoxes.back() = Box(myBox.Cells.first(myFirst));
         std::push_heap(myBoxes.begin(), myBoxes.end(), IsBetter);
@@ -141,8 +141,8 @@ std::vector<Colour> CutPalette(std::vector<Cell>& theCells)
     return thePalette;
 }
 
-/// Looks for the nearest entry of a palette, which it keeps in the order of the greens: the search goes out from the
-/// colour's own green, and ends where the greens alone lie farther apart than the best entry.
+/// Finds the nearest entry of a palette, which it sorts by green. The search starts at the green of the colour,
+/// continues in both directions, and ends where the difference in green alone is larger than the best distance.
 class NearestSearch
 {
 public:
@@ -176,7 +176,7 @@ private:
         int32_t Distance;
     };
 
-    /// False when this entry and those beyond it are too far away by their green.
+    /// False when this entry and those beyond it are too far away in green alone.
     bool Try(size_t myIndex, const Colour& myColour, Best& theBest) const
     {
         const Colour& myEntry = myPalette[myIndex];
@@ -200,7 +200,7 @@ private:
     std::vector<Colour>& myPalette;
 };
 
-/// Moves each entry of the palette to the middle of the colours that are nearest to it.
+/// Moves each entry of the palette to the mean of the colours that are nearest to it.
 void ImprovePalette(std::vector<Colour>& thePalette, const std::vector<Cell>& myCells)
 {
     NearestSearch myNearest(thePalette);

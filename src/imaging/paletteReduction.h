@@ -1,4 +1,4 @@
-/// Makes a picture of 256 colours out of one of many.
+/// Reduces a picture to 256 colours.
 #pragma once
 
 #include "imaging/GifPicture.h"
@@ -8,8 +8,8 @@
 namespace qel
 {
 
-/// Chooses up to 255 colours for the least squared error and gives each pixel the nearest one. Index 255 stands for
-/// transparent, which a pixel becomes that is more than half so.
+/// Chooses up to 255 colours for the least squared error and maps each pixel to the nearest one. Index 255 is
+/// transparent and is used for each pixel that is more than half transparent.
 std::unique_ptr<GifPicture> ReduceToPalette(const PixelPicture& myPicture, bool myPictureIsAnimated);
 
 } // namespace qel

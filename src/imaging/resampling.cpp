@@ -30,7 +30,7 @@ bool IsOpaque(const PixelPicture& myPicture)
 
 PixelPicture Resample(const PixelPicture& myPicture, int32_t myWidth, int32_t myHeight)
 {
-    const int myFlags = IsOpaque(myPicture) ? STBIR_FLAG_ALPHA_PREMULTIPLIED : 0; // saves the weighing
+    const int myFlags = IsOpaque(myPicture) ? STBIR_FLAG_ALPHA_PREMULTIPLIED : 0; // no weighting by alpha needed
     PixelPicture theResult{myWidth, myHeight, {}};
     theResult.Pixels.resize(static_cast<size_t>(myWidth) * static_cast<size_t>(myHeight) * Channels);
     if (stbir_resize_uint8_generic(myPicture.Pixels.data(), myPicture.Width, myPicture.Height, 0,

@@ -8,7 +8,7 @@
 namespace qel
 {
 
-/// The picture at another size; no side is 0. Works in linear light, and colour counts by how opaque it is.
+/// The picture at another size; no side is 0. Works in linear light, with colours weighted by alpha.
 PixelPicture Resample(const PixelPicture& myPicture, int32_t myWidth, int32_t myHeight);
 
 } // namespace qel

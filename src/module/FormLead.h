@@ -1,5 +1,4 @@
-/// The holder of the imaging control, one per thread, whose one current picture all users share: each loads its file
-/// first.
+/// Holds the imaging control, one per thread. All users share its one current picture, so each loads its file first.
 #pragma once
 
 #include "platform/Platform.h"

@@ -16,7 +16,7 @@ namespace qel
 namespace
 {
 
-/// A file name without its ending, which is cut off by its length alone.
+/// A file name without its ending, which is removed by its length only.
 TextView WithoutExtension(TextView myName)
 {
     if (myName.size() < ExtensionLength)
@@ -57,7 +57,7 @@ FormMain::FormMain(const Platform& myPlatform, const localConstants& myConstants
     }
     myTempFolder = myTempPath + u"qelpluginanimtemp\\";
     myTempMIDI = JoinTexts({myTempPath, TunePrefix, TuneExtension});
-    // A failure means that the folder exists already, or it shows when the folder is needed.
+    // If this fails, the folder exists already, or the error appears when the folder is used.
     Succeeds([&] { myPorts.files.MakeFolder(myTempFolder); });
 }
 
@@ -134,7 +134,7 @@ Text FormMain::Output()
     }
     catch (...)
     {
-        const Error myFailure = ErrorInHand();
+        const Error myFailure = CurrentError();
         const Text myReason = NumberText(int64_t{myFailure.Number}) + u": " + myFailure.Description;
         myError = ReplaceAll(LoadResString(StringId::OutputFailure), u"%1", myReason);
     }

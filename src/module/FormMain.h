@@ -21,12 +21,12 @@ namespace qel
 class FormMain
 {
 public:
-    /// Sets the temporary paths and makes the temporary folder; a failure to make it is no error yet. All arguments
-    /// must outlive the object.
+    /// Sets the temporary paths and makes the temporary folder; a failure to create it is not an error yet. All
+    /// arguments must outlive the object.
     FormMain(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead);
 
     /// The host's services; null until the host hands them in. The host may replace them inside one of its own calls,
-    /// so a caller of a service keeps it alive by a copy.
+    /// so a caller holds a copy to keep the service alive.
     std::shared_ptr<BuildHelper> myBuildHelper;
     std::shared_ptr<Database> myDatabase;
 
@@ -39,25 +39,25 @@ public:
     Text Script() const;
 
     /// Puts a stored module in hand: resets everything but the link, then fills it from the script. A script of another
-    /// format version leaves a module with nothing chosen, and the reason in ErrorText. Window messages run meanwhile;
-    /// they must not change the text.
+    /// format version leaves a module with nothing chosen, and the reason in ErrorText. Window messages are processed
+    /// meanwhile; they must not change the text.
     /// Error 6: a date out of range; what the script holds before it is in force.
     void Script(TextView myScript);
 
-    /// A short account of the module in the host's mark-up.
+    /// A summary of the module in the host's mark-up.
     /// Error 5: the name of a library picture or tune is shorter than an ending.
     Text TextSettings() const;
 
     /// The reason of the last failure since the last script was written; a success does not clear it. No error.
     const Text& ErrorText() const { return myError; }
 
-    /// The module's piece of the page. Unpacks the module's archive and copies its picture and tune into the folders of
-    /// the build; what was copied before a failure stays there. A script that the host writes meanwhile, inside one of
-    /// its own calls, is in hand afterwards and changes nothing in this page. No error: without a picture the result is
-    /// empty; after a failure it is "[Error de plug-in]", and ErrorText gives the reason.
+    /// The module's part of the page. Unpacks the module's archive and copies its picture and tune into the folders of
+    /// the build; what was copied before a failure stays there. A script that the host writes during one of its own
+    /// calls is in hand afterwards and does not affect this page. No error: without a picture the result is empty;
+    /// after a failure it is "[Error de plug-in]", and ErrorText gives the reason.
     Text Output();
 
-    // What follows is for the window half of the form, which edits the record in hand.
+    // The rest is for the window half of the form, which edits the record in hand.
 
     ModuleSettings& Settings() { return mySettings; }
 
@@ -71,7 +71,7 @@ public:
     /// Error 75: the folder is not this user's own. Errors of Files::List and Files::Delete.
     void ClearTempFolder();
 
-    /// Unpacks the module's archive, if it has one, into the temporary folder. False: it cannot be unpacked whole.
+    /// Unpacks the module's archive, if it has one, into the temporary folder. False: it cannot be unpacked completely.
     /// Throws what the host throws.
     bool UnPackModule();
 

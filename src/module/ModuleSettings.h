@@ -17,12 +17,12 @@ enum class ImageMode : int32_t
     Jpeg = 2
 };
 
-/// What the persistence script stores.
+/// The settings that the persistence script stores.
 struct ModuleSettings
 {
     Text myImage;       ///< picture's file name with ending, without folder; empty: no picture chosen yet
     Text myImageFolder; ///< its subfolder of the library, or UserMarker
-    Text myMIDI;        ///< tune's file name, the same way
+    Text myMIDI;        ///< tune's file name, likewise
     Text myMIDIFolder;  ///< its subfolder of the library, or UserMarker
     bool myShowImage = false;
     bool myPlayMIDI = false;

@@ -15,7 +15,7 @@ namespace
 /// What ResolveLink returns for a record that does not exist or leads nowhere.
 constexpr TextView UnresolvedLink = u"ERROR";
 
-/// The last characters of a file name, as many as an ending has.
+/// The last characters of a file name, as many as the length of an ending.
 TextView ExtensionOf(TextView myName)
 {
     return myName.substr(myName.size() - std::min(myName.size(), ExtensionLength));
@@ -38,7 +38,7 @@ PageWriter::PageWriter(const Platform& myPlatform, const localConstants& myConst
 
 std::optional<Text> PageWriter::PageText()
 {
-    // An archive that is missing or damaged shows when one of its files is copied.
+    // A missing or damaged archive causes an error when one of its files is copied.
     UnPackModule(myPorts.files, myDatabase, mySettings.myFilename, myTempFolder);
     Text theResult = MakeScriptTag().append(LineEnd);
     theResult.append(FilledTemplate(StringId::PageStart)).append(LineEnd);
@@ -85,7 +85,7 @@ std::optional<Text> PageWriter::ImageText()
     const Text myTarget = TargetName(ImagePrefix, mySettings.myImage);
     ImagingControl& myLeadIn = myFormLead.LeadIn();
     LoadPicture(myLeadIn, mySource);
-    const Text myWidth = NumberText(myLeadIn.BitmapWidth()); // before the host can have another picture loaded
+    const Text myWidth = NumberText(myLeadIn.BitmapWidth()); // before the host can load another picture
     const Text myHeight = NumberText(myLeadIn.BitmapHeight());
 
     Text myLinkStart;

@@ -1,8 +1,8 @@
-/// Writes a module's piece of the page, and copies its picture and its tune into the folders of the build.
+/// Writes a module's part of the page, and copies its picture and its tune into the folders of the build.
 ///
-/// An object serves one page, on the thread of its ports. The host is asked in the order in which the pieces are
-/// written, and may do anything with the component inside such a call: write another script or hand in other services.
-/// So the object works on copies of all that the host can change, made in its constructor.
+/// An object serves one page, on the thread of its ports. The host is asked in the order in which the parts are
+/// written, and may do anything with the component during such a call: write another script or hand in other services.
+/// So the constructor copies everything that the host can change.
 #pragma once
 
 #include "module/FormLead.h"
@@ -23,7 +23,7 @@ class PageWriter
 {
 public:
     /// `myTemporaryFolder` holds the module's imported files, with a closing "\". It and all references must outlive
-    /// the object. A service may be null as long as the page does not need it.
+    /// the object. A service may be null if the page does not need it.
     PageWriter(const Platform& myPlatform, const localConstants& myConstants, FormLead& myLead,
                const Text& myTemporaryFolder, const ModuleSettings& myModule,
                const std::shared_ptr<BuildHelper>& myHelper, const std::shared_ptr<Database>& myRecords);

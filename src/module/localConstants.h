@@ -6,17 +6,17 @@
 namespace qel
 {
 
-/// Set when a Main is created; one record per thread.
+/// Set when a Main is created; one per thread.
 struct localConstants
 {
     Text myDesignsFolder; ///< the designs library, with a closing "\"
     Text myHelpFile;      ///< full path of the help file
 };
 
-/// What a folder field holds for a file that the author imported.
+/// The value of a folder field for a file that the author imported.
 inline constexpr TextView UserMarker = u"(USER)";
 
-/// The names of imported files in the temporary folder, and of staged ones in a build, begin with these.
+/// The prefixes of the names of imported files in the temporary folder, and of staged files in a build.
 inline constexpr TextView ImagePrefix = u"qelspr";
 inline constexpr TextView TunePrefix = u"qelmid";
 

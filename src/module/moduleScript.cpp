@@ -15,7 +15,7 @@ namespace
 
 constexpr TextView ScriptVersion = u"1.0";
 
-/// How one setting stands in the script.
+/// How one setting is written in the script.
 struct Param
 {
     TextView Name;
@@ -53,7 +53,7 @@ constexpr Param DateParam(TextView myName)
             }};
 }
 
-/// A number without a name here has no value in the script.
+/// The name of the mode. Empty for any other number, so that no value is written.
 Text WriteImageMode(const ModuleSettings& mySettings)
 {
     switch (mySettings.myImageMode)
@@ -101,7 +101,7 @@ void ReadParam(const classScript& myScript, ModuleSettings& theSettings)
     }
 }
 
-/// A builder that is ready for the first tag of a script.
+/// A builder prepared for the first tag of a script.
 classTagBuilder MakePluginTag()
 {
     classTagBuilder theBuilder;

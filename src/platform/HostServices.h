@@ -2,7 +2,7 @@
 ///
 /// Each read is one call into the host, made on the thread of the component, in the order in which the logic asks. A
 /// failed call throws Error with the host's number and text (see ErrorNumber). Folders and addresses end in their
-/// separator, so that a name is joined to them as it is.
+/// separator, so that a name can be appended directly.
 #pragma once
 
 #include "text/text.h"
@@ -12,7 +12,7 @@
 namespace qel
 {
 
-/// What the host tells while it builds pages.
+/// What the host provides while it builds pages.
 class BuildHelper
 {
 public:
@@ -20,7 +20,7 @@ public:
 
     /// A text for file names, unique among the modules of a build.
     virtual Text UniqueName() = 0;
-    /// A number for names in the page, unchanged through one page output.
+    /// A number for names in the page, constant during one page output.
     virtual int32_t InstanceNumber() = 0;
     /// Where tunes are copied to, and the same place as the page addresses it.
     virtual Text MediaFolder() = 0;
@@ -41,19 +41,19 @@ class Database
 public:
     virtual ~Database() = default;
 
-    /// The kind of the current record: 0 none; 1, 2, 3, 6 addressed by RecordURL; 4 a picture; 5 another file.
+    /// The kind of the current record: 0 none; 1, 2, 3, 6 with an address, RecordURL; 4 a picture; 5 another file.
     virtual int32_t RecordType() = 0;
     /// True when SeekUID found nothing.
     virtual bool AtEnd() = 0;
     /// The file name, without folder, of a record of kind 4 or 5.
     virtual Text RecordFilename() = 0;
-    /// Makes the record of that uid the current one.
+    /// Makes the record with this uid the current one.
     virtual void SeekUID(TextView myUID) = 0;
     /// The address of the current record.
     virtual Text RecordURL() = 0;
     /// The local folder of the site's data.
     virtual Text DataFolder() = 0;
-    /// Lets the author pick a link target; gives its link text, which replaces the present one whole.
+    /// Lets the author choose a link target. Returns its link text, which replaces the present one completely.
     virtual Text ChooseLink(TextView myPresentLink) = 0;
 };
 

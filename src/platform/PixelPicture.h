@@ -1,4 +1,4 @@
-/// A picture on its way from the imaging control to the screen.
+/// A decoded picture, as the imaging control passes it to the screen.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 namespace qel
 {
 
-/// Rows from the top, four bytes a pixel: red, green, blue, and alpha not multiplied in, 0 for transparent.
+/// Rows from top to bottom, four bytes per pixel: red, green, blue (not premultiplied) and alpha, 0 for transparent.
 struct PixelPicture
 {
     int32_t Width = 0;

@@ -1,4 +1,4 @@
-/// What the logic needs of the system, in one record that is handed in.
+/// What the logic needs of the system, passed in as one record.
 #pragma once
 
 #include "platform/Files.h"
@@ -14,7 +14,7 @@
 namespace qel
 {
 
-/// The ports that the logic works on. What they refer to outlives every user of the record.
+/// The ports that the logic uses. They outlive every user of the record.
 struct Platform
 {
     Files& files;

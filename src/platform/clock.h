@@ -6,7 +6,7 @@
 namespace qel
 {
 
-/// The day that it is where the user lives. Callable on any thread.
+/// The current day in the user's time zone. Callable on any thread.
 Date Today();
 
 } // namespace qel

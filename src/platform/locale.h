@@ -6,8 +6,8 @@
 namespace qel
 {
 
-/// How the user's locale groups the digits of numbers; no groups where the system does not have that locale. Reads the
-/// locale from the disk. Callable on any thread. No error.
+/// How the user's locale groups the digits of numbers; no groups if the system does not have that locale. Reads the
+/// locale from disk. Callable on any thread. No error.
 NumberGrouping UserNumberGrouping();
 
 } // namespace qel

@@ -13,7 +13,8 @@ namespace qel
 namespace
 {
 
-/// All apartments, so that their memory is freed with the component. That of a thread that has ended stays until then.
+/// All apartments, so that their memory is freed with the component. The apartment of a thread that has ended stays
+/// until then.
 struct ApartmentList
 {
     std::mutex Lock;
@@ -26,7 +27,7 @@ ApartmentList& Apartments()
     return theList;
 }
 
-/// Forgets a host's object without a call into the host, which may be gone by now. Main alone sets these services.
+/// Drops a host's object without a call into the host, which may already be unloaded. Only Main sets these services.
 template <class Adapter, class Port>
 void Abandon(Port* myService)
 {

@@ -35,9 +35,9 @@ public:
     /// The one record of the thread, made at the first call.
     FormMain& Form();
 
-    /// Opens the settings dialog and returns when it is closed. True: it was confirmed. Brings the record to life
-    /// before anything else, as every use of it does. Errors of FormMainWindowMaker::DemandDisplay, with the settings
-    /// and the temporary folder left as they were; those of FormMainDialog::Show; 5: the dialog is open already.
+    /// Opens the settings dialog and returns when it is closed. True: it was confirmed. Creates the record first, as
+    /// every use of it does. Errors of FormMainWindowMaker::DemandDisplay, with the settings and the temporary folder
+    /// unchanged; those of FormMainDialog::Show; 5: the dialog is open already.
     bool ShowDialog();
 
 private:

@@ -9,7 +9,7 @@ namespace qel
 
 inline std::atomic<uint32_t> LivingObjectCount = 0;
 
-/// Counted apart from the objects, so that a lock undone too often leaves the objects in use.
+/// Counted separately from the objects, so that unlocking too often does not unload a component with objects.
 inline std::atomic<uint32_t> LockCount = 0;
 
 /// A member of every object that the host can hold.

@@ -58,7 +58,7 @@ Main::Main()
     const TextView mySeparator = myFolder.ends_with(u'\\') ? u"" : u"\\";
     Text myHelpFile = JoinTexts({myFolder, u"\\", ComponentVersion.ProjectName, u".chm"});
     Text myDesignsFolder = JoinTexts({myFolder, mySeparator, ComponentVersion.ProjectName, u"Designs\\"});
-    // The other objects of the thread use both: memory must not run out between the two.
+    // Other objects of the thread use both settings: no allocation may fail after the first one is set.
     myApartment.myConstants.myHelpFile = std::move(myHelpFile);
     myApartment.myConstants.myDesignsFolder = std::move(myDesignsFolder);
 }

@@ -1,5 +1,5 @@
-/// The object that the host creates. It holds nothing of its own: it forwards what concerns a module to the one
-/// FormMain of its thread, and answers the rest from the string table.
+/// The object that the host creates. It has no state of its own: it forwards what concerns a module to the one FormMain
+/// of its thread, and takes the rest from the string table.
 #pragma once
 
 #include "com/CountedObject.h"
@@ -11,11 +11,11 @@ namespace qel
 {
 
 /// QelHelperInterfaces.h documents the members. A failed one returns a result and leaves error information, and no
-/// exception gets out. An object is called on the thread that made it.
+/// exception leaves it. An object is called on the thread that made it.
 class Main final : public CountedObject<QelPluginAnimationMain, QelPlugin, QelInfo, ISupportErrorInfo>
 {
 public:
-    /// Sets the help file and the designs folder of the thread; looks at neither.
+    /// Sets the help file and the designs folder of the thread, without checking that they exist.
     Main();
 
     HRESULT InterfaceSupportsErrorInfo(const IID* myInterface) override;

@@ -24,7 +24,7 @@ struct CreatableClass
     HRESULT (*Create)(const IID* myInterface, void** theObject);
 };
 
-/// Makes an object and hands it out by one of its interfaces.
+/// Creates an object and returns one of its interfaces.
 template <class Object, class... Arguments>
 HRESULT Create(const IID* myInterface, void** theObject, const Arguments&... myArguments)
 {
@@ -97,7 +97,7 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllRegisterServer()
     return qel::Guarded(qel::RegisterClasses);
 }
 
-/// Removes both classes from the user's registry; classes that are not there are no failure.
+/// Removes both classes from the user's registry; missing ones are no failure.
 QEL_EXTERN_C QEL_EXPORT HRESULT DllUnregisterServer()
 {
     HRESULT theResult = S_OK;
@@ -109,7 +109,7 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllUnregisterServer()
     return theResult;
 }
 
-/// Gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
+/// Returns the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
 QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const IID* myInterface, void** theObject)
 {
     if (myClass == nullptr || myInterface == nullptr || theObject == nullptr)

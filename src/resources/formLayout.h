@@ -1,4 +1,5 @@
-/// The settings dialog as data: every control with its place, texts and looks. Lengths are in twips, 15 to the pixel.
+/// The settings dialog as data: every control with its position, texts and appearance. Lengths are in twips, 15 to the
+/// pixel.
 #pragma once
 
 #include "text/dates.h"
@@ -12,7 +13,7 @@ namespace qel
 
 enum class ControlKind : uint8_t
 {
-    ComboBox,   ///< picked from, not typed into
+    ComboBox,   ///< for selecting, not for typing
     PictureBox, ///< sunken border
     ListBox,    ///< one selection, unsorted
     CheckBox,
@@ -23,19 +24,19 @@ enum class ControlKind : uint8_t
     Image
 };
 
-/// What a control has beside its kind.
+/// The special properties of a control.
 enum class ControlTrait : uint8_t
 {
     None,
     DefaultButton, ///< Enter presses it
     CancelButton,  ///< Escape presses it
-    HandCursor     ///< the pointing hand of pictures.h is over it, and it can be clicked
+    HandCursor     ///< can be clicked, and shows the pointing hand of pictures.h
 };
 
 /// Colours are 0xRRGGBB.
 inline constexpr uint32_t White = 0xFFFFFF;
 inline constexpr uint32_t Black = 0x000000;
-inline constexpr uint32_t Face = 0xEFEFEF; ///< of the form, and of what has no ground of its own
+inline constexpr uint32_t Face = 0xEFEFEF; ///< of the form, and of controls without a background of their own
 
 /// Weights of the font.
 inline constexpr int32_t Regular = 400;
@@ -47,8 +48,8 @@ enum class TextSide : uint8_t
     Right
 };
 
-/// One control. `Parent` is the picture box that it lies in, or empty; its place counts from the outer corner of that
-/// box, border included. The colours are those of boxes and labels; what is picked from or pressed has the toolkit's.
+/// One control. `Parent` is the picture box that contains it, or empty; its position is relative to the outer corner of
+/// that box, border included. The colours apply to boxes and labels; lists and buttons have the toolkit's colours.
 struct ControlLayout
 {
     int32_t TabIndex; ///< -1: none
@@ -61,7 +62,7 @@ struct ControlLayout
     int32_t Height;
     TextView Parent;
     ControlTrait Trait;
-    TextView AccessibleName; ///< what a screen reader calls it where the caption does not tell
+    TextView AccessibleName; ///< its name for a screen reader if the caption does not give it
     uint32_t BackColour = Face;
     uint32_t ForeColour = Black;
     int32_t FontWeight = Regular;

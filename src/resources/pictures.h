@@ -11,7 +11,7 @@ namespace qel
 template <size_t Size>
 using PixelMap = std::array<std::string_view, Size>;
 
-/// What a character of a picture stands for: a colour of the 16 that every display has.
+/// The colour that a character of a picture means, one of the 16 standard colours.
 struct PixelColour
 {
     char Sign;
@@ -28,11 +28,11 @@ inline constexpr std::array<PixelColour, 7> PixelColours = {{
     {'B', 0x0000FF},
 }};
 
-/// What lies behind a picture shows through here. Where a system wants a colour for that, it is MaskColour.
+/// Transparent. Where a system needs a colour for that, it is MaskColour.
 inline constexpr char MaskSign = '.';
 inline constexpr uint32_t MaskColour = 0x800000;
 
-/// The pixel of the hand that points.
+/// The hot spot of the pointing hand.
 inline constexpr int32_t HandLeft = 5;
 inline constexpr int32_t HandTop = 1;
 
@@ -110,7 +110,7 @@ inline constexpr PixelMap<32> InformationPicture = {
     ".....................G..........",
 };
 
-/// The pointing hand over what starts an import.
+/// The pointing hand, shown over what starts an import.
 inline constexpr PixelMap<32> HandPicture = {
     ".....KK.........................",
     "....KWWK........................",

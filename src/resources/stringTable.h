@@ -8,7 +8,7 @@
 namespace qel
 {
 
-/// The numbers of the texts. "%1" and so on in a text are placeholders for its caller to fill.
+/// The numbers of the texts. "%1" and so on in a text are placeholders that the caller fills.
 namespace StringId
 {
 // What the component says about itself to a host
@@ -35,7 +35,7 @@ inline constexpr int32_t OpenMIDITitle = 650;
 inline constexpr int32_t OpenMIDIFilter = 660;
 
 // Failures of a page or a script
-inline constexpr int32_t OutputFailed = 700;  ///< stands in the page in place of the module
+inline constexpr int32_t OutputFailed = 700;  ///< appears in the page instead of the module
 inline constexpr int32_t OutputFailure = 710; ///< %1: number and description of an error
 inline constexpr int32_t NoImageChosen = 720;
 inline constexpr int32_t LinkIsBroken = 730;

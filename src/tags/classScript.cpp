@@ -31,8 +31,8 @@ void classScript::GetNextTag()
     myMessageQueue.ProcessPending();
 }
 
-/// The line ends that open a token are dropped, those that come later are not. A tag whose mark comes first thing
-/// begins right behind its mark.
+/// Line ends at the start of a token are dropped, later ones are not. A tag whose mark is at the start begins directly
+/// after its mark.
 void classScript::ScanToken()
 {
     size_t myStart = myPosition;
@@ -51,8 +51,8 @@ void classScript::ScanToken()
     }
 }
 
-/// Scans up to the next tag's mark or the end of the script. False: the mark came first thing, so there is no plain
-/// text and the tag follows.
+/// Scans up to the next tag's mark or the end of the script. False: the mark is at the start, so there is no plain text
+/// and the tag follows.
 bool classScript::ScanPlainText(size_t myStart)
 {
     size_t myMark = myStart;
@@ -79,7 +79,8 @@ bool classScript::ScanPlainText(size_t myStart)
     return true;
 }
 
-/// Scans the tag whose inner text begins at `myStart` up to its ">". A tag without one is dropped with the rest.
+/// Scans the tag whose inner text begins at `myStart` up to its ">". A tag without one is dropped with the rest of the
+/// script.
 void classScript::ScanTag(size_t myStart)
 {
     const size_t myEnd = Find(myScript, u'>', myStart);
@@ -105,12 +106,12 @@ void classScript::ScanTag(size_t myStart)
 classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
 {
     const size_t myNext = myMark + 1;
-    if (PrefixStandsAt(myNext))
+    if (IsPrefixAt(myNext))
     {
         theEnd = myNext + myPrefix.size();
         return ScanState::OpeningTag;
     }
-    if (myNext < myScript.size() && myScript[myNext] == u'/' && PrefixStandsAt(myNext + 1))
+    if (myNext < myScript.size() && myScript[myNext] == u'/' && IsPrefixAt(myNext + 1))
     {
         theEnd = myNext + 1 + myPrefix.size();
         return ScanState::ClosingTag;
@@ -118,7 +119,7 @@ classScript::ScanState classScript::MarkAt(size_t myMark, size_t& theEnd) const
     return ScanState::PlainText;
 }
 
-bool classScript::PrefixStandsAt(size_t myStart) const
+bool classScript::IsPrefixAt(size_t myStart) const
 {
     const TextView myText = myScript.substr(myStart, myPrefix.size());
     return std::equal(myPrefix.begin(), myPrefix.end(), myText.begin(), myText.end(),

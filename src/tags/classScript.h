@@ -17,7 +17,7 @@ class MessageQueue;
 
 enum class TokenType : uint8_t
 {
-    None = 0, ///< the script is used up, or nothing was scanned yet
+    None = 0, ///< the end of the script, or nothing has been scanned yet
     PlainText = 1,
     OpeningTag = 2,
     ClosingTag = 3
@@ -28,7 +28,7 @@ struct ScriptTag
 {
     TextView Value; ///< plain text, or the inner text of a tag
     TokenType Type = TokenType::None;
-    /// The line that the token ends on, from 1, once it is counted; a line ends with a carriage return.
+    /// The line that the token ends on, from 1, as far as it is counted; a line ends with a carriage return.
     mutable int32_t Line = 0;
 };
 
@@ -38,16 +38,15 @@ public:
     /// `myMessages` must outlive the object.
     explicit classScript(MessageQueue& myMessages) : myMessageQueue(myMessages) {}
 
-    /// The text that marks a tag behind "<" or "</", in lower case; it is found in any case. With the empty prefix
-    /// every "<" opens a tag.
+    /// The text that marks a tag after "<" or "</". It is given in lower case and matched in any case. With the empty
+    /// prefix every "<" opens a tag.
     void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
 
     /// The script, to be walked from its start. It is not copied and must outlive the object, unchanged, also while
-    /// window messages come in between. The current token stays until GetNextTag.
+    /// window messages are processed. The current token remains until GetNextTag.
     void Script(TextView theScript);
 
-    /// Makes a tag that was kept in advance the current token. Error 9: there is none of that number, as no operation
-    /// of this class keeps any.
+    /// Makes a tag that was kept in advance the current token. Error 9, always: no operation of this class keeps tags.
     [[noreturn]] void GetBufferedTag(int32_t num);
 
     /// The number of tags that were kept in advance: 0.
@@ -59,7 +58,7 @@ public:
     /// What the current token is.
     TokenType TagType() const { return myCurrentTag.Type; }
 
-    // The views that the following members give hold until the next GetNextTag.
+    // The views that the following members return are valid until the next GetNextTag.
 
     /// The plain text; empty for a tag.
     TextView PlainText() const;
@@ -98,7 +97,7 @@ private:
     bool ScanPlainText(size_t myStart);
     void ScanTag(size_t myStart);
     ScanState MarkAt(size_t myPosition, size_t& theEnd) const;
-    bool PrefixStandsAt(size_t myPosition) const;
+    bool IsPrefixAt(size_t myPosition) const;
     void CountLines() const;
     void SetToken(TokenType myType, size_t myStart, size_t myEnd);
     bool IsTag() const { return TagType() == TokenType::OpeningTag || TagType() == TokenType::ClosingTag; }
@@ -109,7 +108,7 @@ private:
     TextView myScript;
     Text myPrefix;
     size_t myPosition = 0;        ///< how many characters are consumed
-    mutable size_t myCounted = 0; ///< how many of them `Line` takes in; it is counted when it is asked for
+    mutable size_t myCounted = 0; ///< how many of them are included in `Line`, which is counted on demand
     ScanState myScanState = ScanState::PlainText;
 };
 

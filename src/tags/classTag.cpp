@@ -15,7 +15,7 @@ bool IsSeparator(char16_t myCharacter)
     return myCharacter == u' ' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n';
 }
 
-/// Where the run of characters that are no separators ends.
+/// The end of the word at a position: the next separator or the end of the text.
 size_t EndOfWord(TextView myText, size_t myPosition)
 {
     while (myPosition < myText.size() && !IsSeparator(myText[myPosition]))
@@ -25,7 +25,7 @@ size_t EndOfWord(TextView myText, size_t myPosition)
     return myPosition;
 }
 
-/// True for the characters that an attribute name loses wherever they are. Blanks it loses at its ends alone.
+/// True for the characters that are dropped everywhere in an attribute name. Blanks are dropped at its ends only.
 bool IsDroppedInName(char16_t myCharacter)
 {
     return myCharacter == u'"' || myCharacter == u'\t' || myCharacter == u'\r' || myCharacter == u'\n';
@@ -78,14 +78,14 @@ void classTag::ParseAttributes(size_t myPosition)
     for (size_t myEquals = 0; (myEquals = Find(myTag, u'=', myPosition)) != TextView::npos;)
     {
         ++myAttributeCount;
-        myTable.resize(myAttributeCount + 1); // what remains of an earlier tag stays
+        myTable.resize(myAttributeCount + 1); // entries of an earlier tag stay
         Attribute& myAttribute = myTable[myAttributeCount - 1];
         myAttribute.Name = TrimmedName(myTag.substr(myPosition, myEquals - myPosition));
         myPosition = ParseValue(myEquals + 1, myAttribute.Value);
     }
 }
 
-/// Reads a value and gives the position after it. A quoted value without its closing mark stays empty.
+/// Reads a value and returns the position after it. A quoted value without its closing mark is empty.
 size_t classTag::ParseValue(size_t myPosition, TextView& theValue) const
 {
     theValue = {};
@@ -158,7 +158,7 @@ TextView classTag::QueryAttribute(TextView theAttribute, bool noUnquote) const
 
 Text classTag::UnQuote(TextView myText)
 {
-    // No replacement brings in a character of another entity but "&", whose entity would come last: one pass serves.
+    // No replacement yields a part of another entity except "&", and "&amp;" comes last: one pass is enough.
     Text theResult;
     theResult.reserve(myText.size());
     while (!myText.empty())

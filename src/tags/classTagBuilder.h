@@ -1,6 +1,6 @@
 /// Assembles the text of one tag: a name with a prefix, attributes in their order, and a closing form.
 ///
-/// One builder serves many tags: Clear, add the attributes, read Tag. No operation reports an error for any text.
+/// One builder serves many tags: Clear, add the attributes, read Tag. No text is an error.
 /// An object is used by one thread at a time.
 #pragma once
 
@@ -14,20 +14,20 @@ namespace qel
 class classTagBuilder
 {
 public:
-    /// Drops the attributes; prefix, tag name and closing form stay.
+    /// Removes the attributes; prefix, tag name and closing form stay.
     void Clear();
 
-    /// Adds an attribute behind those that are there, also when one of that name is. The name goes in as it is, the
-    /// value through Quote. With an empty name or an empty value nothing is added.
+    /// Appends an attribute, even if one with this name exists. The name is written unchanged, the value through Quote.
+    /// With an empty name or an empty value nothing is added.
     void AddAttribute(TextView newAttribute, TextView newValue);
 
-    /// The tag name; empty at creation.
+    /// The tag name; initially empty.
     void BaseTag(TextView theBaseTag) { myBaseTag = theBaseTag; }
 
-    /// The text in front of the tag name, such as "pg."; empty at creation.
+    /// The text in front of the tag name, such as "pg."; initially empty.
     void Prefix(TextView thePrefix) { myPrefix = thePrefix; }
 
-    /// True closes the tag with " />" instead of ">"; false at creation.
+    /// True closes the tag with " />" instead of ">"; initially false.
     void SingleTag(bool myValue) { mySingleTag = myValue; }
 
     /// The text of the tag. Changes nothing, so it can be read any number of times.

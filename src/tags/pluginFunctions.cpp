@@ -90,7 +90,7 @@ bool FileIsReadable(Files& myFiles, TextView myFilename)
     }
 }
 
-void DeleteTwins(Files& myFiles, TextView myFilename)
+void DeleteCaseVariants(Files& myFiles, TextView myFilename)
 {
     const size_t myStart = myFilename.find_last_of(u"\\/") + 1;
     Succeeds(

@@ -48,7 +48,8 @@ bool DateIsSet(Date myDate)
 
 Date CheckedDate(double myDays)
 {
-    // A day lasts until the next whole number away from zero, so that the time of day never leaves the first or last.
+    // A day lasts until the next whole number away from zero, so that a time of day never puts a date outside the first
+    // or last day.
     const double myDay = std::trunc(myDays);
     if (!(myDay >= (FirstDay - DayZero).count() && myDay <= (LastDay - DayZero).count()))
     {

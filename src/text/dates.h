@@ -1,6 +1,6 @@
 /// Dates as days since 30 December 1899, from 1 January 100 to 31 December 9999, with the time of day as a fraction.
 ///
-/// A date that rounds to 0 stands for no date. Nothing here depends on a locale or a rounding mode.
+/// A date that rounds to 0 means no date. Nothing here depends on a locale or a rounding mode.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@ namespace qel
 
 using Date = double;
 
-/// A day of the calendar; `Month` from 1 to 12, `Day` from 1.
+/// A calendar day; `Month` from 1 to 12, `Day` from 1.
 struct CalendarDay
 {
     int32_t Year;
@@ -22,8 +22,8 @@ struct CalendarDay
 /// Error 6: outside 32 bits, or not a number.
 int32_t RoundToWhole(double myNumber);
 
-/// The whole day that a date rounds to, halves to the even neighbour. What would round out of the range of dates stays
-/// on its first or last day.
+/// The whole day that a date rounds to, halves to the even neighbour. A date that would round out of the range gives
+/// the first or the last day of the range.
 int32_t NearestDay(Date myDate);
 
 /// True when the date rounds to something other than 0.
@@ -32,10 +32,10 @@ bool DateIsSet(Date myDate);
 /// The number as a date. Error 6: outside the range of dates, or not a number.
 Date CheckedDate(double myDays);
 
-/// The date of a day of the calendar, which must exist and be in the range of dates.
+/// The date of a calendar day, which must exist and be in the range of dates.
 Date DateOfDay(CalendarDay myDay);
 
-/// The day of the calendar that a date lies in, its time of day cut off. Error 6: outside the range of dates.
+/// The calendar day of a date, without its time of day. Error 6: outside the range of dates.
 CalendarDay DayOfDate(Date myDate);
 
 } // namespace qel

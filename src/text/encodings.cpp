@@ -54,8 +54,8 @@ void AppendUtf8(std::string& theBytes, char32_t myCharacter)
     }
 }
 
-/// Turns a text into UTF-8; false when it holds half a surrogate pair, which is written as U+FFFD.
-bool WriteUtf8(TextView myText, std::string& theBytes)
+/// Encodes a text as UTF-8; false when it has an unpaired surrogate, which is written as U+FFFD.
+bool EncodeUtf8(TextView myText, std::string& theBytes)
 {
     bool theResult = true;
     theBytes.reserve(myText.size());
@@ -78,14 +78,14 @@ bool WriteUtf8(TextView myText, std::string& theBytes)
     return theResult;
 }
 
-/// The character that some bytes begin with, and how many bytes it takes; a length of 0 when they are not valid.
+/// The first character of some bytes, and the number of its bytes; 0 when they are not valid.
 struct DecodedCharacter
 {
     char32_t Character = 0;
     size_t Length = 0;
 };
 
-DecodedCharacter DecodeUtf8(std::string_view myBytes)
+DecodedCharacter DecodeCharacter(std::string_view myBytes)
 {
     const auto Byte = [&](size_t i)
     {
@@ -119,14 +119,14 @@ DecodedCharacter DecodeUtf8(std::string_view myBytes)
     return {myCharacter, myLength};
 }
 
-/// Turns UTF-8 into a text; false when a byte is not part of a valid sequence, which gives U+FFFD.
-bool ReadUtf8(std::string_view myBytes, Text& theText)
+/// Decodes UTF-8; false when a byte is not part of a valid sequence, which gives U+FFFD.
+bool DecodeUtf8(std::string_view myBytes, Text& theText)
 {
     bool theResult = true;
     theText.reserve(myBytes.size());
     while (!myBytes.empty())
     {
-        const DecodedCharacter myDecoded = DecodeUtf8(myBytes);
+        const DecodedCharacter myDecoded = DecodeCharacter(myBytes);
         if (myDecoded.Length == 0)
         {
             theText += ReplacementCharacter;
@@ -146,7 +146,7 @@ bool ReadUtf8(std::string_view myBytes, Text& theText)
     return theResult;
 }
 
-/// The characters of the bytes 0x80 to 0x9F; every other byte stands for the character of its own number.
+/// The characters of the bytes 0x80 to 0x9F; every other byte is the character with the same number.
 constexpr std::array<char16_t, 32> AnsiHighControls = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                                        0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -157,20 +157,20 @@ constexpr std::array<char16_t, 32> AnsiHighControls = {0x20AC, 0x0081, 0x201A, 0
 std::string ToUtf8(TextView myText)
 {
     std::string theBytes;
-    WriteUtf8(myText, theBytes);
+    EncodeUtf8(myText, theBytes);
     return theBytes;
 }
 
 std::optional<std::string> ToUtf8Exactly(TextView myText)
 {
     std::string theBytes;
-    return WriteUtf8(myText, theBytes) ? std::optional(std::move(theBytes)) : std::nullopt;
+    return EncodeUtf8(myText, theBytes) ? std::optional(std::move(theBytes)) : std::nullopt;
 }
 
 Text FromUtf8(std::string_view myBytes)
 {
     Text theText;
-    ReadUtf8(myBytes, theText);
+    DecodeUtf8(myBytes, theText);
     return theText;
 }
 
@@ -178,7 +178,7 @@ bool IsUtf8(std::string_view myBytes)
 {
     while (!myBytes.empty())
     {
-        const size_t myLength = DecodeUtf8(myBytes).Length;
+        const size_t myLength = DecodeCharacter(myBytes).Length;
         if (myLength == 0)
         {
             return false;
@@ -191,7 +191,7 @@ bool IsUtf8(std::string_view myBytes)
 std::optional<Text> FromUtf8Exactly(std::string_view myBytes)
 {
     Text theText;
-    return ReadUtf8(myBytes, theText) ? std::optional(std::move(theText)) : std::nullopt;
+    return DecodeUtf8(myBytes, theText) ? std::optional(std::move(theText)) : std::nullopt;
 }
 
 std::optional<std::string> ToAnsi(TextView myText)

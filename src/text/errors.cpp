@@ -52,7 +52,7 @@ TextView ErrorDescription(int32_t myNumber)
     return u"Error del programa anfitrión o del sistema";
 }
 
-Error ErrorInHand()
+Error CurrentError()
 {
     try
     {

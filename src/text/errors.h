@@ -6,7 +6,7 @@
 namespace qel
 {
 
-/// A failure. `Description` is what a site author may read, in Spanish unless it comes from the host.
+/// A failure. `Description` is for the site author: in Spanish unless it comes from the host.
 struct Error
 {
     int32_t Number;
@@ -39,11 +39,11 @@ inline constexpr int32_t InvalidPicture = 481;
 /// The Spanish description of one of the numbers above; for any other number a general one.
 TextView ErrorDescription(int32_t myNumber);
 
-/// For a catch clause: the exception in hand as an Error. Memory running out is error 7; any exception that is not an
-/// Error is error 5. Throws std::bad_alloc where there is no memory for the description.
-Error ErrorInHand();
+/// For a catch clause: the current exception as an Error. Running out of memory is error 7; any exception that is not
+/// an Error is error 5. Throws std::bad_alloc if there is no memory for the description.
+Error CurrentError();
 
-/// Throws the Error of that number with its description.
+/// Throws the Error with this number and its description.
 [[noreturn]] void Raise(int32_t myNumber);
 
 } // namespace qel

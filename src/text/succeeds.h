@@ -1,10 +1,10 @@
-/// Failures whose reason nobody asks for.
+/// Calls of which only the success matters, not the reason of a failure.
 #pragma once
 
 namespace qel
 {
 
-/// Runs an operation. False: it threw something.
+/// Runs an operation. False: it threw an exception.
 template <class Operation>
 bool Succeeds(Operation myOperation) noexcept
 {

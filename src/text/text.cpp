@@ -13,13 +13,13 @@ namespace qel
 namespace
 {
 
-/// Units that lie `Step` apart and have their lower case at the same distance.
+/// Units at intervals of `Step`, each with its lower case at the same offset.
 struct LowerCaseRun
 {
     char16_t First;
     char16_t Last;
     int32_t Step;
-    int32_t Distance;
+    int32_t Offset;
 };
 
 constexpr LowerCaseRun LowerCaseRuns[] = {
@@ -31,13 +31,13 @@ bool IsDigit(char16_t myUnit)
     return myUnit >= u'0' && myUnit <= u'9';
 }
 
-/// Text made of plain ASCII characters.
+/// ASCII characters as a Text.
 Text Widened(std::string_view myDigits)
 {
     return Text(myDigits.begin(), myDigits.end());
 }
 
-/// Takes the leading characters that make up a number without its sign: digits, ".", digits, an exponent.
+/// The leading characters that make up a number without its sign: digits, ".", digits, an exponent.
 std::string NumberCharacters(TextView myText)
 {
     std::string theResult;
@@ -79,8 +79,8 @@ std::string NumberCharacters(TextView myText)
     return theResult;
 }
 
-/// True when a number that does not fit is too large rather than too small: its first digit other than 0 stands, with
-/// the exponent applied, before the decimal mark.
+/// True when a number that does not fit is too large rather than too small: with the exponent applied, its first digit
+/// other than 0 is before the decimal point.
 bool IsTooLarge(const std::string& myNumber)
 {
     const size_t myExponentMark = myNumber.find('e');
@@ -115,7 +115,7 @@ char16_t LowerCaseBeyondAscii(char16_t myUnit)
     {
         return myUnit;
     }
-    return static_cast<char16_t>(myUnit + myRun->Distance);
+    return static_cast<char16_t>(myUnit + myRun->Offset);
 }
 
 Text LowerCase(TextView myText)

@@ -16,10 +16,10 @@ namespace qel
 using Text = std::u16string;
 using TextView = std::u16string_view;
 
-/// LowerCase for the units from 0x80 up; use that.
+/// The part of LowerCase for units from 0x80. Call LowerCase instead.
 char16_t LowerCaseBeyondAscii(char16_t myUnit);
 
-/// The simple Unicode lower case of one unit. A unit without one, halves of surrogate pairs included, is given back.
+/// The simple Unicode lower case of one unit. Returns the unit itself when it has none, as a surrogate has.
 inline char16_t LowerCase(char16_t myUnit)
 {
     if (myUnit < 0x80)
@@ -29,13 +29,13 @@ inline char16_t LowerCase(char16_t myUnit)
     return LowerCaseBeyondAscii(myUnit);
 }
 
-/// The same for each unit of a text; the length stays.
+/// The same for each unit of a text; the length does not change.
 Text LowerCase(TextView myText);
 
 /// True when both texts have the same lower case.
 bool EqualInLowerCase(TextView myFirst, TextView mySecond);
 
-/// Where a unit is first found from a position on; npos when it is not. Faster than the member of the same purpose.
+/// The first position of a unit at or after `myPosition`; npos when there is none. Faster than TextView::find.
 inline size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
 {
     const auto* const myStart = myText.begin() + std::min(myPosition, myText.size());
@@ -43,14 +43,14 @@ inline size_t Find(TextView myText, char16_t myUnit, size_t myPosition)
     return myFound == myText.end() ? TextView::npos : static_cast<size_t>(myFound - myText.begin());
 }
 
-/// The texts one behind the other.
+/// Concatenates the texts.
 Text JoinTexts(std::initializer_list<TextView> myTexts);
 
 /// The text without the blanks (U+0020 alone) at both ends; a view into the argument.
 TextView TrimBlanks(TextView myText);
 
-/// The text with every occurrence of `myOld` replaced, from the left, in one pass: what is put in is not searched.
-/// An empty `myOld` occurs nowhere.
+/// The text with every occurrence of `myOld` replaced, from the left, in one pass: replacements are not searched again.
+/// An empty `myOld` is never found.
 Text ReplaceAll(TextView myText, TextView myOld, TextView myNew);
 
 /// Plain decimal digits, with "-" in front of a negative number.

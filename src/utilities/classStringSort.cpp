@@ -40,9 +40,9 @@ void classStringSort::Sort()
     QuickSort(1, myValueCount, 2 * static_cast<int32_t>(std::bit_width(static_cast<uint32_t>(myValueCount))));
 }
 
-/// Partitions around a middle value and goes down the smaller side first. A short range goes to the standard library,
-/// and so does one that is still there when `myDepth` is used up, so that no order of the values is a bad case. A
-/// partition that takes off next to nothing uses up as much of it as twenty others.
+/// Partitions around a middle value and recurses into the smaller side first. The standard library sorts a short range,
+/// and one that is left when `myDepth` is used up, so that no order of the values is a bad case. A partition that cuts
+/// off almost nothing counts as much as twenty others.
 void classStringSort::QuickSort(int32_t myFirst, int32_t myLast, int32_t myDepth)
 {
     constexpr int32_t ShortRange = 16;

@@ -15,14 +15,14 @@ class classStringSort
 public:
     classStringSort() { Clear(); }
 
-    /// Makes the object as good as new.
+    /// Resets the object to its initial state.
     void Clear();
 
     /// Adds a value at the end; equal ones are all kept.
     void AddValue(TextView myString);
 
     /// The value at an index from 1 to ValueCount. The other entries of the table, 0 among them, are the empty text.
-    /// Error 9: outside the table, whose highest index is at least 2 and runs ahead of the count.
+    /// Error 9: outside the table, whose highest index is at least 2 and may be beyond the count.
     const Text& Value(int32_t myIndex) const;
 
     int32_t ValueCount() const { return myValueCount; }

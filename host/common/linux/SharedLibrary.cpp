@@ -10,7 +10,7 @@ namespace qel::host
 {
 
 SharedLibrary::SharedLibrary(const std::filesystem::path& myFile)
-    // A name without a folder would be looked for where the system keeps its libraries.
+    // The system would search for a name without a folder in its library folders.
     : myHandle(dlopen(std::filesystem::absolute(myFile).c_str(), RTLD_NOW | RTLD_LOCAL))
 {
     if (myHandle == nullptr)

@@ -48,7 +48,7 @@ LibraryTable& Loaded()
     return theTable;
 }
 
-/// Leaves the loader's reason in the thread's error information.
+/// Stores the loader's reason in the thread's error information.
 HRESULT ReportLoader()
 {
     const char* const myReason = dlerror();

@@ -57,7 +57,7 @@ std::string FilenameOf(const CLSID& myClass)
     return theName.data();
 }
 
-/// The class that a file is named by; nothing for a name that is not exactly as FilenameOf gives it.
+/// The class that a file is named after; nothing for a name that is not exactly as FilenameOf returns it.
 std::optional<CLSID> ClassOfFilename(const std::string& myName)
 {
     CLSID theClass{};
@@ -104,7 +104,7 @@ fs::path UserFolder()
     return theFolder / "qel/classes";
 }
 
-/// All folders with entries, in the order in which they count.
+/// All folders with entries, in the order of their precedence.
 std::vector<fs::path> ClassFolders()
 {
     std::vector<fs::path> theFolders = {UserFolder()};
@@ -120,7 +120,7 @@ std::vector<fs::path> ClassFolders()
     return theFolders;
 }
 
-/// For a failed call of the system: a lookup that lacks memory is not one that finds nothing.
+/// After a failed system call: a lookup without enough memory must not count as one that found nothing.
 void ThrowIfMemoryIsOut(int myError)
 {
     if (myError == ENOMEM)
@@ -276,7 +276,7 @@ std::set<std::string> ClassFilesIn(const fs::path& myFolder)
 
 std::optional<CLSID> FindProgId(TextView myProgId)
 {
-    std::set<std::string> mySeen; // a class that an earlier folder names is not looked at again
+    std::set<std::string> mySeen; // an entry in an earlier folder hides later ones of the same class
     for (const fs::path& myFolder : ClassFolders())
     {
         for (const std::string& myName : ClassFilesIn(myFolder))

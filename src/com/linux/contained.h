@@ -1,4 +1,4 @@
-/// How the functions of the runtime end when memory runs out.
+/// Handles running out of memory in the functions of the runtime.
 #pragma once
 
 #include "com/Failure.h"
@@ -7,7 +7,7 @@
 namespace qel
 {
 
-/// Runs a function of the runtime, in which nothing but memory can run out. Returns its result, or E_OUTOFMEMORY.
+/// Runs a function of the runtime, which can throw only std::bad_alloc. Returns its result, or E_OUTOFMEMORY.
 template <class Operation>
 HRESULT Contained(Operation&& myOperation) noexcept
 {

@@ -9,7 +9,7 @@
 namespace
 {
 
-// Keeps the text as well aligned as the memory; the length fills the last four bytes.
+// A prefix of 8 bytes keeps the text aligned; the length is in its last four bytes.
 constexpr size_t HeaderSize = 8;
 constexpr uint32_t LongestText = std::numeric_limits<uint32_t>::max() / sizeof(char16_t);
 

@@ -50,7 +50,7 @@ bool IsObjectType(VARTYPE myType)
     return myType == VT_DISPATCH || myType == VT_UNKNOWN;
 }
 
-/// The value by value, without a copy of what it points to.
+/// The value with its references followed. A text or an object is not copied.
 HRESULT FollowReferences(const VARIANT& mySource, VARIANT& theValue)
 {
     const VARIANT* myVariant = &mySource;
@@ -91,7 +91,7 @@ HRESULT ReadNumber(TextView myText, double& theNumber)
     TextView myDigits = TrimBlanks(myText);
     if (myDigits.starts_with(u'+') && !myDigits.starts_with(u"+-"))
     {
-        myDigits.remove_prefix(1); // the conversion knows no plus, but words such as "inf"
+        myDigits.remove_prefix(1); // the conversion accepts no plus, but words such as "inf"
     }
     if (myDigits.find_first_not_of(u"0123456789.eE+-") != TextView::npos)
     {
@@ -136,7 +136,7 @@ HRESULT NumberOf(const VARIANT& myValue, double& theNumber)
 
 HRESULT MakeWhole(double myNumber, int32_t myLowest, int32_t myHighest, int32_t& theNumber)
 {
-    // The first test keeps within what can be rounded; it also turns away what is not a number.
+    // The first test excludes what cannot be rounded, also NaN.
     if (!(std::fabs(myNumber) < 2147483647.5) && myNumber != -2147483648.0)
     {
         return DISP_E_OVERFLOW;
@@ -251,7 +251,7 @@ HRESULT MakeObject(const VARIANT& myValue, VARIANT& theResult)
     return S_OK;
 }
 
-/// Makes the value of the type that `theResult` has.
+/// Makes a value of the type of `theResult`.
 HRESULT MakeValue(const VARIANT& myValue, VARIANT& theResult)
 {
     switch (theResult.vt)

@@ -1,7 +1,7 @@
 /// The controls of the settings dialog as its logic sees them: one narrow port for each kind of control.
 ///
 /// A control is used on the thread that made its window, until the window is unloaded. Operations have no errors unless
-/// they say so. Texts and places are those of resources/formLayout.h until an operation changes them.
+/// they say so. Texts and positions are those of resources/formLayout.h until an operation changes them.
 #pragma once
 
 #include "text/dates.h"
@@ -29,14 +29,14 @@ public:
     virtual int32_t ListIndex() = 0;
 
     /// Selects an entry, which must exist. The click handler of the control, if the form has one, runs before the call
-    /// returns, also when nothing changes; what it throws comes out here.
+    /// returns, also when nothing changes; what it throws is passed on.
     virtual void ListIndex(int32_t myIndex) = 0;
 
     /// The text of the selected entry; empty when there is none.
     virtual Text SelectedText() = 0;
 };
 
-/// A list of which several entries show, and which can be emptied and hidden.
+/// A list that shows several entries, and can be emptied and hidden.
 class ListBox : public ComboBox
 {
 public:
@@ -46,12 +46,12 @@ public:
     virtual void Visible(bool myValue) = 0;
 };
 
-/// A frame with other controls in it.
+/// A frame that contains other controls.
 class PictureBox
 {
 public:
     virtual ~PictureBox() = default;
-    /// Shows or hides the frame with all that is in it.
+    /// Shows or hides the frame and everything in it.
     virtual void Visible(bool myValue) = 0;
 };
 
@@ -68,8 +68,8 @@ public:
     virtual int32_t ScaleWidth() = 0;
     virtual int32_t ScaleHeight() = 0;
 
-    /// Paints a copy of a picture at its own size, its transparent parts left white, with its corner at that place
-    /// inside the border. It stays until Cls.
+    /// Paints a copy of a picture at its own size, its transparent parts left white, with its top left corner at that
+    /// position inside the border. It stays until Cls.
     virtual void PaintPicture(const PixelPicture& myPicture, int32_t myLeft, int32_t myTop) = 0;
 };
 
@@ -119,8 +119,8 @@ public:
     /// the box is off.
     virtual std::optional<Date> Value() = 0;
 
-    /// Shows a date and switches the box on. Nothing switches it off, and the date that shows stays.
-    /// Error 5: a date that the picker cannot show, which is one before 1601 or after 9999, or as the system has it.
+    /// Shows a date and switches the box on. Nothing switches it off, and the shown date stays. Error 5: a date that
+    /// the picker cannot show: before 1601 or after 9999, or outside the limits of the system.
     virtual void Value(std::optional<Date> myDate) = 0;
 };
 

@@ -9,14 +9,14 @@ namespace qel
 /// What the author does in the window, as the logic handles it.
 ///
 /// Order of calls: Form_Load, then the others as they happen, then Form_Unload. All come on the thread that made the
-/// window, one at a time. Only Form_Load, and a click handler inside a write of a selected index, may throw; any other
-/// handler deals with its failures itself.
+/// window, one at a time. Only Form_Load, and a click handler during a write of a selected index, may throw; any other
+/// handler handles its failures itself.
 class FormMainEvents
 {
 public:
     virtual ~FormMainEvents() = default;
 
-    /// Before the window shows. What it throws keeps the window closed and comes out of FormMainWindow::Show.
+    /// Before the window is shown. If it throws, the window stays closed and FormMainWindow::Show throws the same.
     virtual void Form_Load() = 0;
     /// At every closing, however the window is closed. Throws nothing.
     virtual void Form_Unload() = 0;

@@ -1,4 +1,4 @@
-/// The window of the settings dialog as its logic sees it, and what makes one.
+/// The window of the settings dialog as its logic sees it, and its factory.
 ///
 /// Everything is used on the thread that made it. Operations throw Error where they say so.
 #pragma once
@@ -19,7 +19,7 @@ struct FileDialogSettings
 {
     Text Filter; ///< pairs of description and patterns, all separated by "|", the patterns of a pair by ";"
     Text DialogTitle;
-    int32_t MaxFileSize; ///< room for file names, in characters
+    int32_t MaxFileSize; ///< of the buffer for file names, in characters
     uint32_t Flags;      ///< 0x80004: a dialog that browses, without a box for read-only
 };
 
@@ -42,7 +42,7 @@ public:
     virtual FormMainControls& Controls() = 0;
 
     /// Runs Form_Load, shows the window modally, runs Form_Unload at its closing, and returns. Throws what Form_Load
-    /// throws; then the window has not been seen.
+    /// throws; then the window has not been shown.
     virtual void Show(FormMainEvents& theEvents) = 0;
 
     /// Closes the window; Form_Unload runs before Show returns.

@@ -1,4 +1,4 @@
-/// Open files of the system, closed when they go.
+/// File descriptors of the system, closed at the end of their life.
 #pragma once
 
 #include <cerrno>
@@ -8,7 +8,7 @@
 namespace qel
 {
 
-/// Repeats a call for as long as a signal interrupts it.
+/// Repeats a call as long as a signal interrupts it.
 template <typename Call>
 auto Retrying(Call myCall)
 {
@@ -36,11 +36,11 @@ public:
     bool IsOpen() const { return myHandle != -1; }
     int Handle() const { return myHandle; }
 
-    /// Closes, and gives what the system reports then: 0, or an errno value. The descriptor is gone in any case.
+    /// Closes the descriptor and returns the result of the system: 0, or an errno value. It is closed in any case.
     int Close()
     {
         const int myLast = std::exchange(myHandle, -1);
-        // An interrupted close has closed.
+        // After an interrupted close the descriptor is closed.
         return myLast == -1 || close(myLast) == 0 || errno == EINTR ? 0 : errno;
     }
 

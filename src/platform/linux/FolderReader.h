@@ -11,21 +11,21 @@
 namespace qel
 {
 
-/// What a file's mode says that it is.
+/// The kind of entry that a file's mode describes.
 EntryKind KindOfMode(mode_t myMode);
 
 class FolderReader
 {
 public:
-    /// Opens a folder; the empty text is the current one. When that fails IsOpen is false and errno says why.
+    /// Opens a folder; the empty text is the current one. If that fails, IsOpen is false and errno has the reason.
     explicit FolderReader(const std::string& myFolder);
 
     bool IsOpen() const { return myStream != nullptr; }
 
-    /// The next entry, or null after the last one. It stays valid until the next call. Error 57: reading failed.
+    /// The next entry, or null after the last one. It is valid until the next call. Error 57: reading failed.
     const dirent* Next();
 
-    /// What an entry is, or what it leads to; never a link.
+    /// The kind of an entry, or of its target if it is a link; never Link.
     EntryKind KindOf(const dirent& myEntry) const;
 
 private:

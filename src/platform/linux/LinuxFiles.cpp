@@ -16,19 +16,20 @@ namespace qel
 namespace
 {
 
-/// A pipe does not wait for its other end, and a terminal does not become ours, before they are refused.
+/// Opening a pipe does not wait for its other end, and a terminal does not become the controlling one, until both are
+/// refused.
 constexpr int OpenFlags = O_NONBLOCK | O_CLOEXEC | O_NOCTTY;
 
 constexpr mode_t NewFileMode = 0666;
 constexpr mode_t NewFolderMode = 0777;
 
-/// Throws the Error of a call that was to make something: what is missing then is not that itself, but its folder.
-[[noreturn]] void RaiseMakingError()
+/// Throws the Error of a call that creates something: if it reports something missing, that is the folder.
+[[noreturn]] void RaiseCreationError()
 {
     RaiseSystemError(errno == ENOENT ? ENOTDIR : errno);
 }
 
-/// The native path of what the last part names itself: with a separator after it a link would be followed.
+/// The native path of the entry itself, without separators at its end, which would make the system follow a link.
 std::string PathOfEntry(TextView myPath)
 {
     std::string thePath = NativePath(myPath);
@@ -44,7 +45,7 @@ std::string_view NameOf(std::string_view myPath)
     return myPath.substr(myPath.rfind('/') + 1);
 }
 
-/// The name that a listing shows for an entry, or nothing when it leaves it out.
+/// The name of an entry in a listing; nothing if the listing leaves it out.
 std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEntry, TextView myPattern,
                                Listing myListing)
 {
@@ -61,8 +62,8 @@ std::optional<Text> ListedName(const FolderReader& myReader, const dirent& myEnt
     return myIsListed ? theName : std::nullopt;
 }
 
-/// Makes a call of the system on a path, and again on what is found without regard to case where the path does not
-/// exist. Gives the call's result; after -1 errno is ENOTDIR when a folder on the way is missing.
+/// Makes a system call on a path. If the path does not exist, repeats the call on the path that is found without regard
+/// to case. Returns the result of the call; after -1, errno is ENOTDIR if a folder of the path is missing.
 template <typename Call>
 int OnPath(const std::string& myPath, Call myCall)
 {
@@ -80,7 +81,7 @@ int OnPath(const std::string& myPath, Call myCall)
     return Retrying([&] { return myCall(myPlace.Path); });
 }
 
-/// The same for a call that takes the last part of the path exactly: only the folder around it is found.
+/// The same for a call that needs the exact last part of the path: only its folder is found without regard to case.
 template <typename Call>
 int OnExactName(const std::string& myPath, Call myCall)
 {
@@ -98,8 +99,8 @@ int OnExactName(const std::string& myPath, Call myCall)
     return Retrying([&] { return myCall(*myFound); });
 }
 
-/// What the system tells about a path; when it fails errno is as after OnPath.
-bool GetFacts(const std::string& myPath, int myFlags, struct stat& theFacts)
+/// Reads the status of a path; if it fails, errno is as after OnPath.
+bool GetStatus(const std::string& myPath, int myFlags, struct stat& theFacts)
 {
     return OnPath(myPath, [&](const std::string& myTried)
                   { return fstatat(AT_FDCWD, myTried.c_str(), &theFacts, myFlags); }) == 0;
@@ -124,8 +125,8 @@ SourceFile OpenSource(TextView myFilename, Lock myLock)
     return {std::move(theFile), myFacts};
 }
 
-/// Opens a file for writing and makes it if it is not there. A link is followed. Gives -1 and errno when it fails.
-int OpenOrMake(const std::string& myPath, bool& theFileIsNew)
+/// Opens a file for writing and creates it if it is missing. A link is followed. Returns -1 and sets errno if it fails.
+int OpenOrCreate(const std::string& myPath, bool& theFileIsNew)
 {
     const auto Open = [&](int myFlags)
     {
@@ -136,7 +137,7 @@ int OpenOrMake(const std::string& myPath, bool& theFileIsNew)
     if (theFile == -1 && errno == EEXIST)
     {
         theFile = Open(0);
-        if (theFile == -1 && errno == ENOENT) // a link that leads to nothing yet
+        if (theFile == -1 && errno == ENOENT) // a link whose target does not exist yet
         {
             theFile = Open(O_CREAT);
         }
@@ -149,10 +150,10 @@ Descriptor OpenTarget(TextView myFilename, const struct stat* mySource)
 {
     bool myFileIsNew = false;
     Descriptor theFile(OnExactName(NativePath(myFilename),
-                                   [&](const std::string& myPath) { return OpenOrMake(myPath, myFileIsNew); }));
+                                   [&](const std::string& myPath) { return OpenOrCreate(myPath, myFileIsNew); }));
     if (!theFile.IsOpen())
     {
-        RaiseMakingError();
+        RaiseCreationError();
     }
     LockFile(theFile, Lock::Exclusive);
     if (myFileIsNew)
@@ -164,7 +165,7 @@ Descriptor OpenTarget(TextView myFilename, const struct stat* mySource)
     {
         Raise(ErrorNumber::PermissionDenied);
     }
-    // The file is emptied only now that the lock keeps everyone else from its content.
+    // The file is emptied only after the lock, which keeps others from its content.
     if (myFacts.st_size != 0 && Retrying([&] { return ftruncate(theFile.Handle(), 0); }) != 0)
     {
         RaiseSystemError(errno);
@@ -249,7 +250,7 @@ void LinuxFiles::MakeFolder(TextView myFolder)
     if (OnExactName(NativePath(myFolder),
                     [](const std::string& myPath) { return mkdir(myPath.c_str(), NewFolderMode); }) != 0)
     {
-        RaiseMakingError();
+        RaiseCreationError();
     }
 }
 
@@ -258,7 +259,7 @@ bool LinuxFiles::IsFolder(TextView myPath)
     try
     {
         struct stat myFacts = {};
-        return GetFacts(NativePath(myPath), 0, myFacts) && S_ISDIR(myFacts.st_mode);
+        return GetStatus(NativePath(myPath), 0, myFacts) && S_ISDIR(myFacts.st_mode);
     }
     catch (const Error&)
     {
@@ -271,7 +272,7 @@ bool LinuxFiles::IsLink(TextView myPath)
     try
     {
         struct stat myFacts = {};
-        return GetFacts(PathOfEntry(myPath), AT_SYMLINK_NOFOLLOW, myFacts) && S_ISLNK(myFacts.st_mode);
+        return GetStatus(PathOfEntry(myPath), AT_SYMLINK_NOFOLLOW, myFacts) && S_ISLNK(myFacts.st_mode);
     }
     catch (const Error&)
     {
@@ -306,7 +307,7 @@ std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
 void LinuxFiles::DemandOwnFolder(TextView myFolder)
 {
     struct stat myFacts = {};
-    if (!GetFacts(PathOfEntry(myFolder), AT_SYMLINK_NOFOLLOW, myFacts))
+    if (!GetStatus(PathOfEntry(myFolder), AT_SYMLINK_NOFOLLOW, myFacts))
     {
         if (errno == ENOENT || errno == ENOTDIR)
         {

@@ -1,4 +1,4 @@
-/// The files of a Linux system, behind the port that the logic works on.
+/// The file port of the logic on Linux.
 #pragma once
 
 #include "platform/Files.h"

@@ -18,11 +18,11 @@ namespace qel
 namespace
 {
 
-/// What a spawned program inherits: no open files, no blocked signals, a session of its own.
-class CleanStart
+/// What a spawned program starts with: no open files, no blocked signals, a session of its own.
+class SpawnSettings
 {
 public:
-    CleanStart()
+    SpawnSettings()
     {
         posix_spawn_file_actions_init(&myFiles);
         for (const int myHandle : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
@@ -39,9 +39,9 @@ public:
         posix_spawnattr_setsigdefault(&myAttributes, &mySignals);
         posix_spawnattr_setflags(&myAttributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSID);
     }
-    CleanStart(const CleanStart&) = delete;
-    CleanStart& operator=(const CleanStart&) = delete;
-    ~CleanStart()
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+    ~SpawnSettings()
     {
         posix_spawn_file_actions_destroy(&myFiles);
         posix_spawnattr_destroy(&myAttributes);
@@ -55,8 +55,8 @@ private:
     posix_spawnattr_t myAttributes = {};
 };
 
-/// Starts the program that opens a file for the user. The shell between is gone at once, so that nobody has to wait for
-/// the program's end.
+/// Starts the program that opens a file for the user. The shell that starts it exits at once, so nobody has to wait for
+/// the program to end.
 void OpenForUser(std::string myPath)
 {
     std::string myShell = "sh";
@@ -64,9 +64,10 @@ void OpenForUser(std::string myPath)
     std::string myCommand = "xdg-open \"$0\" &";
     const std::array<char*, 5> myArguments = {myShell.data(), myOption.data(), myCommand.data(), myPath.data(),
                                               nullptr};
-    const CleanStart myStart;
+    const SpawnSettings mySettings;
     pid_t myProcess = 0;
-    if (posix_spawn(&myProcess, "/bin/sh", &myStart.Files(), &myStart.Attributes(), myArguments.data(), environ) == 0)
+    if (posix_spawn(&myProcess, "/bin/sh", &mySettings.Files(), &mySettings.Attributes(), myArguments.data(),
+                    environ) == 0)
     {
         while (waitpid(myProcess, nullptr, 0) == -1 && errno == EINTR)
         {
@@ -89,7 +90,7 @@ void LinuxHelpViewer::ShowContext(TextView myHelpFile, int32_t myContext)
     }
     catch (const Error&)
     {
-        // A name that no file can have is a missing help.
+        // A name that no file can have means a missing help file.
     }
 }
 

@@ -1,4 +1,4 @@
-/// The help as pages beside the component, shown by the browser of the user's choice.
+/// Help as HTML pages beside the component, shown in the user's browser.
 #pragma once
 
 #include "platform/Platform.h"
@@ -6,8 +6,8 @@
 namespace qel
 {
 
-/// Takes the help file's name for the place of the help: its topics are the files `<context>.html` in the folder `help`
-/// beside it.
+/// The name of the help file only says where the help is: its topics are the files `<context>.html` in the folder
+/// `help` beside it.
 class LinuxHelpViewer final : public HelpViewer
 {
 public:

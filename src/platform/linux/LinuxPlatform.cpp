@@ -12,7 +12,7 @@ namespace qel
 namespace
 {
 
-/// The folder of a file. One that the logic cannot express is taken for the root: nothing is found there.
+/// The folder of a file. A path that the logic cannot express becomes the root, where nothing is found.
 Text FolderOf(const std::string& myNativeFile)
 {
     const Text myFile = LogicalPath(myNativeFile).value_or(Text());
@@ -20,7 +20,7 @@ Text FolderOf(const std::string& myNativeFile)
     return myEnd == Text::npos ? u"\\" : myFile.substr(0, std::max<size_t>(myEnd, 1));
 }
 
-/// The file with its links resolved, or as it is where that fails.
+/// The file with its links resolved, or unchanged if that fails.
 std::string RealFile(const std::string& myNativeFile)
 {
     std::string theFile = RealPath(myNativeFile);

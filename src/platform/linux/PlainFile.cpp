@@ -29,8 +29,8 @@ void WriteAll(const Descriptor& myFile, std::span<const std::byte> myBytes)
     }
 }
 
-/// True when nothing changes in the file system of an open file without this system's knowledge, as it does in a
-/// network's.
+/// True when no change happens in the file system of an open file without this system's knowledge, unlike in a network
+/// file system.
 bool IsInLocalFileSystem(const Descriptor& myFile)
 {
     constexpr std::array<long, 5> LocalSystems = {TMPFS_MAGIC, EXT4_SUPER_MAGIC, BTRFS_SUPER_MAGIC, XFS_SUPER_MAGIC,
@@ -84,8 +84,8 @@ void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t
     {
         return;
     }
-    // The kernel cannot copy between these two, or the copy failed and fails here again, or the file does not know its
-    // length, as those that the kernel makes up.
+    // The kernel cannot copy between these two, or the copy failed and fails here again, or the file does not report
+    // its length, as virtual files of the kernel do not.
     constexpr size_t BlockSize = 65536;
     const auto myBlock = std::make_unique_for_overwrite<std::byte[]>(BlockSize);
     for (;;)
@@ -115,7 +115,7 @@ int64_t PlainInputFile::Length()
 
 std::optional<FileVersion> PlainInputFile::Version()
 {
-    // The clock of file systems goes in ticks of some milliseconds.
+    // The clock of file systems has a resolution of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
     if (myFirstFacts.st_ctim.tv_sec > myOpeningTime - SecondsToSettle || !IsInLocalFileSystem(myFile))
     {
@@ -179,7 +179,7 @@ size_t PlainInputFile::ReadSome(std::span<std::byte> myTarget)
     return static_cast<size_t>(myCount);
 }
 
-/// Makes sure that there is something in the buffer.
+/// Fills the buffer if it is empty.
 void PlainInputFile::FillBuffer()
 {
     if (myNext != myEnd)
@@ -203,7 +203,7 @@ PlainOutputFile::~PlainOutputFile()
     }
     catch (const Error&)
     {
-        // Whoever wants to know calls Close.
+        // A caller that needs the result calls Close.
     }
 }
 
@@ -243,7 +243,7 @@ void PlainOutputFile::Close()
     }
 }
 
-/// Writes what has been collected. What has failed once is not tried again.
+/// Writes the buffer. After a failure nothing is tried again.
 void PlainOutputFile::Flush()
 {
     const size_t myCount = std::exchange(myPending, 0);

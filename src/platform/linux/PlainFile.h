@@ -1,4 +1,4 @@
-/// Plain files that are open, and the lock that goes with them.
+/// Open plain files, and their locks.
 #pragma once
 
 #include "platform/Files.h"
@@ -16,18 +16,18 @@ enum class Lock
     Exclusive
 };
 
-/// Locks an open file for as long as it stays open. A file system without such locks is passed over. Error 70: someone
-/// else holds a lock that excludes this one.
+/// Locks an open file for as long as it stays open. Does nothing on a file system without locks. Error 70: someone else
+/// holds a conflicting lock.
 void LockFile(const Descriptor& myFile, Lock myLock);
 
-/// What the system tells about an open file. Error 75: it is not a plain one.
+/// The status of an open file. Error 75: it is not a plain file.
 struct stat FactsOfPlainFile(const Descriptor& myFile);
 
-/// Appends the rest of one file to another, as far as possible without the bytes leaving the kernel. `myLength` is the
-/// length that the source is known to have. Errors as in OutputFile::Write.
+/// Appends the rest of one file to another, inside the kernel as far as possible. `myLength` is the known length of the
+/// source. Errors as in OutputFile::Write.
 void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t myLength);
 
-/// Reads through a buffer that is there from the first small read on; a large read goes past it.
+/// Reads through a buffer, which is allocated by the first small read; a large read bypasses it.
 class PlainInputFile final : public InputFile
 {
 public:
@@ -46,25 +46,25 @@ private:
     size_t ReadSome(std::span<std::byte> myTarget);
     void FillBuffer();
 
-    /// What a refill asks for. It grows while the reading goes on without a gap, so that skipping from one entry to the
-    /// next does not read what lies between.
+    /// How much a refill reads. It grows while the reads are sequential, so that skipping from one entry to the next
+    /// does not read the bytes between.
     static constexpr size_t SmallestFill = 4096;
     static constexpr size_t LargestFill = 65536;
-    /// What is as long as this goes past the buffer.
+    /// A read of at least this length bypasses the buffer.
     static constexpr size_t LargePiece = 16384;
 
     Descriptor myFile;
-    struct stat myFirstFacts; ///< of when it was opened
+    struct stat myFirstFacts; ///< when it was opened
     time_t myOpeningTime = time(nullptr);
-    int64_t myOffset = 0; ///< of the first byte that the system has not been asked for
+    int64_t myOffset = 0; ///< of the first byte that has not been read from the system
     std::unique_ptr<std::byte[]> myBuffer;
     size_t myNext = 0;
     size_t myEnd = 0;
     size_t myFill = SmallestFill;
 };
 
-/// Collects what is written into whole blocks of the file, which the system takes at half the cost of odd pieces. A
-/// large first piece goes past the buffer: a small file most often comes in one.
+/// Collects writes into whole blocks of the file, which cost the system half as much as unaligned pieces. A large first
+/// write bypasses the buffer, because a small file is usually written at once.
 class PlainOutputFile final : public OutputFile
 {
 public:
@@ -81,7 +81,7 @@ private:
     static constexpr size_t BlockSize = 131072;
 
     Descriptor myFile;
-    size_t myOffset = 0; ///< of the first byte that the system has not been given
+    size_t myOffset = 0; ///< of the first byte that has not been passed to the system
     std::unique_ptr<std::byte[]> myBuffer;
     size_t myPending = 0;
 };

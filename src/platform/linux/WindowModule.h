@@ -1,6 +1,7 @@
-/// The boundary between the component and its window module, QelPluginAnimationWindow.so, which lies beside it.
+/// The boundary between the component and its window module, QelPluginAnimationWindow.so, which is in the same folder.
 ///
-/// Both are made in one build. Calls and Error cross it as within one library; nothing is thrown through the toolkit.
+/// Both come from one build. Calls and Error cross the boundary as within one library; nothing is thrown through the
+/// toolkit.
 #pragma once
 
 #include "dialog/ports/FormMainWindow.h"
@@ -13,8 +14,8 @@
 namespace qel
 {
 
-/// What the window module offers. It lasts as long as the process, outlives the component that has loaded it, and keeps
-/// no pointer into the component between calls.
+/// What the window module provides. It exists until the process ends, outlives the component that has loaded it, and
+/// keeps no pointer into the component between calls.
 class WindowModule : public FormMainWindowMaker, public MessageBox, public Sound, public MessageQueue
 {
 };

@@ -1,4 +1,4 @@
-/// Windows, message boxes and sound, from the window module, which is loaded at the first call and not before.
+/// Windows, message boxes and sound, from the window module, which is loaded by the first call that needs it.
 #pragma once
 
 #include "platform/linux/WindowModule.h"
@@ -9,11 +9,11 @@
 namespace qel
 {
 
-/// Once loaded, the module stays in the process, also when this object and the component are gone.
+/// Once loaded, the module stays in the process, even after this object is destroyed and the component unloaded.
 class WindowModuleLoader final : public WindowModule
 {
 public:
-    /// `myFolderOfModule` is where the module lies: in the system's form, ending in "/".
+    /// `myFolderOfModule` contains the module: in the system's form, ending in "/".
     explicit WindowModuleLoader(std::string myFolderOfModule) : myFolder(std::move(myFolderOfModule)) {}
 
     void DemandDisplay() override;
@@ -21,7 +21,7 @@ public:
     int32_t MsgBox(TextView myText, int32_t myStyle) override;
     void SendMultimediaCommand(TextView myCommand) override;
 
-    /// Loads nothing.
+    /// Does not load the module.
     void ProcessPending() override;
 
 private:

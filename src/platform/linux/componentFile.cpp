@@ -13,7 +13,7 @@ namespace qel
 namespace
 {
 
-/// The file that an address was mapped from, as the system remembers it; empty when it does not tell.
+/// The file that an address was mapped from, as the system recorded it; empty if it is unknown.
 std::string MappedFile(uintptr_t myAddress)
 {
     constexpr std::string_view Deleted = " (deleted)";
@@ -39,7 +39,7 @@ std::string MappedFile(uintptr_t myAddress)
 
 std::string NativeComponentFile()
 {
-    // The loader knows the name under which it was asked for the library; for a program that is its command line's.
+    // The loader knows the name by which the library was requested; for a program that is the name on its command line.
     Dl_info myLibrary = {};
     if (dladdr(reinterpret_cast<const void*>(&NativeComponentFile), &myLibrary) != 0 && *myLibrary.dli_fname == '/')
     {

@@ -6,8 +6,8 @@
 namespace qel
 {
 
-/// The library, or the program that it is linked into: absolute, in the system's form, whatever the name under which it
-/// was loaded and the current folder now. Empty when the system cannot tell.
+/// The library, or the program that it is linked into: absolute, in the system's form, independent of the name by which
+/// it was loaded and of the current folder. Empty if it is unknown.
 std::string NativeComponentFile();
 
 } // namespace qel

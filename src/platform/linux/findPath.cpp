@@ -35,7 +35,7 @@ std::optional<Text> LoweredName(std::string_view myName)
     return myText ? std::optional(LowerCase(*myText)) : std::nullopt;
 }
 
-/// The name itself or the first that is like it; empty when the folder has none.
+/// The name itself, else the first that is equal in lower case; empty if the folder has none.
 std::string FindName(FolderReader& myReader, std::string_view myName)
 {
     const Text myWanted = LowerCase(FromUtf8(myName));
@@ -47,8 +47,8 @@ std::string FindName(FolderReader& myReader, std::string_view myName)
         {
             return std::string(myName);
         }
-        // The names of twins differ only in letters that have a lower case. None of these is half of a surrogate pair,
-        // so the order of their bytes is the order of their character codes.
+        // These names differ only in letters that have a lower case. None of these letters is a surrogate, so the order
+        // of the bytes is the order of the character codes.
         if ((theFound.empty() || myEntryName < theFound) && LoweredName(myEntryName) == myWanted)
         {
             theFound = myEntryName;

@@ -1,7 +1,7 @@
-/// Finds what a path leads to without regard to case, after the exact path has turned out not to exist.
+/// Finds a path without regard to case, for when the exact path does not exist.
 ///
-/// Part by part from the left: a name that is there exactly is taken, else the first by character code of those that
-/// are alike, which means equal in lower case. Paths are in the system's form. Nothing is remembered between calls.
+/// Part by part from the left: the exact name if it exists, else of those that are equal in lower case the first by
+/// character code. Paths are in the system's form. Nothing is cached between calls.
 #pragma once
 
 #include "platform/linux/FolderReader.h"
@@ -20,23 +20,23 @@ enum class Missing
     Folder ///< something before the last part
 };
 
-/// Where a path leads. Where something is missing `Path` is the path that was asked for.
+/// The result of a search. If something is missing, `Path` is the path that was given.
 struct Place
 {
     std::string Path;
     Missing What;
 };
 
-/// Finds a path. Where a folder may not be read its names count as unknown, and none is alike.
+/// Finds a path. In a folder without read permission only exact names are found.
 /// Error 57: the system cannot read a folder.
 Place FindPath(const std::string& myPath);
 
-/// The path with its last part unchanged, in the folder that the rest of it leads to; nothing when there is no such
-/// folder. Error 57 as above.
+/// The path with its last part unchanged, in the folder that is found for the rest; nothing if there is no such folder.
+/// Error 57 as above.
 std::optional<std::string> FindFolderOf(const std::string& myPath);
 
-/// Opens a folder for reading, and finds it first if need be. When that fails the reader is not open and errno says
-/// why, with ENOENT and ENOTDIR for a folder that does not exist.
+/// Opens a folder for reading, and searches for it if necessary. If that fails, the reader is not open and errno has
+/// the reason, ENOENT or ENOTDIR for a folder that does not exist.
 FolderReader OpenFolder(const std::string& myFolder);
 
 } // namespace qel

@@ -10,13 +10,13 @@
 namespace qel
 {
 
-/// The system's form of a path. Error 52: it holds half a surrogate pair or the character 0.
+/// The system's form of a path. Error 52: it contains an unpaired surrogate or the character 0.
 std::string NativePath(TextView myPath);
 
-/// The logic's form of a path of the system, or nothing where it has none: the path holds "\", or is not UTF-8.
+/// The logic's form of a path of the system; nothing if the path contains "\" or is not UTF-8.
 std::optional<Text> LogicalPath(std::string_view myNativePath);
 
-/// The absolute path of what a path of the system leads to, without links in it; empty when there is nothing.
+/// The absolute path of what a path of the system refers to, with links resolved; empty if it does not exist.
 std::string RealPath(const std::string& myNativePath);
 
 } // namespace qel

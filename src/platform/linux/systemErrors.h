@@ -1,10 +1,10 @@
-/// The one place where the system's error codes become the numbers of this component.
+/// Maps the system's error codes to the numbers of this component.
 #pragma once
 
 namespace qel
 {
 
-/// Throws the Error that stands for an errno value; 57 for one that is not foreseen.
+/// Throws the Error for an errno value; 57 for one that is not in the table.
 [[noreturn]] void RaiseSystemError(int mySystemError);
 
 } // namespace qel

@@ -14,7 +14,7 @@ namespace qel
 namespace
 {
 
-/// A path out of the environment without "/" at its end; empty when it is not set or not absolute.
+/// A path from the environment, without "/" at its end; empty if it is not set or not absolute.
 std::string PathFromEnvironment(const char* myName)
 {
     const char* const myValue = std::getenv(myName);
@@ -46,7 +46,7 @@ std::string HomeFolder()
     return theHome;
 }
 
-/// This system's folder in the user's cache, made if it is not there; empty without a home.
+/// Our folder in the user's cache, created if it is missing; empty without a home folder.
 std::string CacheFolder()
 {
     std::string theFolder = PathFromEnvironment("XDG_CACHE_HOME");
@@ -60,7 +60,7 @@ std::string CacheFolder()
         theFolder += "/.cache";
     }
     theFolder += "/qel";
-    // Whether each of them is there in the end shows when the folder is looked at.
+    // Whether each of them exists is checked with the folder itself.
     for (size_t i = theFolder.find('/', 1); i != std::string::npos; i = theFolder.find('/', i + 1))
     {
         mkdir(theFolder.substr(0, i).c_str(), S_IRWXU);

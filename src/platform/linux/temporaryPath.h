@@ -1,4 +1,4 @@
-/// Where temporary files may lie safely.
+/// Where temporary files are safe.
 #pragma once
 
 #include <string>
@@ -10,9 +10,8 @@ namespace qel
 /// no safe one.
 ///
 /// The first that is safe of $TMPDIR, $XDG_RUNTIME_DIR and the folder `qel` in the user's cache ($XDG_CACHE_HOME, or
-/// .cache in the home), which is made if need be. Safe is a folder, not a link, that belongs to this user, that nobody
-/// else may enter, and whose path the logic can express. A shared folder such as /tmp is never taken, whatever name
-/// would be used in it.
+/// .cache in the home), which is created if necessary. A safe folder is not a link, belongs to this user, cannot be
+/// entered by anybody else, and has a path that the logic can express. A shared folder such as /tmp is never used.
 std::string NativeTemporaryPath();
 
 } // namespace qel

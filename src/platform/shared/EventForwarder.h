@@ -1,4 +1,4 @@
-/// Passes the events of the dialog's window on to its logic.
+/// Forwards the events of the dialog's window to its logic.
 #pragma once
 
 #include "dialog/ports/FormMainEvents.h"
@@ -9,11 +9,11 @@ namespace qel
 /// A handler of the logic without arguments; null for none.
 using Handler = void (FormMainEvents::*)();
 
-/// Has a receiver as long as the window is shown; without one every call does nothing.
+/// Has a receiver while the window is shown; without one every call does nothing.
 class EventForwarder
 {
 public:
-    /// For an event inside a call of the logic: what the handler throws comes out.
+    /// For an event during a call of the logic: what the handler throws is passed on.
     void Call(Handler myHandler)
     {
         if (myEvents != nullptr && myHandler != nullptr)
@@ -22,8 +22,8 @@ public:
         }
     }
 
-    /// For an event that comes from the system, through which nothing may be thrown. The logic has dealt with its
-    /// failures; what comes out all the same, for want of memory, leaves the dialog as it is.
+    /// For an event that comes from the system, through which nothing may be thrown. The logic handles its failures; an
+    /// exception that still escapes, for lack of memory, is ignored.
     template <class... Arguments>
     void CallFromSystem(void (FormMainEvents::*myHandler)(Arguments...), Arguments... myArguments) noexcept
     {

@@ -26,7 +26,7 @@ public:
     virtual std::filesystem::path ComponentFile() const = 0;
 };
 
-/// Makes the adapters. The only thing that it looks up on the disk is where the component lies.
+/// Makes the adapters. The only thing that it looks up on disk is the location of the component.
 std::unique_ptr<SystemPlatform> MakeSystemPlatform();
 
 } // namespace qel

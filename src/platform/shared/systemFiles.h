@@ -8,7 +8,7 @@
 namespace qel
 {
 
-/// Makes the port, which is used on the thread that made it. It looks nothing up on the disk.
+/// Makes the port, which is used on the thread that made it. It does not access the disk.
 std::unique_ptr<Files> MakeSystemFiles();
 
 } // namespace qel

@@ -10,8 +10,8 @@ Text LoweredPattern(TextView myPattern)
 
 bool MatchesPattern(TextView myLoweredName, TextView myLoweredPattern)
 {
-    size_t myStar = TextView::npos; // the last "*" and where the name stood when it was met
-    size_t myRetry = 0;
+    size_t myStar = TextView::npos; // the last "*" of the pattern
+    size_t myRetry = 0;             // where in the name its match ends in this attempt
     size_t myAt = 0;
     size_t i = 0;
     while (i < myLoweredName.size())

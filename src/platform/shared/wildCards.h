@@ -9,8 +9,8 @@ namespace qel
 /// The pattern as MatchesPattern takes it: in lower case, and "*" for "*.*", which matches names without a dot as well.
 Text LoweredPattern(TextView myPattern);
 
-/// True when a name in lower case matches a pattern of LoweredPattern: "*" stands for any run of characters, "?" for
-/// one.
+/// True when a name in lower case matches a pattern of LoweredPattern: "*" matches any run of characters, "?" one
+/// character.
 bool MatchesPattern(TextView myLoweredName, TextView myLoweredPattern);
 
 } // namespace qel

@@ -22,7 +22,7 @@ namespace qel
 namespace
 {
 
-/// True when the toolkit's plug-in for a display system lies in one of the folders that it searches.
+/// True when the toolkit's plug-in for a display system is in one of the folders that it searches.
 bool IsInstalled(const QString& mySystem)
 {
     QStringList myFolders = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH").split(':', Qt::SkipEmptyParts);
@@ -30,7 +30,7 @@ bool IsInstalled(const QString& mySystem)
     {
         myFolders << myFolder + "/platforms";
     }
-    // There are several files for Wayland, one for each way of drawing.
+    // There are several files for Wayland, one for each rendering method.
     const QString myFile = "libq" + mySystem.toLower() + (mySystem == "wayland" ? "*.so" : ".so");
     return std::ranges::any_of(myFolders, [&](const QString& myFolder)
                                { return !QDir(myFolder).entryList({myFile}, QDir::Files).isEmpty(); });
@@ -46,7 +46,7 @@ bool XDisplayAnswers()
     return xcb_connection_has_error(myConnection.get()) == 0;
 }
 
-/// True when the compositor's socket takes a connection.
+/// True when the compositor's socket accepts a connection.
 bool WaylandDisplayAnswers()
 {
     const QString mySocket =
@@ -63,8 +63,8 @@ bool WaylandDisplayAnswers()
     return connect(myClient.Handle(), reinterpret_cast<const sockaddr*>(&myAddress), sizeof myAddress) == 0;
 }
 
-/// True when the toolkit will find a display. Without one it ends the process, so this is tested first. The toolkit
-/// goes through the same list of display systems and takes the first that works; one that needs no display always
+/// True when the toolkit will find a display. Without one it ends the process, so this is checked first. The toolkit
+/// tries the same list of display systems in order and uses the first that works; one that needs no display always
 /// works.
 bool DisplayAnswers()
 {
@@ -95,7 +95,7 @@ void MakeApplication()
     // The toolkit sets the process's locale to the user's, which a host may not expect of a component.
     const ScopeGuard myGuard([myLocale = std::string(std::setlocale(LC_ALL, nullptr))]
                              { std::setlocale(LC_ALL, myLocale.c_str()); });
-    // Never deleted: no moment before the end of the process is known to be safe for that.
+    // Never deleted: it is unknown when that would be safe before the end of the process.
     [[maybe_unused]] static const auto* const theApplication = new QApplication(theCount, theArguments);
     QApplication::setStyle("Fusion");
     QApplication::setQuitOnLastWindowClosed(false);

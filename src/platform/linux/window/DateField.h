@@ -18,7 +18,7 @@ class DateField final : public QWidget
 public:
     explicit DateField(QWidget* myParent);
 
-    /// What a screen reader calls both parts.
+    /// The name of both parts for a screen reader.
     void SetName(const QString& myText);
 
     /// The date that was set, with its time of day, or the day that the user has chosen or typed since; nothing while

@@ -40,7 +40,7 @@ struct TextPart
     int End;
 };
 
-/// The part in which a position of the cursor lies.
+/// The part that contains a position of the cursor.
 TextPart PartAt(const QString& myText, int myPosition)
 {
     const QString myBefore = myText.left(myPosition);
@@ -184,7 +184,7 @@ void DayEdit::wheelEvent(QWheelEvent* myEvent)
     const int myTurn = myEvent->angleDelta().y();
     if (!hasFocus() || myTurn == 0)
     {
-        myEvent->ignore(); // it may scroll what lies around
+        myEvent->ignore(); // so that the area around it can scroll
         return;
     }
     Step(myTurn > 0 ? 1 : -1);
@@ -340,7 +340,7 @@ int DayEdit::CurrentPart() const
     return PartAt(myText.text(), myText.hasSelectedText() ? myText.selectionStart() : myText.cursorPosition()).Index;
 }
 
-/// Changes the part with the cursor, as far as the range goes. A text that is no day stays as it is.
+/// Changes the part with the cursor, within the range. A text that is not a day stays unchanged.
 void DayEdit::Step(int mySteps)
 {
     const int myPart = CurrentPart();

@@ -27,8 +27,8 @@ int Pixels(int32_t myTwips)
     return myTwips / TwipsPerPixel;
 }
 
-/// The passes in which the controls are made. Labels and images lie under what overlaps them, the lower part of a
-/// caption under its combo box above all; what lies in a picture box is made after it.
+/// The passes in which the controls are made. Labels and images are below the controls that overlap them, for example
+/// the lower part of a caption below its combo box. The contents of a picture box are made after it.
 constexpr int Passes = 3;
 
 int PassOf(const ControlLayout& myLayout)
@@ -112,7 +112,7 @@ QWidget* MakeWidget(const ControlLayout& myLayout, QWidget* myParent)
     return new QLabel(myParent);
 }
 
-/// Gives a control the colours and the weight of its row. What equals the form's is inherited from it.
+/// Sets the colours and the font weight of a control from its row. What equals the form's is inherited.
 void SetLook(QWidget& theWidget, const ControlLayout& myLayout)
 {
     QPalette myColours;
@@ -235,7 +235,7 @@ bool FormDialog::event(QEvent* myEvent)
     const bool theResult = QDialog::event(myEvent);
     if (myEvent->type() == QEvent::WindowActivate && !myIsCentred)
     {
-        // Only now is the frame known that the window manager has put around the window.
+        // Only now is the size of the frame known that the window manager has added.
         myIsCentred = true;
         Centre();
     }

@@ -26,8 +26,8 @@ public:
         return dynamic_cast<Widget&>(Find(myName));
     }
 
-    /// Shows the window in the middle of the screen, and returns when it has closed. Where the screen is too small for
-    /// it, its top left corner shows.
+    /// Shows the window in the middle of the screen, and returns when it has closed. If the screen is too small, its
+    /// top left corner is visible.
     void ShowModally();
 
 protected:

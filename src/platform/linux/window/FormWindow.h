@@ -9,7 +9,7 @@ namespace qel
 {
 
 /// A day can be typed here, so a date picker can hold a text that is no day (31/02/2027). OK is then refused with a
-/// message, before the logic hears of the click: a commit always finds days in the pickers.
+/// message, before the click reaches the logic: a commit always finds days in the pickers.
 class FormWindow final : public FormMainWindow
 {
 public:

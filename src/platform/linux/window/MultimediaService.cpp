@@ -13,7 +13,7 @@ namespace
 
 constexpr int64_t LongestTune = int64_t{16} * 1024 * 1024;
 
-/// Takes a part off the front of a text, if it is there.
+/// Removes a prefix from a text, if it is there.
 bool Take(TextView& theText, TextView myPart)
 {
     if (!theText.starts_with(myPart))
@@ -64,7 +64,7 @@ void MultimediaService::Send(TextView myCommand)
     catch (const Error&) // NOLINT(bugprone-empty-catch): the file cannot be read
     {
     }
-    catch (const std::exception&) // NOLINT(bugprone-empty-catch): no memory, or no thread to be had
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch): no memory, or no thread could be started
     {
     }
 }

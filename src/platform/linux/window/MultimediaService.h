@@ -1,4 +1,4 @@
-/// The multimedia service as the logic commands it, in front of a synthesiser.
+/// The multimedia service of the logic, over a synthesiser.
 #pragma once
 
 #include "platform/linux/LinuxFiles.h"

@@ -100,23 +100,23 @@ bool LoadFont(const Library& myCalls, fluid_synth_t* theSynth)
         { return access(myFont, R_OK) == 0 && myCalls.LoadFont(theSynth, myFont, 1) != FLUID_FAILED; });
 }
 
-/// The parts, in the order in which the library wants them made; they go in the opposite one.
-class SynthesiserPerformance final : public Performance
+/// The parts, in the order in which the library requires them to be created; they are destroyed in reverse order.
+class SynthesiserPlayback final : public Playback
 {
 public:
-    explicit SynthesiserPerformance(const Library& myLibrary) : myCalls(myLibrary) {}
+    explicit SynthesiserPlayback(const Library& myLibrary) : myCalls(myLibrary) {}
 
-    ~SynthesiserPerformance() override
+    ~SynthesiserPlayback() override
     {
         if (myPlayer)
         {
             myCalls.PlayerStop(myPlayer.get());
         }
     }
-    SynthesiserPerformance(const SynthesiserPerformance&) = delete;
-    SynthesiserPerformance& operator=(const SynthesiserPerformance&) = delete;
+    SynthesiserPlayback(const SynthesiserPlayback&) = delete;
+    SynthesiserPlayback& operator=(const SynthesiserPlayback&) = delete;
 
-    /// False: nothing sounds.
+    /// False: no sound is possible.
     bool Begin(const std::vector<std::byte>& myTune, const std::vector<AudioOutput>& myOutputs)
     {
         if (!mySettings)
@@ -137,7 +137,7 @@ public:
 private:
     bool Connect(const AudioOutput& myOutput)
     {
-        // Where a driver is not built in, the library would take one of its own choice.
+        // If a driver is not built in, the library would choose another one.
         if (myCalls.SetText(mySettings.get(), "audio.driver", myOutput.Driver.c_str()) != FLUID_OK)
         {
             return false;
@@ -156,18 +156,18 @@ private:
 
 } // namespace
 
-std::unique_ptr<Performance> Perform(const std::vector<std::byte>& myTune,
-                                     const std::vector<AudioOutput>& myOutputs) noexcept
+std::unique_ptr<Playback> StartPlayback(const std::vector<std::byte>& myTune,
+                                        const std::vector<AudioOutput>& myOutputs) noexcept
 {
     try
     {
         if (const Library* const myLibrary = Library::Get())
         {
             SilenceSoundCard();
-            auto thePerformance = std::make_unique<SynthesiserPerformance>(*myLibrary);
-            if (thePerformance->Begin(myTune, myOutputs))
+            auto thePlayback = std::make_unique<SynthesiserPlayback>(*myLibrary);
+            if (thePlayback->Begin(myTune, myOutputs))
             {
-                return thePerformance;
+                return thePlayback;
             }
         }
     }

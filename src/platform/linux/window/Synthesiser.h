@@ -7,15 +7,15 @@ namespace qel
 {
 
 /// A tune that plays as long as this object lives.
-class Performance
+class Playback
 {
 public:
-    virtual ~Performance() = default;
+    virtual ~Playback() = default;
 };
 
-/// Begins to play a tune through the first of the outputs that works. Null: there is none, or no synthesiser, or no
-/// sound font. Prints nothing. May wait for a sound server without end.
-std::unique_ptr<Performance> Perform(const std::vector<std::byte>& myTune,
-                                     const std::vector<AudioOutput>& myOutputs) noexcept;
+/// Starts playing a tune on the first output that works. Null: there is none, or no synthesiser, or no sound font.
+/// Prints nothing. May wait forever for a sound server.
+std::unique_ptr<Playback> StartPlayback(const std::vector<std::byte>& myTune,
+                                        const std::vector<AudioOutput>& myOutputs) noexcept;
 
 } // namespace qel

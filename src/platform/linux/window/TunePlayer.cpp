@@ -13,12 +13,12 @@ namespace qel
 namespace
 {
 
-/// How long the end of the process is held up for the sound to end properly.
+/// How long the end of the process is delayed so that the sound can end properly.
 constexpr std::chrono::seconds LongestWaitForEnd{1};
 
 } // namespace
 
-/// What the player and its thread share. Where a sound server hangs the thread outlives the player.
+/// What the player and its thread share. If a sound server hangs, the thread outlives the player.
 struct TunePlayer::Shared
 {
     explicit Shared(std::vector<AudioOutput> myOutputs) : Outputs(std::move(myOutputs)) {}
@@ -45,7 +45,7 @@ struct TunePlayer::Shared
 
 void TunePlayer::Shared::Run()
 {
-    std::unique_ptr<Performance> myPerformance;
+    std::unique_ptr<Playback> myPlayback;
     uint64_t myHandled = 0;
     std::unique_lock myLock(Mutex);
     while (!HasEnded)
@@ -55,11 +55,11 @@ void TunePlayer::Shared::Run()
         const Tune myTune = Requested;
         const bool myIsLast = IsEnding;
         myLock.unlock();
-        // A device may serve one at a time, so what was playing ends first.
-        myPerformance.reset();
+        // A device may play only one at a time, so the previous tune ends first.
+        myPlayback.reset();
         if (myTune)
         {
-            myPerformance = Perform(*myTune, Outputs);
+            myPlayback = StartPlayback(*myTune, Outputs);
         }
         myLock.lock();
         HasEnded = myIsLast;

@@ -13,7 +13,7 @@ namespace qel
 /// The bytes of a MIDI file.
 using Tune = std::shared_ptr<const std::vector<std::byte>>;
 
-/// Where the sound goes: a driver of the synthesiser's, and the file that it writes if it is the one that writes files.
+/// A driver of the synthesiser, and the name of its file if it is the one that writes files.
 struct AudioOutput
 {
     std::string Driver;

@@ -33,8 +33,8 @@ struct RoleColour
     QColor Disabled;
 };
 
-/// The light colours of the toolkit's style, every shade of them, but set by us: the style's own colours follow the
-/// desktop, which may be dark. Where the application has the same colours, all windows share what the style has cached.
+/// All the light colours of the toolkit's style, but set by us: the style's own colours follow the desktop, which may
+/// be dark. If the application has the same colours, all windows share what the style has cached.
 QPalette FormPalette()
 {
     const QColor myFore(MainFormLayout.ForeColour);
@@ -113,7 +113,8 @@ void ApplyFormLook(QWidget& theWindow)
     theWindow.setFont(FormFont());
     theWindow.setPalette(FormPalette());
     theWindow.setAttribute(Qt::WA_QuitOnClose, false);
-    // Where the host owns the application object the style is the host's, and a widget does not hand its own down.
+    // If the host owns the application object, the style is the host's, and widgets do not inherit the style of their
+    // parent.
     if (QApplication::style()->name() != FormStyle().name())
     {
         theWindow.setStyle(&FormStyle());
@@ -158,7 +159,7 @@ void MoveOntoScreen(QWidget& theWindow)
     const QRect myScreen = theWindow.screen()->availableGeometry();
     const QSize myFrame = theWindow.frameGeometry().size();
     const QPoint myLast(myScreen.right() + 1 - myFrame.width(), myScreen.bottom() + 1 - myFrame.height());
-    // The later bound wins: of a window without enough room the top left corner counts.
+    // The later bound wins: if there is not enough room, the top left corner is visible.
     theWindow.move(std::max(std::min(theWindow.x(), myLast.x()), myScreen.left()),
                    std::max(std::min(theWindow.y(), myLast.y()), myScreen.top()));
 }
@@ -166,7 +167,7 @@ void MoveOntoScreen(QWidget& theWindow)
 QPixmap PixmapOf(std::span<const std::string_view> myRows)
 {
     // Each is drawn once: the toolkit caches what it derives from an icon, and would do so for every new one. Never
-    // deleted, as the application is not.
+    // deleted, like the application.
     static auto& thePixmaps = *new std::map<const std::string_view*, QPixmap>;
     QPixmap& thePixmap = thePixmaps[myRows.data()];
     if (thePixmap.isNull())

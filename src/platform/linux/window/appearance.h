@@ -1,4 +1,4 @@
-/// How everything looks that the component shows, whatever the look of the host's own windows.
+/// The appearance of everything that the component shows, independent of the host's own windows.
 #pragma once
 
 #include "resources/formLayout.h"
@@ -12,7 +12,7 @@
 namespace qel
 {
 
-/// The font of the form and of all windows that it opens, complete: the host's own font changes nothing of it.
+/// The font of the form and of all windows that it opens, complete: it does not depend on the host's font.
 QFont FormFont(int32_t myWeight = Regular);
 
 /// Gives a finished window, and all that is in it, the form's style, colours and font. `theWindow` must not show yet.
@@ -22,8 +22,8 @@ void ApplyFormLook(QWidget& theWindow);
 /// more can be gained. The widget has its font and its size already.
 void FitCaption(QWidget& theWidget);
 
-/// Moves a window that has its size, so that nothing of it lies outside its screen; of one that is larger than the
-/// screen the top left corner shows.
+/// Moves a window, which has its final size, completely onto its screen. Of one that is larger than the screen, the top
+/// left corner is visible.
 void MoveOntoScreen(QWidget& theWindow);
 
 /// The colours of a text that is refused.

@@ -48,7 +48,7 @@ void FolderBox::wheelEvent(QWheelEvent* myEvent)
     }
     else
     {
-        myEvent->ignore(); // it may scroll what lies around
+        myEvent->ignore(); // so that the area around it can scroll
     }
 }
 
