@@ -1,6 +1,7 @@
 /// The settings dialog: the real window of the built component, opened through its entry points and worked by a user
 /// with mouse and keys.
 #include "DialogUser.h"
+#include "Environment.h"
 #include "FormTable.h"
 #include "MadePictures.h"
 #include "resources/formLayout.h"
@@ -43,10 +44,6 @@ protected:
         myFolder.MakeFolder("data");
         myFolder.MakeFolder("tmp");
         fs::permissions(myFolder.Native("tmp"), fs::perms::owner_all);
-        setenv("TMPDIR", myFolder.Native("tmp").c_str(), 1);
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
-        setenv("PULSE_SERVER", "unix:/nowhere", 1);
         theStage.Write("help/100.html", "");
         for (const char* const myFile : {"Fiestas/globo.GIF", "Fiestas/nota.txt", "Fiestas/Vals.mid",
                                          "Solo tonos/Minueto.mid", "animales/perro.gif", "leame.txt"})
@@ -59,7 +56,6 @@ protected:
         myHost->Records->DataFolder = FromUtf8(myFolder.Native("data/"));
         myHost->Script(u"");
     }
-    ~DialogTest() override { unsetenv("TMPDIR"); }
 
     /// The script of some settings, from "name=value|name=value".
     void Script(const QString& mySettings, const QString& myArchive = {}) const
@@ -133,15 +129,11 @@ protected:
     class HelpViewer
     {
     public:
-        explicit HelpViewer(const TemporaryFolder& theFolder) : myFolder(theFolder), myPath(getenv("PATH"))
+        explicit HelpViewer(const TemporaryFolder& theFolder) : myFolder(theFolder)
         {
             myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
             fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
-            setenv("PATH", (myFolder.Native() + ":" + myPath).c_str(), 1);
         }
-        ~HelpViewer() { setenv("PATH", myPath.c_str(), 1); }
-        HelpViewer(const HelpViewer&) = delete;
-        HelpViewer& operator=(const HelpViewer&) = delete;
 
         /// True when help has been asked for since the last call.
         bool IsAsked() const
@@ -153,7 +145,7 @@ protected:
 
     private:
         const TemporaryFolder& myFolder;
-        const std::string myPath;
+        const Environment myEnvironment{{"PATH", myFolder.Native() + ":" + std::getenv("PATH")}};
     };
 
     /// The tune that has been played since the last call; empty when there was none.
@@ -165,6 +157,10 @@ protected:
     }
 
     TemporaryFolder myFolder;
+    Environment myEnvironment{{"TMPDIR", myFolder.Native("tmp")},
+                              {"QT_QPA_PLATFORM", "offscreen"},
+                              {"XDG_CONFIG_HOME", myFolder.Native()},
+                              {"PULSE_SERVER", "unix:/nowhere"}};
     std::unique_ptr<DialogHost> myHost;
 };
 
@@ -177,7 +173,7 @@ TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     for (const char* myName : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
     {
-        unsetenv(myName);
+        myEnvironment.Unset(myName);
     }
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
     const auto FailsWith = [&](uint32_t myResult)
@@ -186,7 +182,7 @@ TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
         EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(myResult));
     };
     FailsWith(0x800A0039U);
-    setenv("QT_QPA_PLATFORM", "nosuch:size=1;alsono", 1);
+    myEnvironment.Set("QT_QPA_PLATFORM", "nosuch:size=1;alsono");
     FailsWith(0x800A0039U);
     static int theCount = 0;
     const QCoreApplication myApplication(theCount, nullptr); // one without windows, and not of the other thread
@@ -1067,7 +1063,7 @@ TEST_F(DialogTest, TheWindowOfASmallScreenShowsItsTopLeftCorner)
         return;
     }
     myFolder.Write("screens", R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 400, "height": 300}]})");
-    setenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + myFolder.Native("screens")).c_str(), 1);
+    myEnvironment.Set("QT_QPA_PLATFORM", "offscreen:configfile=" + myFolder.Native("screens"));
     myHost->CallBack({Dialog(
         []
         {

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxFiles.h"
 
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "platform/linux/Descriptor.h"
 #include "platform/shared/SystemPlatform.h"
@@ -374,13 +375,12 @@ TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
         Mode(myName, myMode);
     }
     Link("good", "link");
+    Environment myEnvironment;
     const auto myChosen = [&](const std::string& myTemporary, const std::string& myRuntime)
     {
-        setenv("TMPDIR", myTemporary.c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", myRuntime.c_str(), 1);
-        const Text thePath = myFiles.TemporaryPath();
-        unsetenv("TMPDIR");
-        return thePath;
+        myEnvironment.Set("TMPDIR", myTemporary);
+        myEnvironment.Set("XDG_RUNTIME_DIR", myRuntime);
+        return myFiles.TemporaryPath();
     };
     const std::string myRuntime = myFolder.Native("runtime");
     EXPECT_EQ(myChosen(myFolder.Native("good//"), myRuntime), In(u"good\\"));
@@ -389,11 +389,11 @@ TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
         EXPECT_EQ(myChosen(myFolder.Native(myUnsafe), myRuntime), In(u"runtime\\")) << myUnsafe;
     }
     EXPECT_EQ(myChosen("/tmp", myRuntime), In(u"runtime\\"));
-    setenv("XDG_CACHE_HOME", myFolder.Native("cache/deep").c_str(), 1);
+    myEnvironment.Set("XDG_CACHE_HOME", myFolder.Native("cache/deep"));
     EXPECT_EQ(myChosen("relative", "/tmp"), In(u"cache\\deep\\qel\\"));
     EXPECT_EQ(Mode("cache/deep/qel"), 0700U);
-    unsetenv("XDG_CACHE_HOME");
-    setenv("HOME", myFolder.Native().c_str(), 1);
+    myEnvironment.Unset("XDG_CACHE_HOME");
+    myEnvironment.Set("HOME", myFolder.Native());
     EXPECT_EQ(myChosen("", "/"), In(u".cache\\qel\\"));
     Mode(".cache/qel", 0750);
     EXPECT_EQ(myChosen("/tmp", "/tmp"), u"");
@@ -420,7 +420,7 @@ TEST(HelpViewer, ShowsTheTopicBesideTheHelpFileAndLeavesNoChild)
     myFolder.Write("help/100.html", "");
     myFolder.Write("xdg-open", "#!/bin/sh\necho \"$@\" > " + myResult + ".part\nmv " + myResult + ".part " + myResult);
     fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
-    setenv("PATH", (myFolder.Native() + ":/usr/bin:/bin").c_str(), 1);
+    const Environment myEnvironment{{"PATH", myFolder.Native() + ":/usr/bin:/bin"}};
     const auto myPlatform = MakeSystemPlatform();
     HelpViewer& myHelp = myPlatform->Ports().help;
     myHelp.ShowContext(myFolder.Logical(u"Some.chm"), 101); // no such topic
