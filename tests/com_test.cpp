@@ -362,7 +362,7 @@ TEST(CreateErrorInfo, ReturnsWhatWasSet)
     }
 }
 
-TEST(ErrorInformation, SetAndGet_WithoutMemory_KeepTheText)
+TEST(SetErrorInfo, WithoutMemory_KeepsTheText)
 {
     ComPtr<ICreateErrorInfo> myWriter;
     ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);

@@ -207,7 +207,7 @@ protected:
     std::function<void()> Begin = [] {}, End = Begin;
 };
 
-TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
+TEST_F(Faults, AnyCallOnFilesFails_IsReportedAndNothingStaysOpen)
 {
     for (const Operation& myOperation : Operations)
     {
@@ -226,7 +226,7 @@ TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
     }
 }
 
-TEST_F(Faults, OfAFullDiskAreReportedAndLeaveNothingOpen)
+TEST_F(Faults, DiskIsFull_IsReportedAndNothingStaysOpen)
 {
     const auto TryAll = [&]
     {
@@ -262,7 +262,7 @@ TEST_F(Faults, OfAFullDiskAreReportedAndLeaveNothingOpen)
     std::signal(SIGXFSZ, mySignal);
 }
 
-TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
+TEST_F(Faults, Commit_ProcessKilled_LeavesAModuleThatOpens)
 {
     Outcomes myOutcomes;
     int myStatus = SIGKILL;
@@ -282,7 +282,7 @@ TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
     EXPECT_EQ(myOutcomes, (Outcomes{"done 2", "empty"}));
 }
 
-TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
+TEST_F(Faults, AnyMember_MemoryRunsOut_IsErrorSeven)
 {
     void* const myLibrary = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_LOCAL);
     const auto myClassObject = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
