@@ -30,7 +30,7 @@ double Milliseconds(Clock::duration myTime)
 /// A component's folder with such a library. All motifs of a folder are one file.
 void MakeStage(const fs::path& mySource, const fs::path& myTarget)
 {
-    for (const char* myFile : {"QelPluginAnimation.so", "QelPluginAnimationWindow.so", "libqelcom.so"})
+    for (const char* myFile : {"QelPluginAnimation.so", "QelPluginAnimationWindow.so", "libqelcom.so.1"})
     {
         fs::copy_file(mySource / myFile, myTarget / myFile);
     }

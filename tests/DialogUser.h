@@ -2,9 +2,7 @@
 #pragma once
 
 #include "com/Bstr.h"
-#include "com/CountedObject.h"
-#include "com/Failure.h"
-#include "com/InterfaceTables.h"
+#include "ComTestHost.h"
 #include "text/encodings.h"
 #include "WindowUser.h"
 
@@ -25,38 +23,25 @@
 namespace qel
 {
 
-/// The host's two services: what a test sets is what they answer.
-class DialogHelper final : public CountedObject<QelBuildHelper>
+/// The services of a host with one module. The dialog asks for the members that answer here and for no other.
+class DialogDatabase final : public TestHost, public ComTestDatabase
 {
 public:
-    HRESULT get_UniqueName(BSTR*) override { return E_FAIL; }
-    HRESULT get_InstanceNumber(int32_t*) override { return E_FAIL; }
-    HRESULT get_MediaFolder(BSTR*) override { return E_FAIL; }
-    HRESULT get_MediaURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_ImageFolder(BSTR*) override { return E_FAIL; }
-    HRESULT get_ImageURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_FileFolder(BSTR*) override { return E_FAIL; }
-    HRESULT get_FileURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_ArchiveName(BSTR* theName) override { return Store(theName, u"m7.dat"), S_OK; }
-};
-
-class DialogDatabase final : public CountedObject<QelDatabase>
-{
-public:
-    HRESULT get_RecordType(int32_t*) override { return E_FAIL; }
-    HRESULT get_EOF(VARIANT_BOOL*) override { return E_FAIL; }
-    HRESULT get_RecordFilename(BSTR*) override { return E_FAIL; }
-    HRESULT SeekUID(BSTR*, int32_t*, int32_t*) override { return E_FAIL; }
-    HRESULT get_RecordURL(BSTR*) override { return E_FAIL; }
-    HRESULT get_DataFolder(BSTR* theFolder) override { return Store(theFolder, DataFolder), S_OK; }
+    DialogDatabase() : ComTestDatabase(static_cast<TestHost&>(*this))
+    {
+        ArchiveName = u"m7.dat";
+        Called = [](const std::string& myMember)
+        {
+            const bool myIsExpected = myMember == "ArchiveName" || myMember == "DataFolder" || myMember == "ChooseLink";
+            myIsExpected ? void() : throw Error{ErrorNumber::InvalidArgument, u"unexpected call"};
+        };
+    }
     HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override
     {
-        PresentLink = TextOfBstr(*myPresentLink);
-        Store(theLink, Link);
-        return LinkResult;
+        const HRESULT myResult = ComTestDatabase::ChooseLink(myPresentLink, theLink);
+        return FAILED(myResult) ? myResult : LinkResult;
     }
 
-    Text DataFolder, PresentLink, Link;
     HRESULT LinkResult = S_OK;
 };
 
@@ -235,8 +220,8 @@ public:
         return theAnswer == VARIANT_TRUE;
     }
 
-    ComPtr<DialogHelper> Helper = MakeCounted<DialogHelper>();
     ComPtr<DialogDatabase> Records = MakeCounted<DialogDatabase>();
+    ComPtr<ComTestBuildHelper> Helper = MakeCounted<ComTestBuildHelper>(*Records.Get());
     ComPtr<QelPlugin> Plugin;
 
 private:

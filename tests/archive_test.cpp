@@ -75,7 +75,7 @@ protected:
     Text myEvents; ///< the names, one behind the other
 };
 
-TEST_F(Archive, OnlyAWholeOneIsReadAndUnpacked)
+TEST_F(Archive, Read_OnlyAWholeArchive)
 {
     const std::string myWhole[] = {Example, Example + "behind the end",
                                    Magic + Entry("\\a", "1") + Entry("\\b", "") + Entry("\\c", "23") + EndMarker};
@@ -109,7 +109,7 @@ TEST_F(Archive, OnlyAWholeOneIsReadAndUnpacked)
     }
 }
 
-TEST_F(Archive, EveryFileComesOutAtItsPlaceWithItsBytes)
+TEST_F(Archive, Unpack_EveryFileAtItsPlaceWithItsBytes)
 {
     std::vector<std::pair<std::string, std::string>> myExpected = {
         {"a.txt", "abc"}, {"img/b.gif", ""}, {"ñ€", "\0\r"s}};
@@ -136,7 +136,7 @@ TEST_F(Archive, EveryFileComesOutAtItsPlaceWithItsBytes)
     EXPECT_TRUE(myFolder.Exists("again/a") && myFolder.Exists("again/cancel") && !myFolder.Exists("again/c"));
 }
 
-TEST_F(Archive, ReplacesWhatIsThereButNotWhatALinkLeadsTo)
+TEST_F(Archive, Unpack_ReplacesFilesButNotTheTargetOfALink)
 {
     myFolder.Write("base/a.txt", "longer than the new one");
     myFolder.Write("base/A.TXT", "another");
@@ -151,7 +151,7 @@ TEST_F(Archive, ReplacesWhatIsThereButNotWhatALinkLeadsTo)
     EXPECT_EQ(myFolder.Read("outside"), "mine");
 }
 
-TEST_F(Archive, Packing_ReadsTheNamesOnTheDiskUnderSmallOnes)
+TEST_F(Archive, Pack_SmallFilenames_ReadsTheNamesOnTheDisk)
 {
     myFolder.Write("base/Img/SUB/Logo.GIF", "picture");
     myArchive.SmallFilenames(true);
@@ -159,7 +159,7 @@ TEST_F(Archive, Packing_ReadsTheNamesOnTheDiskUnderSmallOnes)
     EXPECT_EQ(myFolder.Read("x.dat"), Magic + Entry("\\img\\sub\\logo.gif", "picture") + EndMarker);
 }
 
-TEST_F(Archive, Unpacking_LooksUpEachLevelOnce)
+TEST_F(Archive, Unpack_LooksUpEachLevelOnce)
 {
     FailingFiles myCountedFiles(myFiles);
     const auto CallsFor = [&](const std::string& myEntries)
@@ -194,7 +194,7 @@ TEST_F(Archive, Unpacking_CopiesInBlocksOf32000Bytes)
     EXPECT_EQ(myRecordedFiles.Writes, (std::vector<size_t>{32000, 32000, 32000, 1}));
 }
 
-TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
+TEST_F(Archive, Unpack_NameThatLeavesTheFolder)
 {
     std::filesystem::create_directory_symlink(myFolder.Native("outside"), myFolder.Native("base/link"));
     std::istringstream myNames(
@@ -216,7 +216,7 @@ TEST_F(Archive, NoNameLeadsOutOfTheBaseFolder)
     EXPECT_TRUE(UnPack(Magic + Entry("\\a..b\\c..", "1") + EndMarker)) << "dots inside a name are harmless";
 }
 
-TEST_F(Archive, FoldersAreMadeWhenAFileNeedsThem)
+TEST_F(Archive, Unpack_MakesAFolderWhenAFileNeedsIt)
 {
     myArchive.BaseFolder(myFolder.Logical(u"new"));
     EXPECT_TRUE(UnPack(Magic + EndMarker));
@@ -230,7 +230,7 @@ TEST_F(Archive, FoldersAreMadeWhenAFileNeedsThem)
     EXPECT_FALSE(myFolder.Exists("missing"));
 }
 
-TEST_F(Archive, PackingTellsItsShareAndEndsAsTheFlagStandsThen)
+TEST_F(Archive, Pack_ReportsProgressAndCanBeCancelled)
 {
     const Text myFirst = u"0 \\a12 "; // a half goes to the even number
     const Text myWhole = myFirst + u"\\img\\b38 \\img\\sub\\c100 100 ";
@@ -264,7 +264,7 @@ TEST_F(Archive, PackingTellsItsShareAndEndsAsTheFlagStandsThen)
     }
 }
 
-TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
+TEST_F(Archive, Pack_OnlyPlainFilesThatCanBeUnpacked)
 {
     // The files, a link beside them, and the names in the archive, lowered and plain, or why there is none.
     const std::tuple<std::vector<std::string>, std::string, std::string, std::string> myCases[] = {
@@ -301,7 +301,7 @@ TEST_F(Archive, PacksPlainFilesAloneAndOnlyWhatItCanUnpack)
     EXPECT_EQ(myFolder.Read("x.dat"), Example);
 }
 
-TEST_F(Archive, ListsEveryEntryByItsExtensionAndSize)
+TEST_F(Archive, List_EveryEntryByItsExtensionAndSize)
 {
     EXPECT_EQ(myArchive.FileCount() + myArchive.Status(), u"0Es wurden keine Dateien geladen");
     const std::pair<TextView, std::vector<std::string>> myClasses[] = {
@@ -336,7 +336,7 @@ TEST_F(Archive, ListsEveryEntryByItsExtensionAndSize)
     EXPECT_EQ(ErrorOf([&] { myArchive.Status(); }), ErrorNumber::Overflow);
 }
 
-TEST_F(Archive, PathsAreJoinedAtOneSeparator)
+TEST_F(Archive, Paths_AreJoinedAtOneSeparator)
 {
     const TextView myCases[][4] = {
         // both parts, joined with "\", joined with "/"

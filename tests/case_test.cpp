@@ -1,10 +1,12 @@
 /// Names that differ in case alone, on their way from an archive or a host to the page's folders.
 #include "archive/classArchive.h"
+#include "Environment.h"
 #include "MadePictures.h"
 #include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
 #include "tags/pluginFunctions.h"
 #include "TemporaryFolder.h"
+#include "TestHost.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -16,37 +18,6 @@ namespace
 
 using namespace std::string_literals;
 
-/// What a host answers for the module and the record in hand.
-struct Answers
-{
-    Text UniqueName = u"a";
-    Text RecordFilename = u"doc.pdf";
-};
-
-/// A host that stages everything in one folder.
-struct OneFolderHost final : BuildHelper, Database
-{
-    OneFolderHost(const TemporaryFolder& myWorkFolder, const Answers& myAnswers) : Work(myWorkFolder), My(myAnswers) {}
-    Text UniqueName() override { return My.UniqueName; }
-    int32_t InstanceNumber() override { return 1; }
-    Text MediaFolder() override { return Work.Logical(u"site\\"); }
-    Text MediaURL() override { return {}; }
-    Text ImageFolder() override { return MediaFolder(); }
-    Text ImageURL() override { return {}; }
-    Text FileFolder() override { return MediaFolder(); }
-    Text FileURL() override { return {}; }
-    Text ArchiveName() override { return u"m.dat"; }
-    int32_t RecordType() override { return 5; }
-    bool AtEnd() override { return false; }
-    Text RecordFilename() override { return My.RecordFilename; }
-    void SeekUID(TextView) override {}
-    Text RecordURL() override { return {}; }
-    Text DataFolder() override { return Work.Logical(u"data\\"); }
-    Text ChooseLink(TextView) override { return {}; }
-    const TemporaryFolder& Work;
-    const Answers& My;
-};
-
 class Case : public testing::Test
 {
 protected:
@@ -56,10 +27,15 @@ protected:
         myFolder.MakeFolder("data");
         myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
         myFolder.Write("library/Fiestas/Vals.mid", "tune");
-        myForm.myBuildHelper = std::make_unique<OneFolderHost>(myFolder, myAnswers);
-        myForm.myDatabase = std::make_unique<OneFolderHost>(myFolder, myAnswers);
+        myHost.UniqueName = u"a";
+        myHost.BuildInto(myFolder.Logical(u"site\\"));
+        myHost.ArchiveName = u"m.dat";
+        myHost.DataFolder = myFolder.Logical(u"data\\");
+        myHost.RecordType = 5;
+        myHost.RecordFilename = u"doc.pdf";
+        myForm.myBuildHelper = std::make_unique<TestHostServices>(myHost);
+        myForm.myDatabase = std::make_unique<TestHostServices>(myHost);
     }
-    ~Case() override { unsetenv("TMPDIR"); }
 
     /// Packs files of a folder as somebody else would, with their names as they are.
     void PackForeign()
@@ -78,8 +54,8 @@ protected:
     }
 
     TemporaryFolder myFolder;
-    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
-    Answers myAnswers;
+    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    TestHost myHost;
     RecordedWindow myWindow;
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow, myWindow, myWindow,
@@ -125,7 +101,7 @@ TEST_F(Case, Staging_KeepsModulesApartWhoseUniqueNamesDifferInCase)
                   u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>");
     for (const TextView myName : {u"a", u"A"})
     {
-        myAnswers.UniqueName = myName;
+        myHost.UniqueName = myName;
         EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
     }
     for (const char* const myName : {"qelspra.gif", "qelsprA.gif", "qelmida.mid", "qelmidA.mid"})
@@ -140,7 +116,7 @@ TEST_F(Case, Staging_KeepsLinkedFilesApartThatDifferInCase)
     myFolder.Write("data/Doc.pdf", "large");
     for (const TextView myName : {u"doc.pdf", u"Doc.pdf"})
     {
-        myAnswers.RecordFilename = myName;
+        myHost.RecordFilename = myName;
         myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
                       u"<pg.param name=playmidi value=0><pg.param name=link value=UID:7>");
         EXPECT_NE(myForm.Output(), u"[Error de plug-in]");

@@ -204,7 +204,7 @@ void ExpectOwnErrors(const std::string& mySource, const std::vector<FailingCall>
     }
 }
 
-TEST(Texts, CarryTheirLengthInFrontAndAZeroBehind)
+TEST(SysAllocString, LengthInFrontAndZeroAtTheEnd)
 {
     for (const TextView myText : {TextView(u""), TextView(u"a\0b", 3), TextView(u"ñ")})
     {
@@ -227,7 +227,7 @@ TEST(Texts, CarryTheirLengthInFrontAndAZeroBehind)
     EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr);
 }
 
-TEST(Variants, ConvertByValueAndByReference)
+TEST(VariantChangeType, ByValueAndByReference)
 {
     int16_t mySmall = 7;
     Value myInner(VT_BYREF | VT_I2, &mySmall);
@@ -290,7 +290,7 @@ TEST(Variants, ConvertByValueAndByReference)
     EXPECT_EQ(Show(mySame), "I4 41");
 }
 
-TEST(Variants, HoldAReferenceOfTheirOwnToAnObject)
+TEST(VariantChangeType, Object_GetsAReferenceThatVariantClearReleases)
 {
     const auto myLife = std::make_shared<int>();
     auto myObject = MakeCounted<TestDatabase>(myLife);
@@ -307,7 +307,7 @@ TEST(Variants, HoldAReferenceOfTheirOwnToAnObject)
     EXPECT_EQ(myLife.use_count(), 1);
 }
 
-TEST(VariantInit, OfAnythingGivesAnEmptyVariantAndFreesNothing)
+TEST(VariantInit, EmptiesAndFreesNothing)
 {
     VARIANT myValue;
     std::memset(&myValue, 0x5A, sizeof myValue); // a type that is unknown, and a pointer to nowhere
@@ -317,7 +317,7 @@ TEST(VariantInit, OfAnythingGivesAnEmptyVariantAndFreesNothing)
     VariantInit(nullptr);
 }
 
-TEST(ErrorInformation, GivesBackWhatWasSet)
+TEST(CreateErrorInfo, ReturnsWhatWasSet)
 {
     ComPtr<ICreateErrorInfo> myWriter;
     ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
@@ -362,7 +362,7 @@ TEST(ErrorInformation, GivesBackWhatWasSet)
     }
 }
 
-TEST(ErrorInformation, SetAndGet_WithoutMemory_KeepTheText)
+TEST(SetErrorInfo, WithoutMemory_KeepsTheText)
 {
     ComPtr<ICreateErrorInfo> myWriter;
     ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
@@ -382,7 +382,7 @@ TEST(ErrorInformation, SetAndGet_WithoutMemory_KeepTheText)
     EXPECT_EQ(myResults, (std::vector{E_OUTOFMEMORY, S_OK, E_OUTOFMEMORY, S_OK}));
 }
 
-TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
+TEST(GetErrorInfo, IsThatOfItsThread)
 {
     ASSERT_EQ(Guarded([] { throw Error{6, u"mío"}; }), QEL_RESULT(0x800A0006U));
     std::string myOther = "not run";
@@ -400,10 +400,10 @@ TEST(ErrorInformation, BelongsToTheThreadThatSetIt)
     EXPECT_EQ(GetErrorInfo(0, nullptr), E_POINTER);
     EXPECT_EQ(CreateErrorInfo(nullptr), E_POINTER);
     EXPECT_EQ(TakenDescription(), "mío") << "refused calls leave it";
-    EXPECT_EQ(TakenDescription(), "-") << "it is taken away";
+    EXPECT_EQ(TakenDescription(), "-") << "reading takes it away";
 }
 
-TEST(Failures, OfEveryKindBecomeAResultAndAnErrorInformation)
+TEST(Guarded, Exception_BecomesAResultAndErrorInformation)
 {
     const auto Throws = [](auto myFailure)
     {
@@ -434,7 +434,7 @@ TEST(Failures, OfEveryKindBecomeAResultAndAnErrorInformation)
     }
 }
 
-TEST(HostCalls, KeepTheHostsNumberAndItsTextOrAGeneralOne)
+TEST(CallHost, Failure_KeepsTheHostsNumberAndText)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     ComDatabase myDatabase(myHost.Get());
@@ -464,7 +464,7 @@ TEST(HostCalls, KeepTheHostsNumberAndItsTextOrAGeneralOne)
     }
 }
 
-TEST(HostCalls, SurviveAHostThatTakesItsObjectBackMeanwhile)
+TEST(CallHost, HostTakesItsObjectBackMeanwhile)
 {
     const auto myLife = std::make_shared<int>();
     auto myHost = MakeCounted<TestDatabase>(myLife);
@@ -479,7 +479,7 @@ TEST(HostCalls, SurviveAHostThatTakesItsObjectBackMeanwhile)
     EXPECT_EQ(myLife.use_count(), 1);
 }
 
-TEST(HostCalls, AreErrorsOnceTheObjectIsAbandonedWhichReleasesNothing)
+TEST(CallHost, AfterAbandon_FailsAndReleasesNothing)
 {
     auto* const myHost = new TestDatabase();
     {
@@ -491,7 +491,7 @@ TEST(HostCalls, AreErrorsOnceTheObjectIsAbandonedWhichReleasesNothing)
     EXPECT_EQ(myHost->Release(), 0U);
 }
 
-TEST(LateBinding, FindsAMemberByNameAndNoParameters)
+TEST(GetIDsOfNames, FindsMembersButNoParameters)
 {
     const auto myObject = MakeCounted<TestDatabase>();
     Text myMember = u"SEEKuid";
@@ -505,7 +505,7 @@ TEST(LateBinding, FindsAMemberByNameAndNoParameters)
     EXPECT_EQ(myObject->GetIDsOfNames(&GUID_NULL, nullptr, 1, 0, theNumbers), E_POINTER);
 }
 
-TEST(LateBinding, AnswersCallsAsDocumented)
+TEST(Invoke, ArgumentsAndResults)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     int32_t myNumber = 1;
@@ -540,7 +540,7 @@ TEST(LateBinding, AnswersCallsAsDocumented)
     EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
 }
 
-TEST(LateBinding, RefusedCall_LeavesItsOwnErrorInformation)
+TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     IDispatch& myObject = *myHost.Get();
@@ -602,7 +602,7 @@ TEST(LateBinding, RefusedCall_LeavesItsOwnErrorInformation)
         });
 }
 
-TEST(QueryInterface, LeavesTheErrorInformationForWhoAsksAboutAFailure)
+TEST(QueryInterface, LeavesTheErrorInformation)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     Guarded([] { throw Error{6, u"mío"}; });
@@ -650,7 +650,7 @@ protected:
     const std::string myFilename = "{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class"; // CLSID_Main
 };
 
-TEST_F(ClassRegistry, FindsWhatWasRegisteredUntilItIsRemoved)
+TEST_F(ClassRegistry, Register_IsFoundUntilItIsRemoved)
 {
     CLSID theClass{};
     EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
@@ -668,7 +668,7 @@ TEST_F(ClassRegistry, FindsWhatWasRegisteredUntilItIsRemoved)
     EXPECT_EQ(ReasonNotLoaded(CLSID_Main), std::to_string(REGDB_E_CLASSNOTREG));
 }
 
-TEST_F(ClassRegistry, PassesOverMalformedEntriesAndPrefersTheUsersOnes)
+TEST_F(ClassRegistry, Find_SkipsMalformedEntriesAndPrefersTheUsers)
 {
     Write(mySystem / myFilename, "Comment=1\r\nProgID=Package.Main\r\nLibrary=/none/system.so\r\n");
     fs::create_directories(myUser);
@@ -705,7 +705,7 @@ TEST_F(ClassRegistry, PassesOverMalformedEntriesAndPrefersTheUsersOnes)
     EXPECT_EQ(CLSIDFromProgID(u"Lower.Main", &theClass), CO_E_CLASSSTRING);
 }
 
-TEST_F(ClassRegistry, WithoutStandardInput_IsWrittenAndReadAllTheSame)
+TEST_F(ClassRegistry, Register_WithoutStandardInput)
 {
     const int myInput = dup(STDIN_FILENO);
     close(STDIN_FILENO); // the next file that is opened has its number
@@ -717,7 +717,7 @@ TEST_F(ClassRegistry, WithoutStandardInput_IsWrittenAndReadAllTheSame)
     close(myInput);
 }
 
-TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
+TEST_F(ClassRegistry, Register_RefusesWhatCouldNotBeReadBack)
 {
     const std::pair<const char16_t*, std::string> myCases[] = {{u"", "/none/a.so"},
                                                                {u"A\nLibrary=/b.so", "/none/a.so"},
@@ -738,7 +738,7 @@ TEST_F(ClassRegistry, RefusesEntriesThatCouldNotBeReadBack)
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
 }
 
-TEST_F(ClassRegistry, LiesBelowTheHomeFolderUnlessAnAbsoluteDataFolderIsNamed)
+TEST_F(ClassRegistry, Register_RelativeDataFolder_UsesTheHomeFolder)
 {
     myEnvironment.Set("XDG_DATA_HOME", "relative");
     EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
@@ -772,7 +772,7 @@ TEST_F(ClassRegistry, RefusedCall_LeavesItsOwnErrorInformation)
         });
 }
 
-TEST_F(ClassRegistry, WithoutMemory_EndsInThatAndNotAsIfNothingWereRegistered)
+TEST_F(ClassRegistry, AnyCall_WithoutMemory_ReportsIt)
 {
     Write(mySystem / myFilename, "ProgID=A.Main\nLibrary=" QEL_STAGE "/QelPluginAnimation.so\n");
     const std::set myOutcomes = {E_OUTOFMEMORY, S_OK};
@@ -805,7 +805,7 @@ TEST_F(ClassRegistry, WithoutMemory_EndsInThatAndNotAsIfNothingWereRegistered)
     EXPECT_EQ(myResults, (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK})) << "creating an object";
 }
 
-TEST_F(ClassRegistry, HoldsAComponentThatIsUnloadedWithItsLastObjectAndNotBefore)
+TEST_F(ClassRegistry, FreeUnusedLibraries_UnloadsAfterTheLastObject)
 {
     fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", mySystem / "../component.so");
     Write(mySystem / myFilename, "ProgID=QelPluginAnimation.Main\nLibrary=../component.so\n"); // as a package does

@@ -27,16 +27,16 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// The loaded component, closed again when it goes.
-class Component
+/// The loaded component. It is closed when the object goes.
+class LoadedComponent
 {
 public:
-    explicit Component(const char* myPath = QEL_STAGE "/QelPluginAnimation.so")
+    explicit LoadedComponent(const char* myPath = QEL_STAGE "/QelPluginAnimation.so")
         : myLibrary(dlopen(myPath, RTLD_NOW | RTLD_LOCAL))
     {
         EXPECT_NE(myLibrary, nullptr) << dlerror();
     }
-    ~Component() { dlclose(myLibrary); }
+    ~LoadedComponent() { dlclose(myLibrary); }
 
     template <class Function>
     Function EntryPoint(const char* myName) const
@@ -112,10 +112,10 @@ Call CallsBack(int32_t myLink)
 }
 
 /// Each test has temporary files and a class registry of its own.
-class ComponentTest : public testing::Test
+class Component : public testing::Test
 {
 protected:
-    ComponentTest()
+    Component()
     {
         for (const char* myDisplay : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
         {
@@ -149,9 +149,9 @@ protected:
 };
 
 // First, before another test loads what this one must not find.
-TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
+TEST_F(Component, Output_LoadsNeitherToolkitNorSynthesiser)
 {
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const auto myPlugin = myComponent.Plugin();
     EXPECT_TRUE(LibraryPage(*myPlugin.Get()).starts_with(u"<script"));
     EXPECT_TRUE(Read(*myPlugin.Get(), &QelPlugin::get_TextSettings).starts_with(u"Se muestra"));
@@ -164,7 +164,7 @@ TEST_F(ComponentTest, MapsNeitherToolkitNorSynthesiserToReadATextAndWriteAPage)
     }
 }
 
-TEST_F(ComponentTest, ExportsItsEntryPointsAndTheSystemItsFunctionsAndNothingElse)
+TEST_F(Component, Exports_AreTheDocumentedOnes)
 {
     const std::pair<const char*, const char*> myCases[] = {
         {"QelPluginAnimation.so", "DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer "},
@@ -180,7 +180,7 @@ TEST_F(ComponentTest, ExportsItsEntryPointsAndTheSystemItsFunctionsAndNothingEls
     }
 }
 
-TEST_F(ComponentTest, MakesTheRecordForTheMembersThatNeedItAndForNoOther)
+TEST_F(Component, Members_MakeTheRecordOnlyWhereTheyNeedIt)
 {
     const struct
     {
@@ -202,7 +202,7 @@ TEST_F(ComponentTest, MakesTheRecordForTheMembersThatNeedItAndForNoOther)
         {"ErrorText", Reads(&QelPlugin::get_ErrorText), true},
         {"CallBack 0", CallsBack(0), true},
     };
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const fs::path myRecord = myFolder / "qelpluginanimtemp";
     for (const auto& myCase : Cases)
     {
@@ -215,21 +215,21 @@ TEST_F(ComponentTest, MakesTheRecordForTheMembersThatNeedItAndForNoOther)
     }
 }
 
-TEST_F(ComponentTest, SurvivesAHostThatPutsAnotherModuleInHandInTheMiddleOfAnOutput)
+TEST_F(Component, Output_HostWritesAnotherScriptMeanwhile)
 {
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const auto myPlugin = myComponent.Plugin();
     const Text myPage =
         LibraryPage(*myPlugin.Get(), [&] { Write(*myPlugin.Get(), u"<pg.param name=playmidi value=0>"); });
     EXPECT_NE(myPage.find(u"qelspr1.gif"), Text::npos);
 }
 
-TEST_F(ComponentTest, OpenedByARelativePathRegistersTheAbsoluteOne)
+TEST_F(Component, Register_LoadedByARelativePath_WritesTheAbsoluteOne)
 {
     const fs::path myWorkingFolder = fs::current_path();
     fs::current_path(QEL_STAGE);
     {
-        const Component myComponent("./QelPluginAnimation.so");
+        const LoadedComponent myComponent("./QelPluginAnimation.so");
         fs::current_path(myFolder.Native());
         EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
         void* myObject = nullptr;
@@ -240,20 +240,20 @@ TEST_F(ComponentTest, OpenedByARelativePathRegistersTheAbsoluteOne)
     fs::current_path(myWorkingFolder);
 }
 
-TEST_F(ComponentTest, LoadedThroughALink_WorksFromItsRealFolderAndRegistersTheLink)
+TEST_F(Component, Register_LoadedThroughALink_WritesTheLinkAndWorksFromTheRealFolder)
 {
     const fs::path myLink = myFolder / "enlace.so";
     fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", myLink);
-    const Component myComponent(myLink.c_str());
+    const LoadedComponent myComponent(myLink.c_str());
     EXPECT_TRUE(LibraryPage(*myComponent.Plugin().Get()).starts_with(u"<script")) << "the library lies beside the file";
     EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
     const std::string myLines = myFolder.Read("data/qel/classes/{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class");
     EXPECT_NE(myLines.find("Library=" + myLink.string() + "\n"), std::string::npos) << myLines;
 }
 
-TEST_F(ComponentTest, RefusedCall_LeavesErrorInformationOfTheComponent)
+TEST_F(Component, RefusedCall_LeavesErrorInformationOfTheComponent)
 {
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
     const auto myFactory = myComponent.Factory();
     const auto myPlugin = myComponent.Plugin();
@@ -287,9 +287,9 @@ TEST_F(ComponentTest, RefusedCall_LeavesErrorInformationOfTheComponent)
     EXPECT_EQ(theAnswer, VARIANT_FALSE) << "a failed call gives an empty value";
 }
 
-TEST_F(ComponentTest, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)
+TEST_F(Component, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)
 {
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const auto CanUnloadNow = myComponent.EntryPoint<DllCanUnloadNowFunction>("DllCanUnloadNow");
     auto myFactory = myComponent.Factory();
     EXPECT_EQ(myFactory->LockServer(0), S_OK);
@@ -301,9 +301,9 @@ TEST_F(ComponentTest, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)
     EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
-TEST_F(ComponentTest, CreateInstance_WithoutMemory_ChangesNothingForTheObjectsThatAreThere)
+TEST_F(Component, CreateInstance_WithoutMemory_ChangesNothingForTheObjectsThatAreThere)
 {
-    const Component myComponent;
+    const LoadedComponent myComponent;
     const auto myPlugin = myComponent.Plugin();
     const auto myFactory = myComponent.Factory();
     void* theObject = nullptr;

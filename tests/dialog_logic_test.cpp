@@ -51,7 +51,7 @@ protected:
     const std::string myStop = "stop qelmidi |close qelmidi ";
 };
 
-TEST_F(DialogLogic, OpensAndCommitsInTheOrderOfItsSteps)
+TEST_F(DialogLogic, OpeningAndCommit_TakeTheirStepsInOrder)
 {
     const auto Confirm = [&](FormMainEvents& theEvents)
     {
@@ -77,7 +77,7 @@ TEST_F(DialogLogic, OpensAndCommitsInTheOrderOfItsSteps)
     EXPECT_FALSE(myForm.Settings().myShowImage);
 }
 
-TEST_F(DialogLogic, PlaysACopyByFourCommands)
+TEST_F(DialogLogic, Play_SendsFourCommandsForACopy)
 {
     const auto Play = [&](FormMainEvents& theEvents)
     {
@@ -96,7 +96,7 @@ TEST_F(DialogLogic, PlaysACopyByFourCommands)
     EXPECT_EQ(Open(u"", Play), myStop + "|" + myStop);
 }
 
-TEST_F(DialogLogic, ATuneThatCannotBeCopiedLeavesNoneImported)
+TEST_F(DialogLogic, ImportTune_CopyFails_LeavesNoneImported)
 {
     const auto Import = [&](FormMainEvents& theEvents)
     {
@@ -114,7 +114,7 @@ TEST_F(DialogLogic, ATuneThatCannotBeCopiedLeavesNoneImported)
               myDialog + "|" + myDialog + "|lblMIDI: Haga|110|" + myDialog + "|lblMIDI: Ning|100|" + myStop);
 }
 
-TEST_F(DialogLogic, AFailureOfAHandlerIsShownUnlessAWriteWaitsForIt)
+TEST_F(DialogLogic, Handler_FailureIsShownUnlessTheLogicCausedTheEvent)
 {
     std::string& myFailing = myWindow.Happened.Failing;
     myFailing = "lblMIDI: Ning";
@@ -155,7 +155,7 @@ TEST_F(DialogLogic, Opening_NamesAStoredDateThatAPickerCannotShow)
     EXPECT_FALSE(myWindow.WasSeen);
 }
 
-TEST(FormLayout, HoldsTheFormOfTheTable)
+TEST(FormLayout, MainFormControls_AreThoseOfTheTable)
 {
     const std::map<std::string, ControlKind> myKinds = {
         {"combo box", ControlKind::ComboBox}, {"picture box", ControlKind::PictureBox},
@@ -184,7 +184,7 @@ TEST(FormLayout, HoldsTheFormOfTheTable)
     }
 }
 
-TEST(FitInto, KeepsTheProportionsAndRoundsHalvesToEven)
+TEST(FitInto, KeepsProportionsAndRoundsHalvesToEven)
 {
     using Case = std::tuple<PictureSize, double, double, PictureSize>;
     for (const auto& [myRoom, myWidth, myHeight, myFit] :
@@ -194,7 +194,8 @@ TEST(FitInto, KeepsTheProportionsAndRoundsHalvesToEven)
           Case{{435, 179}, 3, 7, {3, 7}}})
     {
         const PictureSize mySize = FitInto(myRoom, myWidth, myHeight);
-        EXPECT_EQ(std::pair(mySize.Width, mySize.Height), std::pair(myFit.Width, myFit.Height));
+        EXPECT_EQ(mySize.Width, myFit.Width) << myWidth << " by " << myHeight;
+        EXPECT_EQ(mySize.Height, myFit.Height) << myWidth << " by " << myHeight;
     }
 }
 

@@ -1,6 +1,7 @@
 /// The settings dialog: the real window of the built component, opened through its entry points and worked by a user
 /// with mouse and keys.
 #include "DialogUser.h"
+#include "Environment.h"
 #include "FormTable.h"
 #include "MadePictures.h"
 #include "resources/formLayout.h"
@@ -43,10 +44,6 @@ protected:
         myFolder.MakeFolder("data");
         myFolder.MakeFolder("tmp");
         fs::permissions(myFolder.Native("tmp"), fs::perms::owner_all);
-        setenv("TMPDIR", myFolder.Native("tmp").c_str(), 1);
-        setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        setenv("XDG_CONFIG_HOME", myFolder.Native().c_str(), 1);
-        setenv("PULSE_SERVER", "unix:/nowhere", 1);
         theStage.Write("help/100.html", "");
         for (const char* const myFile : {"Fiestas/globo.GIF", "Fiestas/nota.txt", "Fiestas/Vals.mid",
                                          "Solo tonos/Minueto.mid", "animales/perro.gif", "leame.txt"})
@@ -59,7 +56,6 @@ protected:
         myHost->Records->DataFolder = FromUtf8(myFolder.Native("data/"));
         myHost->Script(u"");
     }
-    ~DialogTest() override { unsetenv("TMPDIR"); }
 
     /// The script of some settings, from "name=value|name=value".
     void Script(const QString& mySettings, const QString& myArchive = {}) const
@@ -133,15 +129,11 @@ protected:
     class HelpViewer
     {
     public:
-        explicit HelpViewer(const TemporaryFolder& theFolder) : myFolder(theFolder), myPath(getenv("PATH"))
+        explicit HelpViewer(const TemporaryFolder& theFolder) : myFolder(theFolder)
         {
             myFolder.Write("xdg-open", "#!/bin/sh\n>" + myFolder.Native("asked"));
             fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
-            setenv("PATH", (myFolder.Native() + ":" + myPath).c_str(), 1);
         }
-        ~HelpViewer() { setenv("PATH", myPath.c_str(), 1); }
-        HelpViewer(const HelpViewer&) = delete;
-        HelpViewer& operator=(const HelpViewer&) = delete;
 
         /// True when help has been asked for since the last call.
         bool IsAsked() const
@@ -153,7 +145,7 @@ protected:
 
     private:
         const TemporaryFolder& myFolder;
-        const std::string myPath;
+        const Environment myEnvironment{{"PATH", myFolder.Native() + ":" + std::getenv("PATH")}};
     };
 
     /// The tune that has been played since the last call; empty when there was none.
@@ -165,10 +157,14 @@ protected:
     }
 
     TemporaryFolder myFolder;
+    Environment myEnvironment{{"TMPDIR", myFolder.Native("tmp")},
+                              {"QT_QPA_PLATFORM", "offscreen"},
+                              {"XDG_CONFIG_HOME", myFolder.Native()},
+                              {"PULSE_SERVER", "unix:/nowhere"}};
     std::unique_ptr<DialogHost> myHost;
 };
 
-TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
+TEST_F(DialogTest, Open_WithoutAWindowSystem_FailsAndTouchesNothing)
 {
     if (!IsAlone())
     {
@@ -177,7 +173,7 @@ TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
     ASSERT_EQ(QCoreApplication::instance(), nullptr);
     for (const char* myName : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
     {
-        unsetenv(myName);
+        myEnvironment.Unset(myName);
     }
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
     const auto FailsWith = [&](uint32_t myResult)
@@ -186,7 +182,7 @@ TEST_F(DialogTest, FailsWhereThereAreNoWindowsBeforeAnythingIsTouched)
         EXPECT_EQ(myHost->Plugin.Query<QelInfo>()->About(), QEL_RESULT(myResult));
     };
     FailsWith(0x800A0039U);
-    setenv("QT_QPA_PLATFORM", "nosuch:size=1;alsono", 1);
+    myEnvironment.Set("QT_QPA_PLATFORM", "nosuch:size=1;alsono");
     FailsWith(0x800A0039U);
     static int theCount = 0;
     const QCoreApplication myApplication(theCount, nullptr); // one without windows, and not of the other thread
@@ -230,7 +226,7 @@ void ExpectLayout()
               "Reproducir música|Detener música");
 }
 
-TEST_F(DialogTest, LeavesTheHostItsOwnApplication)
+TEST_F(DialogTest, Open_KeepsTheHostsApplication)
 {
     if (!IsAlone())
     {
@@ -334,7 +330,7 @@ TEST_F(DialogTest, Form_IsTheOneOfTheTable)
         })});
 }
 
-TEST_F(DialogTest, ANewModuleConfirmedAtOnceHasTheFirstMotifAndTheFirstTune)
+TEST_F(DialogTest, Confirm_NewModule_HasTheFirstMotifAndTune)
 {
     myFolder.Write("tmp/qelpluginanimtemp/stale", "");
     EXPECT_TRUE(myHost->CallBack({Dialog(
@@ -355,7 +351,7 @@ TEST_F(DialogTest, ANewModuleConfirmedAtOnceHasTheFirstMotifAndTheFirstTune)
               "Globo.gif|Fiestas|Vals.mid|Fiestas|none|0|0||");
 }
 
-TEST_F(DialogTest, SelectsTheLastNameThatMatchesWithoutRegardToCaseElseTheFirst)
+TEST_F(DialogTest, Open_SelectsTheLastNameThatMatchesElseTheFirst)
 {
     const struct
     {
@@ -387,7 +383,7 @@ TEST_F(DialogTest, SelectsTheLastNameThatMatchesWithoutRegardToCaseElseTheFirst)
     }
 }
 
-TEST_F(DialogTest, BrowsingShowsListsBoxesAndPreview)
+TEST_F(DialogTest, Browse_ShowsListsBoxesAndPreview)
 {
     EXPECT_TRUE(myHost->CallBack({Dialog(
         [&]
@@ -428,7 +424,7 @@ TEST_F(DialogTest, BrowsingShowsListsBoxesAndPreview)
     EXPECT_EQ(Stored("image|imagefolder|midi|midifolder"), ".gif|leame.txt|.mid|animales");
 }
 
-TEST_F(DialogTest, StagesAnImportByItsSizeAndTheLettersOfItsEnding)
+TEST_F(DialogTest, Import_IsStagedByItsSizeAndEnding)
 {
     const struct
     {
@@ -470,7 +466,7 @@ TEST_F(DialogTest, StagesAnImportByItsSizeAndTheLettersOfItsEnding)
     }
 }
 
-TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
+TEST_F(DialogTest, Import_SurvivesCommitAndReopening)
 {
     myFolder.Write("mine.gif", Gif(30, 20));
     myFolder.Write("mine.jpg", Jpeg(30, 20));
@@ -538,7 +534,7 @@ TEST_F(DialogTest, TakesAnImportThroughCommitAndReopening)
               "(personalizado)|(personalizado)|none|0|m7.dat");
 }
 
-TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
+TEST_F(DialogTest, LinkAndPeriod_TakeEffectInTheirTime)
 {
     Script("link=URL:old|from=40000|to=0|midifolder=(USER)|midimode=1");
     myHost->Records->Link = u"URL:new";
@@ -575,7 +571,7 @@ TEST_F(DialogTest, LinkAndPeriodTakeEffectEachInItsTime)
     EXPECT_EQ(Stored("from|to"), "40000|40000");
 }
 
-TEST_F(DialogTest, AnArchiveThatCannotBeWrittenStopsTheCommitWithAMessage)
+TEST_F(DialogTest, Commit_ArchiveCannotBeWritten_ShowsAMessage)
 {
     Script("midifolder=(USER)|midimode=1");
     myHost->Records->DataFolder = u"/nowhere/";
@@ -587,7 +583,7 @@ TEST_F(DialogTest, AnArchiveThatCannotBeWrittenStopsTheCommitWithAMessage)
     EXPECT_EQ(Stored("midi|midimode|file"), "qelmid.mid|1|");
 }
 
-TEST_F(DialogTest, WhatGoesWrongInOpeningIsAFailedCallAndTheNextOpeningIsSound)
+TEST_F(DialogTest, Open_Failure_IsAFailedCallAndTheNextOneSucceeds)
 {
     Script("from=-150000"); // in 1489
     EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0005U)));
@@ -603,7 +599,7 @@ TEST_F(DialogTest, WhatGoesWrongInOpeningIsAFailedCallAndTheNextOpeningIsSound)
     EXPECT_TRUE(myHost->CallBack({Do("cmdOK")}));
 }
 
-TEST_F(DialogTest, CanBeWorkedByKeysAlone)
+TEST_F(DialogTest, Keyboard_ReachesEverything)
 {
     myFolder.Write("mine.gif", Gif(30, 20));
     myFolder.Write("mine.mid", "my tune");
@@ -631,7 +627,7 @@ TEST_F(DialogTest, CanBeWorkedByKeysAlone)
     EXPECT_NE(Stored("from"), "0");
 }
 
-TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
+TEST_F(DialogTest, Enter_ConfirmsExceptOnAnotherButton)
 {
     const QStringList myPlaces =
         QString("cmbImageFolder cmbMIDIFolder lstImage lstMIDI chkImage chkMIDI cmdSetLink cmdUnsetLink DateFromSwitch "
@@ -655,7 +651,7 @@ TEST_F(DialogTest, EnterConfirmsFromEveryPlaceButAnotherButton)
     EXPECT_EQ(Stored("showimage|playmidi|from|to"), "1|1|1|1");
 }
 
-TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
+TEST_F(DialogTest, Play_ByDoubleClickAndToolButtons)
 {
     myFolder.Write("library/Fiestas/Vals 2.mid", "second");
     const HelpViewer myViewer(myFolder);
@@ -684,7 +680,7 @@ TEST_F(DialogTest, PlaysByDoubleClickAndByTheToolButtonsAndHelps)
         })});
 }
 
-TEST_F(DialogTest, EnterDoesWhatAnImportTextOrAToolButtonSays)
+TEST_F(DialogTest, Enter_OnAnImportTextOrToolButton_DoesItsAction)
 {
     myFolder.Write("mine.gif", Gif(30, 20));
     myFolder.Write("mine.mid", "my tune");
@@ -711,7 +707,7 @@ TEST_F(DialogTest, EnterDoesWhatAnImportTextOrAToolButtonSays)
     }));
 }
 
-TEST_F(DialogTest, EveryControlThatTakesTheFocusHasANameForAScreenReader)
+TEST_F(DialogTest, ScreenReader_EveryControlWithFocusHasAName)
 {
     const std::vector<std::pair<const char*, const char*>> Lists = {{"lstImage", "Motivos"}, {"lstMIDI", "Músicas"}};
     const std::vector<std::pair<const char*, const char*>> Imports = {
@@ -755,7 +751,7 @@ TEST_F(DialogTest, EveryControlThatTakesTheFocusHasANameForAScreenReader)
         })});
 }
 
-TEST_F(DialogTest, AListShowsThatItHasTheFocus)
+TEST_F(DialogTest, Focus_OfAListIsShown)
 {
     myHost->CallBack({Dialog(
         []
@@ -777,7 +773,7 @@ TEST_F(DialogTest, AListShowsThatItHasTheFocus)
         })});
 }
 
-TEST_F(DialogTest, ATypedDateIsTheDateThatIsStored)
+TEST_F(DialogTest, Date_Typed_IsStored)
 {
     const struct
     {
@@ -819,7 +815,7 @@ TEST_F(DialogTest, ATypedDateIsTheDateThatIsStored)
     }
 }
 
-TEST_F(DialogTest, ATypedTextThatIsNoDayIsShownAndRefused)
+TEST_F(DialogTest, Date_TypedTextThatIsNoDay_IsRefused)
 {
     const auto Refused = [](const QString& myText)
     {
@@ -862,7 +858,7 @@ TEST_F(DialogTest, ATypedTextThatIsNoDayIsShownAndRefused)
     }
 }
 
-TEST_F(DialogTest, ARefusedTextDoesNotCountOnceTheDateIsSwitchedOff)
+TEST_F(DialogTest, Date_RefusedText_DoesNotCountOnceSwitchedOff)
 {
     Script("from=0|to=40971");
     EXPECT_TRUE(myHost->CallBack({Dialog(
@@ -875,7 +871,7 @@ TEST_F(DialogTest, ARefusedTextDoesNotCountOnceTheDateIsSwitchedOff)
     EXPECT_EQ(Stored("from|to"), "0|0");
 }
 
-TEST_F(DialogTest, ArrowKeysChangeThePartWithTheCursor)
+TEST_F(DialogTest, Date_ArrowKeysChangeThePartAtTheCursor)
 {
     const struct
     {
@@ -902,7 +898,7 @@ TEST_F(DialogTest, ArrowKeysChangeThePartWithTheCursor)
     }
 }
 
-TEST_F(DialogTest, KeysOpenTheCalendarAndChooseADayThere)
+TEST_F(DialogTest, Date_KeysOpenTheCalendarAndChooseADay)
 {
     Script("from=40971");
     EXPECT_TRUE(myHost->CallBack({Dialog(
@@ -927,7 +923,7 @@ TEST_F(DialogTest, KeysOpenTheCalendarAndChooseADayThere)
     EXPECT_EQ(Stored("from"), "40972");
 }
 
-TEST_F(DialogTest, TheWheelChangesOnlyWhatHasTheFocus)
+TEST_F(DialogTest, Wheel_ChangesOnlyWhatHasTheFocus)
 {
     Script("from=40971");
     myHost->CallBack({Dialog(
@@ -946,7 +942,7 @@ TEST_F(DialogTest, TheWheelChangesOnlyWhatHasTheFocus)
         })});
 }
 
-TEST_F(DialogTest, ANameThatDoesNotFitHasAToolTip)
+TEST_F(DialogTest, ToolTip_OfANameThatDoesNotFit)
 {
     const QString myLong = QString("Un nombre que no cabe en ninguna lista ").repeated(2) + "larga";
     myFolder.Write("library/" + myLong.toStdString() + "/" + myLong.toStdString() + ".gif", Gif(9, 9));
@@ -974,7 +970,7 @@ TEST_F(DialogTest, ANameThatDoesNotFitHasAToolTip)
         })});
 }
 
-TEST_F(DialogTest, TheFileDialogStartsWhereTheLastImportCameFromAndIsSpanish)
+TEST_F(DialogTest, FileDialog_StartsAtTheLastImportAndIsSpanish)
 {
     myFolder.Write("one/mine.gif", Gif(30, 20));
     const auto StartsIn = [&](const char* myName)
@@ -1034,7 +1030,7 @@ void ExpectCaptionsFit()
     }
 }
 
-TEST_F(DialogTest, CaptionsFitWhateverFontTheMachineHas)
+TEST_F(DialogTest, Captions_FitInAnyFont)
 {
     if (getenv("QEL_TEST_ALONE") != nullptr)
     {
@@ -1060,14 +1056,14 @@ TEST_F(DialogTest, CaptionsFitWhateverFontTheMachineHas)
     }
 }
 
-TEST_F(DialogTest, TheWindowOfASmallScreenShowsItsTopLeftCorner)
+TEST_F(DialogTest, Form_OnASmallScreen_ShowsItsTopLeftCorner)
 {
     if (!IsAlone())
     {
         return;
     }
     myFolder.Write("screens", R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 400, "height": 300}]})");
-    setenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + myFolder.Native("screens")).c_str(), 1);
+    myEnvironment.Set("QT_QPA_PLATFORM", "offscreen:configfile=" + myFolder.Native("screens"));
     myHost->CallBack({Dialog(
         []
         {
@@ -1077,7 +1073,7 @@ TEST_F(DialogTest, TheWindowOfASmallScreenShowsItsTopLeftCorner)
         })});
 }
 
-TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)
+TEST_F(DialogTest, Open_AHundredTimes_DoesNotGrow)
 {
     const auto BytesAfterAHundred = [&]
     {
@@ -1094,7 +1090,7 @@ TEST_F(DialogTest, OpensAHundredTimesWithoutGrowth)
     EXPECT_LT(myAfter - myBefore, 100 * 500); // any widget takes more than 500 bytes
 }
 
-TEST_F(DialogTest, TellsAboutItself)
+TEST_F(DialogTest, About_ShowsTheComponent)
 {
     const DialogUser myUser({Message(u"Tesselwind 1.0.19\n\nLäßt Grafiken über Ihre Homepage schweben\n\n" +
                                      Text(ComponentVersion.Copyright))});

@@ -2,6 +2,7 @@
 #include "archive/classArchive.h"
 #include "com/Bstr.h"
 #include "com/QelHelperInterfaces.h"
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "FailingFiles.h"
 #include "FailingMemory.h"
@@ -10,6 +11,7 @@
 #include "RecordedWindow.h"
 #include "SmallDisk.h"
 #include "TemporaryFolder.h"
+#include "TestHost.h"
 
 #include <algorithm>
 #include <dlfcn.h>
@@ -26,29 +28,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-/// A host that stages everything in one folder and knows one record, a file.
-struct PlainHost final : BuildHelper, Database
-{
-    explicit PlainHost(const TemporaryFolder& theFolder) : Folder(theFolder) {}
-    Text UniqueName() override { return u"1"; }
-    int32_t InstanceNumber() override { return 1; }
-    Text MediaFolder() override { return Folder.Logical(u"site\\"); }
-    Text MediaURL() override { return {}; }
-    Text ImageFolder() override { return MediaFolder(); }
-    Text ImageURL() override { return {}; }
-    Text FileFolder() override { return MediaFolder(); }
-    Text FileURL() override { return {}; }
-    Text ArchiveName() override { return u"m.dat"; }
-    int32_t RecordType() override { return 5; }
-    bool AtEnd() override { return false; }
-    Text RecordFilename() override { return u"doc.pdf"; }
-    void SeekUID(TextView) override {}
-    Text RecordURL() override { return {}; }
-    Text DataFolder() override { return Folder.Logical(u"data\\"); }
-    Text ChooseLink(TextView) override { return {}; }
-    const TemporaryFolder& Folder;
-};
-
 using Outcomes = std::set<std::string>;
 
 /// A module with an imported picture and tune in its archive, and what can be done with it. Each operation lets the
@@ -56,7 +35,14 @@ using Outcomes = std::set<std::string>;
 class Faults : public testing::Test
 {
 protected:
-    ~Faults() override { unsetenv("TMPDIR"); }
+    Faults()
+    {
+        myHost.BuildInto(myFolder.Logical(u"site\\"));
+        myHost.ArchiveName = u"m.dat";
+        myHost.DataFolder = myFolder.Logical(u"data\\");
+        myHost.RecordType = 5;
+        myHost.RecordFilename = u"doc.pdf";
+    }
 
     /// Makes all files anew, and a record that has the module in hand.
     void Reset()
@@ -81,8 +67,8 @@ protected:
         }
         myFolder.Write("data/m.dat", myArchive + Number(0));
         myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
-        myForm->myBuildHelper = std::make_unique<PlainHost>(myFolder);
-        myForm->myDatabase = std::make_unique<PlainHost>(myFolder);
+        myForm->myBuildHelper = std::make_unique<TestHostServices>(myHost);
+        myForm->myDatabase = std::make_unique<TestHostServices>(myHost);
         myForm->Script(u"<pg.file filename=m.dat><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
                        u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
                        u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1><pg.param name=link "
@@ -204,7 +190,8 @@ protected:
         {&Faults::Open, {"done 2", "57", "empty"}, {"empty"}},
     };
     TemporaryFolder myFolder;
-    const int myEnvironment = setenv("TMPDIR", myFolder.Native().c_str(), 1);
+    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    TestHost myHost; ///< stages everything in one folder and knows one record, a file
     const std::pair<std::string, std::string> myImports[2] = {{"qelspr.gif", Gif(120, 80)},
                                                               {"qelmid.mid", std::string(70'000, 'm')}};
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
@@ -220,7 +207,7 @@ protected:
     std::function<void()> Begin = [] {}, End = Begin;
 };
 
-TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
+TEST_F(Faults, AnyCallOnFilesFails_IsReportedAndNothingStaysOpen)
 {
     for (const Operation& myOperation : Operations)
     {
@@ -239,7 +226,7 @@ TEST_F(Faults, AtAnyCallOnFilesAreReportedAndLeaveNothingOpen)
     }
 }
 
-TEST_F(Faults, OfAFullDiskAreReportedAndLeaveNothingOpen)
+TEST_F(Faults, DiskIsFull_IsReportedAndNothingStaysOpen)
 {
     const auto TryAll = [&]
     {
@@ -275,7 +262,7 @@ TEST_F(Faults, OfAFullDiskAreReportedAndLeaveNothingOpen)
     std::signal(SIGXFSZ, mySignal);
 }
 
-TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
+TEST_F(Faults, Commit_ProcessKilled_LeavesAModuleThatOpens)
 {
     Outcomes myOutcomes;
     int myStatus = SIGKILL;
@@ -295,7 +282,7 @@ TEST_F(Faults, AProcessKilledWhileItCommitsLeavesAModuleThatOpens)
     EXPECT_EQ(myOutcomes, (Outcomes{"done 2", "empty"}));
 }
 
-TEST_F(Faults, MemoryThatRunsOutComesOutOfTheInterfaceAsErrorSeven)
+TEST_F(Faults, AnyMember_MemoryRunsOut_IsErrorSeven)
 {
     void* const myLibrary = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_LOCAL);
     const auto myClassObject = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));

@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxFiles.h"
 
+#include "Environment.h"
 #include "ErrorOf.h"
 #include "platform/linux/Descriptor.h"
 #include "platform/shared/SystemPlatform.h"
@@ -74,7 +75,7 @@ protected:
     LinuxFiles myFiles;
 };
 
-TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
+TEST_F(FilesTest, Find_ExactPathElseWithoutRegardToCase)
 {
     for (const char* const myName :
          {"Img/Logo.GIF", "Img/\xC3\x81rbol.txt", "\xC4\xB0.txt", "\xFF.gif", "twin.txt", "Twin.txt", "TWin.tXt"})
@@ -103,7 +104,7 @@ TEST_F(FilesTest, APathIsTakenExactlyAndElseWithoutRegardToCase)
     }
 }
 
-TEST_F(FilesTest, Writing_MakingAndDeletingTakeTheExactNameInAFolderThatIsFound)
+TEST_F(FilesTest, Write_ExactNameInAFolderThatIsFound)
 {
     myFolder.Write("Img/Logo.GIF", "old");
     WriteAll(u"IMG\\LOGO.gif", "new");
@@ -125,7 +126,7 @@ TEST_F(FilesTest, Writing_MakingAndDeletingTakeTheExactNameInAFolderThatIsFound)
     EXPECT_TRUE(fs::is_empty(myFolder.Native("IMG")));
 }
 
-TEST_F(FilesTest, Writing_ThroughALinkMakesWhatItLeadsTo)
+TEST_F(FilesTest, Write_ThroughALinkMakesItsTarget)
 {
     myFolder.MakeFolder("Sub");
     Link("Sub/new", "link");
@@ -134,7 +135,7 @@ TEST_F(FilesTest, Writing_ThroughALinkMakesWhatItLeadsTo)
     EXPECT_TRUE(fs::is_symlink(myFolder.Native("link")));
 }
 
-TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
+TEST_F(FilesTest, Open_NoPlainFileOrNoName_IsRefusedAtOnce)
 {
     myFolder.Write("file", "");
     myFolder.MakeFolder("folder");
@@ -167,7 +168,7 @@ TEST_F(FilesTest, WhatIsNoPlainFileOrNoNameIsRefusedAtOnce)
     EXPECT_EQ(Try(&Files::Delete, u"none"), 0);
 }
 
-TEST_F(FilesTest, LocksKeepOthersOut)
+TEST_F(FilesTest, Open_LocksKeepOthersOut)
 {
     WriteAll(u"a", "content");
     Mode("a", 0444); // locking needs no right to write
@@ -188,7 +189,7 @@ TEST_F(FilesTest, LocksKeepOthersOut)
     EXPECT_EQ(Try(&Files::Copy, u"a", u"copy"), PermissionDenied);
 }
 
-TEST_F(FilesTest, ReadingAndWritingInAnyStepsGiveTheSameBytes)
+TEST_F(FilesTest, ReadAndWrite_InAnyStepsGiveTheSameBytes)
 {
     const std::string myContent = RandomBytes(1'000'000);
     constexpr size_t Sizes[] = {0, 1, 4, 13, 4095, 4096, 8192, 32000, 70000};
@@ -222,7 +223,7 @@ TEST_F(FilesTest, ReadingAndWritingInAnyStepsGiveTheSameBytes)
     EXPECT_EQ(ErrorOf([&] { ReadBytes(*myFile, 1); }), InputPastEnd);
 }
 
-TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
+TEST_F(FilesTest, Close_ReportsAFullDiskAtTheLatest)
 {
     myFolder.Write("long", std::string(300'000, 'x'));
     const std::string myBlock(1000, 'x');
@@ -243,7 +244,7 @@ TEST_F(FilesTest, AFullDiskIsReportedAtTheLatestByClose)
     EXPECT_EQ(ReadAll(u"small").size(), 10'000U); // what has been written stays, unlocked
 }
 
-TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
+TEST_F(FilesTest, Copy_BytesAndRightsOfANewFile)
 {
     const std::string myContent = RandomBytes(3'000'000);
     myFolder.Write("a", myContent);
@@ -270,7 +271,7 @@ TEST_F(FilesTest, ACopyHasTheBytesAndTheRightsOfANewFile)
     EXPECT_TRUE(myFolder.Read("a") == myContent);
 }
 
-TEST_F(FilesTest, AListingYieldsWhatMatches)
+TEST_F(FilesTest, List_EntriesThatMatch)
 {
     for (const char* const myName :
          {"a.gif", "B.GIF", "c", "d.gift", ".hidden.gif", "Sub/x.gif", "\xFF.gif", "b\\c.gif", "\xC3\x91.gif"})
@@ -302,7 +303,7 @@ TEST_F(FilesTest, AListingYieldsWhatMatches)
     }
 }
 
-TEST_F(FilesTest, FoldersAndLinksAreToldApart)
+TEST_F(FilesTest, Look_FoldersAndLinksAreToldApart)
 {
     myFolder.Write("Sub/x", "");
     Link("Sub", "link");
@@ -342,7 +343,7 @@ TEST_F(FilesTest, FoldersAndLinksAreToldApart)
     }
 }
 
-TEST_F(FilesTest, ASystemThatRefusesIsReported)
+TEST_F(FilesTest, AnyCall_RefusedByTheSystem_IsReported)
 {
     myFolder.Write("locked/a", "");
     const uid_t myUser = geteuid();
@@ -365,7 +366,7 @@ TEST_F(FilesTest, ASystemThatRefusesIsReported)
     Mode("locked", 0700);
 }
 
-TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
+TEST_F(FilesTest, TemporaryPath_FirstSafeFolder)
 {
     for (const auto& [myName, myMode] :
          {std::pair("good", 0700U), {"runtime", 0700}, {"open", 0711}, {"back\\slash", 0700}})
@@ -374,13 +375,12 @@ TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
         Mode(myName, myMode);
     }
     Link("good", "link");
+    Environment myEnvironment;
     const auto myChosen = [&](const std::string& myTemporary, const std::string& myRuntime)
     {
-        setenv("TMPDIR", myTemporary.c_str(), 1);
-        setenv("XDG_RUNTIME_DIR", myRuntime.c_str(), 1);
-        const Text thePath = myFiles.TemporaryPath();
-        unsetenv("TMPDIR");
-        return thePath;
+        myEnvironment.Set("TMPDIR", myTemporary);
+        myEnvironment.Set("XDG_RUNTIME_DIR", myRuntime);
+        return myFiles.TemporaryPath();
     };
     const std::string myRuntime = myFolder.Native("runtime");
     EXPECT_EQ(myChosen(myFolder.Native("good//"), myRuntime), In(u"good\\"));
@@ -389,17 +389,17 @@ TEST_F(FilesTest, TheTemporaryPathIsTheFirstSafeOne)
         EXPECT_EQ(myChosen(myFolder.Native(myUnsafe), myRuntime), In(u"runtime\\")) << myUnsafe;
     }
     EXPECT_EQ(myChosen("/tmp", myRuntime), In(u"runtime\\"));
-    setenv("XDG_CACHE_HOME", myFolder.Native("cache/deep").c_str(), 1);
+    myEnvironment.Set("XDG_CACHE_HOME", myFolder.Native("cache/deep"));
     EXPECT_EQ(myChosen("relative", "/tmp"), In(u"cache\\deep\\qel\\"));
     EXPECT_EQ(Mode("cache/deep/qel"), 0700U);
-    unsetenv("XDG_CACHE_HOME");
-    setenv("HOME", myFolder.Native().c_str(), 1);
+    myEnvironment.Unset("XDG_CACHE_HOME");
+    myEnvironment.Set("HOME", myFolder.Native());
     EXPECT_EQ(myChosen("", "/"), In(u".cache\\qel\\"));
     Mode(".cache/qel", 0750);
     EXPECT_EQ(myChosen("/tmp", "/tmp"), u"");
 }
 
-TEST(SystemPlatform, KnowsItsOwnFile)
+TEST(SystemPlatform, ComponentFile_IsItsOwn)
 {
     const auto myPlatform = MakeSystemPlatform();
     const fs::path myProgram = fs::read_symlink("/proc/self/exe");
@@ -407,20 +407,20 @@ TEST(SystemPlatform, KnowsItsOwnFile)
     EXPECT_EQ(myPlatform->Ports().componentFolder, LogicalPath(myProgram.parent_path().string()));
 }
 
-TEST(SystemPlatform, KnowsItsOwnFileUnderARelativeNameToo)
+TEST(SystemPlatform, ComponentFile_StartedUnderARelativeName)
 {
-    EXPECT_EXIT(execl("/proc/self/exe", "files_test", "--gtest_filter=SystemPlatform.KnowsItsOwnFile", nullptr),
+    EXPECT_EXIT(execl("/proc/self/exe", "files_test", "--gtest_filter=SystemPlatform.ComponentFile_IsItsOwn", nullptr),
                 testing::ExitedWithCode(0), "");
 }
 
-TEST(HelpViewer, ShowsTheTopicBesideTheHelpFileAndLeavesNoChild)
+TEST(HelpViewer, ShowContext_TopicBesideTheHelpFile_LeavesNoChild)
 {
     const TemporaryFolder myFolder;
     const std::string myResult = myFolder.Native("result");
     myFolder.Write("help/100.html", "");
     myFolder.Write("xdg-open", "#!/bin/sh\necho \"$@\" > " + myResult + ".part\nmv " + myResult + ".part " + myResult);
     fs::permissions(myFolder.Native("xdg-open"), fs::perms::owner_all);
-    setenv("PATH", (myFolder.Native() + ":/usr/bin:/bin").c_str(), 1);
+    const Environment myEnvironment{{"PATH", myFolder.Native() + ":/usr/bin:/bin"}};
     const auto myPlatform = MakeSystemPlatform();
     HelpViewer& myHelp = myPlatform->Ports().help;
     myHelp.ShowContext(myFolder.Logical(u"Some.chm"), 101); // no such topic

@@ -30,19 +30,31 @@ std::vector<Record> AllKinds()
             {7, RecordKind::Mail, "Yo", "", "me@example.org", ""}};
 }
 
-TEST(LinkChoiceTest, OffersEachKindOfRecordAsItsAuthorKnowsIt)
+TEST(OfferedLinks, Rows_NameEachKindOfRecord)
 {
-    std::string myRows;
-    for (const LinkRow& myRow : OfferedLinks(AllKinds(), u"").Rows)
+    const struct
     {
-        myRows += ToUtf8(myRow.Kind + u"|" + myRow.Name + u"|" + myRow.Address + u"\n");
+        TextView Kind, Name, Address;
+    } Expected[] = {
+        {u"none", u"Later", u""},
+        {u"page", u"record 2", u"index.html"},
+        {u"section", u"Noticias", u"index.html#news"},
+        {u"address", u"Two?lines", u"https://example.org/"},
+        {u"picture", u"Foto", u"foto.jpg"},
+        {u"file", u"Lista", u"lista.pdf"},
+        {u"mail", u"Yo", u"mailto:me@example.org"},
+    };
+    const std::vector<LinkRow> myRows = OfferedLinks(AllKinds(), u"").Rows;
+    ASSERT_EQ(myRows.size(), std::size(Expected));
+    for (size_t i = 0; i < myRows.size(); ++i)
+    {
+        EXPECT_EQ(myRows[i].Kind, Expected[i].Kind);
+        EXPECT_EQ(myRows[i].Name, Expected[i].Name);
+        EXPECT_EQ(myRows[i].Address, Expected[i].Address);
     }
-    EXPECT_EQ(myRows, "none|Later|\npage|record 2|index.html\nsection|Noticias|index.html#news\n"
-                      "address|Two?lines|https://example.org/\npicture|Foto|foto.jpg\nfile|Lista|lista.pdf\n"
-                      "mail|Yo|mailto:me@example.org\n");
 }
 
-TEST(LinkChoiceTest, FindsThePresentLinkAndWritesItAgain)
+TEST(OfferedLinks, PresentLink_IsFoundAndLinkOfWritesItAgain)
 {
     const struct
     {
@@ -86,13 +98,12 @@ void Choose(TextView myPresentLink, const char* myResult, std::function<void()> 
     EXPECT_EQ(myEntry(theChoice) ? ToUtf8(LinkOf(theChoice)) : "cancelled", myResult);
 }
 
-/// The record that the window shows as chosen, by its name, and the address in its field.
-std::string Shown()
+/// Expects the name of the chosen record, and the address in its field.
+void ExpectShown(const char* myRecord, const char* myAddress)
 {
     const QList<QTreeWidgetItem*> mySelected = Control<QTreeWidget>("records").selectedItems();
-    return ((mySelected.isEmpty() ? QString() : mySelected.front()->text(1)) + "|" +
-            Control<QLineEdit>("address").text())
-        .toStdString();
+    EXPECT_EQ(mySelected.isEmpty() ? "" : mySelected.front()->text(1).toStdString(), myRecord);
+    EXPECT_EQ(Control<QLineEdit>("address").text().toStdString(), myAddress);
 }
 
 /// What takes the mouse in the list of records, and there the middle of one.
@@ -106,23 +117,23 @@ QPoint PlaceOf(int myRow)
     return myList.visualItemRect(myList.topLevelItem(myRow)).center();
 }
 
-TEST(LinkWindowTest, TakesARecordOrAnAddressWhicheverWasChosenLast)
+TEST(LinkWindow, Confirm_TakesTheRecordOrAddressChosenLast)
 {
     Choose(u"URL:http://x/&#37;20", "UID:5",
            []
            {
-               EXPECT_EQ(Shown(), "|http://x/%20");
+               ExpectShown("", "http://x/%20");
                QTest::mouseClick(Records(), Qt::LeftButton, {}, PlaceOf(4));
-               EXPECT_EQ(Shown(), "Foto|");
+               ExpectShown("Foto", "");
                Click("confirm");
            });
     Choose(u"UID:6", "URL:https://example.org/?a&#38;b",
            []
            {
-               EXPECT_EQ(Shown(), "Lista|");
+               ExpectShown("Lista", "");
                QTest::keyClick(&Control("records"), Qt::Key_A, Qt::AltModifier);
                QTest::keyClicks(QApplication::focusWidget(), " https://example.org/?a&b ");
-               EXPECT_EQ(Shown(), "| https://example.org/?a&b ");
+               ExpectShown("", " https://example.org/?a&b ");
                Key(Qt::Key_Return);
            });
     Choose(u"", "UID:1",
@@ -133,28 +144,28 @@ TEST(LinkWindowTest, TakesARecordOrAnAddressWhicheverWasChosenLast)
            });
 }
 
-TEST(LinkWindowTest, IsWorkedByKeysAloneAndNamesEveryControl)
+TEST(LinkWindow, Keyboard_ReachesEveryControlAndEachHasAName)
 {
-    Choose(u"", "UID:2",
-           []
-           {
-               QString myNames;
-               for (const char* myName : {"address", "cancel", "records"})
-               {
-                   Key(Qt::Key_Tab); // past the button that cannot be pressed yet
-                   EXPECT_EQ(QApplication::focusWidget(), &Control(myName));
-                   myNames += QAccessible::queryAccessibleInterface(&Control(myName))->text(QAccessible::Name) + "|";
-               }
-               EXPECT_EQ(myNames.toStdString(), "Another address|Cancel|Records of this site|");
-               EXPECT_EQ(Shown(), "|") << "the focus alone has chosen a record";
-               Key(Qt::Key_Down);
-               EXPECT_EQ(Shown(), "Later|");
-               Key(Qt::Key_Down);
-               Key(Qt::Key_Return);
-           });
+    Choose(
+        u"", "UID:2",
+        []
+        {
+            for (const auto& [myControl, myName] :
+                 {std::pair("address", "Another address"), {"cancel", "Cancel"}, {"records", "Records of this site"}})
+            {
+                Key(Qt::Key_Tab); // past the button that cannot be pressed yet
+                EXPECT_EQ(QApplication::focusWidget(), &Control(myControl));
+                EXPECT_EQ(QAccessible::queryAccessibleInterface(&Control(myControl))->text(QAccessible::Name), myName);
+            }
+            ExpectShown("", ""); // the focus alone chooses no record
+            Key(Qt::Key_Down);
+            ExpectShown("Later", "");
+            Key(Qt::Key_Down);
+            Key(Qt::Key_Return);
+        });
 }
 
-TEST(LinkWindowTest, CannotBeConfirmedWithoutALinkAndCancelsAtAnyTime)
+TEST(LinkWindow, Confirm_NeedsALinkAndCancelIsAlwaysPossible)
 {
     Choose(u"UID:99", "cancelled",
            []

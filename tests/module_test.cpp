@@ -91,7 +91,7 @@ protected:
     std::unique_ptr<FormMain> myForm;
 };
 
-TEST_F(Module, PageIsTheOneInTheFile)
+TEST_F(Module, Output_IsThePageInTheFile)
 {
     const std::string myGif = Gif(120, 80);
     myFolder.Write("data/m.dat", "qelarchive1.0\x0B\0\0\0\\qelspr.gif"s + static_cast<char>(myGif.size() & 0xFF) +
@@ -117,7 +117,7 @@ TEST_F(Module, PageIsTheOneInTheFile)
     EXPECT_TRUE(myFolder.Exists("qelpluginanimtemp/sub/kept"));
 }
 
-TEST_F(Module, PeriodCoversItsDaysWhole)
+TEST_F(Module, Output_PeriodCoversWholeDays)
 {
     const std::tuple<Text, Text, Text> myCases[] = {
         // from, to, the comparisons in the page
@@ -137,7 +137,7 @@ TEST_F(Module, PeriodCoversItsDaysWhole)
     }
 }
 
-TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
+TEST_F(Module, Output_WritesTheLinkUnchanged)
 {
     const std::tuple<Text, int32_t, Text> myCases[] = {
         // link, kind of record, tag in the page
@@ -153,18 +153,28 @@ TEST_F(Module, LinkIsWrittenAsItIsAndFilesAreStagedOnce)
         const Text myPage = Output(u"link=" + myLink);
         EXPECT_NE(myPage.find(u"50\">" + myTag + u"<img"), Text::npos) << ToUtf8(myPage);
     }
-    EXPECT_NE(Output(u"image=g").find(u"\"images/qelspr17g\""), Text::npos) << "four characters are the ending";
+}
+
+TEST_F(Module, Output_PictureKeepsItsLastFourCharactersAsEnding)
+{
+    EXPECT_NE(Output(u"image=g").find(u"\"images/qelspr17g\""), Text::npos);
     EXPECT_NE(Output(u"image=Globo.jpeg").find(u"\"images/qelspr17jpeg\""), Text::npos);
-    EXPECT_FALSE(myFolder.Exists("files/Doc.pdf")) << "there is none to stage, and that is no failure";
+}
+
+TEST_F(Module, Output_StagesALinkedFileOnce)
+{
+    myHost.RecordType = 5;
+    EXPECT_TRUE(Output(u"link=UID:7").starts_with(u"<script")) << "a missing file is no failure";
+    EXPECT_FALSE(myFolder.Exists("files/Doc.pdf"));
     for (const char* const myContent : {"first", "second"})
     {
         myFolder.Write("data/Doc.pdf", myContent);
         Output(u"link=UID:7");
-        EXPECT_EQ(myFolder.Read("files/Doc.pdf"), "first") << "an old copy is left in place";
+        EXPECT_EQ(myFolder.Read("files/Doc.pdf"), "first") << "a copy that is there stays";
     }
 }
 
-TEST_F(Module, Output_HostIsAskedInItsOrderAndMayChangeTheModuleMeanwhile)
+TEST_F(Module, Output_AsksTheHostInOrderAndHostMayChangeTheModule)
 {
     const Text myScript = Params(
         u"image=Globo.gif|imagefolder=Fiestas|midi=Vals.mid|midifolder=Fiestas|from=38353|to=38717|link=UID:4711",
@@ -202,7 +212,7 @@ TEST_F(Module, Output_HostIsAskedInItsOrderAndMayChangeTheModuleMeanwhile)
     }
 }
 
-TEST_F(Module, FailureGivesItsReasonAndNothingOfThePage)
+TEST_F(Module, Output_FailureGivesItsReasonAndNoPage)
 {
     const std::pair<Text, int32_t> myCases[] = {
         {u"image=Falta.gif", 53},
@@ -227,7 +237,7 @@ TEST_F(Module, FailureGivesItsReasonAndNothingOfThePage)
     EXPECT_EQ(myForm->ErrorText(), u"");
 }
 
-TEST_F(Module, TemporaryFolderIsOneOfItsOwn)
+TEST_F(Module, Start_RefusesALinkAsTemporaryFolder)
 {
     std::filesystem::rename(myFolder.Native("qelpluginanimtemp"), myFolder.Native("elsewhere"));
     myFolder.Write("elsewhere/mine", "");
@@ -236,7 +246,10 @@ TEST_F(Module, TemporaryFolderIsOneOfItsOwn)
     EXPECT_EQ(Output(u""), u"[Error de plug-in]");
     EXPECT_NE(myForm->ErrorText().find(u"\"75: "), Text::npos);
     EXPECT_TRUE(myFolder.Exists("elsewhere/mine")) << "emptied through a link";
+}
 
+TEST_F(Module, Start_WithoutATemporaryPathWorksInTheComponentsFolder)
+{
     myEnvironment.Set("TMPDIR", "/nonexistent"); // and so on: the system has no temporary path
     myEnvironment.Unset("XDG_RUNTIME_DIR");
     myEnvironment.Set("XDG_CACHE_HOME", "/dev/null");
@@ -245,7 +258,7 @@ TEST_F(Module, TemporaryFolderIsOneOfItsOwn)
     EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));
 }
 
-TEST_F(Module, ScriptComesOutInItsOrderAndResetKeepsTheLinkAlone)
+TEST_F(Module, Script_IsReadInItsOrderAndResetKeepsOnlyTheLink)
 {
     const Text myNew = u"image=|imagefolder=|midi=|midifolder=|imagemode=none|midimode=0|";
     const Text myRest = u"showimage=1|playmidi=1|from=0|to=0|link=";
@@ -266,7 +279,7 @@ TEST_F(Module, ScriptComesOutInItsOrderAndResetKeepsTheLinkAlone)
     EXPECT_EQ(myForm->Script(), Params(myNew + myRest));
 }
 
-TEST_F(Module, ScriptIsReadWithTolerance)
+TEST_F(Module, Script_ToleratesUnusualText)
 {
     const Text myStart = u"image=a|imagefolder=|midi=|midifolder=|imagemode=none|midimode=0|";
     const Text myRest = u"showimage=1|playmidi=1|from=0|to=0|link=";
@@ -296,10 +309,10 @@ TEST_F(Module, ScriptIsReadWithTolerance)
         EXPECT_EQ(myForm->ErrorText(), myIsOther ? u"No se ha seleccionado ningún motivo." : u"");
     }
     EXPECT_EQ(ErrorOf([&] { myForm->Script(Params(u"image=a|to=2958466|image=b")); }), ErrorNumber::Overflow);
-    EXPECT_EQ(myForm->Script(), Params(myStart + myRest)) << "what stands before it is in force";
+    EXPECT_EQ(myForm->Script(), Params(myStart + myRest)) << "the settings before it are in force";
 }
 
-TEST_F(Module, SummaryIsJoinedFromItsSentences)
+TEST_F(Module, TextSettings_JoinsSentences)
 {
     const std::pair<Text, TextView> myCases[] = {
         {u"midi=Vals.mid|from=1", LoadResString(StringId::SummaryNoImage)},
@@ -317,6 +330,10 @@ TEST_F(Module, SummaryIsJoinedFromItsSentences)
         myForm->Script(Params(mySettings));
         EXPECT_EQ(myForm->TextSettings(), mySummary);
     }
+}
+
+TEST_F(Module, TextSettings_NameShorterThanAnEndingFails)
+{
     myForm->Script(Params(u"image=abc|playmidi=0"));
     EXPECT_EQ(ErrorOf([&] { myForm->TextSettings(); }), ErrorNumber::InvalidArgument);
     myForm->Script(Params(u"image=Globo.gif"));

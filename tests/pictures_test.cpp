@@ -1,3 +1,4 @@
+/// Pictures: reading, resizing, reducing and saving GIF and JPEG files.
 #include "platform/ImagingControl.h"
 
 #include "ErrorOf.h"
@@ -155,7 +156,7 @@ FileBytes WithOrientation(FileBytes myJpeg, uint16_t myValue, bool myIsLittleEnd
     return myJpeg;
 }
 
-class PicturesTest : public testing::Test
+class Imaging : public testing::Test
 {
 protected:
     static FileBytes AsFile(std::string_view myContent) { return {myContent.begin(), myContent.end()}; }
@@ -196,7 +197,7 @@ protected:
     std::unique_ptr<ImagingControl> myControl = MakeImagingControl(myFiles);
 };
 
-TEST_F(PicturesTest, AGifIsAsLargeAsItsScreenAndAJpegAsItsFrame)
+TEST_F(Imaging, Load_SizeIsTheScreenOfAGifAndTheFrameOfAJpeg)
 {
     ExpectSize(MakeGif({.ScreenWidth = 350, .ScreenHeight = 250, .Width = 350, .Height = 250}), 350, 250);
     ExpectSize(MakeGif({.ScreenWidth = 4, .ScreenHeight = 3}), 4, 3);
@@ -212,7 +213,7 @@ TEST_F(PicturesTest, AGifIsAsLargeAsItsScreenAndAJpegAsItsFrame)
     ExpectSize(myUnusual, 48, 16);
 }
 
-TEST_F(PicturesTest, TheFirstImageOfAGifIsDecodedAsTheFileHasIt)
+TEST_F(Imaging, ReadGif_FirstImage)
 {
     for (const GifPlan& myPlan : {GifPlan{.Width = 37, .Height = 29},
                                   {.Width = 37, .Height = 29, .Interlaced = true, .Transparent = 7},
@@ -223,8 +224,11 @@ TEST_F(PicturesTest, TheFirstImageOfAGifIsDecodedAsTheFileHasIt)
         const auto myPicture = ReadGif(MakeGif(myPlan));
         const GifImage& myImage = myPicture->FirstImage();
         EXPECT_EQ(myPicture->Animated(), myPlan.Images > 1);
-        EXPECT_EQ((std::array{myImage.Left, myImage.Top, myImage.Width, myImage.Height, myImage.TransparentIndex}),
-                  (std::array{2, 1, myPlan.Width, myPlan.Height, myPlan.Transparent}));
+        EXPECT_EQ(myImage.Left, 2);
+        EXPECT_EQ(myImage.Top, 1);
+        EXPECT_EQ(myImage.Width, myPlan.Width);
+        EXPECT_EQ(myImage.Height, myPlan.Height);
+        EXPECT_EQ(myImage.TransparentIndex, myPlan.Transparent);
         EXPECT_EQ(myImage.Palette[15].Green, myPlan.HasImageColours ? 200 : 15);
         for (int i = 0; i < myPlan.Width * myPlan.Height; ++i)
         {
@@ -233,7 +237,7 @@ TEST_F(PicturesTest, TheFirstImageOfAGifIsDecodedAsTheFileHasIt)
     }
 }
 
-TEST_F(PicturesTest, ATruncatedFileIsNoPictureWhereItCannotBeShown)
+TEST_F(Imaging, Load_Truncated)
 {
     const auto myLoaded = [&](FileBytes myFile)
     {
@@ -247,7 +251,7 @@ TEST_F(PicturesTest, ATruncatedFileIsNoPictureWhereItCannotBeShown)
         }
         return theCount;
     };
-    // Behind an image, and behind the control block of the next, it reads as a GIF that lacks its last byte alone.
+    // Cut after an image, or after the control block of the next, it reads as a GIF without its last byte.
     EXPECT_EQ(myLoaded(MakeGif({.Interlaced = true})), 1);
     EXPECT_EQ(myLoaded(MakeGif({.Interlaced = true, .Images = 3})), 5);
     for (FileBytes myJpeg : {MakeJpeg(40, 30), MakeJpeg(40, 30, TJPF_CMYK, TJSAMP_444, TJFLAG_PROGRESSIVE)})
@@ -258,11 +262,11 @@ TEST_F(PicturesTest, ATruncatedFileIsNoPictureWhereItCannotBeShown)
     }
 }
 
-TEST_F(PicturesTest, WhatIsNoPictureOrTooLargeIsRefused)
+TEST_F(Imaging, Load_NoPictureOrTooLarge_IsRefused)
 {
     const FileBytes myGif = MakeGif({});
     const FileBytes myJpeg = MakeJpeg(40, 30);
-    const size_t myImage = 13 + 16 * 3 + 8 + 5; // behind the colours, the control block and the image's place
+    const size_t myImage = 13 + 16 * 3 + 8 + 5; // after the colours, the control block and the image's place
     const size_t myFrame = FrameOf(myJpeg) + 5;
     const auto myWith = [](FileBytes myFile, size_t myStart, size_t myCount, uint8_t myByte)
     {
@@ -317,12 +321,12 @@ double Likeness(const PixelPicture& myFirst, const PixelPicture& mySecond)
     return 10 * std::log10(255 * 255 * myCount / mySum);
 }
 
-TEST_F(PicturesTest, AShrunkGifKeepsTransparencyColoursAndItsAnimatedMark)
+TEST_F(Imaging, Resize_GifKeepsTransparencyColoursAndAnimation)
 {
     const auto mySource = ReduceToPalette(Gradient(400, 300, 200), false);
     FileBytes myFile = WriteGif(*mySource);
     EXPECT_EQ(myFile[10], 0xF7) << "256 colours of eight bits a channel";
-    const size_t myImages = 13 + 256 * 3; // behind the colours: a second image like the first
+    const size_t myImages = 13 + 256 * 3; // after the colours: a second image like the first
     const FileBytes myImage(myFile.begin() + myImages, myFile.end());
     myFile.pop_back();
     myFile.insert(myFile.end(), myImage.begin(), myImage.end());
@@ -348,7 +352,7 @@ TEST_F(PicturesTest, AShrunkGifKeepsTransparencyColoursAndItsAnimatedMark)
     }
 }
 
-TEST_F(PicturesTest, WhatIsTransparentLendsItsColourToNobody)
+TEST_F(Imaging, Resample_TransparentPixelsGiveNoColour)
 {
     // Black where it is transparent, red where it is not: no edge may come out darker.
     PixelPicture myPicture{90, 90, std::vector<uint8_t>(90 * 90 * 4)};
@@ -363,7 +367,7 @@ TEST_F(PicturesTest, WhatIsTransparentLendsItsColourToNobody)
     }
 }
 
-TEST_F(PicturesTest, AGifOfManyColoursIsAsGoodAsItsPaletteAllows)
+TEST_F(Imaging, ReduceToPalette_Quality)
 {
     const PixelPicture myMany = Gradient(350, 262, 0);
     const auto myReduced = ReduceToPalette(myMany, false);
@@ -376,7 +380,7 @@ TEST_F(PicturesTest, AGifOfManyColoursIsAsGoodAsItsPaletteAllows)
     EXPECT_EQ(ReduceToPalette(myNothing, false)->Pixels(2, 1).Pixels, myNothing.Pixels);
 }
 
-TEST(ReduceToPalette, EachPixelHasTheNearestEntry)
+TEST_F(Imaging, ReduceToPalette_EachPixelHasTheNearestEntry)
 {
     std::mt19937 myRandom(1);
     PixelPicture myMany{64, 64, std::vector<uint8_t>(64 * 64 * 4)};
@@ -401,7 +405,7 @@ TEST(ReduceToPalette, EachPixelHasTheNearestEntry)
     }
 }
 
-TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
+TEST_F(Imaging, Resize_JpegIsSavedOverWhite)
 {
     for (const auto& [myWidth, myHeight] : {std::pair(1600, 1200), std::pair(3600, 900), std::pair(360, 270)})
     {
@@ -417,7 +421,7 @@ TEST_F(PicturesTest, AShrunkJpegIsAJpegOfThatSizeOverWhite)
     EXPECT_NEAR(myControl->CurrentPicture().Pixels[0], 204, 2);
 }
 
-TEST_F(PicturesTest, Load_SetsPhotographsUpright)
+TEST_F(Imaging, Load_TurnsPhotographsUpright)
 {
     const struct
     {
@@ -438,7 +442,7 @@ TEST_F(PicturesTest, Load_SetsPhotographsUpright)
     }
 }
 
-TEST_F(PicturesTest, Load_TakesADamagedOrientationForNone)
+TEST_F(Imaging, Load_IgnoresADamagedOrientation)
 {
     const FileBytes mySound = WithOrientation(MakeQuarters(), 6, true);
     constexpr size_t Tiff = 2 + 4 + 6; // where the record's own header begins
@@ -455,7 +459,7 @@ TEST_F(PicturesTest, Load_TakesADamagedOrientationForNone)
     }
 }
 
-TEST_F(PicturesTest, Save_WritesAnUprightPictureWithoutAnOrientation)
+TEST_F(Imaging, Save_WritesAnUprightPictureWithoutAnOrientation)
 {
     const FileBytes myPhotograph = WithOrientation(MakeQuarters(), 6, true);
     ExpectSize(myPhotograph, 16, 32);
@@ -470,7 +474,7 @@ TEST_F(PicturesTest, Save_WritesAnUprightPictureWithoutAnOrientation)
     }
 }
 
-TEST_F(PicturesTest, Load_TakesAsManyPixelsAsItsMemoryAllows)
+TEST_F(Imaging, Load_TakesAsManyPixelsAsItsMemoryAllows)
 {
     // A JPEG whose header says more than the file holds, which is the first rows.
     const auto myEnlarged = [](bool myIsProgressive, int myWidth, int myHeight)
@@ -499,7 +503,7 @@ TEST_F(PicturesTest, Load_TakesAsManyPixelsAsItsMemoryAllows)
     EXPECT_EQ(myControl->CurrentPicture().Width, 350);
 }
 
-TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)
+TEST_F(Imaging, Load_TurnsInksIntoColours)
 {
     // Such a file holds how much light each ink lets through: here half of it, in the last one alone.
     FileBytes myInks(16 * 16 * 4, 255);
@@ -512,7 +516,7 @@ TEST_F(PicturesTest, InksOfAPictureForPrintTurnIntoColours)
     EXPECT_EQ(myControl->CurrentPicture().Pixels, myGrey);
 }
 
-TEST_F(PicturesTest, AFileIsShownAsItIsNowHoweverOftenItWasLoaded)
+TEST_F(Imaging, Load_ChangedFile_IsReadAgain)
 {
     const auto Expect = [&](float myWidth)
     {
@@ -548,7 +552,7 @@ TEST_F(PicturesTest, AFileIsShownAsItIsNowHoweverOftenItWasLoaded)
     }
 }
 
-TEST_F(PicturesTest, WhatCannotBeDoneIsRefusedAndChangesNothing)
+TEST_F(Imaging, RefusedCall_ChangesNothing)
 {
     using namespace ErrorNumber;
     EXPECT_EQ(ErrorOf([&] { myControl->BitmapHeight(); }), InvalidPicture);

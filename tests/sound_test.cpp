@@ -70,7 +70,7 @@ protected:
     Environment myEnvironment{{"XDG_CONFIG_HOME", myFolder.Native()}, {"ALSA_CONFIG_PATH", myFolder.Native("no.conf")}};
 };
 
-TEST_F(Sound, ComesOutAsTheCommandsSay)
+TEST_F(Sound, Send_PlaysWhatWasOpened)
 {
     const struct
     {
@@ -100,7 +100,7 @@ TEST_F(Sound, ComesOutAsTheCommandsSay)
     }
 }
 
-TEST_F(Sound, EndsWithStopAndBeginsAnewWithPlay)
+TEST_F(Sound, Send_StopEndsAndPlayBeginsAgain)
 {
     MultimediaService myService({{"no such driver", {}}, {"file", myFolder.Native("out.wav")}});
     myFolder.Write("longer.mid", LongerNote); // 106 MB, if nobody stops it
@@ -116,7 +116,7 @@ TEST_F(Sound, EndsWithStopAndBeginsAnewWithPlay)
     }
 }
 
-TEST_F(Sound, IsSilentAndSaysNothingWhereThereIsNoDevice)
+TEST_F(Sound, Send_WithoutADevicePrintsNothing)
 {
     myEnvironment.Set("PULSE_SERVER", "unix:" + myFolder.Native("nobody"));
     testing::internal::CaptureStderr();
@@ -128,7 +128,7 @@ TEST_F(Sound, IsSilentAndSaysNothingWhereThereIsNoDevice)
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST_F(Sound, DoesNotWaitForASoundServerThatNeverAnswers)
+TEST_F(Sound, Send_DoesNotWaitForASilentSoundServer)
 {
     sockaddr_un myAddress = {AF_UNIX, {}};
     myFolder.Native("dumb").copy(myAddress.sun_path, sizeof myAddress.sun_path - 1);

@@ -175,7 +175,8 @@ TEST(Tag, AttributeCount_Over255_Overflows)
     }
     myTag.Tag(myText);
     EXPECT_EQ(myTag.AttributeCount(), 255);
-    myTag.Tag(myText + u" last=v");
+    myText += u" last=v";
+    myTag.Tag(myText); // which it does not copy
     EXPECT_EQ(ErrorOf([&] { myTag.AttributeCount(); }), ErrorNumber::Overflow);
     EXPECT_EQ(myTag.QueryAttribute(u"last", false), u"v");
 }
@@ -224,7 +225,7 @@ Token CurrentToken(const classScript& myScript)
     return {myScript.TagType(), Text(myScript.Tag()), Text(myScript.BaseTag()), myScript.TagLine()};
 }
 
-class Script : public testing::Test
+class Scanner : public testing::Test
 {
 protected:
     /// Expects the tokens of a script.
@@ -249,13 +250,13 @@ protected:
     const int myPrefix = (myScript.Prefix(u"pg."), 0);
 };
 
-TEST_F(Script, NeverSet)
+TEST_F(Scanner, NeverSet)
 {
     myScript.GetNextTag();
     EXPECT_EQ(CurrentToken(myScript), NoToken);
 }
 
-TEST_F(Script, PlainText)
+TEST_F(Scanner, PlainText)
 {
     Expect(u"", {});
     Expect(u"\r\n\r\n\n", {});
@@ -263,7 +264,7 @@ TEST_F(Script, PlainText)
     Expect(u"\n\na\rb\nc<pg", {Plain(u"a\rb\nc<pg", 2)});
 }
 
-TEST_F(Script, Tag)
+TEST_F(Scanner, Tag)
 {
     Expect(u"ab<pg.param name=\"x\">\r\n<b>c</PG.param>\r\n",
            {Plain(u"ab", 1), Open(u"param name=\"x\"", u"param", 1), Plain(u"<b>c", 2), Close(u"param", 2)});
@@ -273,20 +274,20 @@ TEST_F(Script, Tag)
     Expect(u"<pg.a><pg.\r\nb>", {Open(u"a", u"a", 1), Open(u"\r\nb", u"", 2)});
 }
 
-TEST_F(Script, StartOfATagInText)
+TEST_F(Scanner, StartOfATagInText)
 {
     Expect(u"<pg.a <pg.b=\">\">", {Open(u"a <pg.b=\"", u"a", 1), Plain(u"\">", 1)});
     Expect(u"<<pg.a><</pg.b>", {Plain(u"<", 1), Open(u"a", u"a", 1), Plain(u"<", 1), Close(u"b", 1)});
     Expect(u"<pg</ pg.><pg.a>", {Plain(u"<pg</ pg.>", 1), Open(u"a", u"a", 1)});
 }
 
-TEST_F(Script, UnclosedTag)
+TEST_F(Scanner, UnclosedTag)
 {
     Expect(u"x<pg.a b", {Plain(u"x", 1)});
     Expect(u"x<pg.\r\na>", {Plain(u"x", 1), Open(u"a", u"a", 2)});
 }
 
-TEST_F(Script, Prefix)
+TEST_F(Scanner, Prefix)
 {
     myScript.Prefix(u"PG."); // tags are compared in lower case
     Expect(u"<PG.a><pg.a>", {Plain(u"<PG.a><pg.a>", 1)});
@@ -295,7 +296,7 @@ TEST_F(Script, Prefix)
     Expect(u"<br/><></>a>", {Open(u"br/", u"br/", 1), Open(u"", u"", 1), Close(u"", 1), Plain(u"a>", 1)});
 }
 
-TEST_F(Script, AttributesOfATag)
+TEST_F(Scanner, AttributesOfATag)
 {
     myScript.Script(u"</pg.a X=\"&lt;\" y=2>");
     myScript.GetNextTag();
@@ -308,7 +309,7 @@ TEST_F(Script, AttributesOfATag)
     EXPECT_EQ(ErrorOf([&] { myScript.AttributeValue(3); }), ErrorNumber::SubscriptOutOfRange);
 }
 
-TEST_F(Script, AttributesOfPlainTextAreEmpty)
+TEST_F(Scanner, AttributesOfPlainTextAreEmpty)
 {
     myScript.Script(u"<pg.a x=1>text");
     myScript.GetNextTag();
@@ -320,7 +321,7 @@ TEST_F(Script, AttributesOfPlainTextAreEmpty)
     EXPECT_EQ(myScript.QueryAttribute(u"x"), u"");
 }
 
-TEST_F(Script, Setting_LeavesTheCurrentToken)
+TEST_F(Scanner, Setting_LeavesTheCurrentToken)
 {
     myScript.Script(u"<pg.a x=1 y=2>\rtext");
     myScript.GetNextTag();
