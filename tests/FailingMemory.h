@@ -13,6 +13,9 @@
 /// How many pieces of memory this thread still gets; -1: any number.
 inline thread_local int MemoryLeft = -1;
 
+/// How many texts more this thread has been given than it has freed.
+inline thread_local int LivingTexts = 0;
+
 inline bool MemoryIsOut()
 {
     MemoryLeft -= MemoryLeft > 0 ? 1 : 0;
@@ -39,7 +42,16 @@ void* operator new(size_t mySize, const std::nothrow_t&) noexcept
 BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
 {
     static const auto TheReal = reinterpret_cast<decltype(&SysAllocStringLen)>(dlsym(RTLD_NEXT, "SysAllocStringLen"));
-    return MemoryIsOut() ? nullptr : TheReal(myText, myLength);
+    const BSTR theText = MemoryIsOut() ? nullptr : TheReal(myText, myLength);
+    LivingTexts += theText != nullptr ? 1 : 0;
+    return theText;
+}
+
+void SysFreeString(BSTR myText)
+{
+    static const auto TheReal = reinterpret_cast<decltype(&SysFreeString)>(dlsym(RTLD_NEXT, "SysFreeString"));
+    LivingTexts -= myText != nullptr ? 1 : 0;
+    TheReal(myText);
 }
 
 namespace qel

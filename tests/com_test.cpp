@@ -525,6 +525,7 @@ TEST(Invoke, ArgumentsAndResults)
         {7, Method, {myText}, {}, "ok, BSTR UID:9"},
         {4, Method, {myUid, myByReference, myOtherType}, {}, "ok, empty"},
         {4, Method | Get, {myUid, myTwo, Value()}, {}, "ok, empty"},
+        {4, Method, {myTwo, myTwo, myTwo}, {}, "ok, empty"},
         {4, Method, {myUid, myText, myTwo}, {}, "type, argument 1"},
         {4, Method, {myUid, myTwo, Value(1e10)}, {}, "overflow, argument 0"},
         {4, Method, {myUid, myNothing, myTwo}, {}, "pointer, argument 1"},
@@ -532,12 +533,16 @@ TEST(Invoke, ArgumentsAndResults)
         {1, Get, {myTwo}, {DISPID_PROPERTYPUT}, "named"},
         {5, Get, {}, {}, "exception"},
     };
+    SetErrorInfo(0, nullptr);
+    const int myLivingTexts = LivingTexts;
     ExpectOutcomes(*myHost.Get(), myCalls);
     EXPECT_EQ(myHost->PresentLink, u"x");
-    EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"uid", 1, 2), TestDatabase::Seek(u"uid", 2, 0)}));
+    EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"uid", 1, 2), TestDatabase::Seek(u"uid", 2, 0),
+                                            TestDatabase::Seek(u"2", 2, 2)}));
     EXPECT_EQ(myNumber, 101) << "the member works on the caller's variable";
     EXPECT_EQ(mySmall, 2);
     EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
+    EXPECT_EQ(LivingTexts, myLivingTexts);
 }
 
 TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)

@@ -373,6 +373,16 @@ TEST_F(Imaging, ReduceToPalette_Quality)
     const auto myReduced = ReduceToPalette(myMany, false);
     EXPECT_GT(Likeness(myMany, myReduced->Pixels(350, 262)), 34.5); // 255 equal patches would have 34.9
     EXPECT_EQ(myReduced->FirstImage().TransparentIndex, GifImage::NotTransparent);
+    PixelPicture myDark{256, 256, {}}; // most of it
+    for (int i = 0; i < 256 * 256; ++i)
+    {
+        const int myRed = (i % 256) * (i % 256) / 256;
+        for (const int myByte : {myRed, myRed * (i / 256) / 256, 0, 255})
+        {
+            myDark.Pixels.push_back(static_cast<uint8_t>(myByte));
+        }
+    }
+    EXPECT_GT(Likeness(myDark, ReduceToPalette(myDark, false)->Pixels(256, 256)), 40.5);
     const PixelPicture myFew =
         ReadGif(MakeGif({.Interlaced = true, .HasImageColours = true, .Transparent = 7}))->Pixels(20, 20);
     EXPECT_EQ(ReduceToPalette(myFew, false)->Pixels(20, 20).Pixels, myFew.Pixels);
