@@ -95,6 +95,22 @@ TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
     EXPECT_EQ(mySystem->Ports().files.List(myForm.TempFolder() + u"*", Listing::PlainFiles).size(), 2U);
 }
 
+TEST_F(Case, Commit_PacksOneOfTheNamesThatAForeignArchiveHasInTwoCases)
+{
+    const auto myEntry = [](const std::string& myName, const std::string& myContent)
+    {
+        return std::string{static_cast<char>(myName.size()), 0, 0, 0} + myName +
+               std::string{static_cast<char>(myContent.size()), 0, 0, 0} + myContent;
+    };
+    myFolder.Write("data/m.dat", "qelarchive1.0" + myEntry("\\QELMID.MID", "upper") + myEntry("\\qelmid.mid", "lower") +
+                                     std::string(4, '\0'));
+    myForm.Script(u"<pg.file filename=m.dat><pg.param name=midi value=qelmid.mid><pg.param name=midifolder "
+                  u"value=(USER)><pg.param name=midimode value=1>");
+    Open([](FormMainEvents& theEvents) { theEvents.cmdOK_Click(); });
+    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << myWindow.Happened.Words;
+    EXPECT_EQ(myFolder.Read("data/m.dat"), "qelarchive1.0" + myEntry("\\qelmid.mid", "lower") + std::string(4, '\0'));
+}
+
 TEST_F(Case, Staging_KeepsModulesApartWhoseUniqueNamesDifferInCase)
 {
     myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"

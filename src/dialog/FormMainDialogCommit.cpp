@@ -82,6 +82,14 @@ bool FormMainDialog::PackImports()
         Succeeds([&] { myPorts.files.Delete(myOther); });
         DeleteCaseVariants(myPorts.files, myOther);
     }
+    // A foreign archive may name a file twice, in different case, of which a new archive holds one.
+    for (const Text& myName : {ImportedImage(ImageMode::Gif), ImportedImage(ImageMode::Jpeg), ImportedTune()})
+    {
+        if (const Text myFile = StagedFile(myName); FileIsReadable(myPorts.files, myFile))
+        {
+            DeleteCaseVariants(myPorts.files, myFile);
+        }
+    }
     classArchive myArchive(myPorts.files);
     myArchive.BaseFolder(myForm.TempFolder());
     const Text myDataFolder = myForm.Records()->DataFolder();

@@ -54,9 +54,9 @@ void FormMainDialog::StageImage(TextView myFilename)
     const ImageMode myFormat = ImportFormat(myFilename);
     const Text myTarget = StagedFile(ImportedImage(myFormat));
     LoadPicture(LeadIn(), myFilename);
-    DeleteCaseVariants(myPorts.files, myTarget);
     if (LeadIn().BitmapWidth() <= LargestSide && LeadIn().BitmapHeight() <= LargestSide)
     {
+        DeleteCaseVariants(myPorts.files, myTarget);
         myPorts.files.Copy(myFilename, myTarget);
     }
     else
@@ -66,6 +66,7 @@ void FormMainDialog::StageImage(TextView myFilename)
             return;
         }
         Shrink(LeadIn());
+        DeleteCaseVariants(myPorts.files, myTarget);
         SaveImage(myTarget, myFormat);
     }
     Settings().myImageMode = myFormat;

@@ -1,5 +1,6 @@
 #include "dialog/FormMainDialog.h"
 #include "dialog/importedFiles.h"
+#include "tags/pluginFunctions.h"
 #include "text/succeeds.h"
 
 namespace qel
@@ -33,6 +34,7 @@ void FormMainDialog::PlayMIDI(const Text& myFile)
     StopMIDI();
     const Text& myCopy = myForm.TempMIDI();
     Succeeds([&] { myPorts.files.Delete(myCopy); });
+    DeleteCaseVariants(myPorts.files, myCopy);
     Succeeds([&] { myPorts.files.Copy(myFile, myCopy); });
     myPorts.sound.SendMultimediaCommand(JoinTexts({u"open \"", myCopy, u"\" type sequencer alias qelmidi"}));
     myPorts.sound.SendMultimediaCommand(u"play qelmidi ");

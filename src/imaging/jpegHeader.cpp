@@ -17,6 +17,12 @@ constexpr uint8_t ExtendedFrame = 0xC1; // sequential as well
 constexpr uint8_t StartOfScan = 0xDA;
 constexpr uint8_t ApplicationData = 0xE1; // EXIF among others
 
+/// True for the markers that have no content: restarts, and one for temporary use.
+bool HasNoLength(uint8_t myMarker)
+{
+    return myMarker == 0x01 || (myMarker >= 0xD0 && myMarker <= 0xD7);
+}
+
 /// One marker with its content.
 struct Segment
 {
@@ -35,6 +41,10 @@ std::optional<Segment> TakeSegment(Bytes& theRest)
     if (theRest.size() < HeadLength || theRest[0] != MarkerStart)
     {
         return std::nullopt;
+    }
+    if (HasNoLength(theRest[1]))
+    {
+        return std::nullopt; // no writer of pictures puts one here
     }
     const size_t myLength = size_t{theRest[2]} << 8 | theRest[3];
     if (myLength < 2 || myLength + 2 > theRest.size())

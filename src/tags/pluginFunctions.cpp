@@ -2,7 +2,6 @@
 
 #include "platform/Files.h"
 #include "platform/HelpViewer.h"
-#include "text/errors.h"
 #include "text/succeeds.h"
 
 #include <array>
@@ -78,16 +77,12 @@ Text ConcatUrl(TextView myFirst, TextView mySecond)
 
 bool FileIsReadable(Files& myFiles, TextView myFilename)
 {
-    try
-    {
-        myFiles.LookExactly(myFilename);
-        myFiles.OpenShared(myFilename);
-        return true;
-    }
-    catch (const Error&)
-    {
-        return false;
-    }
+    return Succeeds(
+        [&]
+        {
+            myFiles.LookExactly(myFilename);
+            myFiles.OpenShared(myFilename);
+        });
 }
 
 void DeleteCaseVariants(Files& myFiles, TextView myFilename)
@@ -108,19 +103,7 @@ void DeleteCaseVariants(Files& myFiles, TextView myFilename)
 
 bool CopyFileOnce(Files& myFiles, TextView mySource, TextView myTarget)
 {
-    if (FileIsReadable(myFiles, myTarget))
-    {
-        return true;
-    }
-    try
-    {
-        myFiles.Copy(mySource, myTarget);
-        return true;
-    }
-    catch (const Error&)
-    {
-        return false;
-    }
+    return FileIsReadable(myFiles, myTarget) || Succeeds([&] { myFiles.Copy(mySource, myTarget); });
 }
 
 void ShowHelpTopic(HelpViewer& myViewer, TextView myHelpFile, int32_t myID)

@@ -1,6 +1,7 @@
 #include "com/linux/classRegistry.h"
 
 #include "com/linux/contained.h"
+#include "platform/linux/environment.h"
 #include "text/encodings.h"
 #include "text/text.h"
 
@@ -16,7 +17,6 @@
 #include <iterator>
 #include <memory>
 #include <new>
-#include <pwd.h>
 #include <set>
 #include <string_view>
 #include <sys/stat.h>
@@ -68,30 +68,10 @@ std::optional<CLSID> ClassOfFilename(const std::string& myName)
     return FilenameOf(theClass) == myName ? std::optional(theClass) : std::nullopt;
 }
 
-std::string AbsoluteFromEnvironment(const char* myVariable)
-{
-    const char* const myValue = secure_getenv(myVariable);
-    return myValue != nullptr && *myValue == '/' ? myValue : std::string();
-}
-
-std::string HomeFolder()
-{
-    std::string theHome = AbsoluteFromEnvironment("HOME");
-    if (theHome.empty())
-    {
-        std::array<char, 16384> myBuffer{};
-        passwd myRecord{};
-        passwd* myFound = nullptr;
-        getpwuid_r(getuid(), &myRecord, myBuffer.data(), myBuffer.size(), &myFound);
-        theHome = myFound == nullptr ? "" : myFound->pw_dir;
-    }
-    return theHome;
-}
-
 /// The folder of the user's own entries; empty for a user without a home.
 fs::path UserFolder()
 {
-    fs::path theFolder = AbsoluteFromEnvironment("XDG_DATA_HOME");
+    fs::path theFolder = PathFromEnvironment("XDG_DATA_HOME");
     if (theFolder.empty())
     {
         const std::string myHome = HomeFolder();

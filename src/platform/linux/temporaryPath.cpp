@@ -1,11 +1,8 @@
 #include "platform/linux/temporaryPath.h"
 
+#include "platform/linux/environment.h"
 #include "platform/linux/nativePath.h"
 
-#include <array>
-#include <cstdlib>
-#include <pwd.h>
-#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,36 +11,11 @@ namespace qel
 namespace
 {
 
-/// A path from the environment, without "/" at its end; empty if it is not set or not absolute.
-std::string PathFromEnvironment(const char* myName)
-{
-    const char* const myValue = std::getenv(myName);
-    const std::string_view myPath = myValue == nullptr ? "" : myValue;
-    return myPath.starts_with('/') ? std::string(myPath.substr(0, myPath.find_last_not_of('/') + 1)) : std::string();
-}
-
 bool IsSafe(const std::string& myFolder)
 {
     struct stat myFacts = {};
     return !myFolder.empty() && LogicalPath(myFolder) && lstat(myFolder.c_str(), &myFacts) == 0 &&
            S_ISDIR(myFacts.st_mode) && myFacts.st_uid == geteuid() && (myFacts.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-}
-
-std::string HomeFolder()
-{
-    std::string theHome = PathFromEnvironment("HOME");
-    if (theHome.empty())
-    {
-        std::array<char, 4096> myTexts = {};
-        passwd myRecord = {};
-        passwd* myUser = nullptr;
-        if (getpwuid_r(geteuid(), &myRecord, myTexts.data(), myTexts.size(), &myUser) == 0 && myUser != nullptr &&
-            myUser->pw_dir[0] == '/')
-        {
-            theHome = myUser->pw_dir;
-        }
-    }
-    return theHome;
 }
 
 /// Our folder in the user's cache, created if it is missing; empty without a home folder.
