@@ -128,7 +128,11 @@ class BuildTest(HostTest):
                  (script(image="Nada--><b>.gif"), "53", 'El plug-in "Orvenal" ha provocado el error "53: ', "Fiestas/Nada--><b>.gif"),
                  (script(image="a.gif", folder="(USER)", imagemode="gif", archive="module9.dat"), "53",
                   'El plug-in "Orvenal" ha provocado el error "53: ', "its archive data/module9.dat is missing"),
-                 (script(image=None), "720", "No se ha seleccionado ningún motivo. ", "choose a motif")]
+                 (script(image=None, link=gone), "720", "No se ha seleccionado ningún motivo. ", "(choose a motif"),
+                 (script(playmidi="1"), "75",
+                  'El plug-in "Orvenal" ha provocado el error "75: ', "(no tune is chosen"),
+                 (script(image="globo.GIF", playmidi="1", midi="no.mid", midifolder="Fiestas"), "53",
+                  'El plug-in "Orvenal" ha provocado el error "53: ', "(its tune is Fiestas/no.mid)")]
         modules = [self.add_module("a.html", text.replace("--><b>", "--&gt;&lt;b&gt;")) for text, *_ in cases]
         self.host("record", "remove", self.site, gone[4:], "--force")
         good = self.add_module("b.html", script())
@@ -141,7 +145,7 @@ class BuildTest(HostTest):
         self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", "".join(comments)))
         self.assertEqual((self.site / f"build/images/qelspr{good}.gif").read_bytes(), GLOBO)
         self.host("build", self.site, "--keep-errors", expect=1)
-        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", ERROR * 5))
+        self.assertEqual(self.page("a.html"), PAGE.replace("<!-- qel:modules -->", ERROR * 7))
 
     def test_missing_file_of_a_linked_record_is_reported(self):
         self.make_site("a.html")

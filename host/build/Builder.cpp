@@ -137,8 +137,10 @@ Text Builder::ModuleText(const Module& myModule)
             }
             return theText;
         }
-        ReportModule(myModule, myReason + " (" + FailureDetails(mySite, myModule) + ")");
-        return myOptions.KeepsErrors ? theText : FailureComment(myModule.Id, ErrorNumberOf(myReason, theText.empty()));
+        const std::string myNumber = ErrorNumberOf(myReason, theText.empty());
+        ReportModule(myModule,
+                     myReason + " (" + FailureDetails(mySite, myModule, myNumber, myComponent.LibraryFolder()) + ")");
+        return myOptions.KeepsErrors ? theText : FailureComment(myModule.Id, myNumber);
     }
     catch (const CallFailure& myFailure)
     {

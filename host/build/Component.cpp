@@ -165,6 +165,12 @@ Text Component::Version() const
     return theText.Value();
 }
 
+std::filesystem::path Component::LibraryFolder() const
+{
+    const std::filesystem::path myFile = FileOfAddress(*reinterpret_cast<void**>(myPlugin.Get())); // one of its members
+    return std::filesystem::weakly_canonical(myFile).parent_path() / "QelPluginAnimationDesigns";
+}
+
 void RegisterComponent(const std::filesystem::path& myFile)
 {
     CallEntryPoint(myFile, "DllRegisterServer", "the component cannot be registered");

@@ -64,6 +64,8 @@ public:
     Text Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const;
     bool RequiresPHP() const;
     Text Version() const;
+    /// Its folder of motifs and tunes, whether or not it exists.
+    std::filesystem::path LibraryFolder() const;
 
 private:
     SharedLibrary myLibrary; ///< none when the component came from the class registry

@@ -7,9 +7,19 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <vector>
 
 namespace qel::host
 {
+
+namespace
+{
+
+// The numbers of the two reasons that name none.
+constexpr const char* NoMotifChosen = "720";
+constexpr const char* LinkIsBroken = "730";
+
+} // namespace
 
 std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty)
 {
@@ -26,7 +36,7 @@ std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty)
             return std::string(myReason.substr(myStart, myEnd - myStart));
         }
     }
-    return myIsOutputEmpty ? "720" : "730";
+    return myIsOutputEmpty ? NoMotifChosen : LinkIsBroken;
 }
 
 std::string ErrorNumberOf(HRESULT myResult)
@@ -57,11 +67,73 @@ bool IsMissing(const fs::path& myFile)
     return !fs::exists(fs::symlink_status(myFile, myIgnored));
 }
 
-/// The folder and name of a motif or tune.
-std::string ShippedFile(const std::string& myScript, const char* myName, const char* myFolder)
+/// A motif or tune that a module names.
+struct NamedFile
 {
-    const std::string myFile = ScriptParam(myScript, myName);
-    return myFile.empty() ? std::string() : ScriptParam(myScript, myFolder) + "/" + myFile;
+    std::string Kind;
+    std::string Folder; ///< of the library, or the one of imported files
+    std::string Name;   ///< empty: none is chosen
+};
+
+bool IsImported(const NamedFile& myFile)
+{
+    return myFile.Folder == "(USER)";
+}
+
+/// True when a file can be found as the component finds it, without regard to case.
+bool IsInLibrary(const fs::path& myLibrary, const NamedFile& myFile)
+{
+    std::error_code myIgnored; // what cannot be read is not found
+    if (fs::exists(myLibrary / myFile.Folder / myFile.Name, myIgnored))
+    {
+        return true;
+    }
+    const Text myWanted = LowerCase(FromUtf8((fs::path(myFile.Folder) / myFile.Name).string()));
+    return std::ranges::any_of(
+        fs::recursive_directory_iterator(myLibrary, fs::directory_options::skip_permission_denied, myIgnored),
+        [&](const fs::directory_entry& myEntry)
+        {
+            const fs::path myPath = myEntry.path().lexically_relative(myLibrary);
+            return LowerCase(FromUtf8(myPath.string())) == myWanted;
+        });
+}
+
+/// The motif and the tune that a page needs, in the order in which it uses them.
+std::vector<NamedFile> NeededFiles(const std::string& myScript)
+{
+    std::vector<NamedFile> theFiles;
+    const auto Add = [&](const char* mySwitch, const char* myKind, const char* myName, const char* myFolder)
+    {
+        if (ScriptSwitch(myScript, mySwitch))
+        {
+            theFiles.push_back({myKind, ScriptParam(myScript, myFolder), ScriptParam(myScript, myName)});
+        }
+    };
+    Add("showimage", "motif", "image", "imagefolder");
+    Add("playmidi", "tune", "midi", "midifolder");
+    return theFiles;
+}
+
+/// What is wrong with the files that a page needs, or else their names.
+std::string FileDetails(const std::vector<NamedFile>& myFiles, const fs::path& myLibrary)
+{
+    std::string theNames;
+    std::string myImported; // whether the archive has them is not known
+    for (const NamedFile& myFile : myFiles)
+    {
+        if (myFile.Name.empty())
+        {
+            return myImported + "no " + myFile.Kind + " is chosen; choose one with qelhost module edit";
+        }
+        const std::string myText = "its " + myFile.Kind + " is " + myFile.Folder + "/" + myFile.Name;
+        if (!IsImported(myFile) && !IsInLibrary(myLibrary, myFile))
+        {
+            return myImported + myText;
+        }
+        myImported += IsImported(myFile) ? myText + "; " : "";
+        theNames += (theNames.empty() ? "" : "; ") + myText;
+    }
+    return theNames;
 }
 
 } // namespace
@@ -91,28 +163,25 @@ std::string LinkProblem(Site& theSite, const Module& myModule)
     return {};
 }
 
-std::string FailureDetails(Site& theSite, const Module& myModule)
+std::string FailureDetails(Site& theSite, const Module& myModule, const std::string& myErrorNumber,
+                           const fs::path& myLibrary)
 {
+    if (myErrorNumber == NoMotifChosen)
+    {
+        return "choose a motif with qelhost module edit";
+    }
+    if (myErrorNumber == LinkIsBroken)
+    {
+        const std::string theProblem = LinkProblem(theSite, myModule);
+        return theProblem.empty() ? "its link is " + ScriptParam(myModule.Script, "link") : theProblem;
+    }
+    const std::vector<NamedFile> myFiles = NeededFiles(myModule.Script);
     const std::string myArchive = ScriptFile(myModule.Script);
-    const std::string myMotif = ShippedFile(myModule.Script, "image", "imagefolder");
-    const std::string myTune = ShippedFile(myModule.Script, "midi", "midifolder");
-    std::string theDetails;
-    const auto Append = [&](const std::string& myText)
+    if (!myArchive.empty() && std::ranges::any_of(myFiles, IsImported) && IsMissing(theSite.DataFolder() / myArchive))
     {
-        theDetails += (theDetails.empty() || myText.empty() ? "" : "; ") + myText;
-    };
-    Append(LinkProblem(theSite, myModule));
-    if (!myArchive.empty() && IsMissing(theSite.DataFolder() / myArchive))
-    {
-        Append("its archive data/" + myArchive + " is missing; give it again with qelhost module archive");
+        return "its archive data/" + myArchive + " is missing; give it again with qelhost module archive";
     }
-    if (!theDetails.empty())
-    {
-        return theDetails;
-    }
-    Append(myMotif.empty() ? "choose a motif with qelhost module edit" : "its motif is " + myMotif);
-    Append(myTune.empty() ? "" : "its tune is " + myTune);
-    return theDetails;
+    return FileDetails(myFiles, myLibrary);
 }
 
 } // namespace qel::host

@@ -5,6 +5,7 @@
 #include "site/Site.h"
 #include "text/text.h"
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -26,8 +27,9 @@ Text FailureComment(int64_t myModule, const std::string& myErrorNumber);
 /// empty text where nothing is. The component does not report a missing file.
 std::string LinkProblem(Site& theSite, const Module& myModule);
 
-/// The files and the record that a failed module is about, as far as they can be known, and what to do about those that
-/// are missing; it follows the component's reason.
-std::string FailureDetails(Site& theSite, const Module& myModule);
+/// What a module that failed with this error number is about, as far as that can be known, and what to do about it; it
+/// follows the component's reason. The library is the component's folder of motifs and tunes.
+std::string FailureDetails(Site& theSite, const Module& myModule, const std::string& myErrorNumber,
+                           const std::filesystem::path& myLibrary);
 
 } // namespace qel::host

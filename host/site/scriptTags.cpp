@@ -33,11 +33,10 @@ std::string_view TakeTag(std::string_view& theScript, std::string_view myKind)
     return theTag;
 }
 
-} // namespace
-
-std::string ScriptParam(std::string_view myScript, std::string_view myName)
+/// The value of the last param of that name, as the component reads it; none where there is no such param.
+std::optional<std::string> LastParam(std::string_view myScript, std::string_view myName)
 {
-    std::string theValue; // of the last param of that name, as the component reads it
+    std::optional<std::string> theValue;
     for (std::string_view myTag; !(myTag = TakeTag(myScript, "param")).empty();)
     {
         if (Attribute(myTag, "name") == myName)
@@ -46,6 +45,20 @@ std::string ScriptParam(std::string_view myScript, std::string_view myName)
         }
     }
     return theValue;
+}
+
+} // namespace
+
+std::string ScriptParam(std::string_view myScript, std::string_view myName)
+{
+    return LastParam(myScript, myName).value_or("");
+}
+
+bool ScriptSwitch(std::string_view myScript, std::string_view myName)
+{
+    std::string myValue = LastParam(myScript, myName).value_or("1");
+    std::erase(myValue, ' ');
+    return !myValue.empty() && myValue != "0";
 }
 
 std::string ScriptFile(std::string_view myScript)

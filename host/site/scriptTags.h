@@ -15,6 +15,9 @@ namespace qel::host
 /// The value of the param of that name, such as `link`; the empty text where there is none.
 std::string ScriptParam(std::string_view myScript, std::string_view myName);
 
+/// The truth value of the param of that name, such as `showimage`, as the component reads it; true where there is none.
+bool ScriptSwitch(std::string_view myScript, std::string_view myName);
+
 /// The first file that the script names, the module's archive; the empty text where there is none.
 std::string ScriptFile(std::string_view myScript);
 
