@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <iostream>
 #include <new>
+#include <string>
+#include <system_error>
 
 namespace
 {
@@ -22,12 +24,32 @@ using namespace qel::host;
 constexpr int myFailed = 1;
 constexpr int myMisused = 2;
 
+/// What the command line's own errors say: the reason, and where help is.
+std::string MisuseMessage(const CLI::App* myApplication, const CLI::Error& myError)
+{
+    const CLI::App* myCommand = myApplication;
+    std::string myName = "qelhost";
+    for (auto myParsed = myCommand->get_subcommands(); !myParsed.empty(); myParsed = myCommand->get_subcommands())
+    {
+        myCommand = myParsed.front();
+        myName += " " + myCommand->get_name();
+    }
+    return "qelhost: " + Printable(myError.what()) + "; " + myName + " --help explains the command.\n";
+}
+
+/// Why a file cannot be used, in words for the user.
+std::string ReasonOf(const std::error_code& myError)
+{
+    return myError == std::errc::filename_too_long ? "the name is too long; give a shorter one" : myError.message();
+}
+
 int Run(int myCount, char** myTexts)
 {
     CLI::App myApplication("Makes small web sites whose pages hold animation modules, and builds them.", "qelhost");
     myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);
     myApplication.require_subcommand(1);
     myApplication.fallthrough();
+    myApplication.failure_message(MisuseMessage);
     Arguments myArguments;
     myApplication
         .add_option("--plugin", myArguments.Plugin,
@@ -89,7 +111,7 @@ int main(int myCount, char** myTexts)
     }
     catch (const std::filesystem::filesystem_error& myError)
     {
-        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + myError.code().message(), myFailed);
+        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + ReasonOf(myError.code()), myFailed);
     }
     catch (const std::bad_alloc&)
     {

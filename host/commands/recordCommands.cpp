@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "site/scriptTags.h"
 #include "site/Site.h"
 
 #include <iostream>
@@ -28,6 +29,13 @@ RecordChange ChangeOf(const Arguments& myArguments)
     return {myArguments.Title, myArguments.OtherPage, myArguments.Address, myArguments.OptionalFile};
 }
 
+/// The uid in the link text that record add prints, so that it can be passed on; any other text as it is.
+std::string WithoutLinkPrefix(const std::string& myText)
+{
+    const auto myUid = LinkedRecord(myText);
+    return myUid ? std::to_string(*myUid) : myText;
+}
+
 void List(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"UID", "KIND", "LEADS TO", "TITLE"}};
@@ -50,7 +58,10 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myGroup = AddGroup(theApplication, "record", "What links of a site can lead to");
     const auto AddUid = [&](CLI::App* theCommand)
     {
-        theCommand->add_option("UID", theArguments.Id, "The record's uid")->required()->type_name("");
+        theCommand->add_option("UID", theArguments.Id, "The record's uid, such as 2 or UID:2")
+            ->required()
+            ->type_name("")
+            ->transform(WithoutLinkPrefix);
     };
     const auto AddContent = [&](CLI::App* theCommand)
     {
