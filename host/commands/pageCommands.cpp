@@ -6,8 +6,6 @@
 #include "site/Site.h"
 #include "site/siteFiles.h"
 
-#include <iostream>
-
 #include <algorithm>
 #include <iostream>
 
@@ -22,7 +20,9 @@ constexpr const char* myPlaces =
     "  <!-- qel:modules -->       the page's modules; without it they are at the end of the body\n"
     "  <!-- qel:modules NAME -->  the modules of the place with that name\n"
     "  <!-- qel:title -->         the site's title\n"
-    "  <!-- qel:menu -->          a list with links to all pages";
+    "  <!-- qel:menu -->          a list with links to all pages\n"
+    "What the page refers to in href, src, data, poster and background and the site does not have\n"
+    "is reported. References in srcset, in style sheets and in scripts are not looked at.";
 
 /// True when a path below the folder of the pages is something that the site has or may have.
 bool IsInSite(Site& theSite, const std::string& myPath)

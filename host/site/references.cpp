@@ -133,7 +133,8 @@ std::vector<std::string> RelativeReferences(std::string_view myPage)
             continue;
         }
         const std::string myTag = Lowered(TakeUpTo(myPage, " \t\n\f\r>"));
-        ReadAttributes(myPage, theReferences);
+        std::vector<std::string> myIgnored; // the address of a base is no reference to a file
+        ReadAttributes(myPage, myTag == "base" ? myIgnored : theReferences);
         if (myTag == "script" || myTag == "style")
         {
             SkipPast(myPage, "</");
