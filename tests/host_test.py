@@ -506,7 +506,8 @@ class SiteTest(HostTest):
         (self.site / "static" / "img" / "a b.png").write_bytes(b"")
         there = ('<a href="otra.html#x">', '<img SRC = img/a%20b.png?v=1>', "<a href='https://x/y.css'>", '<a href="#top">',
                  '<a href="mailto:a@b">', '<img src="/abs.png">', '<img src="images/qelspr1.gif">', '<a name="href=no.png">',
-                 '<!-- <img src="no.png"> -->', '<script>"<img src=no.png>"</script>', '<a href="">', '<p>href="no.png"')
+                 '<!-- <img src="no.png"> -->', '<script>"<img src=no.png>"</script>', '<a href="">', '<p>href="no.png"',
+                 '<BASE href="sub/">')
         missing = {'<link rel=x href="./estilo.css">': "./estilo.css", '<img src="../x.png">': "../x.png",
                    '<img alt=">" src="&amp;&#39;.gif"': "&'.gif", "<script src=a.js></script>": "a.js"}
         run = subprocess.run([STAGE / "qelhost", "page", "add", self.site, "-", "--name", "p.html"], text=True,
@@ -597,7 +598,7 @@ class SiteTest(HostTest):
         self.host("record", "set", self.site, 2, "--file", self.file("y", b"y"), "--title", "T")
         self.assertEqual(self.rows("record"), ["1 section index.html#x Sección", "2 file y T"])
         self.assertEqual(tree(self.site / "data"), {"y": b"y"})
-        self.host("record", "remove", self.site, 2)
+        self.host("record", "remove", self.site, "UID:2")
         self.assertEqual((self.add_record("--kind", "none"), tree(self.site / "data")), ("UID:3", {}))
 
     def test_scripts_are_kept_to_the_byte_once_the_component_took_them(self):
@@ -685,8 +686,10 @@ class ArchiveTest(HostTest):
                                   (["pack", archive, none], "no folder"),
                                   (["pack", none / "a.dat", source], "archive itself: its folder"),
                                   (["pack", self.folder / "c.dat", unnameable.parent], "日.txt: its name"),
-                                  (["list", self.file("b.dat", before[:-1])], "cannot be read"),
+                                  (["list", self.file("b.dat", before[:-1])], "it is damaged"),
+                                  (["list", self.file("h.dat", b"qelarchive1.1")], "another kind of file"),
                                   (["list", source], "not a file"),
+                                  (["unpack", archive, self.file("file", b"x")], "file is a file"),
                                   (["unpack", self.file("d.dat", twins), none], "more than once"),
                                   (["unpack", self.file("e.dat", archive_of("..\\evil", b"x")), none], "leads out"),
                                   (["unpack", archive, way], "as a folder"),
@@ -696,8 +699,12 @@ class ArchiveTest(HostTest):
                                   (["unpack", self.file("g.dat", archive_of("g.dat", b"x")), self.folder, "--force"],
                                    "archive itself"),
                                   (["pack", pipe, source, "--force"], "no plain file"),
+                                  (["list", "x" * 300], "is too long"),
                                   (["unpack", none, source], "no file")):
             self.assertIn(reason, self.host("archive", *arguments, expect=1))
+        with archive.open() as locked:
+            fcntl.flock(locked, fcntl.LOCK_EX)
+            self.assertIn("in use", self.host("archive", "list", archive, expect=1))
         for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
             self.host("archive", *arguments, expect=2, cwd=source)
         self.assertEqual((archive.read_bytes(), tree(out)), (before, content))
@@ -753,7 +760,7 @@ class CommandLineTest(HostTest):
     def test_misuse_ends_with_2_and_points_to_the_help(self):
         for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],
                           ["module", "move", "site", "one", "1"]):
-            self.assertIn("--help", self.host(*arguments, expect=2))
+            self.assertRegex(self.host(*arguments, expect=2), r"\Aqelhost: .*qelhost .*--help.*\.\n\Z")
 
     def test_the_component_is_the_one_registered_or_named(self):
         for name in ("qelhost", "libqelcom.so.1"):

@@ -9,6 +9,7 @@
 #include "text/errors.h"
 
 #include <algorithm>
+#include <fstream>
 #include <iostream>
 #include <optional>
 #include <unordered_map>
@@ -69,6 +70,24 @@ const char* ReasonOf(int32_t myNumber, const Text& myName)
     return theReason != std::end(Reasons) ? theReason->second : "the disk has failed";
 }
 
+/// Why an existing file cannot be read as an archive.
+std::string ReadingReason(const fs::path& myFile, int32_t myNumber)
+{
+    switch (myNumber)
+    {
+    case ErrorNumber::InvalidArgument:
+        return "it is another kind of file";
+    case ErrorNumber::InputPastEnd:
+    case ErrorNumber::BadFileName:
+        return "it is damaged";
+    case ErrorNumber::PermissionDenied: // also while someone else has locked it, which does not keep it from opening
+        return std::ifstream(myFile) ? "it is in use by another program; try again later"
+                                     : "there is no permission to read it";
+    default:
+        return ReasonOf(myNumber, {});
+    }
+}
+
 /// Where and why packing or unpacking failed.
 std::string FailureOf(const classArchive& myArchive)
 {
@@ -113,7 +132,8 @@ public:
         }
         if (!Archive.ReadArchive())
         {
-            throw Failure(myFile.string() + " cannot be read as an archive: it is damaged, in use, or something else");
+            throw Failure(myFile.string() +
+                          " cannot be read as an archive: " + ReadingReason(myFile, Archive.FailureNumber()));
         }
         ListedFiles theFiles;
         Archive.FillList(theFiles);
@@ -275,6 +295,10 @@ void Unpack(const Arguments& myArguments)
     OpenArchive myArchive(myArguments.File);
     const Text myFolder = LogicalName(myArguments.Folder);
     const std::vector<Text> myNames = myArchive.Listed().Names;
+    if (fs::exists(myArguments.Folder) && !fs::is_directory(myArguments.Folder))
+    {
+        throw Failure(Printable(myArguments.Folder.string()) + " is a file; give a folder to unpack into");
+    }
     DemandPlaces(myArchive, myNames, myFolder, myArguments.Force);
     const ProgressLine myLine;
     size_t myCount = 0;

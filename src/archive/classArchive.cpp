@@ -274,15 +274,15 @@ void classArchive::RaiseCreate(const Text& myFilename, int32_t myPercent, bool& 
 
 bool classArchive::ReadArchive()
 {
-    int32_t myIgnored = 0;
     const bool theResult = Completes(
         [&]
         {
+            myLastName.clear();
             myFiles.clear();
             ArchiveInput myInput(myFilePort.OpenForReading(myArchiveFilename));
             if (!ReadMagic(*myInput.File))
             {
-                return false;
+                Raise(ErrorNumber::InvalidArgument);
             }
             for (Text myName = ReadName(myInput); !myName.empty(); myName = ReadName(myInput))
             {
@@ -292,7 +292,7 @@ bool classArchive::ReadArchive()
             }
             return true;
         },
-        myIgnored);
+        myFailureNumber);
     if (!theResult)
     {
         myFiles.clear();

@@ -68,15 +68,17 @@ public:
     /// on a file of 2 GiB or more.
     bool PackArchive();
 
-    /// The number of the error that made the last PackArchive or UnPackArchive fail; 0 when it succeeded or was
-    /// cancelled. In UnPackArchive, 52 is a name that leads out of the folder, and 75 also a link in the path.
+    /// The number of the error that made the last PackArchive, UnPackArchive or ReadArchive fail; 0 when it succeeded
+    /// or was cancelled. 5 is a file that does not begin as an archive does. In UnPackArchive, 52 is a name that leads
+    /// out of the folder, and 75 also a link in the path; in ReadArchive, 52 and 62 are damage.
     int32_t FailureNumber() const { return myFailureNumber; }
 
     /// The path below BaseFolder, with "\" in front, that the last PackArchive or UnPackArchive was processing when it
-    /// ended; empty when that was the archive itself.
+    /// ended; empty when that was the archive itself, and after ReadArchive.
     const Text& LastName() const { return myLastName; }
 
-    /// Fills the table of contents from the archive. False: it cannot be read whole, and the table is empty.
+    /// Fills the table of contents from the archive. False: it cannot be read whole, and the table is empty; the reason
+    /// is FailureNumber.
     bool ReadArchive();
 
     /// Writes every file of the archive below BaseFolder, which is created if its parent exists. Existing files are
