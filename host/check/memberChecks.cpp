@@ -36,7 +36,7 @@ void ExpectAnswer(const std::string& myWhat, VARIANT_BOOL myExpected, const std:
     std::array<VARIANT_BOOL, 2> myAnswer{7, 7};
     ExpectResult(myWhat, S_OK, Ask(myAnswer.data()));
     ExpectNumber(myWhat, myExpected, myAnswer[0]);
-    ExpectNumber("what lies behind the answer of " + myWhat, 7, myAnswer[1]);
+    ExpectNumber("what comes after the answer of " + myWhat, 7, myAnswer[1]);
 }
 
 void Answers(const CheckContext& myContext)

@@ -28,7 +28,7 @@ struct Record
     RecordKind Kind;
     std::string Title;
     std::string Page;     ///< name of the page that it leads to, or empty
-    std::string Address;  ///< what stands behind the page's name, or the whole address
+    std::string Address;  ///< what follows the page's name, or the whole address
     std::string Filename; ///< name below the data folder, of a picture or another file
 };
 
