@@ -22,8 +22,9 @@
 /* clang-format off */ /* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
 /* The host's build service, which the host implements. The plug-in reads it during Output, and ArchiveName when the
  * author confirms the dialog. A folder is a local path in UTF-16, absolute, and ends in its separator, because a file
- * name is appended as it is. An address ends in "/" for the same reason; it is written into the page as it is. A member
- * that fails ends the Output with its result and its description. */
+ * name is appended as it is. An address ends in "/" for the same reason; it is written into the page as it is. When a
+ * member fails, the page ends there: Output succeeds with "[Error de plug-in]", and ErrorText has the number and the
+ * description of the failure. */
 #define QEL_THIS QelBuildHelper
 QEL_INTERFACE(QelBuildHelper, IDispatch)
     QEL_C_DISPATCH_MEMBERS
@@ -51,8 +52,8 @@ QEL_INTERFACE(QelBuildHelper, IDispatch)
 QEL_END_INTERFACE(QelBuildHelper)
 #undef QEL_THIS
 
-/* The host's database of the site, with one current record, which the host implements. A member that fails ends the
- * Output, or the dialog's operation, with its result and its description. */
+/* The host's database of the site, with one current record, which the host implements. When a member fails, the
+ * page ends there, as it does for QelBuildHelper. In the dialog the operation ends, and the author is told why. */
 #define QEL_THIS QelDatabase
 QEL_INTERFACE(QelDatabase, IDispatch)
     QEL_C_DISPATCH_MEMBERS
@@ -117,8 +118,8 @@ QEL_INTERFACE(QelPlugin, IDispatch)
     QEL_MEMBER(get_TextRequirementsServer, BSTR* theText)
     /* What it requires of the browser, with mark-up. */
     QEL_MEMBER(get_TextRequirementsClient, BSTR* theText)
-    /* A summary of the module in hand, with mark-up. Error 5: the file name of its picture or tune has fewer than four
-     * characters. */
+    /* A summary of the module in hand, with mark-up. Error 5: it shows a picture or plays a tune of the library
+     * whose file name has fewer than four characters. */
     QEL_MEMBER(get_TextSettings, BSTR* theText)
     /* How to open the dialog, with mark-up. */
     QEL_MEMBER(get_TextConfig, BSTR* theText)
@@ -131,8 +132,8 @@ QEL_INTERFACE(QelPlugin, IDispatch)
     /* The file name of another bitmap beside the component, without a folder. */
     QEL_MEMBER(get_LogoFilename, BSTR* theName)
     /* The author clicked on a word of a mark-up text: `myLink` is its number. 0 opens the settings dialog of the module
-     * in hand and returns when it is closed; needs both services and a display, on the thread that owns the process's
-     * windows. VARIANT_TRUE: the author confirmed it, and Script has new settings to store. VARIANT_FALSE: the author
+     * in hand and returns when it is closed; needs a display, on the thread that owns the process's windows, and the
+     * services as far as the module uses them. VARIANT_TRUE: the author confirmed it, and Script has new settings to store. VARIANT_FALSE: the author
      * cancelled it, but the record in hand may have been edited and the archive written. Any other number does nothing
      * and returns VARIANT_FALSE.
      * Error 5: another thread owns the windows, or the dialog is open already. 53: the window module is not installed.
