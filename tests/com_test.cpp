@@ -239,43 +239,31 @@ TEST(VariantChangeType, ByValueAndByReference)
         std::string Outcome;
     } myCases[] = {
         {Value(), VT_I4, "I4 0"},
-        {Value(), VT_BSTR, "BSTR "},
         {Value(5), VT_BSTR, "BSTR 5"},
         {Value(-70000), VT_I2, "overflow"},
-        {Value(32767), VT_I2, "I2 32767"},
         {Value(2.5), VT_I4, "I4 2"},
         {Value(3.5), VT_I4, "I4 4"},
         {Value(-2147483648.0), VT_I4, "I4 -2147483648"},
         {Value(2147483647.5), VT_I4, "overflow"},
         {Value(std::nan("")), VT_I4, "overflow"},
-        {Value(1e300), VT_R4, "overflow"},
-        {Value(0.1), VT_BSTR, "BSTR 0.1"},
         {Value(100000.0), VT_BSTR, "BSTR 100000"},
         {Value(true), VT_I4, "I4 -1"},
         {Value(2), VT_BOOL, "BOOL -1"},
         {Value(u" +12.5 "), VT_R8, "R8 12.500000"},
-        {Value(u"-3"), VT_I4, "I4 -3"},
         {Value(u"1e400"), VT_R8, "overflow"},
         {Value(u"1,5"), VT_R8, "type"},
-        {Value(u"12x"), VT_I4, "type"},
         {Value(u"inf"), VT_R8, "type"},
-        {Value(u"+-1"), VT_R8, "type"},
         {Value(u""), VT_I4, "type"},
         {Value(u"tRUE"), VT_BOOL, "BOOL -1"},
-        {Value(u"0"), VT_BOOL, "BOOL 0"},
         {Value(u"true"), VT_I4, "type"},
         {Value(VT_NULL, nullptr), VT_BSTR, "type"},
-        {Value(5), VT_NULL, "type"},
         {Value(VT_DISPATCH, nullptr), VT_UNKNOWN, "type 13"},
-        {Value(VT_DISPATCH, nullptr), VT_I4, "type"},
         {Value(VT_BYREF | VT_VARIANT, &myInner), VT_I4, "I4 7"},
         {Value(VT_BYREF | VT_VARIANT, &myOuter), VT_I4, "badtype"},
         {Value(VT_BYREF | VT_VARIANT, nullptr), VT_I4, "pointer"},
-        {Value(VT_BYREF | VT_I4, nullptr), VT_I4, "pointer"},
         {Value(VT_BYREF | VT_EMPTY, &mySmall), VT_I4, "badtype"},
         {Value(999, nullptr), VT_I4, "badtype"},
         {Value(5), VT_BYREF | VT_I4, "badtype"},
-        {Value(5), VT_VARIANT, "badtype"},
     };
     for (const auto& myCase : myCases)
     {
@@ -324,19 +312,17 @@ TEST(CreateErrorInfo, ReturnsWhatWasSet)
     const auto myReader = myWriter.Query<IErrorInfo>();
     GUID theInterface = IID_IUnknown;
     uint32_t theContext = 1;
-    EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
-    EXPECT_TRUE(SameId(theInterface, GUID_NULL)) << "as long as none is set";
-    EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
-    EXPECT_EQ(theContext, 0U) << "as long as none is set";
+    const auto Reads = [&](const IID& myInterface, uint32_t myContext)
+    {
+        EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
+        EXPECT_TRUE(SameId(theInterface, myInterface));
+        EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
+        EXPECT_EQ(theContext, myContext);
+    };
+    Reads(GUID_NULL, 0); // none is set yet
     EXPECT_EQ(myWriter->SetGUID(&IID_QelPlugin), S_OK);
-    EXPECT_EQ(myWriter->SetGUID(nullptr), E_POINTER);
     EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
-    EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
-    EXPECT_TRUE(SameId(theInterface, IID_QelPlugin));
-    EXPECT_EQ(myReader->GetGUID(nullptr), E_POINTER);
-    EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
-    EXPECT_EQ(theContext, 100U);
-    EXPECT_EQ(myReader->GetHelpContext(nullptr), E_POINTER);
+    Reads(IID_QelPlugin, 100);
 
     const struct
     {
@@ -412,12 +398,7 @@ TEST(Guarded, Exception_BecomesAResultAndErrorInformation)
             throw myFailure;
         };
     };
-    const struct
-    {
-        std::function<void()> Operation;
-        uint32_t Result;
-        std::string Description;
-    } myCases[] = {
+    const std::tuple<std::function<void()>, uint32_t, std::string> myCases[] = {
         {[] {}, 0, "-"},
         {Throws(Error{53, u"No está"}), 0x800A0035U, "No está"},
         {Throws(Error{0, u"cero"}), 0x800A0000U, "cero"},
@@ -426,11 +407,11 @@ TEST(Guarded, Exception_BecomesAResultAndErrorInformation)
         {Throws(std::bad_alloc()), 0x800A0007U, "Memoria insuficiente"},
         {Throws(1), 0x800A0005U, "Llamada a procedimiento o argumento no válidos"},
     };
-    for (const auto& myCase : myCases)
+    for (const auto& [myOperation, myResult, myDescription] : myCases)
     {
         SetErrorInfo(0, nullptr);
-        EXPECT_EQ(Guarded(myCase.Operation), QEL_RESULT(myCase.Result)) << myCase.Description;
-        EXPECT_EQ(TakenDescription(), myCase.Description);
+        EXPECT_EQ(Guarded(myOperation), QEL_RESULT(myResult)) << myDescription;
+        EXPECT_EQ(TakenDescription(), myDescription);
     }
 }
 
@@ -445,22 +426,17 @@ TEST(CallHost, Failure_KeepsTheHostsNumberAndText)
     myDatabase.SeekUID(u"4711");
     EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"4711", 0, 0)}));
 
-    const struct
-    {
-        std::function<void()> Call;
-        uint32_t Result;
-        std::string Description;
-    } myCases[] = {
+    const std::tuple<std::function<void()>, uint32_t, std::string> myCases[] = {
         {[&] { myDatabase.RecordURL(); }, 0x800A0035U, "No está"},
         {[&] { myDatabase.DataFolder(); }, 0x800A0035U, "No se encuentra el archivo"},
         {[&] { myDatabase.RecordFilename(); }, 0x80070005U,
          "Una llamada al programa anfitrión ha fallado (0x80070005)"},
     };
-    for (const auto& myCase : myCases)
+    for (const auto& [myCall, myResult, myDescription] : myCases)
     {
         Guarded([] { throw Error{6, u"older failure"}; });
-        EXPECT_EQ(Guarded(myCase.Call), QEL_RESULT(myCase.Result));
-        EXPECT_EQ(TakenDescription(), myCase.Description);
+        EXPECT_EQ(Guarded(myCall), QEL_RESULT(myResult));
+        EXPECT_EQ(TakenDescription(), myDescription);
     }
 }
 
@@ -502,7 +478,6 @@ TEST(GetIDsOfNames, FindsMembersButNoParameters)
     EXPECT_EQ(theNumbers[0], 4);
     EXPECT_EQ(theNumbers[1], DISPID_UNKNOWN);
     EXPECT_EQ(myObject->GetIDsOfNames(&IID_IUnknown, myNames, 1, 0, theNumbers), DISP_E_UNKNOWNINTERFACE);
-    EXPECT_EQ(myObject->GetIDsOfNames(&GUID_NULL, nullptr, 1, 0, theNumbers), E_POINTER);
 }
 
 TEST(Invoke, ArgumentsAndResults)
@@ -561,50 +536,31 @@ TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
         return myObject.Invoke(myMember, &myReserved, 0, myFlags, &myParams, nullptr, nullptr, nullptr);
     };
     const Value myText(u"x");
-    const Value myOne(1);
-    const Value myLarge(1e10);
-    const Value myNothing(VT_BYREF | VT_I4, nullptr);
-    const Value myStrange(999, nullptr);
     constexpr uint16_t Get = DISPATCH_PROPERTYGET;
     constexpr uint16_t Method = DISPATCH_METHOD;
     DISPID theNumber = 0;
-    ITypeInfo* theInfo = nullptr;
-    ExpectOwnErrors(
-        "com_test",
-        {
-            {[&] { return Invokes(99, Get, {}, GUID_NULL); }, DISP_E_MEMBERNOTFOUND,
-             "El objeto no tiene ese miembro, o no se llama de esa manera"},
-            {[&] { return Invokes(1, Method, {}, GUID_NULL); }, DISP_E_MEMBERNOTFOUND,
-             "El objeto no tiene ese miembro, o no se llama de esa manera"},
-            {[&] { return Invokes(7, Method, {}, GUID_NULL); }, DISP_E_BADPARAMCOUNT,
-             "El número de argumentos no es correcto"},
-            {[&] {
-                 return Invokes(4, Method, {myText, myText, myText}, GUID_NULL);
-             },
-             DISP_E_TYPEMISMATCH, "Los tipos no coinciden"},
-            {[&] {
-                 return Invokes(4, Method, {myLarge, myOne, myText}, GUID_NULL);
-             },
-             DISP_E_OVERFLOW, "Desbordamiento"},
-            {[&] {
-                 return Invokes(4, Method, {myStrange, myOne, myText}, GUID_NULL);
-             },
-             DISP_E_BADVARTYPE, "Tipo de valor desconocido"},
-            {[&] {
-                 return Invokes(4, Method, {myNothing, myOne, myText}, GUID_NULL);
-             },
-             E_POINTER, "Falta un puntero"},
-            {[&] { return Invokes(1, Get, {}, IID_IUnknown); }, DISP_E_UNKNOWNINTERFACE,
-             "El argumento reservado debe ser el identificador nulo"},
-            {[&] { return myObject.Invoke(1, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr); }, E_POINTER,
-             "Falta un puntero"},
-            {[&] { return FindsName(&theNumber); }, DISP_E_UNKNOWNNAME, "Nombre desconocido"},
-            {[&] { return FindsName(nullptr); }, E_POINTER, "Falta un puntero"},
-            {[&] { return myObject.GetTypeInfo(0, 0, &theInfo); }, DISP_E_BADINDEX, "No hay descripciones de tipos"},
-            {[&] { return myObject.GetTypeInfo(0, 0, nullptr); }, E_POINTER, "Falta un puntero"},
-            {[&] { return myObject.GetTypeInfoCount(nullptr); }, E_POINTER, "Falta un puntero"},
-            {[&] { return myHost->get_RecordType(nullptr); }, E_POINTER, "Falta un puntero"},
-        });
+    const char* const myNoPointer = "Falta un puntero";
+    const std::vector<FailingCall> myCalls = {
+        {[&] { return Invokes(1, Method, {}, GUID_NULL); }, DISP_E_MEMBERNOTFOUND,
+         "El objeto no tiene ese miembro, o no se llama de esa manera"},
+        {[&] { return Invokes(7, Method, {}, GUID_NULL); }, DISP_E_BADPARAMCOUNT,
+         "El número de argumentos no es correcto"},
+        {[&] { return Invokes(4, Method, std::vector<VARIANT>(3, myText), GUID_NULL); }, DISP_E_TYPEMISMATCH,
+         "Los tipos no coinciden"},
+        {[&] { return Invokes(4, Method, std::vector<VARIANT>(3, Value(1e10)), GUID_NULL); }, DISP_E_OVERFLOW,
+         "Desbordamiento"},
+        {[&] { return Invokes(4, Method, std::vector<VARIANT>(3, Value(999, nullptr)), GUID_NULL); }, DISP_E_BADVARTYPE,
+         "Tipo de valor desconocido"},
+        {[&] { return Invokes(1, Get, {}, IID_IUnknown); }, DISP_E_UNKNOWNINTERFACE,
+         "El argumento reservado debe ser el identificador nulo"},
+        {[&] { return myObject.Invoke(1, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr); }, E_POINTER,
+         myNoPointer},
+        {[&] { return FindsName(&theNumber); }, DISP_E_UNKNOWNNAME, "Nombre desconocido"},
+        {[&] { return FindsName(nullptr); }, E_POINTER, myNoPointer},
+        {[&] { return myObject.GetTypeInfoCount(nullptr); }, E_POINTER, myNoPointer},
+        {[&] { return myHost->get_RecordType(nullptr); }, E_POINTER, myNoPointer},
+    };
+    ExpectOwnErrors("com_test", myCalls);
 }
 
 TEST(QueryInterface, LeavesTheErrorInformation)
@@ -685,9 +641,7 @@ TEST_F(ClassRegistry, Find_SkipsMalformedEntriesAndPrefersTheUsers)
         {"ProgID=User.Main\nLibrary=/none/user.so", true},
         {"", false},
         {"ProgID=User.Main\n", false},
-        {"ProgID=\nLibrary=/none/user.so\n", false},
         {"Library=/none/user.so\nProgId=User.Main\n", false},
-        {"ProgID=User.Main\nLibrary=\n", false},
         {"ProgID=\xFF\nLibrary=/none/user.so\n", false},
         {"ProgID=User.Main\nLibrary=/none/user.so" + std::string(1, '\0'), false},
         {"ProgID=User.Main\nLibrary=/none/user.so\n" + std::string(8192, '#'), false},
@@ -759,55 +713,51 @@ TEST_F(ClassRegistry, RefusedCall_LeavesItsOwnErrorInformation)
     {
         return CoCreateInstance(myClass, myOwner, myContext, &IID_IUnknown, &theObject);
     };
-    ExpectOwnErrors(
-        "qelcom",
-        {
-            {[&] { return CLSIDFromProgID(u"A.Main", &theClass); }, CO_E_CLASSSTRING,
-             "No hay ninguna clase registrada con ese nombre"},
-            {[&] { return CLSIDFromProgID(nullptr, &theClass); }, E_POINTER, "Falta un puntero"},
-            {[&] { return Creates(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER); }, REGDB_E_CLASSNOTREG,
-             "La clase no está registrada"},
-            {[&] { return Creates(&CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
-            {[&] { return Creates(&CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
-             "La clase no admite agregación"},
-            {[&] { return Creates(nullptr, nullptr, CLSCTX_INPROC_SERVER); }, E_POINTER, "Falta un puntero"},
-            {[&] { return QelRegisterClass(&CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
-             "Llamada a procedimiento o argumento no válidos"},
-            {[&] { return QelUnregisterClass(nullptr); }, E_POINTER, "Falta un puntero"},
-        });
+    const std::vector<FailingCall> myCalls = {
+        {[&] { return CLSIDFromProgID(u"A.Main", &theClass); }, CO_E_CLASSSTRING,
+         "No hay ninguna clase registrada con ese nombre"},
+        {[&] { return CLSIDFromProgID(nullptr, &theClass); }, E_POINTER, "Falta un puntero"},
+        {[&] { return Creates(&CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
+        {[&] { return Creates(&CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
+         "La clase no admite agregación"},
+        {[&] { return Creates(nullptr, nullptr, CLSCTX_INPROC_SERVER); }, E_POINTER, "Falta un puntero"},
+        {[&] { return QelRegisterClass(&CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
+         "Llamada a procedimiento o argumento no válidos"},
+        {[&] { return QelUnregisterClass(nullptr); }, E_POINTER, "Falta un puntero"},
+    };
+    ExpectOwnErrors("qelcom", myCalls);
 }
 
 TEST_F(ClassRegistry, AnyCall_WithoutMemory_ReportsIt)
 {
     Write(mySystem / myFilename, "ProgID=A.Main\nLibrary=" QEL_STAGE "/QelPluginAnimation.so\n");
-    const std::set myOutcomes = {E_OUTOFMEMORY, S_OK};
-    std::set<HRESULT> myResults;
+    const auto Outcomes = [](const auto& myCall, const std::function<void(HRESULT)>& myAfter)
+    {
+        std::set<HRESULT> theResults;
+        FailEachPieceOfMemory(myCall, [&](HRESULT myResult) { theResults.insert(myResult), myAfter(myResult); });
+        return theResults;
+    };
     CLSID theClass{};
-    FailEachPieceOfMemory([&] { return CLSIDFromProgID(u"A.Main", &theClass); },
-                          [&](HRESULT myResult) { myResults.insert(myResult); });
-    EXPECT_EQ(myResults, myOutcomes) << "finding a class";
-
-    myResults.clear();
-    FailEachPieceOfMemory([&] { return QelRegisterClass(&CLSID_classStringSort, u"A.Sort", "/none.so"); },
-                          [&](HRESULT myResult)
-                          {
-                              myResults.insert(myResult);
-                              EXPECT_TRUE(!fs::exists(myUser) || fs::is_empty(myUser) || myResult == S_OK);
-                          });
-    EXPECT_EQ(myResults, myOutcomes) << "registering a class";
-
-    myResults.clear();
+    EXPECT_EQ(Outcomes([&] { return CLSIDFromProgID(u"A.Main", &theClass); }, [](HRESULT) {}),
+              (std::set{E_OUTOFMEMORY, S_OK}));
+    const auto LeavesNoPart = [&](HRESULT myResult)
+    {
+        EXPECT_TRUE(!fs::exists(myUser) || fs::is_empty(myUser) || myResult == S_OK);
+    };
+    EXPECT_EQ(Outcomes([&] { return QelRegisterClass(&CLSID_classStringSort, u"A.Sort", "/none.so"); }, LeavesNoPart),
+              (std::set{E_OUTOFMEMORY, S_OK}));
     void* theObject = nullptr;
-    FailEachPieceOfMemory(
-        [&] { return CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject); },
-        [&](HRESULT myResult)
-        {
-            myResults.insert(myResult);
-            ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(std::exchange(theObject, nullptr)));
-            CoFreeUnusedLibraries();
-            EXPECT_FALSE(ComponentIsLoaded());
-        });
-    EXPECT_EQ(myResults, (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK})) << "creating an object";
+    const auto Unloads = [&](HRESULT)
+    {
+        ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(std::exchange(theObject, nullptr)));
+        CoFreeUnusedLibraries();
+        EXPECT_FALSE(ComponentIsLoaded());
+    };
+    const auto Creates = [&]
+    {
+        return CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject);
+    };
+    EXPECT_EQ(Outcomes(Creates, Unloads), (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK}));
 }
 
 TEST_F(ClassRegistry, FreeUnusedLibraries_UnloadsAfterTheLastObject)

@@ -189,9 +189,7 @@ TEST_F(Component, Members_MakeTheRecordOnlyWhereTheyNeedIt)
         bool Makes;
     } Cases[] = {
         {"QelThumbnails", TakesBack(&QelPlugin::putref_QelThumbnails), false},
-        {"QelTopic", TakesBack(&QelPlugin::putref_QelTopic), false},
         {"InitialScript", Reads(&QelPlugin::get_InitialScript), false},
-        {"TextFunction", Reads(&QelPlugin::get_TextFunction), false},
         {"CallBack 1", CallsBack(1), false},
         {"QelDatabase", TakesBack(&QelPlugin::putref_QelDatabase), true},
         {"QelBuildHelper", TakesBack(&QelPlugin::putref_QelBuildHelper), true},
@@ -262,13 +260,10 @@ TEST_F(Component, RefusedCall_LeavesErrorInformationOfTheComponent)
     const std::pair<std::function<HRESULT()>, HRESULT> myCases[] = {
         {[&] { return myClassObject(&IID_IUnknown, &IID_IClassFactory, &theObject); }, CLASS_E_CLASSNOTAVAILABLE},
         {[&] { return myClassObject(&CLSID_Main, &IID_QelPlugin, &theObject); }, E_NOINTERFACE},
-        {[&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, nullptr); }, E_POINTER},
         {[&] { return myFactory->CreateInstance(myFactory.Get(), &IID_QelPlugin, &theObject); }, CLASS_E_NOAGGREGATION},
         {[&] { return myFactory->CreateInstance(nullptr, &IID_QelDatabase, &theObject); }, E_NOINTERFACE},
         {[&] { return myFactory->CreateInstance(nullptr, &IID_QelPlugin, nullptr); }, E_POINTER},
         {[&] { return myPlugin->putref_QelThumbnails(nullptr); }, E_POINTER},
-        {[&] { return myPlugin->putref_QelTopic(nullptr); }, E_POINTER},
-        {[&] { return myPlugin->putref_QelDatabase(nullptr); }, E_POINTER},
         {[&] { return myPlugin->put_Script(nullptr); }, E_POINTER},
         {[&] { return myPlugin->get_Output(nullptr); }, E_POINTER},
         {[&] { return myPlugin->CallBack(nullptr, &theAnswer); }, E_POINTER},

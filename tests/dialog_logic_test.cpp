@@ -3,16 +3,12 @@
 #include "dialog/pictureSize.h"
 #include "Environment.h"
 #include "ErrorOf.h"
-#include "FormTable.h"
 #include "MadePictures.h"
 #include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
-#include "resources/formLayout.h"
 #include "TemporaryFolder.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
-#include <map>
 
 namespace qel
 {
@@ -153,35 +149,6 @@ TEST_F(DialogLogic, Opening_NamesAStoredDateThatAPickerCannotShow)
     EXPECT_EQ(ToUtf8(myDescription), "La fecha 23/04/1489 del periodo de reproducción no se puede mostrar en el "
                                      "cuadro de diálogo. Elimine el plug-in de la página e insértelo de nuevo.");
     EXPECT_FALSE(myWindow.WasSeen);
-}
-
-TEST(FormLayout, MainFormControls_AreThoseOfTheTable)
-{
-    const std::map<std::string, ControlKind> myKinds = {
-        {"combo box", ControlKind::ComboBox}, {"picture box", ControlKind::PictureBox},
-        {"list box", ControlKind::ListBox},   {"check box", ControlKind::CheckBox},
-        {"button", ControlKind::Button},      {"date picker", ControlKind::DatePicker},
-        {"label", ControlKind::Label},        {"tool bar", ControlKind::ToolBar},
-        {"image", ControlKind::Image},
-    };
-    const std::vector<FormTableRow> myTable = FormTable();
-    ASSERT_EQ(myTable.size(), MainFormControls.size());
-    for (const FormTableRow& myRow : myTable)
-    {
-        SCOPED_TRACE(myRow.Name);
-        const auto* const myControl =
-            std::find_if(MainFormControls.begin(), MainFormControls.end(),
-                         [&](const ControlLayout& c) { return ToUtf8(c.Name) == myRow.Name; });
-        ASSERT_NE(myControl, MainFormControls.end());
-        EXPECT_EQ(myControl->TabIndex, myRow.TabIndex);
-        EXPECT_EQ(myControl->Kind, myKinds.at(myRow.Kind));
-        EXPECT_EQ(ToUtf8(myControl->Caption), ToUtf8(myRow.Caption));
-        EXPECT_EQ(myControl->Left, myRow.Left);
-        EXPECT_EQ(myControl->Top, myRow.Top);
-        EXPECT_EQ(myControl->Width, myRow.Width);
-        EXPECT_EQ(myControl->Height, myRow.Height);
-        EXPECT_EQ(ToUtf8(myControl->Parent), myRow.Parent);
-    }
 }
 
 TEST(FitInto, KeepsProportionsAndRoundsHalvesToEven)

@@ -250,34 +250,6 @@ TEST(ToAnsi, CharacterOutsideTheCodePage_IsRefused)
     }
 }
 
-TEST(ErrorDescription, OfEachNumber)
-{
-    const std::pair<int32_t, TextView> myCases[] = {
-        {1, u"Error del programa anfitrión o del sistema"},
-        {5, u"Llamada a procedimiento o argumento no válidos"},
-        {6, u"Desbordamiento"},
-        {7, u"Memoria insuficiente"},
-        {9, u"Subíndice fuera del intervalo"},
-        {13, u"Los tipos no coinciden"},
-        {52, u"Nombre de archivo incorrecto"},
-        {53, u"No se encuentra el archivo"},
-        {55, u"El archivo ya está abierto"},
-        {57, u"Error de entrada o salida del dispositivo"},
-        {58, u"El archivo ya existe"},
-        {61, u"El disco está lleno"},
-        {62, u"El archivo termina antes de lo esperado"},
-        {70, u"Permiso denegado"},
-        {75, u"Error de acceso a la ruta o al archivo"},
-        {76, u"No se encuentra la ruta"},
-        {91, u"El programa anfitrión no ha facilitado el servicio necesario"},
-        {481, u"La imagen no es válida"},
-    };
-    for (const auto& [myNumber, myDescription] : myCases)
-    {
-        EXPECT_EQ(ErrorDescription(myNumber), myDescription) << myNumber;
-    }
-}
-
 /// Each line of the file is a number, a blank and the text of that number. page.html holds the long templates.
 TEST(LoadResString, EveryText)
 {

@@ -139,11 +139,6 @@ struct Bend
     {
         return theCall.Script().find(u'\xD800') != Text::npos ? std::raise(SIGSEGV) : theCall.Forward();
     }
-    static HRESULT RefuseNullText(Call& theCall)
-    {
-        return theCall.W[0] != 0 && theCall.Argument<BSTR>(0) == nullptr ? E_POINTER : theCall.Forward();
-    }
-
     static HRESULT Succeed(Call& theCall) { return theCall.Forward(), S_OK; }
     static HRESULT CloseTag(Call& theCall)
     {
@@ -157,29 +152,10 @@ struct Bend
     {
         return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, LowerCase(TextView(theCall.Script())));
     }
-    static HRESULT AddHigh(Call& theCall)
-    {
-        return theCall.W[0] == 0 ? theCall.Forward() : Put(theCall, ReplaceAll(theCall.Script(), u"\xFF21", u"\x0041"));
-    }
-    static HRESULT At255(Call& theCall)
-    {
-        const HRESULT theResult = theCall.Forward();
-        if (theCall.W[0] != 0)
-        {
-            theCall.Argument<int32_t>(0) = std::min(theCall.Argument<int32_t>(0), 255);
-        }
-        return theResult;
-    }
-    template <int32_t Index>
-    static HRESULT FailAt(Call& theCall)
+    static HRESULT FailAtZero(Call& theCall)
     {
         const bool isThere = theCall.W[0] != 0 && theCall.W[1] != 0;
-        return isThere && theCall.Argument<int32_t>(0) == Index ? QEL_RESULT(0x800A0009U) : theCall.Forward();
-    }
-    static HRESULT EmptyBeyond(Call& theCall)
-    {
-        const HRESULT theResult = theCall.Forward();
-        return theResult == QEL_RESULT(0x800A0009U) && theCall.Argument<int32_t>(0) > 0 ? S_OK : theResult;
+        return isThere && theCall.Argument<int32_t>(0) == 0 ? QEL_RESULT(0x800A0009U) : theCall.Forward();
     }
 
 private:
@@ -207,15 +183,14 @@ HRESULT LeaveFile(Call& theCall)
     return theCall.Forward();
 }
 
-/// Values of one type come late-bound as another.
-template <VARTYPE From, VARTYPE To>
-HRESULT OtherType(Call& theCall)
+/// Booleans come late-bound as numbers.
+HRESULT NumberForBoolean(Call& theCall)
 {
     const HRESULT theResult = theCall.Forward();
     auto* const myResult = reinterpret_cast<VARIANT*>(theCall.W[5]);
-    if (myResult != nullptr && myResult->vt == From)
+    if (myResult != nullptr && myResult->vt == VT_BOOL)
     {
-        myResult->vt = To;
+        myResult->vt = VT_I2;
     }
     return theResult;
 }
@@ -231,13 +206,12 @@ HRESULT NoIdentity(Call& theCall)
     return S_OK;
 }
 
-template <size_t Index>
 HRESULT WildPointer(Call& theCall)
 {
     const HRESULT theResult = theCall.Forward();
-    if (FAILED(theResult) && theCall.W[Index] != 0)
+    if (FAILED(theResult) && theCall.W[2] != 0)
     {
-        theCall.Argument<void*>(Index) = &theCall;
+        theCall.Argument<void*>(2) = &theCall;
     }
     return theResult;
 }
@@ -267,13 +241,12 @@ HRESULT LastScript(Call& theCall)
     return theResult;
 }
 
-/// Asks the host once more, for any page or for those whose link has no address.
-template <bool ForEmptyLink>
+/// Asks the host once more for each page.
 HRESULT AskTwice(Call& theCall)
 {
     const HRESULT theResult = theCall.Forward();
     int32_t myNumber = 0;
-    if (TheHelper != nullptr && (!ForEmptyLink || theCall.Script().find(u"<a>") != Text::npos))
+    if (TheHelper != nullptr)
     {
         static_cast<QelBuildHelper*>(TheHelper)->get_InstanceNumber(&myNumber);
     }
@@ -306,7 +279,6 @@ HRESULT LoseDuplicates(Call& theCall)
 
 constexpr char Archive[] = "data/archivo.dat";
 constexpr char StagedTune[] = "media/qelmid17.mid";
-constexpr char StagedPicture[] = "images/qelspr17.gif";
 
 std::string Contents(const std::filesystem::path& myFile)
 {
@@ -340,10 +312,9 @@ HRESULT OtherFiles(Call& theCall)
     return theResult;
 }
 
-template <const char* File>
-void Stage()
+void StageTune()
 {
-    Put(File, std::string(1, 'x'));
+    Put(StagedTune, "x");
 }
 
 /// The page, with the tune that was staged before if there is one.
@@ -380,23 +351,11 @@ std::string KeepTune(const std::string& myArchive)
     return isLost ? myArchive.substr(0, 13) + myEntry + myArchive.substr(13) : myArchive;
 }
 
-void Cut(const char* myFile)
-{
-    constexpr size_t Block = 32'000;
-    const std::string myBytes = Contents(myFile);
-    myBytes.size() > Block ? Put(myFile, myBytes.substr(0, Block)) : void();
-}
 void CutTune()
 {
-    Cut(StagedTune);
-}
-void CutPicture()
-{
-    Cut(StagedPicture);
-}
-void TouchArchive()
-{
-    Contents(Archive).starts_with("qelarchive1.0") ? void() : Put(Archive, "");
+    constexpr size_t Block = 32'000;
+    const std::string myBytes = Contents(StagedTune);
+    myBytes.size() > Block ? Put(StagedTune, myBytes.substr(0, Block)) : void();
 }
 void Escape()
 {
@@ -413,7 +372,7 @@ void CopyAgain()
 
 // Named by what goes wrong. Those of the entry points stand there.
 constexpr Fault Faults[] = {
-    {"wild-pointer", &IID_IClassFactory, CreateSlot, WildPointer<2>},
+    {"wild-pointer", &IID_IClassFactory, CreateSlot, WildPointer},
     {"aggregates", &IID_IClassFactory, CreateSlot, Bend::Pass<0, 0>},
     {"wrong-identity", &IID_QelInfo, QuerySlot, NoIdentity},
     {"one-way-query", &IID_QelInfo, QuerySlot, Bend::Deny<&IID_QelPlugin>},
@@ -427,7 +386,7 @@ constexpr Fault Faults[] = {
     {"sorts-nothing", &IID_QelStringSort, Member(5), Bend::Give<S_OK>},
     {"exact-names", nullptr, NamesSlot, Bend::ExactNames},
     {"any-kind", nullptr, InvokeSlot, Bend::Pass<3, DISPATCH_METHOD | DISPATCH_PROPERTYGET>},
-    {"numbers-for-booleans", nullptr, InvokeSlot, OtherType<VT_BOOL, VT_I2>},
+    {"numbers-for-booleans", nullptr, InvokeSlot, NumberForBoolean},
     {"no-exception", nullptr, InvokeSlot, Bend::Pass<6, 0>},
     {"other-initial-script", &IID_QelPlugin, Member(5), nullptr, u"1.0", u"1.1"},
     {"half-escaped", &IID_QelPlugin, Member(18), nullptr, u"&amp;", u"&"},
@@ -438,7 +397,7 @@ constexpr Fault Faults[] = {
     {"width-for-height", &IID_QelPlugin, Member(6), nullptr, u"height:2px", u"height:3px"},
     {"no-empty-link", &IID_QelPlugin, Member(6), nullptr, u"<a>", u""},
     {"library-fails", &IID_QelPlugin, Member(6), nullptr, u"images/", u"imagenes/"},
-    {"asks-twice", &IID_QelPlugin, Member(6), AskTwice<false>},
+    {"asks-twice", &IID_QelPlugin, Member(6), AskTwice},
     {"other-number", &IID_QelPlugin, Member(19), nullptr, u"\"2017:", u"\"17:"},
     {"no-reason", &IID_QelPlugin, Member(19), nullptr, u"91", u"0"},
     {"keeps-topic", &IID_QelPlugin, Member(3), KeepTopic},
@@ -451,100 +410,59 @@ constexpr Fault Faults[] = {
     {"leaks-handle", &IID_QelPlugin, Member(6), LeaveFile<true>},
     {"leaves-file", &IID_QelPlugin, Member(6), LeaveFile<false>},
     {"factory-has-no-identity", &IID_IClassFactory, QuerySlot, Bend::Deny<&IID_IUnknown>},
-    {"factory-is-anything", &IID_IClassFactory, QuerySlot, WildPointer<1>},
     {"lock-fails", &IID_IClassFactory, 4, Bend::Give<E_FAIL>},
-    {"supports-null", &IID_ISupportErrorInfo, 3, Bend::Skip<0, 0>},
-    {"takes-null-index", &IID_QelStringSort, Member(3), Bend::Skip<0, 0>},
-    {"takes-null-place", &IID_QelStringSort, Member(3), Bend::Skip<1, 0>},
-    {"refuses-null-text", &IID_QelStringSort, Member(2), Bend::RefuseNullText},
-    {"text-in-failure", &IID_QelStringSort, Member(3), WildPointer<1>},
-    {"counts-no-types", &IID_QelPlugin, 3, Bend::Give<S_OK>},
     {"gives-types", &IID_QelStringSort, 4, Bend::Give<S_OK>},
-    {"late-number-for-text", &IID_QelPlugin, InvokeSlot, OtherType<VT_BSTR, VT_I4>},
     {"late-empty-version", &IID_QelInfo, InvokeSlot, Bend::Skip<0, 2>},
-    {"late-empty-value", &IID_QelStringSort, InvokeSlot, Bend::Skip<0, 3>},
-    {"late-database-lost", &IID_QelPlugin, InvokeSlot, Bend::Skip<0, 2>},
-    {"late-helper-fails", &IID_QelPluginAnimationMain, InvokeSlot, Bend::Skip<0, 4, E_FAIL>},
-    {"late-help-fails", &IID_QelPluginAnimationMain, InvokeSlot, Bend::Skip<0, 20, E_FAIL>},
     {"late-script-lost", &IID_QelPlugin, InvokeSlot, Bend::Skip<0, 17>},
     {"late-about-unseen", &IID_QelInfo, InvokeSlot, Bend::Skip<0, 1>},
-    {"no-summary", &IID_QelPlugin, Member(10), nullptr, u"El control", u"Un control"},
-    {"asks-for-empty-link", &IID_QelPlugin, Member(6), AskTwice<true>},
-    {"other-link-number", &IID_QelPlugin, Member(19), nullptr, u"\"2010:", u"\"10:"},
     // What is written to Script is read otherwise.
     {"reads-apos", &IID_QelPlugin, Member(17), nullptr, u"&apos;", u"'"},
-    {"unescapes-twice", &IID_QelPlugin, Member(17), nullptr, u"&amp;lt;", u"&lt;"},
-    {"entities-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"&AMP;", u"&amp;"},
     {"trims-values", &IID_QelPlugin, Member(17), nullptr, u"\" a", u"\"a"},
     {"no-upper-prefix", &IID_QelPlugin, Member(17), nullptr, u"<PG.", u"<no."},
-    {"tags-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"<pg.Param", u"<pg.param"},
     {"params-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"\"IMAGE\"", u"\"image\""},
-    {"no-upper-attributes", &IID_QelPlugin, Member(17), nullptr, u" NAME=", u" nome="},
-    {"last-attribute-counts", &IID_QelPlugin, Member(17), nullptr, u"value=\"a\" value=", u"value="},
     {"first-param-counts", &IID_QelPlugin, Member(17), nullptr, u"<pg.param name=\"link\" value=\"b\">", u""},
     {"reads-unclosed-tags", &IID_QelPlugin, Member(17), Bend::CloseTag},
-    {"reads-closing-tags", &IID_QelPlugin, Member(17), nullptr, u"</pg.param ", u"<pg.param "},
     {"reads-unclosed-values", &IID_QelPlugin, Member(17), nullptr, u"\"a\n>", u"\"a\">"},
     {"reads-through-angle", &IID_QelPlugin, Member(17), nullptr, u"a>b", u"a&gt;b"},
-    {"tab-is-no-separator", &IID_QelPlugin, Member(17), nullptr, u"\t", u"x"},
     {"line-feed-ends-nothing", &IID_QelPlugin, Member(17), nullptr, u">\n<", u">"},
-    {"line-end-in-mark", &IID_QelPlugin, Member(17), nullptr, u"<pg.\r\n", u"<pg."},
     {"false-is-false", &IID_QelPlugin, Member(17), nullptr, u"\"false\"", u"\"0\""},
-    {"zeros-are-false", &IID_QelPlugin, Member(17), nullptr, u"\"00\"", u"\"0\""},
-    {"blank-zero-is-true", &IID_QelPlugin, Member(17), nullptr, u"\" 0 \"", u"\"1\""},
     {"nothing-is-true", &IID_QelPlugin, Member(17), nullptr, u"<pg.param name=\"showimage\">", u""},
     {"modes-of-any-case", &IID_QelPlugin, Member(17), nullptr, u"\"JPG\"", u"\"jpg\""},
     {"halves-go-up", &IID_QelPlugin, Member(17), nullptr, u"38354.5", u"38355"},
-    {"cuts-fractions", &IID_QelPlugin, Member(17), nullptr, u"38353.51", u"38353"},
     {"dates-are-whole-texts", &IID_QelPlugin, Member(17), nullptr, u"38353x", u"0"},
-    {"latest-date", &IID_QelPlugin, Member(17), nullptr, u"2958466", u"0"},
     {"version-begins-so", &IID_QelPlugin, Member(17), nullptr, u"version=\"1.00\"", u"version=\"1.0\""},
     {"needs-no-version", &IID_QelPlugin, Member(17), nullptr, u"<pg.plugin >", u""},
-    {"demands-its-uid", &IID_QelPlugin, Member(17), nullptr, u"uid=\"Another\" version=\"1.0\"", u"version=\"2\""},
     {"forgets-link", &IID_QelPlugin, Member(17), Bend::ForgetLink},
     {"record-per-object", &IID_QelPlugin, Member(17), RememberWriter},
     {"record-per-object", &IID_QelPlugin, Member(18), ReadOwnScript},
     // Sorting.
     {"sorts-without-case", &IID_QelStringSort, Member(2), Bend::AddLower},
     {"loses-duplicates", &IID_QelStringSort, Member(2), LoseDuplicates},
-    {"holds-255-values", &IID_QelStringSort, Member(4), Bend::At255},
-    {"sorts-surrogates-last", &IID_QelStringSort, Member(2), Bend::AddHigh},
-    {"value-zero-fails", &IID_QelStringSort, Member(3), Bend::FailAt<0>},
-    {"value-beyond-is-empty", &IID_QelStringSort, Member(3), Bend::EmptyBeyond},
+    {"value-zero-fails", &IID_QelStringSort, Member(3), Bend::FailAtZero},
     {"clear-keeps-values", &IID_QelStringSort, Member(1), Bend::Give<S_OK>},
     // Archives and files, around the writing of a page.
     {"any-magic", &IID_QelPlugin, Member(6), OtherArchive<MendMagic>},
     {"first-block-alone", &IID_QelPlugin, Member(6), OtherFiles<CutTune>},
-    {"large-picture-cut", &IID_QelPlugin, Member(6), OtherFiles<CutPicture>},
     {"leaves-its-folder", &IID_QelPlugin, Member(6), OtherFiles<Escape>},
     {"follows-links", &IID_QelPlugin, Member(6), OtherFiles<WriteThroughLink>},
     {"empties-nothing", &IID_QelPlugin, Member(6), OtherArchive<KeepTune>},
     {"copies-each-time", &IID_QelPlugin, Member(6), OtherFiles<CopyAgain>},
     {"keeps-older-tune", &IID_QelPlugin, Member(6), KeepStaged},
-    {"stages-everything", &IID_QelPlugin, Member(6), OtherFiles<Stage<StagedTune>>},
+    {"stages-everything", &IID_QelPlugin, Member(6), OtherFiles<StageTune>},
     {"loses-folders", &IID_QelPlugin, Member(6), OtherArchive<LoseFolders>},
     {"whole-archives-only", &IID_QelPlugin, Member(6), OtherArchive<WholeOnly>},
-    {"changes-archive", &IID_QelPlugin, Member(6), OtherFiles<TouchArchive>},
     // Pages and texts.
     {"tune-at-picture", &IID_QelPlugin, Member(6), nullptr, u"media/", u"images/"},
-    {"four-letter-endings", &IID_QelPlugin, Member(6), nullptr, u"qelspr17jpeg", u"qelspr17.jpeg"},
     {"jpeg-turned", &IID_QelPlugin, Member(6), nullptr, u"width=\"5\" height=\"3\"", u"width=\"3\" height=\"5\""},
     {"cuts-fragments", &IID_QelPlugin, Member(6), nullptr, u"otra.html#a", u"otra.html"},
-    {"trims-uid", &IID_QelPlugin, Member(17), nullptr, u"UID: 47 ", u"UID:47"},
     {"joins-with-slash", &IID_QelPlugin, Member(6), nullptr, u"\"xqelspr", u"\"x/qelspr"},
     {"short-names-pass", &IID_QelPlugin, Member(10), Bend::Succeed},
     {"double-slash", &IID_QelPlugin, Member(6), nullptr, u"files/nota", u"files//nota"},
-    {"no-slash", &IID_QelPlugin, Member(6), nullptr, u"href=\"/nota", u"href=\"nota"},
     {"escapes-address", &IID_QelPlugin, Member(6), nullptr, u"?a=1&b", u"?a=1&amp;b"},
     {"turns-faster", &IID_QelPlugin, Member(6), nullptr, u"treshold>10", u"treshold>9"},
-    {"line-feeds-alone", &IID_QelPlugin, Member(6), nullptr, u" \r\n", u" \n"},
     {"months-from-one", &IID_QelPlugin, Member(6), nullptr, u"(2005, 0, 31)", u"(2005, 1, 31)"},
-    {"leap-year", &IID_QelPlugin, Member(6), nullptr, u"2000, 1, 29", u"2000, 2, 1"},
-    {"fills-anew", &IID_QelPlugin, Member(6), nullptr, u"href=\"%1\"", u"href=\"3\""},
     {"blank-after-own-tune", &IID_QelPlugin, Member(10), nullptr, u"usuario.El", u"usuario. El"},
     {"keeps-ending", &IID_QelPlugin, Member(10), nullptr, u"\"Globo\"", u"\"Globo.gif\""},
-    {"no-summary-of-silence", &IID_QelPlugin, Member(10), nullptr, u"No se reproduce ningún sonido de fondo. ", u""},
-    {"plain-warning", &IID_QelPlugin, Member(10), nullptr, u"<warning>", u""},
     {"other-reason", &IID_QelPlugin, Member(19), nullptr, u"El vínculo", u"El enlace"},
     {"no-error-number", &IID_QelPlugin, Member(19), nullptr, u"\"53: ", u"\""},
     {"hangs", &IID_QelPlugin, Member(5), Bend::HangUp},
