@@ -148,8 +148,7 @@ FileBytes WithOrientation(FileBytes myJpeg, uint16_t myValue, bool myIsLittleEnd
     myPut(8, 4); // the place of the directory
     myPut(2, 2); // its entries: first the maker's name, then the orientation
     myPut(0x010F, 2), myPut(2, 2), myPut(1, 4), myPut(0, 4);
-    myPut(0x0112, 2), myPut(myType, 2), myPut(1, 4), myPut(myValue, 2), myPut(0, 2);
-    myPut(0, 4);
+    myPut(0x0112, 2), myPut(myType, 2), myPut(1, 4), myPut(myValue, 2); // all that has to be there
     const FileBytes myHead = {0xFF, 0xE1, 0, static_cast<uint8_t>(myExif.size() + 2)};
     myExif.insert(myExif.begin(), myHead.begin(), myHead.end());
     myJpeg.insert(myJpeg.begin() + 2, myExif.begin(), myExif.end());
