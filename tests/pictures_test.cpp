@@ -467,6 +467,13 @@ TEST_F(Imaging, Load_IgnoresADamagedOrientation)
     {
         ExpectSize(myFile, 32, 16);
     }
+    // Markers without a length end what is read of the header.
+    for (const uint8_t myMarker : std::initializer_list<uint8_t>{0x01, 0xD0, 0xD7})
+    {
+        FileBytes myFile(mySound);
+        myFile.insert(myFile.begin() + 2, {0xFF, myMarker, 0, 2});
+        ExpectSize(myFile, 32, 16);
+    }
 }
 
 TEST_F(Imaging, Save_WritesAnUprightPictureWithoutAnOrientation)
