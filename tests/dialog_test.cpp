@@ -33,18 +33,17 @@ class DialogTest : public testing::Test
 protected:
     DialogTest()
     {
-        static const TemporaryFolder theStage;
         for (const char* myFile : {"QelPluginAnimation.so", "QelPluginAnimationWindow.so"})
         {
-            fs::copy_file(fs::path(QEL_STAGE) / myFile, theStage.Native(myFile), fs::copy_options::skip_existing);
+            fs::copy_file(fs::path(QEL_STAGE) / myFile, myStage.Native(myFile), fs::copy_options::skip_existing);
         }
-        fs::remove(theStage.Native("QelPluginAnimationDesigns"));
+        fs::remove(myStage.Native("QelPluginAnimationDesigns"));
         myFolder.MakeFolder("library");
-        fs::create_symlink(myFolder.Native("library"), theStage.Native("QelPluginAnimationDesigns"));
+        fs::create_symlink(myFolder.Native("library"), myStage.Native("QelPluginAnimationDesigns"));
         myFolder.MakeFolder("data");
         myFolder.MakeFolder("tmp");
         fs::permissions(myFolder.Native("tmp"), fs::perms::owner_all);
-        theStage.Write("help/100.html", "");
+        myStage.Write("help/100.html", "");
         for (const char* const myFile : {"Fiestas/globo.GIF", "Fiestas/nota.txt", "Fiestas/Vals.mid",
                                          "Solo tonos/Minueto.mid", "animales/perro.gif", "leame.txt"})
         {
@@ -52,9 +51,15 @@ protected:
         }
         myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
         myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(350, 250, {0, 0, 255}, true));
-        myHost = std::make_unique<DialogHost>(theStage.Native("QelPluginAnimation.so"));
+        myHost = std::make_unique<DialogHost>(myStage.Native("QelPluginAnimation.so"));
         myHost->Records->DataFolder = FromUtf8(myFolder.Native("data/"));
         myHost->Script(u"");
+    }
+
+    static const TemporaryFolder& Stage()
+    {
+        static const TemporaryFolder theStage;
+        return theStage;
     }
 
     /// The script of some settings, from "name=value|name=value".
@@ -156,6 +161,7 @@ protected:
         return theTune;
     }
 
+    const TemporaryFolder& myStage = Stage(); // made before the environment changes
     TemporaryFolder myFolder;
     Environment myEnvironment{{"TMPDIR", myFolder.Native("tmp")},
                               {"QT_QPA_PLATFORM", "offscreen"},
