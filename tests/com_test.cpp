@@ -520,6 +520,28 @@ TEST(Invoke, ArgumentsAndResults)
     EXPECT_EQ(LivingTexts, myLivingTexts);
 }
 
+TEST(Invoke, FailedMember_GivesTheErrorInformationOfThisCallAlone)
+{
+    const auto myHost = MakeCounted<TestDatabase>();
+    DISPPARAMS myParams{};
+    const auto DescriptionOf = [&](DISPID myMember, HRESULT myResult)
+    {
+        Guarded([] { throw Error{6, u"older failure"}; });
+        EXCEPINFO theException{};
+        EXPECT_EQ(
+            myHost->Invoke(myMember, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myParams, nullptr, &theException, nullptr),
+            DISP_E_EXCEPTION);
+        EXPECT_EQ(theException.scode, myResult);
+        Bstr mySource;
+        Bstr theDescription;
+        std::swap(*mySource.Pointer(), theException.bstrSource);
+        std::swap(*theDescription.Pointer(), theException.bstrDescription);
+        return theDescription.Value();
+    };
+    EXPECT_EQ(DescriptionOf(5, QEL_RESULT(0x800A0035U)), u"No está");
+    EXPECT_EQ(DescriptionOf(3, E_ACCESSDENIED), u"");
+}
+
 TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
 {
     const auto myHost = MakeCounted<TestDatabase>();

@@ -56,6 +56,12 @@ protected:
         myHost->Script(u"");
     }
 
+    static const TemporaryFolder& Stage()
+    {
+        static const TemporaryFolder theStage;
+        return theStage;
+    }
+
     /// The script of some settings, from "name=value|name=value".
     void Script(const QString& mySettings, const QString& myArchive = {}) const
     {
@@ -155,14 +161,7 @@ protected:
         return theTune;
     }
 
-    /// Lasts for all tests, so it is made before one has a temporary path of its own.
-    static const TemporaryFolder& Stage()
-    {
-        static const TemporaryFolder theStage;
-        return theStage;
-    }
-
-    const TemporaryFolder& myStage = Stage();
+    const TemporaryFolder& myStage = Stage(); // made before the environment changes
     TemporaryFolder myFolder;
     Environment myEnvironment{{"TMPDIR", myFolder.Native("tmp")},
                               {"QT_QPA_PLATFORM", "offscreen"},
