@@ -18,6 +18,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
+signal.signal(signal.SIGINT, signal.default_int_handler)  # else a program started in the background ignores it
 STAGE = Path(sys.argv.pop(1)).resolve()
 DESIGNS = STAGE / "QelPluginAnimationDesigns"
 GLOBO = (DESIGNS / "Fiestas" / "Globo.gif").read_bytes()
