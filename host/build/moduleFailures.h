@@ -1,4 +1,4 @@
-/// What the author and the readers of a page are told of a module that failed.
+/// The texts about a module that failed: the reason for the author, and the comment for the page.
 #pragma once
 
 #include "com/QelHelperInterfaces.h"

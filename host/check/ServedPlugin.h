@@ -1,4 +1,4 @@
-/// A host for the checks: its services count what they are asked, and fail when they are told to.
+/// A host for the checks: its services count their calls, and a check can make one of them fail.
 #pragma once
 
 #include "check/moduleTexts.h"

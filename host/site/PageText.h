@@ -79,8 +79,8 @@ void DemandPageContent(std::string_view myContent);
 /// text, or to the component's templates.
 std::string EscapedForHtml(std::string_view myText);
 
-/// A file name as it stands in the address of a link: its UTF-8 with each byte that has a meaning there, or is not of
-/// ASCII, as "%" and its number.
+/// A file name, percent-encoded for the address of a link: each byte of its UTF-8 that has a meaning in an address, or
+/// is not ASCII, becomes "%" and two hexadecimal digits.
 std::string EncodedForAddress(std::string_view myName);
 
 /// The text that was escaped so, or as authors write it: what stands for a character of ASCII becomes that character.

@@ -66,7 +66,7 @@ public:
     /// Absolute, without a closing "/".
     std::filesystem::path DataFolder() const { return myFolder / "data"; }
     std::filesystem::path BuildFolder() const { return myFolder / "build"; }
-    /// What a build takes over as it stands; it need not exist.
+    /// The files that a build copies unchanged. The folder need not exist.
     std::filesystem::path StaticFolder() const { return myFolder / "static"; }
 
     std::string Title();

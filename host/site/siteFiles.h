@@ -31,7 +31,8 @@ void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes);
 /// The same with the bytes of another plain file. Failure: as above, or the source is not a file that can be read.
 void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget);
 
-/// What is at a path itself, a link not followed. Failure: that cannot be known, for want of permission for example.
+/// The kind of file at a path, without following a link. Failure: the system does not say, for example without
+/// permission.
 fs::file_type TypeOfEntry(const fs::path& myPath);
 
 /// True when both are plain files of the same bytes.
@@ -60,8 +61,8 @@ void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind);
 /// The names in a folder, sorted; none when there is no such folder. Failure: it cannot be read.
 std::vector<std::string> NamesInFolder(const fs::path& myFolder);
 
-/// What keeps a text from being a file name that an address in a page can carry as it stands, such as `it holds "/"`;
-/// the empty text when nothing does.
+/// The reason why a text cannot be a file name that appears unchanged in an address of a page, such as `it holds "/"`;
+/// the empty text for a usable name.
 std::string NameProblem(std::string_view myName);
 
 /// The name with "_" for each character that keeps it from being one. It may still be empty or too long.

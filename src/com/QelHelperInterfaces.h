@@ -53,7 +53,7 @@ QEL_END_INTERFACE(QelBuildHelper)
 #undef QEL_THIS
 
 /* The host's database of the site, with one current record, which the host implements. When a member fails, the
- * page ends there, as it does for QelBuildHelper. In the dialog the operation ends, and the author is told why. */
+ * page ends there, as it does for QelBuildHelper. In the dialog the operation ends, and a message shows the reason. */
 #define QEL_THIS QelDatabase
 QEL_INTERFACE(QelDatabase, IDispatch)
     QEL_C_DISPATCH_MEMBERS

@@ -55,8 +55,8 @@ private:
     posix_spawnattr_t myAttributes = {};
 };
 
-/// Starts the program that opens a file for the user. The shell that starts it exits at once, so nobody has to wait for
-/// the program to end.
+/// Starts the program that opens a file for the user. It is started by a shell, which exits at once, so that
+/// this call does not wait for the program to end.
 void OpenForUser(std::string myPath)
 {
     std::string myShell = "sh";
