@@ -4,6 +4,7 @@
 #include "site/siteFiles.h"
 
 #include <algorithm>
+#include <ranges>
 #include <sstream>
 
 namespace qel::host
@@ -157,19 +158,19 @@ void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
     std::ranges::copy_if(myWritten, std::back_inserter(myStale),
                          [&](const std::string& myLine)
                          { return myLine.starts_with('/') && !myWanted.contains(myLine); });
-    for (auto myLine = myStale.rbegin(); myLine != myStale.rend(); ++myLine) // what a folder holds before the folder
+    for (const std::string& myLine : std::views::reverse(myStale)) // the content of a folder before the folder
     {
-        const fs::path myPath = myFolder / myLine->substr(1);
-        if (IsStaticPath(*myLine) && IsReachable(*myLine) && myLine->ends_with('/'))
+        const fs::path myPath = myFolder / myLine.substr(1);
+        if (IsStaticPath(myLine) && IsReachable(myLine) && myLine.ends_with('/'))
         {
             std::error_code myIgnored; // somebody has put other files into it
-            fs::remove(myFolder / myLine->substr(1, myLine->size() - 2), myIgnored);
+            fs::remove(myFolder / myLine.substr(1, myLine.size() - 2), myIgnored);
         }
-        else if (IsStaticPath(*myLine) && IsReachable(*myLine) && TypeOfEntry(myPath) != fs::file_type::directory)
+        else if (IsStaticPath(myLine) && IsReachable(myLine) && TypeOfEntry(myPath) != fs::file_type::directory)
         {
             RemoveFile(myPath);
         }
-        myWritten.erase(*myLine);
+        myWritten.erase(myLine);
     }
 }
 

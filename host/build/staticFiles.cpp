@@ -88,7 +88,8 @@ StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& m
                 const std::string myProblem = ProblemOf(myName, myPath.empty(), myType, myOwners);
                 if (!myProblem.empty())
                 {
-                    theFiles.Problems.push_back(myShownFolder + myEntry + ": " + myProblem);
+                    theFiles.Problems.push_back(
+                        std::string(myShownFolder).append(myEntry).append(": ").append(myProblem));
                 }
                 else if (myType == fs::file_type::directory)
                 {

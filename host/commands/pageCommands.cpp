@@ -42,7 +42,7 @@ void ReportProblems(Site& theSite, const std::string& myPage, const PageInput& m
 {
     for (const std::string& myComment : PageText(myInput.Content).UnknownComments())
     {
-        std::cerr << "qelhost: " << Printable(myPage + ", " + myComment) << "." << std::endl;
+        std::cerr << "qelhost: " << Printable(myPage) << ", " << Printable(myComment) << "." << std::endl;
     }
     for (const std::string& myPath : RelativeReferences(myInput.Content))
     {

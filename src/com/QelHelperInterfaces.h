@@ -133,9 +133,9 @@ QEL_INTERFACE(QelPlugin, IDispatch)
     QEL_MEMBER(get_LogoFilename, BSTR* theName)
     /* The author clicked on a word of a mark-up text: `myLink` is its number. 0 opens the settings dialog of the module
      * in hand and returns when it is closed; needs a display, on the thread that owns the process's windows, and the
-     * services as far as the module uses them. VARIANT_TRUE: the author confirmed it, and Script has new settings to store. VARIANT_FALSE: the author
-     * cancelled it, but the record in hand may have been edited and the archive written. Any other number does nothing
-     * and returns VARIANT_FALSE.
+     * services as far as the module uses them. VARIANT_TRUE: the author confirmed it, and Script has new settings to
+     * store. VARIANT_FALSE: the author cancelled it, but the record in hand may have been edited and the archive
+     * written. Any other number does nothing and returns VARIANT_FALSE.
      * Error 5: another thread owns the windows, or the dialog is open already. 53: the window module is not installed.
      * 57: there is no display. Those of the services. */
     QEL_MEMBER(CallBack, int32_t* myLink, VARIANT_BOOL* theAnswer)
