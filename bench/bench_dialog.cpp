@@ -1,9 +1,9 @@
 // How long the settings dialog takes with a library of 200 folders of 500 motifs: from the call to a painted window,
 // and from a key in the list of motifs to a painted preview. Arguments: STAGE, then those of every comparison.
-#include "Ball.h"
+#include "ball.h"
 #include "imaging/GifPicture.h"
 #include "imaging/paletteReduction.h"
-#include "OpenComponent.h"
+#include "openComponent.h"
 
 #include <cinttypes>
 #include <fstream>

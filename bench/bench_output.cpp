@@ -1,6 +1,6 @@
 /// The page text of modules with a picture of 350 by 250, against the codec's own decode and one copy of the file. Two
 /// modules alternate, each with a file of its own, because a motif that is already decoded would not be decoded again.
-#include "Ball.h"
+#include "ball.h"
 #include "compare.h"
 #include "imaging/GifPicture.h"
 #include "imaging/paletteReduction.h"

@@ -1,6 +1,6 @@
 // Making a JPEG of 4000 by 3000 as small as an imported motif may be, against the thumbnail of libvips: both read the
 // file and end with the pixels in memory.
-#include "Ball.h"
+#include "ball.h"
 #include "compare.h"
 #include "imaging/JpegPicture.h"
 #include "platform/ImagingControl.h"

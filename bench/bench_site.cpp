@@ -1,6 +1,6 @@
 // A site of 1,000 pages built by qelhost, against a plain program that writes the same pages and copies the same files;
 // and how long opening the component takes. Arguments: STAGE, then those of every comparison.
-#include "OpenComponent.h"
+#include "openComponent.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -2,7 +2,7 @@
 /// itself when QT_QPA_GENERIC_PLUGINS names it as "dialogkeys:FILE".
 ///
 /// Each line of the file is one step, "WINDOW key KEY" or "WINDOW type TEXT", taken in the window of that object name.
-#include "WindowUser.h"
+#include "DialogUser.h"
 
 #include <QFile>
 #include <QGenericPlugin>

@@ -1,7 +1,7 @@
-/// The host of the tests, as the logic calls it. ComTestHost.h has the same host over the binary interface.
+/// The host of the tests, as the logic calls it. comTestHost.h has the same host over the binary interface.
 #pragma once
 
-#include "platform/HostServices.h"
+#include "platform/hostServices.h"
 
 #include <functional>
 #include <string>

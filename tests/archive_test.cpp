@@ -1,6 +1,6 @@
 /// Design archives on real files: packing, reading, unpacking, listing, and archives that somebody made to do harm.
 #include "archive/classArchive.h"
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "FailingFiles.h"
 #include "platform/ListView.h"
 #include "platform/shared/SystemPlatform.h"

@@ -1,7 +1,7 @@
 /// Names that differ in case alone, on their way from an archive or a host to the page's folders.
 #include "archive/classArchive.h"
 #include "Environment.h"
-#include "MadePictures.h"
+#include "madePictures.h"
 #include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
 #include "tags/pluginFunctions.h"

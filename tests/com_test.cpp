@@ -1,10 +1,10 @@
 // The component object model: texts, variants, failures, the class registry, and the late binding that calls of the
 // component by qelhost check do not reach.
-#include "com/ComHostServices.h"
-#include "ComTestHost.h"
+#include "com/comHostServices.h"
+#include "comTestHost.h"
 #include "Environment.h"
-#include "ErrorOf.h"
-#include "FailingMemory.h"
+#include "errorOf.h"
+#include "failingMemory.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
 

@@ -1,9 +1,9 @@
 // The built component, opened through its entry points as a host opens it. qelhost check tests what every component has
 // to do; these tests are about this one alone.
 #include "com/Bstr.h"
-#include "ComTestHost.h"
+#include "comTestHost.h"
 #include "Environment.h"
-#include "FailingMemory.h"
+#include "failingMemory.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
 

@@ -2,8 +2,8 @@
 /// controls.
 #include "dialog/pictureSize.h"
 #include "Environment.h"
-#include "ErrorOf.h"
-#include "MadePictures.h"
+#include "errorOf.h"
+#include "madePictures.h"
 #include "platform/shared/SystemPlatform.h"
 #include "RecordedWindow.h"
 #include "TemporaryFolder.h"

@@ -1,9 +1,9 @@
 /// The settings dialog: the real window of the built component, opened through its entry points and worked by a user
 /// with mouse and keys.
-#include "DialogUser.h"
+#include "dialogHost.h"
 #include "Environment.h"
-#include "FormTable.h"
-#include "MadePictures.h"
+#include "formTable.h"
+#include "madePictures.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"

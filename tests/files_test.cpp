@@ -1,7 +1,7 @@
 #include "platform/linux/LinuxFiles.h"
 
 #include "Environment.h"
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "platform/linux/Descriptor.h"
 #include "platform/shared/SystemPlatform.h"
 #include "TemporaryFolder.h"

@@ -1,6 +1,6 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
-#include "DialogUser.h"
+#include "dialogHost.h"
 #include "Environment.h"
 #include "site/PageText.h"
 #include "window/linkWindowModule.h"

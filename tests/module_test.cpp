@@ -1,7 +1,7 @@
 /// The record of the module in hand: script, summary and page, on real files.
 #include "Environment.h"
-#include "ErrorOf.h"
-#include "MadePictures.h"
+#include "errorOf.h"
+#include "madePictures.h"
 #include "module/FormMain.h"
 #include "module/moduleScript.h"
 #include "platform/shared/SystemPlatform.h"

@@ -1,7 +1,7 @@
 /// Pictures: reading, resizing, reducing and saving GIF and JPEG files.
 #include "platform/ImagingControl.h"
 
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "imaging/GifPicture.h"
 #include "imaging/JpegPicture.h"
 #include "imaging/paletteReduction.h"

@@ -1,5 +1,5 @@
 /// Tags and scripts: writing, parsing, scanning, and the small text functions.
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "platform/Platform.h"
 #include "tags/classScript.h"
 #include "tags/classTag.h"

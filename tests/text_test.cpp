@@ -1,5 +1,5 @@
 /// Text, encodings, dates, errors and the string table.
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "resources/stringTable.h"
 #include "text/dates.h"
 #include "text/encodings.h"

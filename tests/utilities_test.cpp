@@ -1,5 +1,5 @@
 /// The sortable list of texts.
-#include "ErrorOf.h"
+#include "errorOf.h"
 #include "utilities/classStringSort.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 /// Makes the pictures of the settings dialog that the documents show: dialog_pictures FOLDER
-#include "DialogUser.h"
+#include "dialogHost.h"
 #include "TemporaryFolder.h"
 
 namespace qel

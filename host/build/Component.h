@@ -1,7 +1,7 @@
 /// The component, opened as a host opens it, and what the host hands in.
 #pragma once
 
-#include "build/Services.h"
+#include "build/services.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
 #include "common/Failure.h"

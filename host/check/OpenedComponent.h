@@ -3,7 +3,7 @@
 
 #include "check/Check.h"
 #include "check/expectations.h"
-#include "com/InterfaceTables.h"
+#include "com/interfaceTables.h"
 #include "common/SharedLibrary.h"
 
 namespace qel::host

@@ -4,7 +4,7 @@
 #include "check/moduleTexts.h"
 #include "check/OpenedComponent.h"
 #include "com/CountedObject.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 /// Scripts of modules, and the texts of the component about them.
 #pragma once
 
-#include "com/InterfaceTables.h"
+#include "com/interfaceTables.h"
 #include "text/text.h"
 
 namespace qel::host

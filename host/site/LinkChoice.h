@@ -1,7 +1,7 @@
 /// What an author chooses a link from, and the link text that comes of it. No database and no window.
 #pragma once
 
-#include "site/Records.h"
+#include "site/records.h"
 #include "text/text.h"
 
 #include <cstddef>

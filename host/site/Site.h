@@ -6,7 +6,7 @@
 #pragma once
 
 #include "site/Connection.h"
-#include "site/Records.h"
+#include "site/records.h"
 
 #include <filesystem>
 #include <optional>

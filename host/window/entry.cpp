@@ -1,5 +1,5 @@
 /// The entry point of the host's window module.
-#include "platform/linux/toolkit/Application.h"
+#include "platform/linux/toolkit/application.h"
 #include "window/LinkDialog.h"
 #include "window/linkWindowModule.h"
 

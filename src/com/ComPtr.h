@@ -13,7 +13,7 @@ namespace qel
 template <class Interface>
 struct UnknownInterface;
 
-/// The identifier of an interface, by its C++ type. InterfaceTables.h has those of QelHelperInterfaces.h; others do not
+/// The identifier of an interface, by its C++ type. interfaceTables.h has those of QelHelperInterfaces.h; others do not
 /// compile.
 template <class Interface>
 inline constexpr const IID* InterfaceId = UnknownInterface<Interface>::Id;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "com/ComPtr.h"
-#include "com/Dispatch.h"
+#include "com/DispatchImplementation.h"
 
 #include <atomic>
 #include <concepts>

@@ -8,7 +8,7 @@
 #include "module/FormLead.h"
 #include "module/localConstants.h"
 #include "module/ModuleSettings.h"
-#include "platform/HostServices.h"
+#include "platform/hostServices.h"
 #include "platform/Platform.h"
 #include "text/text.h"
 

@@ -1,7 +1,7 @@
 /// The archive that holds a module's imported files.
 #pragma once
 
-#include "platform/HostServices.h"
+#include "platform/hostServices.h"
 #include "text/text.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "plugin/Apartment.h"
 
-#include "com/ComHostServices.h"
+#include "com/comHostServices.h"
 #include "dialog/FormMainDialog.h"
 #include "text/errors.h"
 #include "text/ScopeGuard.h"

@@ -1,7 +1,7 @@
 #include "plugin/Main.h"
 
-#include "com/ComHostServices.h"
-#include "com/Failure.h"
+#include "com/comHostServices.h"
+#include "com/failure.h"
 #include "module/moduleScript.h"
 #include "plugin/Apartment.h"
 #include "resources/stringTable.h"

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "com/CountedObject.h"
-#include "com/InterfaceTables.h"
+#include "com/interfaceTables.h"
 #include "com/QelHelperInterfaces.h"
-#include "plugin/LivingObjects.h"
+#include "plugin/LivingObject.h"
 
 namespace qel
 {

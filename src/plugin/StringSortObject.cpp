@@ -1,6 +1,6 @@
 #include "plugin/StringSortObject.h"
 
-#include "com/Failure.h"
+#include "com/failure.h"
 
 namespace qel
 {

@@ -2,9 +2,9 @@
 #pragma once
 
 #include "com/CountedObject.h"
-#include "com/InterfaceTables.h"
+#include "com/interfaceTables.h"
 #include "com/QelHelperInterfaces.h"
-#include "plugin/LivingObjects.h"
+#include "plugin/LivingObject.h"
 #include "utilities/classStringSort.h"
 
 namespace qel

@@ -1,9 +1,9 @@
 /// The four entry points of the component, and the factory of its two classes.
 #include "com/CountedObject.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/QelHelperInterfaces.h"
 #include "plugin/Apartment.h"
-#include "plugin/LivingObjects.h"
+#include "plugin/LivingObject.h"
 #include "plugin/Main.h"
 #include "plugin/StringSortObject.h"
 #include "text/encodings.h"

@@ -1,6 +1,6 @@
 // CoCreateInstance and the components that it has loaded.
 #include "com/ComPtr.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/linux/classRegistry.h"
 #include "com/linux/contained.h"
 #include "com/qelcom.h"

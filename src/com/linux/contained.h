@@ -1,7 +1,7 @@
 /// Handles running out of memory in the functions of the runtime.
 #pragma once
 
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/qelcom.h"
 
 namespace qel

@@ -1,6 +1,6 @@
 // The reason of the last failure on a thread.
 #include "com/CountedObject.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/qelcom.h"
 
 #include <new>

@@ -2,7 +2,7 @@
 
 #include "platform/linux/findPath.h"
 #include "platform/linux/nativePath.h"
-#include "platform/linux/PlainFile.h"
+#include "platform/linux/plainFile.h"
 #include "platform/linux/systemErrors.h"
 #include "platform/linux/temporaryPath.h"
 #include "platform/shared/wildCards.h"

@@ -1,6 +1,6 @@
 #include "platform/linux/window/TunePlayer.h"
 
-#include "platform/linux/window/Synthesiser.h"
+#include "platform/linux/window/Playback.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,6 +1,6 @@
 #include "platform/linux/WindowModule.h"
 
-#include "platform/linux/toolkit/Application.h"
+#include "platform/linux/toolkit/application.h"
 #include "platform/linux/window/dialogs.h"
 #include "platform/linux/window/FormWindow.h"
 #include "platform/linux/window/MultimediaService.h"
@@ -38,7 +38,7 @@ private:
 } // namespace
 } // namespace qel
 
-/// The entry point of the module (see WindowModule.h).
+/// The entry point of the module (see platform/linux/WindowModule.h).
 extern "C" __attribute__((visibility("default"))) qel::WindowModule* QelWindowModule(int32_t myVersion) noexcept
 {
     // Destroyed at the end of the process, which ends a tune that still plays.

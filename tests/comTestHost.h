@@ -2,8 +2,8 @@
 #pragma once
 
 #include "com/CountedObject.h"
-#include "com/Failure.h"
-#include "com/InterfaceTables.h"
+#include "com/failure.h"
+#include "com/interfaceTables.h"
 #include "TestHost.h"
 
 namespace qel

@@ -1,6 +1,6 @@
-#include "com/Dispatch.h"
+#include "com/DispatchImplementation.h"
 
-#include "com/Failure.h"
+#include "com/failure.h"
 
 #include <algorithm>
 #include <utility>

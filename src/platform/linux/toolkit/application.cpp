@@ -1,4 +1,4 @@
-#include "platform/linux/toolkit/Application.h"
+#include "platform/linux/toolkit/application.h"
 
 #include "platform/linux/Descriptor.h"
 #include "text/errors.h"

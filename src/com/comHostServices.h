@@ -3,9 +3,9 @@
 
 #include "com/Bstr.h"
 #include "com/ComPtr.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/QelHelperInterfaces.h"
-#include "platform/HostServices.h"
+#include "platform/hostServices.h"
 
 namespace qel
 {

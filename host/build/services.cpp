@@ -1,7 +1,7 @@
-#include "build/Services.h"
+#include "build/services.h"
 
 #include "build/linkWindow.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "common/Failure.h"
 #include "site/PageText.h"
 #include "text/encodings.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/PlainFile.h"
+#include "platform/linux/plainFile.h"
 
 #include "platform/linux/systemErrors.h"
 #include "text/errors.h"

@@ -1,6 +1,6 @@
-#include "com/InterfaceTables.h"
+#include "com/interfaceTables.h"
 
-#include "com/Dispatch.h"
+#include "com/DispatchImplementation.h"
 
 #include <algorithm>
 #include <array>

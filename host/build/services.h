@@ -5,8 +5,8 @@
 #pragma once
 
 #include "com/CountedObject.h"
-#include "com/Failure.h"
-#include "com/InterfaceTables.h"
+#include "com/failure.h"
+#include "com/interfaceTables.h"
 #include "site/PageText.h"
 #include "site/Site.h"
 #include "text/encodings.h"

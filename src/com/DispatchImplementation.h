@@ -4,7 +4,7 @@
 #pragma once
 
 #include "com/ComPtr.h"
-#include "com/Failure.h"
+#include "com/failure.h"
 #include "com/qelcom.h"
 #include "text/text.h"
 

@@ -1,4 +1,4 @@
-#include "com/Failure.h"
+#include "com/failure.h"
 
 #include <algorithm>
 #include <array>

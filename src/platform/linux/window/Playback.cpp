@@ -1,4 +1,4 @@
-#include "platform/linux/window/Synthesiser.h"
+#include "platform/linux/window/Playback.h"
 
 #include <algorithm>
 #include <cstdarg>

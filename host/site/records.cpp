@@ -1,4 +1,4 @@
-#include "site/Records.h"
+#include "site/records.h"
 
 #include "common/Failure.h"
 #include "text/encodings.h"
