@@ -6,7 +6,7 @@
 #include "imaging/JpegPicture.h"
 #include "imaging/paletteReduction.h"
 #include "imaging/resampling.h"
-#include "platform/linux/LinuxFiles.h"
+#include "platform/shared/systemFiles.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -192,8 +192,8 @@ protected:
 
     TemporaryFolder myFolder;
     Text myName = myFolder.Logical(u"picture.bmp");
-    LinuxFiles myFiles;
-    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(myFiles);
+    const std::unique_ptr<Files> myFiles = MakeSystemFiles();
+    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(*myFiles);
 };
 
 TEST_F(Imaging, Load_SizeIsTheScreenOfAGifAndTheFrameOfAJpeg)
@@ -592,7 +592,7 @@ TEST_F(Imaging, RefusedCall_ChangesNothing)
               PathNotFound);
     EXPECT_EQ(myControl->BitmapWidth(), 40.0F);
     EXPECT_FALSE(myFolder.Exists("out"));
-    const auto myHolder = myFiles.OpenForReading(myName);
+    const auto myHolder = myFiles->OpenForReading(myName);
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), PermissionDenied);
 }
 
