@@ -2,9 +2,9 @@
 #pragma once
 
 #include "platform/Files.h"
+#include "testSystem.h"
 #include "text/errors.h"
 
-#include <csignal>
 #include <vector>
 
 namespace qel
@@ -92,7 +92,10 @@ private:
         {
             (theObject.*myMember)(myValues...);
         }
-        std::raise(myFault == Fault::Kill ? SIGKILL : 0);
+        if (myFault == Fault::Kill)
+        {
+            KillThisProcess();
+        }
         HasFailed = true;
         myCallsLeft = myFault == Fault::ForGood ? -1 : 0;
         Raise(ErrorNumber::DeviceError);
