@@ -9,5 +9,5 @@ set(path_prefix "Z:") # the drive of Wine that has the files of this machine
 # A whole program is one test, because a start under Wine takes as long as most programs.
 function(qel_run_test name)
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 300)
 endfunction()
