@@ -17,9 +17,9 @@ inline QelPlugin& OpenComponent(const std::filesystem::path& myFile)
     Require(myLibrary != nullptr, "the component loads");
     const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
     void* myObject = nullptr;
-    Require(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject) == S_OK, "it has its class");
+    Require(myEntry(CLSID_Main, IID_IClassFactory, &myObject) == S_OK, "it has its class");
     auto* const myFactory = static_cast<IClassFactory*>(myObject);
-    Require(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject) == S_OK, "it makes its object");
+    Require(myFactory->CreateInstance(nullptr, IID_QelPlugin, &myObject) == S_OK, "it makes its object");
     return *static_cast<QelPlugin*>(myObject);
 }
 

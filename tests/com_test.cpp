@@ -150,7 +150,7 @@ void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
         Value theResult;
         uint32_t theArgument = 99;
         const HRESULT myResult =
-            myObject.Invoke(myCall.Member, &GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &theArgument);
+            myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &theArgument);
         const std::string myPlace = theArgument == 99 ? "" : ", argument " + std::to_string(theArgument);
         EXPECT_EQ(Show(myResult) + (myResult == S_OK ? ", " + Show(theResult) : myPlace), myCall.Outcome)
             << "member " << myCall.Member << ", " << myCall.Arguments.size() << " arguments";
@@ -320,14 +320,14 @@ TEST(CreateErrorInfo, ReturnsWhatWasSet)
         EXPECT_EQ(theContext, myContext);
     };
     Reads(GUID_NULL, 0); // none is set yet
-    EXPECT_EQ(myWriter->SetGUID(&IID_QelPlugin), S_OK);
+    EXPECT_EQ(myWriter->SetGUID(IID_QelPlugin), S_OK);
     EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
     Reads(IID_QelPlugin, 100);
 
     const struct
     {
-        HRESULT (ICreateErrorInfo::*Set)(const char16_t*);
-        HRESULT (IErrorInfo::*Get)(BSTR*);
+        HRESULT (STDMETHODCALLTYPE ICreateErrorInfo::*Set)(LPOLESTR);
+        HRESULT (STDMETHODCALLTYPE IErrorInfo::*Get)(BSTR*);
         const char16_t* Text;
     } myTexts[] = {{&ICreateErrorInfo::SetSource, &IErrorInfo::GetSource, u"fuente"},
                    {&ICreateErrorInfo::SetDescription, &IErrorInfo::GetDescription, u"descripción"},
@@ -336,7 +336,7 @@ TEST(CreateErrorInfo, ReturnsWhatWasSet)
     {
         for (const auto& myMember : myTexts)
         {
-            EXPECT_EQ((myWriter.Get()->*myMember.Set)(mySets ? myMember.Text : nullptr), S_OK);
+            EXPECT_EQ((myWriter.Get()->*myMember.Set)(InputText(mySets ? myMember.Text : nullptr)), S_OK);
         }
         for (const auto& myMember : myTexts)
         {
@@ -353,7 +353,7 @@ TEST(SetErrorInfo, WithoutMemory_KeepsTheText)
     ComPtr<ICreateErrorInfo> myWriter;
     ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
     const auto myReader = myWriter.Query<IErrorInfo>();
-    EXPECT_EQ(myWriter->SetSource(u"old"), S_OK);
+    EXPECT_EQ(myWriter->SetSource(InputText(u"old")), S_OK);
     std::vector<HRESULT> myResults;
     const auto Collect = [&](HRESULT myResult)
     {
@@ -362,7 +362,7 @@ TEST(SetErrorInfo, WithoutMemory_KeepsTheText)
         EXPECT_EQ(theText.Value(), myResults.empty() ? u"old" : u"new");
         myResults.push_back(myResult);
     };
-    FailEachPieceOfMemory([&] { return myWriter->SetSource(u"new"); }, Collect);
+    FailEachPieceOfMemory([&] { return myWriter->SetSource(InputText(u"new")); }, Collect);
     Bstr theText;
     FailEachPieceOfMemory([&] { return myReader->GetSource(theText.Pointer()); }, Collect);
     EXPECT_EQ(myResults, (std::vector{E_OUTOFMEMORY, S_OK, E_OUTOFMEMORY, S_OK}));
@@ -474,10 +474,10 @@ TEST(GetIDsOfNames, FindsMembersButNoParameters)
     Text myParameter = u"myUID";
     char16_t* myNames[] = {myMember.data(), myParameter.data()};
     DISPID theNumbers[] = {0, 0};
-    EXPECT_EQ(myObject->GetIDsOfNames(&GUID_NULL, myNames, 2, 0, theNumbers), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(myObject->GetIDsOfNames(GUID_NULL, myNames, 2, 0, theNumbers), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(theNumbers[0], 4);
     EXPECT_EQ(theNumbers[1], DISPID_UNKNOWN);
-    EXPECT_EQ(myObject->GetIDsOfNames(&IID_IUnknown, myNames, 1, 0, theNumbers), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(myObject->GetIDsOfNames(IID_IUnknown, myNames, 1, 0, theNumbers), DISP_E_UNKNOWNINTERFACE);
 }
 
 TEST(Invoke, ArgumentsAndResults)
@@ -529,7 +529,7 @@ TEST(Invoke, FailedMember_GivesTheErrorInformationOfThisCallAlone)
         Guarded([] { throw Error{6, u"older failure"}; });
         EXCEPINFO theException{};
         EXPECT_EQ(
-            myHost->Invoke(myMember, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myParams, nullptr, &theException, nullptr),
+            myHost->Invoke(myMember, GUID_NULL, 0, DISPATCH_PROPERTYGET, &myParams, nullptr, &theException, nullptr),
             DISP_E_EXCEPTION);
         EXPECT_EQ(theException.scode, myResult);
         Bstr mySource;
@@ -550,12 +550,12 @@ TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
     char16_t* myNames[] = {myUnknown.data()};
     const auto FindsName = [&](DISPID* theNumber)
     {
-        return myObject.GetIDsOfNames(&GUID_NULL, myNames, 1, 0, theNumber);
+        return myObject.GetIDsOfNames(GUID_NULL, myNames, 1, 0, theNumber);
     };
     const auto Invokes = [&](DISPID myMember, uint16_t myFlags, std::vector<VARIANT> myArguments, const IID& myReserved)
     {
         DISPPARAMS myParams{myArguments.data(), nullptr, static_cast<uint32_t>(myArguments.size()), 0};
-        return myObject.Invoke(myMember, &myReserved, 0, myFlags, &myParams, nullptr, nullptr, nullptr);
+        return myObject.Invoke(myMember, myReserved, 0, myFlags, &myParams, nullptr, nullptr, nullptr);
     };
     const Value myText(u"x");
     constexpr uint16_t Get = DISPATCH_PROPERTYGET;
@@ -575,7 +575,7 @@ TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
          "Tipo de valor desconocido"},
         {[&] { return Invokes(1, Get, {}, IID_IUnknown); }, DISP_E_UNKNOWNINTERFACE,
          "El argumento reservado debe ser el identificador nulo"},
-        {[&] { return myObject.Invoke(1, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr); }, E_POINTER,
+        {[&] { return myObject.Invoke(1, GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr); }, E_POINTER,
          myNoPointer},
         {[&] { return FindsName(&theNumber); }, DISP_E_UNKNOWNNAME, "Nombre desconocido"},
         {[&] { return FindsName(nullptr); }, E_POINTER, myNoPointer},
@@ -590,8 +590,8 @@ TEST(QueryInterface, LeavesTheErrorInformation)
     const auto myHost = MakeCounted<TestDatabase>();
     Guarded([] { throw Error{6, u"mío"}; });
     void* theObject = nullptr;
-    EXPECT_EQ(myHost->QueryInterface(&IID_ISupportErrorInfo, &theObject), E_NOINTERFACE);
-    EXPECT_EQ(myHost->QueryInterface(&IID_QelDatabase, &theObject), S_OK);
+    EXPECT_EQ(myHost->QueryInterface(IID_ISupportErrorInfo, &theObject), E_NOINTERFACE);
+    EXPECT_EQ(myHost->QueryInterface(IID_QelDatabase, &theObject), S_OK);
     myHost->Release();
     EXPECT_EQ(TakenDescription(), "mío");
 }
@@ -612,7 +612,7 @@ protected:
     static std::string ReasonNotLoaded(const CLSID& myClass)
     {
         void* theObject = &theObject;
-        const HRESULT myResult = CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject);
+        const HRESULT myResult = CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &theObject);
         EXPECT_EQ(theObject, nullptr);
         return myResult == CO_E_DLLNOTFOUND ? TakenDescription() : std::to_string(myResult);
     }
@@ -637,16 +637,16 @@ TEST_F(ClassRegistry, Register_IsFoundUntilItIsRemoved)
 {
     CLSID theClass{};
     EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
-    ASSERT_EQ(QelRegisterClass(&CLSID_Main, u"Other.Main", "/none/older.so"), S_OK);
-    ASSERT_EQ(QelRegisterClass(&CLSID_Main, u"Año.Main", "/none/newer.so"), S_OK);
+    ASSERT_EQ(QelRegisterClass(CLSID_Main, u"Other.Main", "/none/older.so"), S_OK);
+    ASSERT_EQ(QelRegisterClass(CLSID_Main, u"Año.Main", "/none/newer.so"), S_OK);
     EXPECT_EQ(CLSIDFromProgID(u"aÑO.mAIN", &theClass), S_OK);
     EXPECT_TRUE(SameId(theClass, CLSID_Main));
     EXPECT_EQ(CLSIDFromProgID(u"Other.Main", &theClass), CO_E_CLASSSTRING);
     EXPECT_NE(ReasonNotLoaded(CLSID_Main).find("/none/newer.so"), std::string::npos);
     EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
 
-    EXPECT_EQ(QelUnregisterClass(&CLSID_Main), S_OK);
-    EXPECT_EQ(QelUnregisterClass(&CLSID_Main), S_FALSE);
+    EXPECT_EQ(QelUnregisterClass(CLSID_Main), S_OK);
+    EXPECT_EQ(QelUnregisterClass(CLSID_Main), S_FALSE);
     EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
     EXPECT_EQ(ReasonNotLoaded(CLSID_Main), std::to_string(REGDB_E_CLASSNOTREG));
 }
@@ -691,7 +691,7 @@ TEST_F(ClassRegistry, Register_WithoutStandardInput)
     const int myInput = dup(STDIN_FILENO);
     close(STDIN_FILENO); // the next file that is opened has its number
     CLSID theClass{};
-    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
+    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
     EXPECT_EQ(CLSIDFromProgID(u"A.Main", &theClass), S_OK);
     EXPECT_EQ(close(STDIN_FILENO), -1) << "left open";
     dup2(myInput, STDIN_FILENO);
@@ -709,20 +709,20 @@ TEST_F(ClassRegistry, Register_RefusesWhatCouldNotBeReadBack)
                                                                {u"A.Main", "/" + std::string(8192, 'a')}};
     for (const auto& [myName, myLibrary] : myCases)
     {
-        EXPECT_EQ(QelRegisterClass(&CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
+        EXPECT_EQ(QelRegisterClass(CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
     }
     fs::create_directories(myUser / myFilename); // a folder in the place of the file
-    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
+    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
     EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
     Write(myRoot / "file", "");
     myEnvironment.Set("XDG_DATA_HOME", myRoot.Native("file"));
-    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
+    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
 }
 
 TEST_F(ClassRegistry, Register_RelativeDataFolder_UsesTheHomeFolder)
 {
     myEnvironment.Set("XDG_DATA_HOME", "relative");
-    EXPECT_EQ(QelRegisterClass(&CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
+    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
     EXPECT_TRUE(fs::exists(myRoot / ".local/share/qel/classes" / myFilename));
 }
 
@@ -731,21 +731,22 @@ TEST_F(ClassRegistry, RefusedCall_LeavesItsOwnErrorInformation)
     CLSID theClass{};
     void* theObject = nullptr;
     IUnknown* const myOuter = reinterpret_cast<IUnknown*>(&theClass);
-    const auto Creates = [&](const CLSID* myClass, IUnknown* myOwner, uint32_t myContext)
+    const auto Creates = [&](const CLSID& myClass, IUnknown* myOwner, uint32_t myContext)
     {
-        return CoCreateInstance(myClass, myOwner, myContext, &IID_IUnknown, &theObject);
+        return CoCreateInstance(myClass, myOwner, myContext, IID_IUnknown, &theObject);
     };
     const std::vector<FailingCall> myCalls = {
         {[&] { return CLSIDFromProgID(u"A.Main", &theClass); }, CO_E_CLASSSTRING,
          "No hay ninguna clase registrada con ese nombre"},
         {[&] { return CLSIDFromProgID(nullptr, &theClass); }, E_POINTER, "Falta un puntero"},
-        {[&] { return Creates(&CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
-        {[&] { return Creates(&CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
+        {[&] { return Creates(CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
+        {[&] { return Creates(CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
          "La clase no admite agregación"},
-        {[&] { return Creates(nullptr, nullptr, CLSCTX_INPROC_SERVER); }, E_POINTER, "Falta un puntero"},
-        {[&] { return QelRegisterClass(&CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
+        {[&] { return CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, nullptr); }, E_POINTER,
+         "Falta un puntero"},
+        {[&] { return QelRegisterClass(CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
          "Llamada a procedimiento o argumento no válidos"},
-        {[&] { return QelUnregisterClass(nullptr); }, E_POINTER, "Falta un puntero"},
+        {[&] { return QelRegisterClass(CLSID_Main, nullptr, "/none/a.so"); }, E_POINTER, "Falta un puntero"},
     };
     ExpectOwnErrors("qelcom", myCalls);
 }
@@ -766,7 +767,7 @@ TEST_F(ClassRegistry, AnyCall_WithoutMemory_ReportsIt)
     {
         EXPECT_TRUE(!fs::exists(myUser) || fs::is_empty(myUser) || myResult == S_OK);
     };
-    EXPECT_EQ(Outcomes([&] { return QelRegisterClass(&CLSID_classStringSort, u"A.Sort", "/none.so"); }, LeavesNoPart),
+    EXPECT_EQ(Outcomes([&] { return QelRegisterClass(CLSID_classStringSort, u"A.Sort", "/none.so"); }, LeavesNoPart),
               (std::set{E_OUTOFMEMORY, S_OK}));
     void* theObject = nullptr;
     const auto Unloads = [&](HRESULT)
@@ -777,7 +778,7 @@ TEST_F(ClassRegistry, AnyCall_WithoutMemory_ReportsIt)
     };
     const auto Creates = [&]
     {
-        return CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &theObject);
+        return CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &theObject);
     };
     EXPECT_EQ(Outcomes(Creates, Unloads), (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK}));
 }
@@ -787,7 +788,7 @@ TEST_F(ClassRegistry, FreeUnusedLibraries_UnloadsAfterTheLastObject)
     fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", mySystem / "../component.so");
     Write(mySystem / myFilename, "ProgID=QelPluginAnimation.Main\nLibrary=../component.so\n"); // as a package does
     void* theObject = nullptr;
-    ASSERT_EQ(CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IDispatch, &theObject), S_OK)
+    ASSERT_EQ(CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &theObject), S_OK)
         << TakenDescription();
     auto myMain = ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(theObject));
     auto myDatabase = MakeCounted<TestDatabase>();

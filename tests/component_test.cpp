@@ -48,14 +48,14 @@ public:
     {
         const auto myClassObject = EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
         void* theFactory = nullptr;
-        EXPECT_EQ(myClassObject(&CLSID_Main, &IID_IClassFactory, &theFactory), S_OK);
+        EXPECT_EQ(myClassObject(CLSID_Main, IID_IClassFactory, &theFactory), S_OK);
         return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
     }
 
     ComPtr<QelPlugin> Plugin() const
     {
         void* thePlugin = nullptr;
-        EXPECT_EQ(Factory()->CreateInstance(nullptr, &IID_QelPlugin, &thePlugin), S_OK);
+        EXPECT_EQ(Factory()->CreateInstance(nullptr, IID_QelPlugin, &thePlugin), S_OK);
         return ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(thePlugin));
     }
 
@@ -231,7 +231,7 @@ TEST_F(Component, Register_LoadedByARelativePath_WritesTheAbsoluteOne)
         fs::current_path(myFolder.Native());
         EXPECT_EQ(myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")(), S_OK);
         void* myObject = nullptr;
-        ASSERT_EQ(CoCreateInstance(&CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, &IID_IDispatch, &myObject), S_OK);
+        ASSERT_EQ(CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &myObject), S_OK);
         static_cast<IDispatch*>(myObject)->Release();
         CoFreeUnusedLibraries();
     }
@@ -258,11 +258,11 @@ TEST_F(Component, RefusedCall_LeavesErrorInformationOfTheComponent)
     void* theObject = nullptr;
     VARIANT_BOOL theAnswer = VARIANT_TRUE;
     const std::pair<std::function<HRESULT()>, HRESULT> myCases[] = {
-        {[&] { return myClassObject(&IID_IUnknown, &IID_IClassFactory, &theObject); }, CLASS_E_CLASSNOTAVAILABLE},
-        {[&] { return myClassObject(&CLSID_Main, &IID_QelPlugin, &theObject); }, E_NOINTERFACE},
-        {[&] { return myFactory->CreateInstance(myFactory.Get(), &IID_QelPlugin, &theObject); }, CLASS_E_NOAGGREGATION},
-        {[&] { return myFactory->CreateInstance(nullptr, &IID_QelDatabase, &theObject); }, E_NOINTERFACE},
-        {[&] { return myFactory->CreateInstance(nullptr, &IID_QelPlugin, nullptr); }, E_POINTER},
+        {[&] { return myClassObject(IID_IUnknown, IID_IClassFactory, &theObject); }, CLASS_E_CLASSNOTAVAILABLE},
+        {[&] { return myClassObject(CLSID_Main, IID_QelPlugin, &theObject); }, E_NOINTERFACE},
+        {[&] { return myFactory->CreateInstance(myFactory.Get(), IID_QelPlugin, &theObject); }, CLASS_E_NOAGGREGATION},
+        {[&] { return myFactory->CreateInstance(nullptr, IID_QelDatabase, &theObject); }, E_NOINTERFACE},
+        {[&] { return myFactory->CreateInstance(nullptr, IID_QelPlugin, nullptr); }, E_POINTER},
         {[&] { return myPlugin->putref_QelThumbnails(nullptr); }, E_POINTER},
         {[&] { return myPlugin->put_Script(nullptr); }, E_POINTER},
         {[&] { return myPlugin->get_Output(nullptr); }, E_POINTER},
@@ -302,7 +302,7 @@ TEST_F(Component, CreateInstance_WithoutMemory_ChangesNothingForTheObjectsThatAr
     const auto myPlugin = myComponent.Plugin();
     const auto myFactory = myComponent.Factory();
     void* theObject = nullptr;
-    FailEachPieceOfMemory([&] { return myFactory->CreateInstance(nullptr, &IID_QelPlugin, &theObject); },
+    FailEachPieceOfMemory([&] { return myFactory->CreateInstance(nullptr, IID_QelPlugin, &theObject); },
                           [&](HRESULT myResult)
                           {
                               EXPECT_EQ(myResult == S_OK, theObject != nullptr);

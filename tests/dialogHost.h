@@ -182,9 +182,9 @@ public:
         EXPECT_NE(myLibrary, nullptr) << dlerror();
         const auto myEntry = reinterpret_cast<DllGetClassObjectFunction>(dlsym(myLibrary, "DllGetClassObject"));
         void* myObject = nullptr;
-        EXPECT_EQ(myEntry(&CLSID_Main, &IID_IClassFactory, &myObject), S_OK);
+        EXPECT_EQ(myEntry(CLSID_Main, IID_IClassFactory, &myObject), S_OK);
         const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
-        EXPECT_EQ(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), S_OK);
+        EXPECT_EQ(myFactory->CreateInstance(nullptr, IID_QelPlugin, &myObject), S_OK);
         Plugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
         HandIn(Helper.Get(), Records.Get());
     }

@@ -291,8 +291,8 @@ TEST_F(Faults, AnyMember_MemoryRunsOut_IsErrorSeven)
     Bstr myScript(u"<pg.param name=image value=a-long-name.gif><pg.param name=playmidi value=0>");
     Bstr mySummary, myPage, myStored;
     const std::function<HRESULT()> Calls[] = {
-        [&] { return myClassObject(&CLSID_Main, &IID_IClassFactory, &myFactory); },
-        [&] { return static_cast<IClassFactory*>(myFactory)->CreateInstance(nullptr, &IID_QelPlugin, &myObject); },
+        [&] { return myClassObject(CLSID_Main, IID_IClassFactory, &myFactory); },
+        [&] { return static_cast<IClassFactory*>(myFactory)->CreateInstance(nullptr, IID_QelPlugin, &myObject); },
         [&] { return static_cast<QelPlugin*>(myObject)->put_Script(myScript.Pointer()); },
         [&] { return static_cast<QelPlugin*>(myObject)->get_TextSettings(mySummary.Pointer()); },
         [&] { return static_cast<QelPlugin*>(myObject)->get_Output(myPage.Pointer()); },

@@ -84,7 +84,7 @@ Component::Component(const std::optional<std::filesystem::path>& myFile)
     if (!myFile && SUCCEEDED(CLSIDFromProgID(myProgramName, &myClass)))
     {
         void* myObject = nullptr;
-        Check(CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_QelPlugin, &myObject),
+        Check(CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_QelPlugin, &myObject),
               "the registered component cannot be opened; enter it again with qelhost register, or give --plugin");
         myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
         return;
@@ -92,9 +92,9 @@ Component::Component(const std::optional<std::filesystem::path>& myFile)
     myLibrary = OpenComponent(myFile ? *myFile : ComponentBesideProgram());
     const auto myGetClass = EntryPoint<DllGetClassObjectFunction>(myLibrary, "DllGetClassObject");
     void* myObject = nullptr;
-    Check(myGetClass(&CLSID_Main, &IID_IClassFactory, &myObject), "the file has no such component");
+    Check(myGetClass(CLSID_Main, IID_IClassFactory, &myObject), "the file has no such component");
     const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myObject));
-    Check(myFactory->CreateInstance(nullptr, &IID_QelPlugin, &myObject), "the component cannot be started");
+    Check(myFactory->CreateInstance(nullptr, IID_QelPlugin, &myObject), "the component cannot be started");
     myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
 }
 

@@ -25,7 +25,7 @@ SharedLibrary Open(const std::filesystem::path& myFile)
 ComPtr<IUnknown> Query(IUnknown& myObject, const IID& myInterface, const std::string& myWhat)
 {
     void* theObject = nullptr;
-    ExpectResult(myWhat, S_OK, myObject.QueryInterface(&myInterface, &theObject));
+    ExpectResult(myWhat, S_OK, myObject.QueryInterface(myInterface, &theObject));
     Expect(myWhat + " gives an object", theObject != nullptr);
     return ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(theObject));
 }
@@ -35,7 +35,7 @@ OpenedComponent::OpenedComponent(const CheckContext& myContext) : myLibrary(Open
 ComPtr<IClassFactory> OpenedComponent::Factory(const CLSID& myClass) const
 {
     void* theFactory = nullptr;
-    ExpectResult("DllGetClassObject", S_OK, ClassObject(&myClass, &IID_IClassFactory, &theFactory));
+    ExpectResult("DllGetClassObject", S_OK, ClassObject(myClass, IID_IClassFactory, &theFactory));
     Expect("DllGetClassObject gives an object", theFactory != nullptr);
     return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
 }

@@ -30,7 +30,7 @@ public:
         Expect(std::string("the component exports ") + myName, theFunction != nullptr);
         return theFunction;
     }
-    HRESULT ClassObject(const CLSID* myClass, const IID* myInterface, void** theObject) const
+    HRESULT ClassObject(REFCLSID myClass, REFIID myInterface, void** theObject) const
     {
         return EntryPoint<DllGetClassObjectFunction>("DllGetClassObject")(myClass, myInterface, theObject);
     }
@@ -42,7 +42,7 @@ public:
     {
         void* theObject = nullptr;
         ExpectResult("CreateInstance", S_OK,
-                     Factory(myClass)->CreateInstance(nullptr, InterfaceId<Interface>, &theObject));
+                     Factory(myClass)->CreateInstance(nullptr, *InterfaceId<Interface>, &theObject));
         Expect("CreateInstance gives an object", theObject != nullptr);
         return ComPtr<Interface>::Adopt(static_cast<Interface*>(theObject));
     }

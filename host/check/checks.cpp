@@ -16,7 +16,7 @@ void LookUpRegistered(const CheckContext& /*myContext*/)
     if (SUCCEEDED(CLSIDFromProgID(u"QelPluginAnimation.Main", &myClass)))
     {
         ExpectResult("the registered component opens", S_OK,
-                     CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IUnknown, &myObject));
+                     CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &myObject));
         const std::filesystem::path myFile = FileOfAddress(*static_cast<void**>(myObject)); // one of its members
         Expect("its file is found", !myFile.empty());
         throw Outcome{CheckResult::Passed, "", myFile.string()};

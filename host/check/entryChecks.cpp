@@ -37,7 +37,7 @@ void UnknownClass(const CheckContext& myContext)
     const OpenedComponent myComponent(myContext);
     void* myObject = &myObject;
     ExpectResult("DllGetClassObject of an unknown class", CLASS_E_CLASSNOTAVAILABLE,
-                 myComponent.ClassObject(&UnknownId, &IID_IClassFactory, &myObject));
+                 myComponent.ClassObject(UnknownId, IID_IClassFactory, &myObject));
     Expect("a failed DllGetClassObject gives null", myObject == nullptr);
 }
 
@@ -46,7 +46,7 @@ void UnknownInterface(const CheckContext& myContext)
     const OpenedComponent myComponent(myContext);
     void* myObject = &myObject;
     ExpectResult("DllGetClassObject for an unknown interface", E_NOINTERFACE,
-                 myComponent.ClassObject(&CLSID_Main, &UnknownId, &myObject));
+                 myComponent.ClassObject(CLSID_Main, UnknownId, &myObject));
     Expect("a failed DllGetClassObject gives null", myObject == nullptr);
     for (const CLSID* myClass : {&CLSID_Main, &CLSID_classStringSort})
     {
@@ -57,11 +57,11 @@ void UnknownInterface(const CheckContext& myContext)
         }
         myObject = &myObject;
         ExpectResult("QueryInterface of a factory for an unknown interface", E_NOINTERFACE,
-                     myFactory->QueryInterface(&UnknownId, &myObject));
+                     myFactory->QueryInterface(UnknownId, &myObject));
         Expect("a failed QueryInterface of a factory gives null", myObject == nullptr);
         myObject = &myObject;
         ExpectResult("CreateInstance for an unknown interface", E_NOINTERFACE,
-                     myFactory->CreateInstance(nullptr, &UnknownId, &myObject));
+                     myFactory->CreateInstance(nullptr, UnknownId, &myObject));
         Expect("a failed CreateInstance gives null", myObject == nullptr);
     }
     ExpectResult("DllCanUnloadNow after failures", S_OK, myComponent.CanUnloadNow());
@@ -70,20 +70,12 @@ void UnknownInterface(const CheckContext& myContext)
 void NullPointers(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
-    void* myObject = nullptr;
     ExpectResult("DllGetClassObject without a place", E_POINTER,
-                 myComponent.ClassObject(&CLSID_Main, &IID_IClassFactory, nullptr));
-    ExpectResult("DllGetClassObject without a class", E_POINTER,
-                 myComponent.ClassObject(nullptr, &IID_IClassFactory, &myObject));
-    ExpectResult("DllGetClassObject without an interface", E_POINTER,
-                 myComponent.ClassObject(&CLSID_Main, nullptr, &myObject));
+                 myComponent.ClassObject(CLSID_Main, IID_IClassFactory, nullptr));
     const auto myFactory = myComponent.Factory(CLSID_Main);
     ExpectResult("CreateInstance without a place", E_POINTER,
-                 myFactory->CreateInstance(nullptr, &IID_QelPlugin, nullptr));
-    ExpectResult("CreateInstance without an interface", E_POINTER,
-                 myFactory->CreateInstance(nullptr, nullptr, &myObject));
-    ExpectResult("QueryInterface without a place", E_POINTER, myFactory->QueryInterface(&IID_IUnknown, nullptr));
-    ExpectResult("QueryInterface without an interface", E_POINTER, myFactory->QueryInterface(nullptr, &myObject));
+                 myFactory->CreateInstance(nullptr, IID_QelPlugin, nullptr));
+    ExpectResult("QueryInterface without a place", E_POINTER, myFactory->QueryInterface(IID_IUnknown, nullptr));
 }
 
 void Aggregation(const CheckContext& myContext)
@@ -94,7 +86,7 @@ void Aggregation(const CheckContext& myContext)
         const auto myFactory = myComponent.Factory(*myClass);
         void* myObject = &myObject;
         ExpectResult("CreateInstance inside another object", CLASS_E_NOAGGREGATION,
-                     myFactory->CreateInstance(myFactory.Get(), &IID_IUnknown, &myObject));
+                     myFactory->CreateInstance(myFactory.Get(), IID_IUnknown, &myObject));
         Expect("a refused CreateInstance gives null", myObject == nullptr);
     }
 }
@@ -134,7 +126,7 @@ void Registration(const CheckContext& myContext)
         void* myObject = nullptr;
         ExpectResult("CLSIDFromProgID of " + ToUtf8(myName), S_OK, CLSIDFromProgID(myName, &myClass));
         ExpectResult("CoCreateInstance of " + ToUtf8(myName), S_OK,
-                     CoCreateInstance(&myClass, nullptr, CLSCTX_INPROC_SERVER, &IID_IDispatch, &myObject));
+                     CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &myObject));
         ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(myObject));
     }
     ExpectResult("DllUnregisterServer", S_OK, Unregister());

@@ -90,7 +90,7 @@ void Names(const CheckContext& myContext)
         char16_t* myNames = myName.data();
         DISPID theNumber = 0;
         const std::string myWhat = std::string("GetIDsOfNames of ") + myTable.Name + " for " + ToUtf8(myName);
-        ExpectResult(myWhat, myResult, myTable.Object.GetIDsOfNames(&GUID_NULL, &myNames, 1, 0, &theNumber));
+        ExpectResult(myWhat, myResult, myTable.Object.GetIDsOfNames(GUID_NULL, &myNames, 1, 0, &theNumber));
         ExpectNumber(myWhat, myNumber, theNumber);
     };
     ForEachTable(myComponent,
@@ -119,7 +119,7 @@ struct LateCall
         const bool isPut = (myKinds & PutObject) != 0;
         DISPPARAMS myParams{Arguments.data(), isPut ? &myPut : nullptr, static_cast<uint32_t>(Arguments.size()),
                             isPut ? 1U : 0U};
-        return myObject.Invoke(myNumber, &GUID_NULL, 0, myKinds, &myParams, &Result, &Exception, &Position);
+        return myObject.Invoke(myNumber, GUID_NULL, 0, myKinds, &myParams, &Result, &Exception, &Position);
     }
     LateCall() = default;
     LateCall(const LateCall&) = delete;
@@ -343,18 +343,18 @@ void LateFailures(const CheckContext& myContext)
                      if (myAbout != myTable.Members.end())
                      {
                          ExpectResult(myTable.NameOf(*myAbout) + " without a display", DISP_E_EXCEPTION,
-                                      myTable.Object.Invoke(myAbout->Number, &GUID_NULL, 0, Method, &myNone, nullptr,
+                                      myTable.Object.Invoke(myAbout->Number, GUID_NULL, 0, Method, &myNone, nullptr,
                                                             nullptr, nullptr));
                      }
                  });
     ExpectResult("writing without the name of a put", DISP_E_PARAMNOTOPTIONAL,
-                 myPlugin->Invoke(17, &GUID_NULL, 0, Put, &myNone, nullptr, nullptr, nullptr));
+                 myPlugin->Invoke(17, GUID_NULL, 0, Put, &myNone, nullptr, nullptr, nullptr));
     ExpectResult("Invoke with a reserved identifier", DISP_E_UNKNOWNINTERFACE,
-                 myPlugin->Invoke(5, &IID_IUnknown, 0, Get, &myNone, nullptr, nullptr, nullptr));
+                 myPlugin->Invoke(5, IID_IUnknown, 0, Get, &myNone, nullptr, nullptr, nullptr));
     ExpectResult("Invoke without arguments' record", E_POINTER,
-                 myPlugin->Invoke(5, &GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr));
+                 myPlugin->Invoke(5, GUID_NULL, 0, Get, nullptr, nullptr, nullptr, nullptr));
     ExpectResult("Invoke without a place for the result", S_OK,
-                 myPlugin->Invoke(5, &GUID_NULL, 0, Get, &myNone, nullptr, nullptr, nullptr));
+                 myPlugin->Invoke(5, GUID_NULL, 0, Get, &myNone, nullptr, nullptr, nullptr));
 }
 
 constexpr Check Checks[] = {

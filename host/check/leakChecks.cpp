@@ -25,7 +25,7 @@ void TextLeaks(const CheckContext& myContext)
             DISPPARAMS myNone{};
             VARIANT theText{};
             ExpectResult("Invoke", S_OK,
-                         myPlugin->Invoke(5, &GUID_NULL, 0, DISPATCH_PROPERTYGET, &myNone, &theText, nullptr, nullptr));
+                         myPlugin->Invoke(5, GUID_NULL, 0, DISPATCH_PROPERTYGET, &myNone, &theText, nullptr, nullptr));
             VariantClear(&theText);
         });
     ExpectNoGrowth("reading Version",

@@ -11,17 +11,34 @@
 namespace qel
 {
 
-/// A copy of a text that was received; null is the empty text. std::bad_alloc.
-inline Text TextOfBstr(const char16_t* myBstr)
+/// The units of a zero-terminated or counted text, as the binary interface types them and as this program does. Both
+/// are UTF-16 units; only these two functions turn one type into the other.
+inline LPCOLESTR ToOle(const char16_t* myUnits) noexcept
 {
-    return myBstr == nullptr ? Text() : Text(myBstr, SysStringLen(myBstr));
+    return reinterpret_cast<LPCOLESTR>(myUnits);
+}
+inline const char16_t* FromOle(LPCOLESTR myUnits) noexcept
+{
+    return reinterpret_cast<const char16_t*>(myUnits);
+}
+
+/// A text for a member that is declared as if it changed it, but only reads it.
+inline LPOLESTR InputText(const char16_t* myUnits) noexcept
+{
+    return const_cast<LPOLESTR>(ToOle(myUnits));
+}
+
+/// A copy of a text that was received; null is the empty text. std::bad_alloc.
+inline Text TextOfBstr(BSTR myBstr)
+{
+    return myBstr == nullptr ? Text() : Text(FromOle(myBstr), SysStringLen(myBstr));
 }
 
 /// A new text, which the receiver frees. std::bad_alloc.
 inline BSTR NewBstr(TextView myText)
 {
-    const bool fits = myText.size() <= std::numeric_limits<uint32_t>::max();
-    const BSTR theBstr = fits ? SysAllocStringLen(myText.data(), static_cast<uint32_t>(myText.size())) : nullptr;
+    const bool fits = myText.size() <= std::numeric_limits<UINT>::max();
+    const BSTR theBstr = fits ? SysAllocStringLen(ToOle(myText.data()), static_cast<UINT>(myText.size())) : nullptr;
     if (theBstr == nullptr)
     {
         throw std::bad_alloc();

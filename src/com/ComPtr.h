@@ -99,7 +99,7 @@ public:
     ComPtr<Other> Query() const noexcept
     {
         void* myPointer = nullptr;
-        if (myObject != nullptr && FAILED(myObject->QueryInterface(InterfaceId<Other>, &myPointer)))
+        if (myObject != nullptr && FAILED(myObject->QueryInterface(*InterfaceId<Other>, &myPointer)))
         {
             myPointer = nullptr;
         }

@@ -29,26 +29,26 @@ public:
     CountedObject& operator=(const CountedObject&) = delete;
     virtual ~CountedObject() = default;
 
-    HRESULT QueryInterface(const IID* myInterface, void** theObject) override
+    STDMETHODIMP QueryInterface(REFIID myInterface, void** theObject) override
     {
         if (theObject == nullptr)
         {
             return E_POINTER;
         }
-        *theObject = myInterface == nullptr ? nullptr : Find(*myInterface);
+        *theObject = Find(myInterface);
         if (*theObject == nullptr)
         {
-            return myInterface == nullptr ? E_POINTER : E_NOINTERFACE;
+            return E_NOINTERFACE;
         }
         AddRef();
         return S_OK;
     }
 
-    uint32_t AddRef() override { return myHolders.fetch_add(1, std::memory_order_relaxed) + 1; }
+    STDMETHODIMP_(ULONG) AddRef() override { return myHolders.fetch_add(1, std::memory_order_relaxed) + 1; }
 
-    uint32_t Release() override
+    STDMETHODIMP_(ULONG) Release() override
     {
-        const uint32_t theRest = myHolders.fetch_sub(1, std::memory_order_acq_rel) - 1;
+        const ULONG theRest = myHolders.fetch_sub(1, std::memory_order_acq_rel) - 1;
         if (theRest == 0)
         {
             delete this;
@@ -60,7 +60,7 @@ protected:
     CountedObject() = default;
 
 private:
-    void* Find(const IID& myId)
+    void* Find(REFIID myId)
     {
         auto* const myDefault = static_cast<Default*>(this);
         if (SameId(myId, IID_IUnknown) || SameId(myId, *InterfaceId<Default>) ||
@@ -73,7 +73,7 @@ private:
         return theObject;
     }
 
-    std::atomic<uint32_t> myHolders = 1;
+    std::atomic<ULONG> myHolders = 1;
 };
 
 /// Creates a counted object. Throws what its constructor throws, and std::bad_alloc.

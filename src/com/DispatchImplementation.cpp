@@ -1,5 +1,6 @@
 #include "com/DispatchImplementation.h"
 
+#include "com/convertVariant.h"
 #include "com/failure.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace
 
 /// The flags that a kind of member is called with. A client that puts an object need not know that this is done by
 /// reference.
-uint16_t FlagsOf(MemberKind myKind)
+WORD FlagsOf(MemberKind myKind)
 {
     switch (myKind)
     {
@@ -33,7 +34,7 @@ bool IsPut(const DispatchMember& myMember)
 }
 
 /// The member of that number and kind; null if there is none. A property with two slots has both numbers.
-const DispatchMember* FindMember(std::span<const DispatchMember> myMembers, DISPID myNumber, uint16_t myFlags)
+const DispatchMember* FindMember(std::span<const DispatchMember> myMembers, DISPID myNumber, WORD myFlags)
 {
     const auto myNamed = std::ranges::find(myMembers, myNumber, &DispatchMember::Number);
     if (myNamed == myMembers.end())
@@ -88,7 +89,7 @@ VARIANT* Referenced(VARIANT& myArgument)
 
 /// Calls the member and stores its result or its failure where the caller wants it.
 HRESULT CallMember(const DispatchMember& myMember, void* myObject, const DISPPARAMS& myParams, VARIANT* theResult,
-                   EXCEPINFO* theException, uint32_t* theArgument)
+                   EXCEPINFO* theException, UINT* theArgument)
 {
     VARIANT myResult{};
     MemberCall myCall{
@@ -116,14 +117,14 @@ HRESULT CallMember(const DispatchMember& myMember, void* myObject, const DISPPAR
 }
 
 /// Finds the number of the first name. The others would be parameters, which have no names.
-HRESULT FindNumbers(std::span<const DispatchMember> myMembers, const IID* myReserved, char16_t** myNames,
-                    uint32_t myNameCount, DISPID* theNumbers)
+HRESULT FindNumbers(std::span<const DispatchMember> myMembers, REFIID myReserved, LPOLESTR* myNames, UINT myNameCount,
+                    DISPID* theNumbers)
 {
-    if (myReserved == nullptr || myNames == nullptr || theNumbers == nullptr)
+    if (myNames == nullptr || theNumbers == nullptr)
     {
         return E_POINTER;
     }
-    if (!SameId(*myReserved, GUID_NULL))
+    if (!SameId(myReserved, GUID_NULL))
     {
         return DISP_E_UNKNOWNINTERFACE;
     }
@@ -136,7 +137,7 @@ HRESULT FindNumbers(std::span<const DispatchMember> myMembers, const IID* myRese
     {
         return E_POINTER;
     }
-    const auto theMember = std::ranges::find_if(myMembers, [myName = TextView(myNames[0])](const auto& myEntry)
+    const auto theMember = std::ranges::find_if(myMembers, [myName = TextView(FromOle(myNames[0]))](const auto& myEntry)
                                                 { return EqualInLowerCase(myEntry.Name, myName); });
     if (theMember == myMembers.end())
     {
@@ -166,7 +167,7 @@ HRESULT PointerToArgument(VARIANT& myArgument, VARTYPE myType, VARIANT& theOwn, 
         return thePointer == nullptr ? E_POINTER : S_OK;
     }
     thePointer = &theOwn.byref;
-    return VariantChangeType(&theOwn, myVariant, 0, myType);
+    return ConvertVariant(theOwn, *myVariant, myType);
 }
 
 HRESULT ObjectOfArgument(VARIANT& myArgument, const IID& myInterface, void** theObject) noexcept
@@ -188,26 +189,26 @@ HRESULT ObjectOfArgument(VARIANT& myArgument, const IID& myInterface, void** the
     }
     IUnknown* const myObject = isReference ? *myVariant->ppunkVal : myVariant->punkVal;
     *theObject = nullptr;
-    return myObject == nullptr || SUCCEEDED(myObject->QueryInterface(&myInterface, theObject)) ? S_OK
-                                                                                               : DISP_E_TYPEMISMATCH;
+    return myObject == nullptr || SUCCEEDED(myObject->QueryInterface(myInterface, theObject)) ? S_OK
+                                                                                              : DISP_E_TYPEMISMATCH;
 }
 
-HRESULT FindMemberNumbers(std::span<const DispatchMember> myMembers, const IID* myReserved, char16_t** myNames,
-                          uint32_t myNameCount, DISPID* theNumbers) noexcept
+HRESULT FindMemberNumbers(std::span<const DispatchMember> myMembers, REFIID myReserved, LPOLESTR* myNames,
+                          UINT myNameCount, DISPID* theNumbers) noexcept
 {
     const HRESULT theResult = FindNumbers(myMembers, myReserved, myNames, myNameCount, theNumbers);
     return FAILED(theResult) ? Refuse(theResult) : theResult;
 }
 
-HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObject, DISPID myNumber,
-                     const IID* myReserved, uint16_t myFlags, DISPPARAMS* myParams, VARIANT* theResult,
-                     EXCEPINFO* theException, uint32_t* theArgument) noexcept
+HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObject, DISPID myNumber, REFIID myReserved,
+                     WORD myFlags, DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException,
+                     UINT* theArgument) noexcept
 {
-    if (myReserved == nullptr || myParams == nullptr)
+    if (myParams == nullptr)
     {
         return Refuse(E_POINTER);
     }
-    if (!SameId(*myReserved, GUID_NULL))
+    if (!SameId(myReserved, GUID_NULL))
     {
         return Refuse(DISP_E_UNKNOWNINTERFACE);
     }
@@ -221,7 +222,7 @@ HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObj
         return Refuse(myFailure);
     }
     void* myPointer = nullptr;
-    if (FAILED(myObject.QueryInterface(myMember->Interface, &myPointer)))
+    if (FAILED(myObject.QueryInterface(*myMember->Interface, &myPointer)))
     {
         return Refuse(DISP_E_MEMBERNOTFOUND);
     }

@@ -6,6 +6,7 @@
 #include "com/ComPtr.h"
 #include "com/failure.h"
 #include "com/qelcom.h"
+#include "com/typeInformation.h"
 #include "text/text.h"
 
 #include <concepts>
@@ -125,7 +126,7 @@ private:
 template <auto myMember>
 struct MemberSignature;
 
-template <class Owner, class... Values, HRESULT (Owner::*myMember)(Values*...)>
+template <class Owner, class... Values, HRESULT (STDMETHODCALLTYPE Owner::*myMember)(Values*...)>
 struct MemberSignature<myMember>
 {
     using Interface = Owner;
@@ -183,42 +184,43 @@ constexpr DispatchMember Member(TextView myName, DISPID myNumber, MemberKind myK
 std::span<const DispatchMember> MembersOf(const IID& myInterface) noexcept;
 
 /// IDispatch::GetIDsOfNames over a table.
-HRESULT FindMemberNumbers(std::span<const DispatchMember> myMembers, const IID* myReserved, char16_t** myNames,
-                          uint32_t myNameCount, DISPID* theNumbers) noexcept;
+HRESULT FindMemberNumbers(std::span<const DispatchMember> myMembers, REFIID myReserved, LPOLESTR* myNames,
+                          UINT myNameCount, DISPID* theNumbers) noexcept;
 
 /// IDispatch::Invoke over a table. The object is asked for the interface of the member.
-HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObject, DISPID myNumber,
-                     const IID* myReserved, uint16_t myFlags, DISPPARAMS* myParams, VARIANT* theResult,
-                     EXCEPINFO* theException, uint32_t* theArgument) noexcept;
+HRESULT InvokeMember(std::span<const DispatchMember> myMembers, IDispatch& myObject, DISPID myNumber, REFIID myReserved,
+                     WORD myFlags, DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException,
+                     UINT* theArgument) noexcept;
 
 /// A dual interface with its late binding, by its table.
 template <class Interface>
 class DispatchImplementation : public Interface
 {
 public:
-    HRESULT GetTypeInfoCount(uint32_t* theCount) override
+    STDMETHODIMP GetTypeInfoCount(UINT* theCount) override
     {
-        return Answer(theCount, [] { return 0U; });
+        return Answer(theCount, [] { return TypeInfoCount(*InterfaceId<Interface>); });
     }
 
-    HRESULT GetTypeInfo(uint32_t /*myIndex*/, uint32_t /*myLocale*/, ITypeInfo** theInfo) override
+    STDMETHODIMP GetTypeInfo(UINT myIndex, LCID /*myLocale*/, ITypeInfo** theInfo) override
     {
         if (theInfo == nullptr)
         {
             return Refuse(E_POINTER);
         }
         *theInfo = nullptr;
-        return Refuse(DISP_E_BADINDEX);
+        const HRESULT theResult = myIndex == 0 ? FindTypeInfo(*InterfaceId<Interface>, theInfo) : DISP_E_BADINDEX;
+        return FAILED(theResult) ? Refuse(theResult) : theResult;
     }
 
-    HRESULT GetIDsOfNames(const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t /*myLocale*/,
-                          DISPID* theNumbers) override
+    STDMETHODIMP GetIDsOfNames(REFIID myReserved, LPOLESTR* myNames, UINT myNameCount, LCID /*myLocale*/,
+                               DISPID* theNumbers) override
     {
         return FindMemberNumbers(MembersOf(*InterfaceId<Interface>), myReserved, myNames, myNameCount, theNumbers);
     }
 
-    HRESULT Invoke(DISPID myMember, const IID* myReserved, uint32_t /*myLocale*/, uint16_t myFlags,
-                   DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument) override
+    STDMETHODIMP Invoke(DISPID myMember, REFIID myReserved, LCID /*myLocale*/, WORD myFlags, DISPPARAMS* myParams,
+                        VARIANT* theResult, EXCEPINFO* theException, UINT* theArgument) override
     {
         return InvokeMember(MembersOf(*InterfaceId<Interface>), *this, myMember, myReserved, myFlags, myParams,
                             theResult, theException, theArgument);

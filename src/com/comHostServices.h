@@ -22,14 +22,14 @@ public:
     void Abandon() noexcept { myHost.Detach(); }
 
 protected:
-    Text ReadText(HRESULT (Interface::*myMember)(BSTR*)) const
+    Text ReadText(HRESULT (STDMETHODCALLTYPE Interface::*myMember)(BSTR*)) const
     {
         Bstr theText;
         CallHost(myHost, myMember, theText.Pointer());
         return theText.Value();
     }
 
-    int32_t ReadNumber(HRESULT (Interface::*myMember)(int32_t*)) const
+    int32_t ReadNumber(HRESULT (STDMETHODCALLTYPE Interface::*myMember)(int32_t*)) const
     {
         int32_t theNumber = 0;
         CallHost(myHost, myMember, &theNumber);

@@ -74,8 +74,8 @@ HRESULT ReportFailure(HRESULT myResult, const char16_t* myDescription) noexcept
 {
     SetErrorInfo(0, nullptr);
     ComPtr<ICreateErrorInfo> myInfo;
-    if (SUCCEEDED(CreateErrorInfo(myInfo.Receive())) && SUCCEEDED(myInfo->SetSource(ErrorSource)) &&
-        SUCCEEDED(myInfo->SetDescription(myDescription)))
+    if (SUCCEEDED(CreateErrorInfo(myInfo.Receive())) && SUCCEEDED(myInfo->SetSource(InputText(ErrorSource))) &&
+        SUCCEEDED(myInfo->SetDescription(InputText(myDescription))))
     {
         SetErrorInfo(0, myInfo.Query<IErrorInfo>().Get());
     }

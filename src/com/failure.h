@@ -127,7 +127,7 @@ void CheckHostCall(HRESULT myResult);
 
 /// Calls a member of a host's object. Throws as CheckHostCall does; error 91: there is no object.
 template <class Interface, class... Parameters>
-void CallHost(ComPtr<Interface> myHost, HRESULT (Interface::*myMember)(Parameters...),
+void CallHost(ComPtr<Interface> myHost, HRESULT (STDMETHODCALLTYPE Interface::*myMember)(Parameters...),
               std::type_identity_t<Parameters>... myArguments)
 {
     // The reference is a copy: the host may withdraw its object before the call returns.

@@ -1,5 +1,8 @@
-/* The component object model where the system brings none: types, texts, variants, error information, and the creation
- * of objects by class. For C11 and C++17. The functions are in libqelcom.so, which hosts and components share.
+/* The component object model: types, texts, variants, error information, and the creation of objects by class. For C11
+ * and C++17. On Windows the system declares and implements all of it, and this header only includes the system's
+ * headers and adds the macros that QelHelperInterfaces.h is written with. Elsewhere this header declares it under the
+ * same names, and libqelcom.so, which hosts and components share, implements it. What follows describes libqelcom; the
+ * system's own documentation describes Windows.
  *
  * Every function may be called on any thread; error information belongs to the thread that set it. Results are 0 or
  * positive for success and negative for failure. The functions on classes, and the members of a component's interfaces,
@@ -13,6 +16,13 @@
 #ifndef __cplusplus
 #include <uchar.h>
 #endif
+#ifdef _WIN32
+#include <windows.h>
+
+#include <oaidl.h>
+#include <oleauto.h>
+#include <olectl.h>
+#endif
 
 #ifdef __cplusplus
 #define QEL_EXTERN_C extern "C"
@@ -22,18 +32,84 @@
 #define QEL_CONSTANT static const
 #endif
 
+#define QEL_RESULT(value) ((HRESULT)(value))
+
+/* ---- How interfaces are declared --------------------------------------------------------------------------------- */
+
+/* An interface is declared once, for both languages. In C an object is a pointer to its table of members, lpVtbl, and
+ * each member takes the object first; in C++ it is an abstract class, whose table has the same layout.
+ * Before a declaration QEL_THIS is defined as the interface's name. Release destroys an object, so its table has no
+ * place for a destructor. */
+/* NOLINTBEGIN(bugprone-macro-parentheses) */
+/* clang-format off */
+#ifdef __cplusplus
+#define QEL_INTERFACE(name, base) struct name : base {
+#define QEL_ROOT_INTERFACE(name) struct name {
+#define QEL_MEMBER(name, ...) virtual HRESULT STDMETHODCALLTYPE name(__VA_ARGS__) = 0;
+#define QEL_MEMBER0(name) virtual HRESULT STDMETHODCALLTYPE name() = 0;
+#define QEL_COUNT_MEMBER(name) virtual ULONG STDMETHODCALLTYPE name() = 0;
+#define QEL_C_UNKNOWN_MEMBERS
+#define QEL_C_DISPATCH_MEMBERS
+#define QEL_END_INTERFACE(name) };
+#else
+#define QEL_INTERFACE(name, base) QEL_ROOT_INTERFACE(name)
+#define QEL_ROOT_INTERFACE(name) \
+    typedef struct name name; \
+    typedef struct name##Vtbl name##Vtbl; \
+    struct name { const name##Vtbl* lpVtbl; }; \
+    struct name##Vtbl {
+#define QEL_MEMBER(name, ...) HRESULT(STDMETHODCALLTYPE* name)(QEL_THIS* This, __VA_ARGS__);
+#define QEL_MEMBER0(name) HRESULT(STDMETHODCALLTYPE* name)(QEL_THIS* This);
+#define QEL_COUNT_MEMBER(name) ULONG(STDMETHODCALLTYPE* name)(QEL_THIS* This);
+#define QEL_C_UNKNOWN_MEMBERS \
+    QEL_MEMBER(QueryInterface, REFIID myInterface, void** theObject) \
+    QEL_COUNT_MEMBER(AddRef) \
+    QEL_COUNT_MEMBER(Release)
+#define QEL_C_DISPATCH_MEMBERS \
+    QEL_C_UNKNOWN_MEMBERS \
+    QEL_MEMBER(GetTypeInfoCount, UINT* theCount) \
+    QEL_MEMBER(GetTypeInfo, UINT myIndex, LCID myLocale, struct ITypeInfo** theInfo) \
+    QEL_MEMBER(GetIDsOfNames, REFIID myReserved, LPOLESTR* myNames, UINT myNameCount, LCID myLocale, \
+               DISPID* theNumbers) \
+    QEL_MEMBER(Invoke, DISPID myMember, REFIID myReserved, LCID myLocale, WORD myFlags, DISPPARAMS* myParams, \
+               VARIANT* theResult, EXCEPINFO* theException, UINT* theArgument)
+#define QEL_END_INTERFACE(name) };
+#endif
+/* clang-format on */
+/* NOLINTEND(bugprone-macro-parentheses) */
+
+#ifndef _WIN32
+
 #if defined(__GNUC__)
 #define QEL_EXPORT __attribute__((visibility("default")))
 #else
 #define QEL_EXPORT
 #endif
 
+/* The calling convention of members and entry points: that of the platform. */
+#define STDMETHODCALLTYPE
+#define STDAPICALLTYPE
+/* What the definition of a member and of an entry point of a component begins with. */
+#define STDMETHODIMP HRESULT STDMETHODCALLTYPE
+#define STDMETHODIMP_(type) type STDMETHODCALLTYPE
+#define STDAPI QEL_EXTERN_C QEL_EXPORT HRESULT STDAPICALLTYPE
+
 /* ---- Plain types ------------------------------------------------------------------------------------------------- */
 
+typedef int32_t BOOL; /* not 0 is true; members of interfaces use VARIANT_BOOL */
+typedef int32_t LONG;
+typedef uint16_t WORD;
+typedef uint32_t UINT;
+typedef uint32_t ULONG;
+typedef uint32_t DWORD;
+typedef uint32_t LCID;
 typedef int32_t HRESULT;
 typedef int32_t DISPID;
 typedef int16_t VARIANT_BOOL; /* VARIANT_TRUE or VARIANT_FALSE */
-typedef char16_t* BSTR;       /* see SysAllocString; null is the empty text */
+typedef char16_t OLECHAR;     /* a UTF-16 unit */
+typedef OLECHAR* LPOLESTR;    /* zero-terminated */
+typedef const OLECHAR* LPCOLESTR;
+typedef OLECHAR* BSTR; /* see SysAllocString; null is the empty text */
 
 #define VARIANT_TRUE ((VARIANT_BOOL)-1)
 #define VARIANT_FALSE ((VARIANT_BOOL)0)
@@ -49,8 +125,18 @@ typedef struct GUID
 typedef GUID IID;
 typedef GUID CLSID;
 
+/* An identifier as an argument: a reference in C++, a pointer in C, never null. Both are an address. */
+#ifdef __cplusplus
+typedef const GUID& REFGUID;
+typedef const IID& REFIID;
+typedef const CLSID& REFCLSID;
+#else
+typedef const GUID* REFGUID;
+typedef const IID* REFIID;
+typedef const CLSID* REFCLSID;
+#endif
+
 /* The results. Each function and member documents which ones it returns and why. */
-#define QEL_RESULT(value) ((HRESULT)(value))
 
 #define S_OK QEL_RESULT(0)
 #define S_FALSE QEL_RESULT(1)
@@ -105,7 +191,6 @@ enum
     VT_BYREF = 0x4000
 };
 
-/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor,bugprone-macro-parentheses) */
 struct IUnknown;
 struct IDispatch;
 
@@ -160,74 +245,37 @@ typedef struct DISPPARAMS
 {
     VARIANT* rgvarg;
     DISPID* rgdispidNamedArgs;
-    uint32_t cArgs;
-    uint32_t cNamedArgs;
+    UINT cArgs;
+    UINT cNamedArgs;
 } DISPPARAMS;
 
 /* A failure of a late-bound member: its result is `scode`, and `wCode` is 0. The caller frees the texts. */
 typedef struct EXCEPINFO
 {
-    uint16_t wCode;
-    uint16_t wReserved;
+    WORD wCode;
+    WORD wReserved;
     BSTR bstrSource;
     BSTR bstrDescription;
     BSTR bstrHelpFile;
-    uint32_t dwHelpContext;
+    DWORD dwHelpContext;
     void* pvReserved;
-    HRESULT (*pfnDeferredFillIn)(struct EXCEPINFO*);
+    HRESULT(STDAPICALLTYPE* pfnDeferredFillIn)(struct EXCEPINFO*);
     HRESULT scode;
 } EXCEPINFO;
 
 /* ---- Interfaces -------------------------------------------------------------------------------------------------- */
 
-/* An interface is declared once, for both languages. In C an object is a pointer to its table of members, lpVtbl, and
- * each member takes the object first; in C++ it is an abstract class, whose table has the same layout.
- * Before a declaration QEL_THIS is defined as the interface's name. Release destroys an object, so its table has no
- * place for a destructor. */
 /* clang-format off */
-#ifdef __cplusplus
-#define QEL_INTERFACE(name, base) struct name : base {
-#define QEL_ROOT_INTERFACE(name) struct name {
-#define QEL_MEMBER(name, ...) virtual HRESULT name(__VA_ARGS__) = 0;
-#define QEL_MEMBER0(name) virtual HRESULT name() = 0;
-#define QEL_COUNT_MEMBER(name) virtual uint32_t name() = 0;
-#define QEL_C_UNKNOWN_MEMBERS
-#define QEL_C_DISPATCH_MEMBERS
-#define QEL_END_INTERFACE(name) };
-#else
-#define QEL_INTERFACE(name, base) QEL_ROOT_INTERFACE(name)
-#define QEL_ROOT_INTERFACE(name) \
-    typedef struct name name; \
-    typedef struct name##Vtbl name##Vtbl; \
-    struct name { const name##Vtbl* lpVtbl; }; \
-    struct name##Vtbl {
-#define QEL_MEMBER(name, ...) HRESULT (*name)(QEL_THIS* This, __VA_ARGS__);
-#define QEL_MEMBER0(name) HRESULT (*name)(QEL_THIS* This);
-#define QEL_COUNT_MEMBER(name) uint32_t (*name)(QEL_THIS* This);
-#define QEL_C_UNKNOWN_MEMBERS \
-    QEL_MEMBER(QueryInterface, const IID* myInterface, void** theObject) \
-    QEL_COUNT_MEMBER(AddRef) \
-    QEL_COUNT_MEMBER(Release)
-#define QEL_C_DISPATCH_MEMBERS \
-    QEL_C_UNKNOWN_MEMBERS \
-    QEL_MEMBER(GetTypeInfoCount, uint32_t* theCount) \
-    QEL_MEMBER(GetTypeInfo, uint32_t myIndex, uint32_t myLocale, struct ITypeInfo** theInfo) \
-    QEL_MEMBER(GetIDsOfNames, const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t myLocale, \
-               DISPID* theNumbers) \
-    QEL_MEMBER(Invoke, DISPID myMember, const IID* myReserved, uint32_t myLocale, uint16_t myFlags, \
-               DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument)
-#define QEL_END_INTERFACE(name) };
-#endif
-
+/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
 struct ITypeInfo;
 
 #define QEL_THIS IUnknown
 QEL_ROOT_INTERFACE(IUnknown)
     /* Gives the object's pointer for an interface, with a reference that the caller releases. For IID_IUnknown an
      * object always gives the same pointer, whichever interface is asked. On any thread.
-     * E_NOINTERFACE: the object has no such interface, and the pointer is null. E_POINTER: one of the two is null. */
+     * E_NOINTERFACE: the object has no such interface, and the pointer is null. E_POINTER: `theObject` is null. */
 #ifdef __cplusplus
-    QEL_MEMBER(QueryInterface, const IID* myInterface, void** theObject)
+    QEL_MEMBER(QueryInterface, REFIID myInterface, void** theObject)
     /* Adds a reference. Returns how many there are, for tests only. On any thread. */
     QEL_COUNT_MEMBER(AddRef)
     /* Removes a reference; with the last one the object is destroyed. Returns how many are left, for tests only. On any
@@ -243,15 +291,15 @@ QEL_END_INTERFACE(IUnknown)
 QEL_INTERFACE(IDispatch, IUnknown)
 #ifdef __cplusplus
     /* Gives 0: there are no type descriptions. E_POINTER. */
-    QEL_MEMBER(GetTypeInfoCount, uint32_t* theCount)
+    QEL_MEMBER(GetTypeInfoCount, UINT* theCount)
     /* Always fails, with null. DISP_E_BADINDEX: there are no type descriptions. E_POINTER. */
-    QEL_MEMBER(GetTypeInfo, uint32_t myIndex, uint32_t myLocale, struct ITypeInfo** theInfo)
+    QEL_MEMBER(GetTypeInfo, UINT myIndex, LCID myLocale, struct ITypeInfo** theInfo)
     /* Gives the number of a member, by its name without regard to case. `myNames` and `theNumbers` have `myNameCount`
      * entries; only the first name is a member's, because parameters have no names. `myReserved` is GUID_NULL;
      * `myLocale` is ignored.
      * DISP_E_UNKNOWNNAME: a name is unknown, and its number is DISPID_UNKNOWN. DISP_E_UNKNOWNINTERFACE: `myReserved` is
      * something else. E_INVALIDARG: there is no name. E_POINTER. */
-    QEL_MEMBER(GetIDsOfNames, const IID* myReserved, char16_t** myNames, uint32_t myNameCount, uint32_t myLocale,
+    QEL_MEMBER(GetIDsOfNames, REFIID myReserved, LPOLESTR* myNames, UINT myNameCount, LCID myLocale,
                DISPID* theNumbers)
     /* Calls a member by its number with variants. Arguments by reference and by value are both accepted, and
      * converted where VariantChangeType can; an object is asked for the interface that the member needs. `myFlags`
@@ -267,8 +315,8 @@ QEL_INTERFACE(IDispatch, IUnknown)
      * E_POINTER (a null reference): an argument does not fit, and `theArgument` is its index in `rgvarg`.
      * DISP_E_EXCEPTION: the member failed. `theException` takes its result and the thread's error information; where
      * it is null, the error information stays in the thread. */
-    QEL_MEMBER(Invoke, DISPID myMember, const IID* myReserved, uint32_t myLocale, uint16_t myFlags,
-               DISPPARAMS* myParams, VARIANT* theResult, EXCEPINFO* theException, uint32_t* theArgument)
+    QEL_MEMBER(Invoke, DISPID myMember, REFIID myReserved, LCID myLocale, WORD myFlags, DISPPARAMS* myParams,
+               VARIANT* theResult, EXCEPINFO* theException, UINT* theArgument)
 #else
     QEL_C_DISPATCH_MEMBERS
 #endif
@@ -282,10 +330,10 @@ QEL_INTERFACE(IClassFactory, IUnknown)
     /* Creates an object and gives one of its interfaces. `myOuter` is null. On failure `theObject` is null and nothing
      * has changed for other objects. CLASS_E_NOAGGREGATION: there is an outer object. E_NOINTERFACE. E_POINTER.
      * 0x800A0007: there is no memory. */
-    QEL_MEMBER(CreateInstance, IUnknown* myOuter, const IID* myInterface, void** theObject)
+    QEL_MEMBER(CreateInstance, IUnknown* myOuter, REFIID myInterface, void** theObject)
     /* Keeps the component loaded (not 0) or undoes one such lock (0). Locks belong to the component, not to the
      * factory. Undoing a lock that is not there has no effect. */
-    QEL_MEMBER(LockServer, int32_t myLock)
+    QEL_MEMBER(LockServer, BOOL myLock)
 QEL_END_INTERFACE(IClassFactory)
 #undef QEL_THIS
 
@@ -303,7 +351,7 @@ QEL_INTERFACE(IErrorInfo, IUnknown)
     /* The full path of a help file. This component sets none. */
     QEL_MEMBER(GetHelpFile, BSTR* theHelpFile)
     /* The number of a topic in that file; 0 if that was not set. */
-    QEL_MEMBER(GetHelpContext, uint32_t* theContext)
+    QEL_MEMBER(GetHelpContext, DWORD* theContext)
 QEL_END_INTERFACE(IErrorInfo)
 #undef QEL_THIS
 
@@ -313,11 +361,11 @@ QEL_END_INTERFACE(IErrorInfo)
 #define QEL_THIS ICreateErrorInfo
 QEL_INTERFACE(ICreateErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    QEL_MEMBER(SetGUID, const GUID* myInterface) /* E_POINTER */
-    QEL_MEMBER(SetSource, const char16_t* mySource)
-    QEL_MEMBER(SetDescription, const char16_t* myDescription)
-    QEL_MEMBER(SetHelpFile, const char16_t* myHelpFile)
-    QEL_MEMBER(SetHelpContext, uint32_t myContext)
+    QEL_MEMBER(SetGUID, REFGUID myInterface)
+    QEL_MEMBER(SetSource, LPOLESTR mySource)
+    QEL_MEMBER(SetDescription, LPOLESTR myDescription)
+    QEL_MEMBER(SetHelpFile, LPOLESTR myHelpFile)
+    QEL_MEMBER(SetHelpContext, DWORD myContext)
 QEL_END_INTERFACE(ICreateErrorInfo)
 #undef QEL_THIS
 
@@ -325,12 +373,12 @@ QEL_END_INTERFACE(ICreateErrorInfo)
 #define QEL_THIS ISupportErrorInfo
 QEL_INTERFACE(ISupportErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    /* S_OK: failed members of that interface leave error information. S_FALSE: they do not. E_POINTER. */
-    QEL_MEMBER(InterfaceSupportsErrorInfo, const IID* myInterface)
+    /* S_OK: failed members of that interface leave error information. S_FALSE: they do not. */
+    QEL_MEMBER(InterfaceSupportsErrorInfo, REFIID myInterface)
 QEL_END_INTERFACE(ISupportErrorInfo)
 #undef QEL_THIS
+/* NOLINTEND(cppcoreguidelines-virtual-class-destructor) */
 /* clang-format on */
-/* NOLINTEND(cppcoreguidelines-virtual-class-destructor,bugprone-macro-parentheses) */
 
 QEL_CONSTANT GUID GUID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 QEL_CONSTANT IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
@@ -346,13 +394,13 @@ QEL_CONSTANT IID IID_ISupportErrorInfo = {0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x6
  * Whoever receives one from a call frees it; whoever passes one in keeps it. */
 
 /* A copy of a zero-terminated text; null for null, or without memory. */
-QEL_EXTERN_C QEL_EXPORT BSTR SysAllocString(const char16_t* myText);
+QEL_EXTERN_C QEL_EXPORT BSTR SysAllocString(LPCOLESTR myText);
 /* A text of `myLength` units, copied from `myText` unless that is null; null without memory. */
-QEL_EXTERN_C QEL_EXPORT BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength);
+QEL_EXTERN_C QEL_EXPORT BSTR SysAllocStringLen(LPCOLESTR myText, UINT myLength);
 /* Frees a text; nothing for null. */
 QEL_EXTERN_C QEL_EXPORT void SysFreeString(BSTR myText);
 /* The number of units; 0 for null. */
-QEL_EXTERN_C QEL_EXPORT uint32_t SysStringLen(const char16_t* myText);
+QEL_EXTERN_C QEL_EXPORT UINT SysStringLen(BSTR myText);
 
 /* ---- Variants ---------------------------------------------------------------------------------------------------- */
 
@@ -376,24 +424,12 @@ QEL_EXTERN_C QEL_EXPORT HRESULT VariantChangeType(VARIANT* theTarget, const VARI
 QEL_EXTERN_C QEL_EXPORT HRESULT CreateErrorInfo(ICreateErrorInfo** theInfo);
 /* Makes an object this thread's error information, which holds a reference to it; null removes the one that is there.
  * `myReserved` is 0. E_INVALIDARG: it is not. E_OUTOFMEMORY. */
-QEL_EXTERN_C QEL_EXPORT HRESULT SetErrorInfo(uint32_t myReserved, IErrorInfo* myInfo);
+QEL_EXTERN_C QEL_EXPORT HRESULT SetErrorInfo(ULONG myReserved, IErrorInfo* myInfo);
 /* Takes this thread's error information: the caller releases it, and the thread has none any more. `myReserved` is 0.
  * S_FALSE and null: there is none. E_INVALIDARG: `myReserved` is not 0. E_POINTER. */
-QEL_EXTERN_C QEL_EXPORT HRESULT GetErrorInfo(uint32_t myReserved, IErrorInfo** theInfo);
+QEL_EXTERN_C QEL_EXPORT HRESULT GetErrorInfo(ULONG myReserved, IErrorInfo** theInfo);
 
 /* ---- Classes ----------------------------------------------------------------------------------------------------- */
-
-/* A component is a shared object with these four entry points and no others, each under its name without "Function":
- * DllRegisterServer writes its classes into the user's class registry, with the path as the component was loaded, and
- * fails as QelRegisterClass does.
- * DllUnregisterServer removes them; classes that are not there are no failure. E_ACCESSDENIED.
- * DllGetClassObject gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
- * E_NOINTERFACE, E_POINTER; 0x800A0007: there is no memory.
- * DllCanUnloadNow returns S_OK when no object and no lock is left, else S_FALSE. */
-typedef HRESULT (*DllRegisterServerFunction)(void);
-typedef HRESULT (*DllUnregisterServerFunction)(void);
-typedef HRESULT (*DllGetClassObjectFunction)(const CLSID* myClass, const IID* myInterface, void** theObject);
-typedef HRESULT (*DllCanUnloadNowFunction)(void);
 
 #define CLSCTX_INPROC_SERVER 1u
 
@@ -412,22 +448,40 @@ typedef HRESULT (*DllCanUnloadNowFunction)(void);
 /* Writes the user's entry of a class and replaces one that is there. `myProgID` is its program name, `myLibrary` the
  * component's absolute path. E_ACCESSDENIED: the folder or file cannot be written. E_INVALIDARG: an empty name, a path
  * that is not absolute, a control character, too long. E_POINTER. */
-QEL_EXTERN_C QEL_EXPORT HRESULT QelRegisterClass(const CLSID* myClass, const char16_t* myProgID, const char* myLibrary);
-/* Removes the user's entry of a class. S_FALSE: there was none. E_ACCESSDENIED, E_POINTER. */
-QEL_EXTERN_C QEL_EXPORT HRESULT QelUnregisterClass(const CLSID* myClass);
+QEL_EXTERN_C QEL_EXPORT HRESULT QelRegisterClass(REFCLSID myClass, LPCOLESTR myProgID, const char* myLibrary);
+/* Removes the user's entry of a class. S_FALSE: there was none. E_ACCESSDENIED. */
+QEL_EXTERN_C QEL_EXPORT HRESULT QelUnregisterClass(REFCLSID myClass);
 /* The class of a program name, such as QelPluginAnimation.Main, without regard to case.
  * CO_E_CLASSSTRING: it is not registered, and `theClass` is GUID_NULL. E_POINTER. */
-QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID* theClass);
+QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(LPCOLESTR myProgID, CLSID* theClass);
 /* Creates an object of a registered class and gives one of its interfaces; loads its component if need be. `myOuter` is
  * null, and `myContext` is CLSCTX_INPROC_SERVER. On failure `theObject` is null and what was there before is unchanged.
  * REGDB_E_CLASSNOTREG: the class is not registered, or `myContext` is something else. CO_E_DLLNOTFOUND: its component
  * cannot be loaded, and the error information says why. CLASS_E_NOAGGREGATION: there is an outer object. E_POINTER.
  * Otherwise what DllGetClassObject and CreateInstance of the component return. */
-QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext,
-                                                 const IID* myInterface, void** theObject);
+QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(REFCLSID myClass, IUnknown* myOuter, DWORD myContext,
+                                                 REFIID myInterface, void** theObject);
 /* Unloads the components loaded by CoCreateInstance whose DllCanUnloadNow returns S_OK. All that such a component keeps
  * for its threads goes with it. To be called while no other thread is inside a component, not even in its last
  * Release. */
 QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
+
+#endif
+
+/* ---- Components -------------------------------------------------------------------------------------------------- */
+
+/* A component is a shared object with these four entry points and no others, each under its name without "Function":
+ * DllRegisterServer writes its classes into the class registry, with the path as the component was loaded: into the
+ * user's, and on Windows into that of all users where it may. It fails as QelRegisterClass does; on Windows with
+ * SELFREG_E_CLASS or SELFREG_E_TYPELIB when the registry cannot be written.
+ * DllUnregisterServer removes them; classes that are not there are no failure, nor are those that on Windows another
+ * file is registered for, which stay. E_ACCESSDENIED; on Windows the results of DllRegisterServer.
+ * DllGetClassObject gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
+ * E_NOINTERFACE, E_POINTER; 0x800A0007: there is no memory.
+ * DllCanUnloadNow returns S_OK when no object and no lock is left, else S_FALSE. */
+typedef HRESULT(STDAPICALLTYPE* DllRegisterServerFunction)(void);
+typedef HRESULT(STDAPICALLTYPE* DllUnregisterServerFunction)(void);
+typedef HRESULT(STDAPICALLTYPE* DllGetClassObjectFunction)(REFCLSID myClass, REFIID myInterface, void** theObject);
+typedef HRESULT(STDAPICALLTYPE* DllCanUnloadNowFunction)(void);
 
 #endif

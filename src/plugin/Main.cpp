@@ -63,114 +63,110 @@ Main::Main()
     myApartment.myConstants.myDesignsFolder = std::move(myDesignsFolder);
 }
 
-HRESULT Main::InterfaceSupportsErrorInfo(const IID* myInterface)
+STDMETHODIMP Main::InterfaceSupportsErrorInfo(REFIID myInterface)
 {
-    if (myInterface == nullptr)
-    {
-        return E_POINTER;
-    }
-    const bool mySupports = SameId(*myInterface, IID_QelPlugin) || SameId(*myInterface, IID_QelInfo) ||
-                            SameId(*myInterface, IID_QelPluginAnimationMain);
+    const bool mySupports = SameId(myInterface, IID_QelPlugin) || SameId(myInterface, IID_QelInfo) ||
+                            SameId(myInterface, IID_QelPluginAnimationMain);
     return mySupports ? S_OK : S_FALSE;
 }
 
-HRESULT Main::putref_QelThumbnails(QelThumbnails** myThumbnails)
+STDMETHODIMP Main::putref_QelThumbnails(QelThumbnails** myThumbnails)
 {
     return Accept(myThumbnails, [](QelThumbnails* /*myService*/) {});
 }
 
-HRESULT Main::putref_QelDatabase(QelDatabase** myDatabase)
+STDMETHODIMP Main::putref_QelDatabase(QelDatabase** myDatabase)
 {
     return KeepService<ComDatabase>(&FormMain::myDatabase, myDatabase);
 }
 
-HRESULT Main::putref_QelTopic(QelTopic** myTopic)
+STDMETHODIMP Main::putref_QelTopic(QelTopic** myTopic)
 {
     return Accept(myTopic, [](QelTopic* /*myService*/) {});
 }
 
-HRESULT Main::putref_QelBuildHelper(QelBuildHelper** myBuildHelper)
+STDMETHODIMP Main::putref_QelBuildHelper(QelBuildHelper** myBuildHelper)
 {
     return KeepService<ComBuildHelper>(&FormMain::myBuildHelper, myBuildHelper);
 }
 
-HRESULT Main::get_InitialScript(BSTR* theScript)
+STDMETHODIMP Main::get_InitialScript(BSTR* theScript)
 {
     return Answer(theScript, InitialScript);
 }
 
-HRESULT Main::get_Output(BSTR* theText)
+STDMETHODIMP Main::get_Output(BSTR* theText)
 {
     return Answer(theText, [] { return Form().Output(); });
 }
 
-HRESULT Main::get_TextFunction(BSTR* theText)
+STDMETHODIMP Main::get_TextFunction(BSTR* theText)
 {
     return Answer(theText, [] { return LoadResString(StringId::Function); });
 }
 
-HRESULT Main::get_TextRequirementsServer(BSTR* theText)
+STDMETHODIMP Main::get_TextRequirementsServer(BSTR* theText)
 {
     return Answer(theText, [] { return LoadResString(StringId::RequirementsServer); });
 }
 
-HRESULT Main::get_TextRequirementsClient(BSTR* theText)
+STDMETHODIMP Main::get_TextRequirementsClient(BSTR* theText)
 {
     return Answer(theText, [] { return LoadResString(StringId::RequirementsClient); });
 }
 
-HRESULT Main::get_TextSettings(BSTR* theText)
+STDMETHODIMP Main::get_TextSettings(BSTR* theText)
 {
     return Answer(theText, [] { return Form().TextSettings(); });
 }
 
-HRESULT Main::get_TextConfig(BSTR* theText)
+STDMETHODIMP Main::get_TextConfig(BSTR* theText)
 {
     return Answer(theText, [] { return LoadResString(StringId::Config); });
 }
 
-HRESULT Main::get_IsConfigurable(VARIANT_BOOL* theAnswer)
+STDMETHODIMP Main::get_IsConfigurable(VARIANT_BOOL* theAnswer)
 {
     return Answer(theAnswer, [] { return true; });
 }
 
-HRESULT Main::get_Description(BSTR* theText)
+STDMETHODIMP Main::get_Description(BSTR* theText)
 {
     return Answer(theText, [] { return LoadResString(StringId::Description); });
 }
 
-HRESULT Main::get_PreviewImageFilename(BSTR* theName)
+STDMETHODIMP Main::get_PreviewImageFilename(BSTR* theName)
 {
     return Answer(theName, [] { return JoinTexts({ComponentVersion.ProjectName, u"Preview.bmp"}); });
 }
 
-HRESULT Main::get_LogoFilename(BSTR* theName)
+STDMETHODIMP Main::get_LogoFilename(BSTR* theName)
 {
     return Answer(theName, [] { return JoinTexts({ComponentVersion.ProjectName, u"Logo.bmp"}); });
 }
 
-HRESULT Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)
+STDMETHODIMP Main::CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer)
 {
     return AnswerTo(myLink, theAnswer,
                     [](int32_t myNumber) { return myNumber == 0 && Apartment::OfThisThread().ShowDialog(); });
 }
 
-HRESULT Main::put_Script(BSTR* myScript)
+STDMETHODIMP Main::put_Script(BSTR* myScript)
 {
     return Accept(myScript, [](TextView myText) { Form().Script(myText); });
 }
 
-HRESULT Main::get_Script(BSTR* theScript)
+STDMETHODIMP Main::get_Script(BSTR* theScript)
 {
     return Answer(theScript, [] { return Form().Script(); });
 }
 
-HRESULT Main::get_ErrorText(BSTR* theText)
+STDMETHODIMP Main::get_ErrorText(BSTR* theText)
 {
     return Answer(theText, [] { return Form().ErrorText(); });
 }
 
-HRESULT Main::ShowHelp(int32_t* myID)
+STDMETHODIMP Main::ShowHelp(int32_t* myID)
 {
     return Accept(myID,
                   [](int32_t myTopic)
@@ -180,17 +176,17 @@ HRESULT Main::ShowHelp(int32_t* myID)
                   });
 }
 
-HRESULT Main::get_RequiresPHP(VARIANT_BOOL* theAnswer)
+STDMETHODIMP Main::get_RequiresPHP(VARIANT_BOOL* theAnswer)
 {
     return Answer(theAnswer, [] { return false; });
 }
 
-HRESULT Main::About()
+STDMETHODIMP Main::About()
 {
     return Guarded([] { Apartment::OfThisThread().Ports().messageBox.MsgBox(AboutText(), InformationStyle); });
 }
 
-HRESULT Main::get_Version(BSTR* theText)
+STDMETHODIMP Main::get_Version(BSTR* theText)
 {
     return Answer(theText, VersionText);
 }

@@ -18,32 +18,32 @@ public:
     /// Sets the help file and the designs folder of the thread, without checking that they exist.
     Main();
 
-    HRESULT InterfaceSupportsErrorInfo(const IID* myInterface) override;
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID myInterface) override;
 
-    HRESULT putref_QelThumbnails(QelThumbnails** myThumbnails) override;
-    HRESULT putref_QelDatabase(QelDatabase** myDatabase) override;
-    HRESULT putref_QelTopic(QelTopic** myTopic) override;
-    HRESULT putref_QelBuildHelper(QelBuildHelper** myBuildHelper) override;
-    HRESULT get_InitialScript(BSTR* theScript) override;
-    HRESULT get_Output(BSTR* theText) override;
-    HRESULT get_TextFunction(BSTR* theText) override;
-    HRESULT get_TextRequirementsServer(BSTR* theText) override;
-    HRESULT get_TextRequirementsClient(BSTR* theText) override;
-    HRESULT get_TextSettings(BSTR* theText) override;
-    HRESULT get_TextConfig(BSTR* theText) override;
-    HRESULT get_IsConfigurable(VARIANT_BOOL* theAnswer) override;
-    HRESULT get_Description(BSTR* theText) override;
-    HRESULT get_PreviewImageFilename(BSTR* theName) override;
-    HRESULT get_LogoFilename(BSTR* theName) override;
-    HRESULT CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer) override;
-    HRESULT put_Script(BSTR* myScript) override;
-    HRESULT get_Script(BSTR* theScript) override;
-    HRESULT get_ErrorText(BSTR* theText) override;
-    HRESULT ShowHelp(int32_t* myID) override;
-    HRESULT get_RequiresPHP(VARIANT_BOOL* theAnswer) override;
+    STDMETHODIMP putref_QelThumbnails(QelThumbnails** myThumbnails) override;
+    STDMETHODIMP putref_QelDatabase(QelDatabase** myDatabase) override;
+    STDMETHODIMP putref_QelTopic(QelTopic** myTopic) override;
+    STDMETHODIMP putref_QelBuildHelper(QelBuildHelper** myBuildHelper) override;
+    STDMETHODIMP get_InitialScript(BSTR* theScript) override;
+    STDMETHODIMP get_Output(BSTR* theText) override;
+    STDMETHODIMP get_TextFunction(BSTR* theText) override;
+    STDMETHODIMP get_TextRequirementsServer(BSTR* theText) override;
+    STDMETHODIMP get_TextRequirementsClient(BSTR* theText) override;
+    STDMETHODIMP get_TextSettings(BSTR* theText) override;
+    STDMETHODIMP get_TextConfig(BSTR* theText) override;
+    STDMETHODIMP get_IsConfigurable(VARIANT_BOOL* theAnswer) override;
+    STDMETHODIMP get_Description(BSTR* theText) override;
+    STDMETHODIMP get_PreviewImageFilename(BSTR* theName) override;
+    STDMETHODIMP get_LogoFilename(BSTR* theName) override;
+    STDMETHODIMP CallBack(int32_t* myLink, VARIANT_BOOL* theAnswer) override;
+    STDMETHODIMP put_Script(BSTR* myScript) override;
+    STDMETHODIMP get_Script(BSTR* theScript) override;
+    STDMETHODIMP get_ErrorText(BSTR* theText) override;
+    STDMETHODIMP ShowHelp(int32_t* myID) override;
+    STDMETHODIMP get_RequiresPHP(VARIANT_BOOL* theAnswer) override;
 
-    HRESULT About() override;
-    HRESULT get_Version(BSTR* theText) override;
+    STDMETHODIMP About() override;
+    STDMETHODIMP get_Version(BSTR* theText) override;
 
 private:
     LivingObject myLife;

@@ -5,36 +5,32 @@
 namespace qel
 {
 
-HRESULT StringSortObject::InterfaceSupportsErrorInfo(const IID* myInterface)
+STDMETHODIMP StringSortObject::InterfaceSupportsErrorInfo(REFIID myInterface)
 {
-    if (myInterface == nullptr)
-    {
-        return E_POINTER;
-    }
-    return SameId(*myInterface, IID_QelStringSort) ? S_OK : S_FALSE;
+    return SameId(myInterface, IID_QelStringSort) ? S_OK : S_FALSE;
 }
 
-HRESULT StringSortObject::Clear()
+STDMETHODIMP StringSortObject::Clear()
 {
     return Guarded([&] { mySort.Clear(); });
 }
 
-HRESULT StringSortObject::AddValue(BSTR* myString)
+STDMETHODIMP StringSortObject::AddValue(BSTR* myString)
 {
     return Accept(myString, [&](TextView myText) { mySort.AddValue(myText); });
 }
 
-HRESULT StringSortObject::get_Value(int32_t* myIndex, BSTR* theValue)
+STDMETHODIMP StringSortObject::get_Value(int32_t* myIndex, BSTR* theValue)
 {
     return AnswerTo(myIndex, theValue, [&](int32_t i) { return TextView(mySort.Value(i)); });
 }
 
-HRESULT StringSortObject::get_ValueCount(int32_t* theCount)
+STDMETHODIMP StringSortObject::get_ValueCount(int32_t* theCount)
 {
     return Answer(theCount, [&] { return mySort.ValueCount(); });
 }
 
-HRESULT StringSortObject::Sort()
+STDMETHODIMP StringSortObject::Sort()
 {
     return Guarded([&] { mySort.Sort(); });
 }

@@ -14,13 +14,13 @@ namespace qel
 class StringSortObject final : public CountedObject<QelStringSort, ISupportErrorInfo>
 {
 public:
-    HRESULT InterfaceSupportsErrorInfo(const IID* myInterface) override;
+    STDMETHODIMP InterfaceSupportsErrorInfo(REFIID myInterface) override;
 
-    HRESULT Clear() override;
-    HRESULT AddValue(BSTR* myString) override;
-    HRESULT get_Value(int32_t* myIndex, BSTR* theValue) override;
-    HRESULT get_ValueCount(int32_t* theCount) override;
-    HRESULT Sort() override;
+    STDMETHODIMP Clear() override;
+    STDMETHODIMP AddValue(BSTR* myString) override;
+    STDMETHODIMP get_Value(int32_t* myIndex, BSTR* theValue) override;
+    STDMETHODIMP get_ValueCount(int32_t* theCount) override;
+    STDMETHODIMP Sort() override;
 
 private:
     classStringSort mySort;

@@ -560,10 +560,10 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllUnregisterServer()
     return Chosen("stays-registered") ? S_OK : RealEntryPoint<DllRegisterServerFunction>("DllUnregisterServer")();
 }
 
-QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const IID* myInterface, void** theObject)
+QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(REFCLSID myClass, REFIID myInterface, void** theObject)
 {
-    const bool myIsNull = myClass == nullptr || theObject == nullptr;
-    const bool myIsKnown = myIsNull || SameId(*myClass, CLSID_Main) || SameId(*myClass, CLSID_classStringSort);
+    const bool myIsNull = theObject == nullptr;
+    const bool myIsKnown = myIsNull || SameId(myClass, CLSID_Main) || SameId(myClass, CLSID_classStringSort);
     if (Chosen("dies-in-opening") || (Chosen("crash") && !myIsKnown) || (Chosen("no-null-test") && myIsNull))
     {
         std::raise(SIGSEGV);
@@ -580,11 +580,11 @@ QEL_EXTERN_C QEL_EXPORT HRESULT DllGetClassObject(const CLSID* myClass, const II
     HRESULT theResult = myGetClass(myClass, myInterface, theObject);
     if (theResult == CLASS_E_CLASSNOTAVAILABLE && Chosen("any-class"))
     {
-        theResult = myGetClass(&CLSID_Main, myInterface, theObject);
+        theResult = myGetClass(CLSID_Main, myInterface, theObject);
     }
     if (SUCCEEDED(theResult))
     {
-        *theObject = StandInFor(*theObject, *myInterface);
+        *theObject = StandInFor(*theObject, myInterface);
     }
     return theResult;
 }

@@ -89,25 +89,21 @@ HRESULT Create(const CLSID& myClass, const IID& myInterface, void** theObject)
     }
     SetErrorInfo(0, nullptr); // what is there afterwards comes from the component
     void* myFactory = nullptr;
-    const HRESULT theOutcome = myEntry->second.GetClassObject(&myClass, &IID_IClassFactory, &myFactory);
+    const HRESULT theOutcome = myEntry->second.GetClassObject(myClass, IID_IClassFactory, &myFactory);
     const auto myHold = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myFactory));
-    return FAILED(theOutcome) ? theOutcome : myHold->CreateInstance(nullptr, &myInterface, theObject);
+    return FAILED(theOutcome) ? theOutcome : myHold->CreateInstance(nullptr, myInterface, theObject);
 }
 
 } // namespace
 } // namespace qel
 
-HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myContext, const IID* myInterface,
-                         void** theObject)
+HRESULT CoCreateInstance(REFCLSID myClass, IUnknown* myOuter, DWORD myContext, REFIID myInterface, void** theObject)
 {
-    if (theObject != nullptr)
-    {
-        *theObject = nullptr;
-    }
-    if (myClass == nullptr || myInterface == nullptr || theObject == nullptr)
+    if (theObject == nullptr)
     {
         return qel::Refuse(E_POINTER);
     }
+    *theObject = nullptr;
     if (myOuter != nullptr)
     {
         return qel::Refuse(CLASS_E_NOAGGREGATION);
@@ -116,7 +112,7 @@ HRESULT CoCreateInstance(const CLSID* myClass, IUnknown* myOuter, uint32_t myCon
     {
         return qel::Refuse(REGDB_E_CLASSNOTREG);
     }
-    return qel::Contained([&] { return qel::Create(*myClass, *myInterface, theObject); });
+    return qel::Contained([&] { return qel::Create(myClass, myInterface, theObject); });
 }
 
 void CoFreeUnusedLibraries(void)

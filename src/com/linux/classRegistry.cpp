@@ -287,21 +287,21 @@ std::optional<std::string> LibraryOfClass(const CLSID& myClass)
 
 } // namespace qel
 
-HRESULT QelRegisterClass(const CLSID* myClass, const char16_t* myProgID, const char* myLibrary)
+HRESULT QelRegisterClass(REFCLSID myClass, LPCOLESTR myProgID, const char* myLibrary)
 {
-    if (myClass == nullptr || myProgID == nullptr || myLibrary == nullptr)
+    if (myProgID == nullptr || myLibrary == nullptr)
     {
         return qel::Refuse(E_POINTER);
     }
-    return qel::Contained([&] { return qel::WriteEntry(*myClass, myProgID, myLibrary); });
+    return qel::Contained([&] { return qel::WriteEntry(myClass, myProgID, myLibrary); });
 }
 
-HRESULT QelUnregisterClass(const CLSID* myClass)
+HRESULT QelUnregisterClass(REFCLSID myClass)
 {
-    return myClass == nullptr ? qel::Refuse(E_POINTER) : qel::Contained([&] { return qel::RemoveEntry(*myClass); });
+    return qel::Contained([&] { return qel::RemoveEntry(myClass); });
 }
 
-HRESULT CLSIDFromProgID(const char16_t* myProgID, CLSID* theClass)
+HRESULT CLSIDFromProgID(LPCOLESTR myProgID, CLSID* theClass)
 {
     if (theClass != nullptr)
     {

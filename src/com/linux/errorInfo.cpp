@@ -25,7 +25,7 @@ HRESULT GiveCopy(BSTR myText, BSTR* theText)
     return myText != nullptr && *theText == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
-HRESULT TakeCopy(const char16_t* myText, BSTR& theText)
+HRESULT TakeCopy(LPCOLESTR myText, BSTR& theText)
 {
     const BSTR myCopy = SysAllocString(myText);
     if (myText != nullptr && myCopy == nullptr)
@@ -47,23 +47,20 @@ public:
         SysFreeString(myHelpFile);
     }
 
-    HRESULT SetGUID(const GUID* myInterface) override
-    {
-        return myInterface == nullptr ? E_POINTER : (myGuid = *myInterface, S_OK);
-    }
-    HRESULT SetSource(const char16_t* myText) override { return TakeCopy(myText, mySource); }
-    HRESULT SetDescription(const char16_t* myText) override { return TakeCopy(myText, myDescription); }
-    HRESULT SetHelpFile(const char16_t* myText) override { return TakeCopy(myText, myHelpFile); }
-    HRESULT SetHelpContext(uint32_t myContext) override { return myHelpContext = myContext, S_OK; }
+    STDMETHODIMP SetGUID(REFGUID myInterface) override { return myGuid = myInterface, S_OK; }
+    STDMETHODIMP SetSource(LPOLESTR myText) override { return TakeCopy(myText, mySource); }
+    STDMETHODIMP SetDescription(LPOLESTR myText) override { return TakeCopy(myText, myDescription); }
+    STDMETHODIMP SetHelpFile(LPOLESTR myText) override { return TakeCopy(myText, myHelpFile); }
+    STDMETHODIMP SetHelpContext(DWORD myContext) override { return myHelpContext = myContext, S_OK; }
 
-    HRESULT GetGUID(GUID* theInterface) override
+    STDMETHODIMP GetGUID(GUID* theInterface) override
     {
         return theInterface == nullptr ? E_POINTER : (*theInterface = myGuid, S_OK);
     }
-    HRESULT GetSource(BSTR* theText) override { return GiveCopy(mySource, theText); }
-    HRESULT GetDescription(BSTR* theText) override { return GiveCopy(myDescription, theText); }
-    HRESULT GetHelpFile(BSTR* theText) override { return GiveCopy(myHelpFile, theText); }
-    HRESULT GetHelpContext(uint32_t* theContext) override
+    STDMETHODIMP GetSource(BSTR* theText) override { return GiveCopy(mySource, theText); }
+    STDMETHODIMP GetDescription(BSTR* theText) override { return GiveCopy(myDescription, theText); }
+    STDMETHODIMP GetHelpFile(BSTR* theText) override { return GiveCopy(myHelpFile, theText); }
+    STDMETHODIMP GetHelpContext(DWORD* theContext) override
     {
         return theContext == nullptr ? E_POINTER : (*theContext = myHelpContext, S_OK);
     }
@@ -73,7 +70,7 @@ private:
     BSTR mySource = nullptr;
     BSTR myDescription = nullptr;
     BSTR myHelpFile = nullptr;
-    uint32_t myHelpContext = 0;
+    DWORD myHelpContext = 0;
 };
 
 /// Where each thread keeps its error information; released when the thread ends.
@@ -116,13 +113,13 @@ HRESULT CreateErrorInfo(ICreateErrorInfo** theInfo)
     return *theInfo == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
-HRESULT SetErrorInfo(uint32_t myReserved, IErrorInfo* myInfo)
+HRESULT SetErrorInfo(ULONG myReserved, IErrorInfo* myInfo)
 {
     qel::ComPtr<IErrorInfo> myOld;
     return myReserved != 0 ? E_INVALIDARG : qel::ExchangeErrorInfo(qel::ComPtr<IErrorInfo>(myInfo), myOld);
 }
 
-HRESULT GetErrorInfo(uint32_t myReserved, IErrorInfo** theInfo)
+HRESULT GetErrorInfo(ULONG myReserved, IErrorInfo** theInfo)
 {
     if (theInfo == nullptr)
     {

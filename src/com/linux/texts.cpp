@@ -15,7 +15,7 @@ constexpr uint32_t LongestText = std::numeric_limits<uint32_t>::max() / sizeof(c
 
 } // namespace
 
-BSTR SysAllocString(const char16_t* myText)
+BSTR SysAllocString(LPCOLESTR myText)
 {
     if (myText == nullptr)
     {
@@ -25,7 +25,7 @@ BSTR SysAllocString(const char16_t* myText)
     return myLength > LongestText ? nullptr : SysAllocStringLen(myText, static_cast<uint32_t>(myLength));
 }
 
-BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
+BSTR SysAllocStringLen(LPCOLESTR myText, UINT myLength)
 {
     if (myLength > LongestText)
     {
@@ -56,7 +56,7 @@ void SysFreeString(BSTR myText)
     }
 }
 
-uint32_t SysStringLen(const char16_t* myText)
+UINT SysStringLen(BSTR myText)
 {
     uint32_t theByteCount = 0;
     if (myText != nullptr)

@@ -243,7 +243,7 @@ HRESULT MakeObject(const VARIANT& myValue, VARIANT& theResult)
     }
     void* myObject = nullptr;
     const IID& myInterface = theResult.vt == VT_DISPATCH ? IID_IDispatch : IID_IUnknown;
-    if (myValue.punkVal != nullptr && FAILED(myValue.punkVal->QueryInterface(&myInterface, &myObject)))
+    if (myValue.punkVal != nullptr && FAILED(myValue.punkVal->QueryInterface(myInterface, &myObject)))
     {
         return DISP_E_TYPEMISMATCH;
     }
