@@ -168,9 +168,9 @@ void BuildSite(const Library& myComponent, const fs::path& myOutput)
 {
     const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
     ComPtr<IClassFactory> myFactory;
-    CheckHostCall(myClassObject(&CLSID_Main, &IID_IClassFactory, reinterpret_cast<void**>(myFactory.Receive())));
+    CheckHostCall(myClassObject(CLSID_Main, IID_IClassFactory, reinterpret_cast<void**>(myFactory.Receive())));
     ComPtr<QelPlugin> myPlugin;
-    CheckHostCall(myFactory->CreateInstance(nullptr, &IID_QelPlugin, reinterpret_cast<void**>(myPlugin.Receive())));
+    CheckHostCall(myFactory->CreateInstance(nullptr, IID_QelPlugin, reinterpret_cast<void**>(myPlugin.Receive())));
 
     TestHost myHost;
     myHost.ImageFolder = FolderText(myOutput / "images");
