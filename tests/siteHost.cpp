@@ -48,12 +48,12 @@ constexpr TextView Imports = u"<pg.param name=image value=qelspr.gif><pg.param n
 const Module Modules[] = {
     {u"<pg.param name=playmidi value=1><pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>"},
     // periods
-    {u"<pg.param name=from value=38353><pg.param name=to value=38717>"},
+    {u"<pg.param name=from value=38353><pg.param name=to value=38717>", u"UID:2", 2},
     {u"<pg.param name=from value=38383><pg.param name=showimage value=0>"},
-    {u"<pg.param name=to value=2>"},
+    {u"<pg.param name=to value=2>", u"UID:3", 3},
     // accents and upper-case names
-    {u"<pg.param name=image value=\"B\u00FAho.gif\"><pg.param name=imagefolder value=Animales>"},
-    {u"<pg.param name=image value=GLOBO.GIF><pg.param name=imagefolder value=FIESTAS>"},
+    {u"<pg.param name=image value=\"B\u00FAho.gif\"><pg.param name=imagefolder value=Animales>", u"UID:7", 7},
+    {u"<pg.param name=image value=GLOBO.GIF><pg.param name=imagefolder value=FIESTAS>", u"otro"},
     {u"<pg.param name=image value=\"PING\u00DCINO.GIF\"><pg.param name=imagefolder value=animales>"},
     {u"<pg.param name=playmidi value=1><pg.param name=midi value=\"\u00D3rbita.mid\">"
      u"<pg.param name=midifolder value=\"Cielo y espacio\">"},

@@ -14,8 +14,8 @@ SYSTEM_LIBRARIES = {"advapi32.dll", "comctl32.dll", "comdlg32.dll", "gdi32.dll",
 def main(objdump, component):
     dump = subprocess.run([objdump, "-p", component], check=True, capture_output=True, text=True).stdout
     imported = {name.lower() for name in re.findall(r"DLL Name: (\S+)", dump)}
-    exported = re.findall(r"^\s*\[\s*\d+\]\s+(?:\+base\[\s*\d+\]\s+)?(?:[0-9a-f]{4,} )?(\S+)$", dump.split("[Ordinal/Name Pointer] Table")[1],
-                          re.MULTILINE)
+    names = dump.split("[Ordinal/Name Pointer] Table")[1].split("\n\n")[0]
+    exported = re.findall(r"(\w+)$", names, re.MULTILINE)
     problems = []
     if exported != ENTRY_POINTS:
         problems.append(f"exported: {exported}")

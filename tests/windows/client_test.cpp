@@ -1,0 +1,133 @@
+/// An early-bound client on the header of the type library, as other hosts of the system are written. The component is
+/// registered (see registered_test.py).
+#define INITGUID
+#include "QelPluginAnimation.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+
+namespace
+{
+
+/// A text that crosses the interface.
+class String
+{
+public:
+    String() = default;
+    explicit String(const wchar_t* myValue) : myText(SysAllocString(myValue)) {}
+    String(const String&) = delete;
+    String& operator=(const String&) = delete;
+    ~String() { SysFreeString(myText); }
+
+    BSTR* Pointer() { return &myText; }
+    std::wstring Value() const { return {myText, SysStringLen(myText)}; }
+
+private:
+    BSTR myText = nullptr;
+};
+
+/// A reference that is released at the end.
+template <class Interface>
+class Holder
+{
+public:
+    Holder() = default;
+    Holder(const Holder&) = delete;
+    Holder& operator=(const Holder&) = delete;
+    ~Holder()
+    {
+        if (myObject != nullptr)
+        {
+            myObject->Release();
+        }
+    }
+
+    Interface* operator->() const { return myObject; }
+    void** Receive() { return reinterpret_cast<void**>(&myObject); }
+
+private:
+    Interface* myObject = nullptr;
+};
+
+/// The apartment of a thread.
+class Apartment
+{
+public:
+    explicit Apartment(DWORD myKind) { CoInitializeEx(nullptr, myKind); }
+    Apartment(const Apartment&) = delete;
+    Apartment& operator=(const Apartment&) = delete;
+    ~Apartment() { CoUninitialize(); }
+};
+
+template <class Interface>
+HRESULT Create(const CLSID& myClass, Holder<Interface>& theObject)
+{
+    return CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), theObject.Receive());
+}
+
+std::wstring Read(const Holder<QelPlugin>& myPlugin, HRESULT (__stdcall QelPlugin::*myMember)(BSTR*))
+{
+    String theText;
+    EXPECT_EQ((myPlugin.operator->()->*myMember)(theText.Pointer()), S_OK);
+    return theText.Value();
+}
+
+/// Writes a script, reads it back, and lets one fail.
+void UsePlugin()
+{
+    Holder<QelPlugin> myPlugin;
+    ASSERT_EQ(Create(CLSID_Main, myPlugin), S_OK);
+    String myScript(
+        (Read(myPlugin, &QelPlugin::get_InitialScript) + L"<pg.param name=image value=B\u00FAho.gif>").c_str());
+    EXPECT_EQ(myPlugin->put_Script(myScript.Pointer()), S_OK);
+    EXPECT_NE(Read(myPlugin, &QelPlugin::get_Script).find(L"value=\"B\u00FAho.gif\""), std::wstring::npos);
+    String myWrongScript(L"<pg.param name=from value=1e300>");
+    EXPECT_EQ(myPlugin->put_Script(myWrongScript.Pointer()), static_cast<HRESULT>(0x800A0006));
+    Holder<IErrorInfo> myInfo;
+    ASSERT_EQ(GetErrorInfo(0, reinterpret_cast<IErrorInfo**>(myInfo.Receive())), S_OK);
+    String myDescription;
+    EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
+    EXPECT_EQ(myDescription.Value(), L"Desbordamiento");
+    LONG myLink = 1;
+    VARIANT_BOOL theAnswer = VARIANT_TRUE;
+    EXPECT_EQ(myPlugin->CallBack(&myLink, &theAnswer), S_OK);
+    EXPECT_EQ(theAnswer, VARIANT_FALSE);
+}
+
+TEST(Client, Apartment_OfTheThread)
+{
+    const Apartment myApartment(COINIT_APARTMENTTHREADED);
+    UsePlugin();
+}
+
+TEST(Client, Apartment_OfManyThreads)
+{
+    std::thread(
+        []
+        {
+            const Apartment myApartment(COINIT_MULTITHREADED);
+            UsePlugin();
+        })
+        .join();
+}
+
+TEST(Client, Unload_AfterTheLastObjectAndAgain)
+{
+    const Apartment myApartment(COINIT_APARTMENTTHREADED);
+    for (int i = 0; i < 200; ++i)
+    {
+        {
+            Holder<QelStringSort> mySort;
+            ASSERT_EQ(Create(CLSID_classStringSort, mySort), S_OK);
+            UsePlugin();
+            CoFreeUnusedLibrariesEx(0, 0);
+            ASSERT_NE(GetModuleHandleW(L"QelPluginAnimation.dll"), nullptr) << "an object is left";
+        }
+        CoFreeUnusedLibrariesEx(0, 0);
+        ASSERT_EQ(GetModuleHandleW(L"QelPluginAnimation.dll"), nullptr) << i;
+    }
+}
+
+} // namespace
