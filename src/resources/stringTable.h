@@ -1,6 +1,7 @@
 /// The texts that a person sees and the templates of the page, by number.
 #pragma once
 
+#include "resources/versionTexts.h"
 #include "text/text.h"
 
 #include <cstdint>
@@ -68,13 +69,13 @@ TextView LoadResString(int32_t myNumber);
 /// What the component says about itself.
 struct VersionRecord
 {
-    TextView ProjectName = u"QelPluginAnimation";
-    TextView Title = u"Tesselwind";
-    TextView FileDescription = u"Läßt Grafiken über Ihre Homepage schweben";
-    TextView Copyright = u"Copyright (c) 2026 The Tesselwind authors";
-    int32_t Major = 1;
-    int32_t Minor = 0;
-    int32_t Revision = 19;
+    TextView ProjectName = u"" QEL_PROJECT_NAME;
+    TextView Title = u"" QEL_TITLE;
+    TextView FileDescription = u"" QEL_FILE_DESCRIPTION;
+    TextView Copyright = u"" QEL_COPYRIGHT;
+    int32_t Major = QEL_VERSION_MAJOR;
+    int32_t Minor = QEL_VERSION_MINOR;
+    int32_t Revision = QEL_VERSION_REVISION;
 };
 
 inline constexpr VersionRecord ComponentVersion;

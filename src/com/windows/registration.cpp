@@ -1,0 +1,297 @@
+// The system's registry: for all users where this process may write that part, else for the user.
+//
+// The library is registered by hand. The system's own function would make every interface of the library refer to it,
+// also those of the host, which are described by a library of their own.
+#include "com/registration.h"
+
+#include "com/Bstr.h"
+#include "com/failure.h"
+#include "com/windows/ClassesKey.h"
+#include "com/windows/typeLibrary.h"
+#include "platform/windows/wideText.h"
+
+#include <array>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace qel
+{
+namespace
+{
+
+constexpr wchar_t DualProxy[] = L"{00020424-0000-0000-C000-000000000046}"; // carries calls of dual interfaces
+constexpr wchar_t LateProxy[] = L"{00020420-0000-0000-C000-000000000046}"; // and of those that are only bound late
+constexpr const wchar_t* PlatformKey = sizeof(void*) == 8 ? L"win64" : L"win32";
+
+struct RegistryValue
+{
+    std::wstring Key;
+    const wchar_t* Name; ///< null: the default value
+    std::wstring Text;
+};
+using RegistryValues = std::vector<RegistryValue>;
+
+struct DescribedInterface
+{
+    std::wstring Id;
+    std::wstring Name;
+    const wchar_t* Proxy;
+};
+
+/// What the registry has to know about the type library.
+struct DescribedLibrary
+{
+    std::wstring Id;
+    std::wstring Version;
+    std::wstring Title;
+    std::vector<DescribedInterface> Interfaces;
+
+    std::wstring Key() const { return L"TypeLib\\" + Id; }
+    std::wstring VersionKey() const { return Key() + L"\\" + Version; }
+    std::wstring FileKey() const { return VersionKey() + L"\\0\\" + PlatformKey; }
+};
+
+std::wstring TextOfId(const GUID& myId)
+{
+    std::array<wchar_t, 39> theText{};
+    StringFromGUID2(myId, theText.data(), static_cast<int>(theText.size()));
+    return theText.data();
+}
+
+/// The reason of the system, in the user's language.
+Text ReasonText(LSTATUS myReason)
+{
+    std::array<wchar_t, 512> theText{};
+    constexpr DWORD Flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
+    FormatMessageW(Flags, nullptr, static_cast<DWORD>(myReason), 0, theText.data(), static_cast<DWORD>(theText.size()),
+                   nullptr);
+    return Text(TrimBlanks(TextOfWide(theText.data())));
+}
+
+/// Leaves what went wrong in the thread's error information, and returns the result.
+HRESULT ReportRegistry(HRESULT myResult, LSTATUS myReason)
+{
+    return ReportFailure(myResult, (u"No se puede escribir en el registro de clases: " + ReasonText(myReason)).c_str());
+}
+
+HRESULT ReportLibrary(HRESULT myReason)
+{
+    return ReportFailure(SELFREG_E_TYPELIB,
+                         (u"No se puede leer la biblioteca de tipos: " + ReasonText(myReason)).c_str());
+}
+
+HRESULT DescribeInterfaces(ITypeLib& myLibrary, DescribedLibrary& theDescription)
+{
+    for (UINT i = 0; i < myLibrary.GetTypeInfoCount(); ++i)
+    {
+        TYPEKIND myKind{};
+        ComPtr<ITypeInfo> myInfo;
+        TYPEATTR* myAttributes = nullptr;
+        Bstr myName;
+        HRESULT theResult = myLibrary.GetTypeInfoType(i, &myKind);
+        if (SUCCEEDED(theResult) && myKind != TKIND_DISPATCH)
+        {
+            continue;
+        }
+        if (FAILED(theResult) || FAILED(theResult = myLibrary.GetTypeInfo(i, myInfo.Receive())) ||
+            FAILED(theResult = myInfo->GetDocumentation(MEMBERID_NIL, myName.Pointer(), nullptr, nullptr, nullptr)) ||
+            FAILED(theResult = myInfo->GetTypeAttr(&myAttributes)))
+        {
+            return theResult;
+        }
+        const bool isDual = (myAttributes->wTypeFlags & TYPEFLAG_FDUAL) != 0;
+        theDescription.Interfaces.push_back(
+            {TextOfId(myAttributes->guid), WideText(myName.Value()), isDual ? DualProxy : LateProxy});
+        myInfo->ReleaseTypeAttr(myAttributes);
+    }
+    return S_OK;
+}
+
+HRESULT DescribeLibrary(const std::wstring& myFile, DescribedLibrary& theDescription)
+{
+    ComPtr<ITypeLib> myLibrary;
+    TLIBATTR* myAttributes = nullptr;
+    Bstr myTitle;
+    HRESULT theResult = LoadTypeLibrary(myFile, myLibrary);
+    if (FAILED(theResult) || FAILED(theResult = myLibrary->GetLibAttr(&myAttributes)))
+    {
+        return theResult;
+    }
+    theDescription.Id = TextOfId(myAttributes->guid);
+    theDescription.Version =
+        std::to_wstring(myAttributes->wMajorVerNum) + L"." + std::to_wstring(myAttributes->wMinorVerNum);
+    myLibrary->ReleaseTLibAttr(myAttributes);
+    theResult = myLibrary->GetDocumentation(MEMBERID_NIL, nullptr, myTitle.Pointer(), nullptr, nullptr);
+    theDescription.Title = WideText(myTitle.Value());
+    return FAILED(theResult) ? theResult : DescribeInterfaces(*myLibrary.Get(), theDescription);
+}
+
+RegistryValues ValuesOfClass(const RegisteredClass& myClass, const DescribedLibrary& myLibrary,
+                             const std::wstring& myFile)
+{
+    const std::wstring myId = TextOfId(*myClass.Identifier);
+    const std::wstring myName = WideText(myClass.ProgramName);
+    const std::wstring myKey = L"CLSID\\" + myId;
+    return {{myKey, nullptr, myName},
+            {myKey + L"\\InprocServer32", nullptr, myFile},
+            {myKey + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
+            {myKey + L"\\ProgID", nullptr, myName},
+            {myKey + L"\\TypeLib", nullptr, myLibrary.Id},
+            {myKey + L"\\Version", nullptr, myLibrary.Version},
+            {myName, nullptr, myName},
+            {myName + L"\\CLSID", nullptr, myId}};
+}
+
+RegistryValues ValuesOfLibrary(const DescribedLibrary& myLibrary, const std::filesystem::path& myFile)
+{
+    return {{myLibrary.VersionKey(), nullptr, myLibrary.Title},
+            {myLibrary.FileKey(), nullptr, myFile.wstring()},
+            {myLibrary.VersionKey() + L"\\FLAGS", nullptr, L"0"},
+            {myLibrary.VersionKey() + L"\\HELPDIR", nullptr, myFile.parent_path().wstring()}};
+}
+
+RegistryValues ValuesOfInterface(const DescribedInterface& myInterface, const DescribedLibrary& myLibrary)
+{
+    const std::wstring myKey = L"Interface\\" + myInterface.Id;
+    return {{myKey, nullptr, myInterface.Name},
+            {myKey + L"\\ProxyStubClsid32", nullptr, myInterface.Proxy},
+            {myKey + L"\\TypeLib", nullptr, myLibrary.Id},
+            {myKey + L"\\TypeLib", L"Version", myLibrary.Version}};
+}
+
+/// Writes the values. Returns the result of the system.
+LSTATUS WriteAll(const ClassesKey& theClasses, const RegistryValues& myValues)
+{
+    LSTATUS theResult = ERROR_SUCCESS;
+    for (auto myValue = myValues.begin(); theResult == ERROR_SUCCESS && myValue != myValues.end(); ++myValue)
+    {
+        theResult = theClasses.Write(myValue->Key, myValue->Name, myValue->Text);
+    }
+    return theResult;
+}
+
+bool IsDescribed(const DescribedInterface& myInterface)
+{
+    const std::wstring myKey = L"Interface\\" + myInterface.Id;
+    return ClassesKey(HKEY_LOCAL_MACHINE).Contains(myKey) || ClassesKey(HKEY_CURRENT_USER).Contains(myKey);
+}
+
+/// Writes everything into one part of the registry.
+HRESULT Register(const ClassesKey& theClasses, std::span<const RegisteredClass> myClasses,
+                 const DescribedLibrary& myLibrary, const std::filesystem::path& myFile, LSTATUS& theReason)
+{
+    for (const RegisteredClass& myClass : myClasses)
+    {
+        theReason = WriteAll(theClasses, ValuesOfClass(myClass, myLibrary, myFile.wstring()));
+        if (theReason != ERROR_SUCCESS)
+        {
+            return SELFREG_E_CLASS;
+        }
+    }
+    theReason = WriteAll(theClasses, ValuesOfLibrary(myLibrary, myFile));
+    for (const DescribedInterface& myInterface : myLibrary.Interfaces)
+    {
+        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface))
+        {
+            theReason = WriteAll(theClasses, ValuesOfInterface(myInterface, myLibrary));
+        }
+    }
+    return theReason == ERROR_SUCCESS ? S_OK : SELFREG_E_TYPELIB;
+}
+
+/// True when the key names this file, under whatever name of it.
+bool NamesFile(const ClassesKey& myClasses, const std::wstring& myKey, const std::filesystem::path& myFile)
+{
+    const auto myPath = myClasses.Read(myKey);
+    std::error_code myIgnored;
+    return myPath && (CompareStringOrdinal(myPath->c_str(), -1, myFile.c_str(), -1, TRUE) == CSTR_EQUAL ||
+                      std::filesystem::equivalent(*myPath, myFile, myIgnored));
+}
+
+void RemoveClass(const ClassesKey& theClasses, const RegisteredClass& myClass, const std::filesystem::path& myFile)
+{
+    const std::wstring myId = TextOfId(*myClass.Identifier);
+    const std::wstring myName = WideText(myClass.ProgramName);
+    if (NamesFile(theClasses, L"CLSID\\" + myId + L"\\InprocServer32", myFile))
+    {
+        if (theClasses.Read(myName + L"\\CLSID") == myId)
+        {
+            theClasses.Delete(myName);
+        }
+        theClasses.Delete(L"CLSID\\" + myId);
+    }
+}
+
+void RemoveLibrary(const ClassesKey& theClasses, const DescribedLibrary& myLibrary, const std::filesystem::path& myFile)
+{
+    if (!NamesFile(theClasses, myLibrary.FileKey(), myFile))
+    {
+        return;
+    }
+    for (const DescribedInterface& myInterface : myLibrary.Interfaces)
+    {
+        const std::wstring myKey = L"Interface\\" + myInterface.Id;
+        if (theClasses.Read(myKey + L"\\TypeLib") == myLibrary.Id)
+        {
+            theClasses.Delete(myKey);
+        }
+    }
+    theClasses.Delete(myLibrary.FileKey());
+    if (theClasses.DeleteIfEmpty(myLibrary.VersionKey() + L"\\0")) // else it is registered for the other word length
+    {
+        theClasses.Delete(myLibrary.VersionKey());
+        theClasses.DeleteIfEmpty(myLibrary.Key());
+    }
+}
+
+} // namespace
+
+HRESULT RegisterClasses(std::span<const RegisteredClass> myClasses, const std::filesystem::path& myFile)
+{
+    DescribedLibrary myLibrary;
+    if (const HRESULT myReason = DescribeLibrary(myFile.wstring(), myLibrary); FAILED(myReason))
+    {
+        return ReportLibrary(myReason);
+    }
+    LSTATUS myReason = ERROR_SUCCESS;
+    HRESULT theResult = Register(ClassesKey(HKEY_LOCAL_MACHINE), myClasses, myLibrary, myFile, myReason);
+    if (myReason == ERROR_ACCESS_DENIED)
+    {
+        theResult = Register(ClassesKey(HKEY_CURRENT_USER), myClasses, myLibrary, myFile, myReason);
+    }
+    return FAILED(theResult) ? ReportRegistry(theResult, myReason) : theResult;
+}
+
+HRESULT UnregisterClasses(std::span<const RegisteredClass> myClasses, const std::filesystem::path& myFile)
+{
+    DescribedLibrary myLibrary;
+    const HRESULT myReason = DescribeLibrary(myFile.wstring(), myLibrary);
+    HRESULT theResult = FAILED(myReason) ? ReportLibrary(myReason) : S_OK;
+    const auto Try = [&](HRESULT myFailure, const auto& myRemoval)
+    {
+        try
+        {
+            myRemoval();
+        }
+        catch (const RegistryFailure& myRefusal)
+        {
+            theResult = ReportRegistry(myFailure, myRefusal.Reason);
+        }
+    };
+    for (HKEY myRoot : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+    {
+        const ClassesKey theClasses(myRoot);
+        for (const RegisteredClass& myClass : myClasses)
+        {
+            Try(SELFREG_E_CLASS, [&] { RemoveClass(theClasses, myClass, myFile); });
+        }
+        if (SUCCEEDED(myReason))
+        {
+            Try(SELFREG_E_TYPELIB, [&] { RemoveLibrary(theClasses, myLibrary, myFile); });
+        }
+    }
+    return theResult;
+}
+
+} // namespace qel
