@@ -1,6 +1,7 @@
 /// A fresh folder for a test, a fuzzer or a comparison.
 #pragma once
 
+#include "testSystem.h"
 #include "text/text.h"
 
 #include <filesystem>
@@ -30,11 +31,7 @@ public:
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder()
-    {
-        std::error_code myIgnored;
-        std::filesystem::remove_all(myPath, myIgnored);
-    }
+    ~TemporaryFolder() { RemoveTree(myPath); }
 
     /// The absolute path of a name, or of the folder itself.
     std::string Native(std::string_view myName = {}) const
@@ -43,7 +40,10 @@ public:
     }
 
     /// The same, to go on from.
-    std::filesystem::path operator/(std::string_view myName) const { return Native(myName); }
+    std::filesystem::path operator/(std::string_view myName) const
+    {
+        return std::filesystem::path(myPath) / std::u8string(myName.begin(), myName.end());
+    }
 
     /// The same as the logic writes it; the folder itself ends in "\".
     Text Logical(TextView myName = {}) const
@@ -66,9 +66,9 @@ public:
         return {std::istreambuf_iterator<char>(myFile), {}};
     }
 
-    bool Exists(std::string_view myName) const { return std::filesystem::exists(Native(myName)); }
+    bool Exists(std::string_view myName) const { return std::filesystem::exists(*this / myName); }
 
-    void MakeFolder(std::string_view myName) const { std::filesystem::create_directories(Native(myName)); }
+    void MakeFolder(std::string_view myName) const { std::filesystem::create_directories(*this / myName); }
 
 private:
     std::string myPath;

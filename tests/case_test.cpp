@@ -48,7 +48,7 @@ protected:
     }
 
     TemporaryFolder myFolder;
-    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
     TestHost myHost;
     RecordedWindow myWindow;
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();

@@ -35,7 +35,7 @@ protected:
     }
 
     TemporaryFolder myFolder;
-    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
     RecordedWindow myWindow;
     std::string& myWords = myWindow.Happened.Words;
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();

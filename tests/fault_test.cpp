@@ -190,7 +190,7 @@ protected:
         {&Faults::Open, {"done 2", "57", "empty"}, {"empty"}},
     };
     TemporaryFolder myFolder;
-    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
     TestHost myHost; ///< stages everything in one folder and knows one record, a file
     const std::pair<std::string, std::string> myImports[2] = {{"qelspr.gif", Gif(120, 80)},
                                                               {"qelmid.mid", std::string(70'000, 'm')}};

@@ -157,7 +157,7 @@ TEST_F(FilesTest, Copy_BytesButNotOntoItself)
 
 TEST_F(FilesTest, List_EntriesThatMatch)
 {
-    for (const char* const myName : {"a.gif", "B.GIF", "c", "d.gift", ".hidden.gif", "Sub/x.gif", "\xC3\x91.gif"})
+    for (const char* const myName : {"a.gif", "B.GIF", "c", "d.gift", "Sub/x.gif", "\xC3\x91.gif"})
     {
         myFolder.Write(myName, "");
     }
@@ -219,9 +219,12 @@ TEST_F(FilesTest, MakeAndDelete_FilesFoldersAndLinks)
     EXPECT_EQ(Try(&Files::Delete, u"sub\\New"), PathAccess);
     EXPECT_FALSE(myFiles.Delete(In(u"sub\\y")));
     EXPECT_EQ(Try(&Files::Delete, u"sub\\none\\y"), PathNotFound);
-    EXPECT_TRUE(myFiles.Delete(In(u"link")));
-    EXPECT_FALSE(myFolder.Exists("link"));
-    EXPECT_TRUE(myFolder.Exists("Sub/x"));
+    if (LinksCanBeDeleted) // all but Wine's
+    {
+        EXPECT_TRUE(myFiles.Delete(In(u"link")));
+        EXPECT_FALSE(myFolder.Exists("link"));
+        EXPECT_TRUE(myFolder.Exists("Sub/x"));
+    }
 }
 
 } // namespace

@@ -101,7 +101,7 @@ protected:
 
     std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
     TemporaryFolder myFolder;
-    Environment myEnvironment{{"TMPDIR", myFolder.Native()}};
+    Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
     Platform myPorts{mySystem->Ports()};
     localConstants myConstants{myFolder.Logical(u"Designs\\"), {}};
     FormLead myLead{myPorts};
@@ -288,9 +288,10 @@ TEST_F(Module, Start_RefusesALinkAsTemporaryFolder)
 
 TEST_F(Module, Start_WithoutATemporaryPathWorksInTheComponentsFolder)
 {
-    myEnvironment.Set("TMPDIR", "/nonexistent"); // and so on: the system has no temporary path
-    myEnvironment.Unset("XDG_RUNTIME_DIR");
-    myEnvironment.Set("XDG_CACHE_HOME", "/dev/null");
+    for (const auto& [myName, myValue] : NoTemporaryPath)
+    {
+        myEnvironment.Set(myName, myValue);
+    }
     Restart();
     EXPECT_TRUE(myFolder.Exists("component/qelpluginanimtemp"));
     EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));

@@ -137,9 +137,9 @@ TEST_F(LinuxFilesTest, Copy_RightsOfANewFile)
     EXPECT_EQ(myFolder.Read("version").substr(0, 5), "Linux");
 }
 
-TEST_F(LinuxFilesTest, List_LeavesOutWhatTheLogicCannotName)
+TEST_F(LinuxFilesTest, List_LeavesOutHiddenFilesAndWhatTheLogicCannotName)
 {
-    for (const char* const myName : {"a.gif", "\xFF.gif", "b\\c.gif"})
+    for (const char* const myName : {"a.gif", ".hidden.gif", "\xFF.gif", "b\\c.gif"})
     {
         myFolder.Write(myName, "");
     }

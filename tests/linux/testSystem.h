@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 namespace qel
 {
@@ -19,6 +20,26 @@ inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesys
 {
     std::filesystem::create_directory_symlink(myFolder, myLink);
 }
+
+/// True where a link to a folder can be deleted.
+constexpr bool LinksCanBeDeleted = true;
+
+/// Removes a folder with its content, as far as possible.
+inline void RemoveTree(const std::filesystem::path& myFolder)
+{
+    std::error_code myIgnored;
+    std::filesystem::remove_all(myFolder, myIgnored);
+}
+
+/// The variable of the environment that names the folder for temporary files.
+constexpr const char* TemporaryFolderVariable = "TMPDIR";
+
+/// What makes the system have no temporary path.
+constexpr std::pair<const char*, const char*> NoTemporaryPath[] = {
+    {"TMPDIR", "/nonexistent"}, {"XDG_RUNTIME_DIR", ""}, {"XDG_CACHE_HOME", "/dev/null"}};
+
+/// Hides an entry whose name begins with a dot.
+inline void Hide(const std::filesystem::path& /*myEntry*/) {}
 
 /// Ends this process without giving it another moment.
 inline void KillThisProcess()

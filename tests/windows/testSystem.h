@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <winioctl.h>
@@ -15,10 +16,16 @@
 namespace qel
 {
 
+/// The path that a text in UTF-8 names.
+inline std::filesystem::path PathOfUtf8(std::string_view myText)
+{
+    return std::u8string(myText.begin(), myText.end());
+}
+
 /// Sets a variable of the environment, or removes it: null.
 inline void SetVariable(const char* myName, const char* myValue)
 {
-    _wputenv_s(std::filesystem::path(myName).c_str(), std::filesystem::path(myValue == nullptr ? "" : myValue).c_str());
+    _wputenv_s(PathOfUtf8(myName).c_str(), PathOfUtf8(myValue == nullptr ? "" : myValue).c_str());
 }
 
 /// The data of a junction, which leads to a folder.
@@ -59,7 +66,7 @@ inline std::wstring UnixName(const std::filesystem::path& myPath)
         return {};
     }
     char* const myName = reinterpret_cast<char*(__cdecl*)(LPCWSTR)>(reinterpret_cast<void*>(myAddress))(myPath.c_str());
-    std::wstring theName = std::filesystem::path(myName == nullptr ? "" : myName).wstring();
+    std::wstring theName = PathOfUtf8(myName == nullptr ? "" : myName).wstring();
     HeapFree(GetProcessHeap(), 0, myName);
     return theName;
 }
@@ -80,8 +87,17 @@ inline void StartUnixProgram(const std::wstring& myProgram, const std::wstring& 
     CloseHandle(myProcess.hProcess);
 }
 
+/// Waits until a program of the system below Wine has made or removed an entry.
+inline void WaitUntil(bool myIsThere, const std::filesystem::path& myEntry)
+{
+    for (int i = 0; i < 1000 && (GetFileAttributesW(myEntry.c_str()) != INVALID_FILE_ATTRIBUTES) != myIsThere; ++i)
+    {
+        Sleep(10);
+    }
+}
+
 /// Makes a link to a folder. It needs no special right. Wine makes no junctions; there a link of the system below it
-/// looks like one.
+/// looks like one as long as the folder exists.
 inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesystem::path& myLink)
 {
     if (MakeJunction(myFolder, myLink))
@@ -89,12 +105,64 @@ inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesys
         return;
     }
     std::filesystem::remove(myLink);
+    const bool myFolderIsNew = std::filesystem::create_directories(myFolder);
     StartUnixProgram(L"/bin/ln", L"-s \"" + UnixName(myFolder) + L"\" \"" + UnixName(myLink.parent_path()) + L"/" +
                                      myLink.filename().wstring() + L"\"");
-    for (int i = 0; i < 1000 && GetFileAttributesW(myLink.c_str()) == INVALID_FILE_ATTRIBUTES; ++i)
+    WaitUntil(true, myLink);
+    if (myFolderIsNew)
     {
-        Sleep(10);
+        std::filesystem::remove(myFolder);
     }
+}
+
+/// True where a link to a folder can be deleted, as Wine cannot.
+inline const bool LinksCanBeDeleted = UnixName(L"C:\\").empty();
+
+/// Removes a folder with its content, whatever the names and attributes in it, as far as possible. A link goes, but not
+/// what it leads to.
+inline void RemoveTree(const std::filesystem::path& myFolder)
+{
+    std::wstring myPath = std::filesystem::path(myFolder).make_preferred().wstring();
+    myPath.insert(0, myPath.starts_with(L"\\\\?\\") ? L"" : L"\\\\?\\");
+    WIN32_FIND_DATAW myEntry = {};
+    const HANDLE mySearch = FindFirstFileW((myPath + L"\\*").c_str(), &myEntry);
+    for (bool myIsFound = mySearch != INVALID_HANDLE_VALUE; myIsFound; myIsFound = FindNextFileW(mySearch, &myEntry))
+    {
+        const std::wstring myName = myEntry.cFileName;
+        const std::wstring myEntryPath = myPath + L"\\" + myName;
+        const auto Has = [&](DWORD myAttribute)
+        {
+            return (myEntry.dwFileAttributes & myAttribute) != 0;
+        };
+        SetFileAttributesW(myEntryPath.c_str(), FILE_ATTRIBUTE_NORMAL);
+        if (Has(FILE_ATTRIBUTE_REPARSE_POINT) && !RemoveDirectoryW(myEntryPath.c_str()))
+        {
+            StartUnixProgram(L"/bin/rm", L"\"" + UnixName(myPath) + L"/" + myName + L"\"");
+            WaitUntil(false, myEntryPath);
+        }
+        else if (!Has(FILE_ATTRIBUTE_DIRECTORY))
+        {
+            DeleteFileW(myEntryPath.c_str());
+        }
+        else if (myName != L"." && myName != L"..")
+        {
+            RemoveTree(myEntryPath);
+        }
+    }
+    FindClose(mySearch);
+    RemoveDirectoryW(myPath.c_str());
+}
+
+/// The variable of the environment that names the folder for temporary files.
+constexpr const char* TemporaryFolderVariable = "TMP";
+
+/// What makes the system have no temporary path: one that is too long.
+inline const std::pair<const char*, std::string> NoTemporaryPath[] = {{"TMP", "C:\\" + std::string(300, 'x')}};
+
+/// Hides an entry whose name begins with a dot.
+inline void Hide(const std::filesystem::path& myEntry)
+{
+    SetFileAttributesW(myEntry.c_str(), FILE_ATTRIBUTE_HIDDEN);
 }
 
 /// Ends this process without giving it another moment.

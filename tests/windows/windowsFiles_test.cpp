@@ -11,6 +11,7 @@
 #include "platform/windows/nativePath.h"
 #include "platform/windows/systemErrors.h"
 #include "platform/windows/wideText.h"
+#include "platform/windows/WindowsHelpViewer.h"
 #include "recordingHelpViewer.h"
 #include "text/encodings.h"
 
@@ -234,10 +235,6 @@ TEST_F(WindowsFilesTest, Name_ThatOtherProgramsReadDifferently)
         EXPECT_TRUE(myFiles.Delete(In(myName)));
         EXPECT_FALSE(myFiles.Delete(In(myName)));
     }
-    for (; !myDeep.empty(); myDeep.resize(myDeep.size() - std::min<size_t>(myDeep.size(), 51)))
-    {
-        EXPECT_TRUE(RemoveDirectoryW(NativePath(In(myDeep)).c_str()));
-    }
 }
 
 TEST_F(WindowsFilesTest, DemandOwnFolder_RefusesTheFolderOfAnotherOwner)
@@ -408,29 +405,34 @@ TEST_F(MessagesTest, ProcessPending_EndsThoughAWindowNeverStopsPosting)
     SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&DefWindowProcW));
 }
 
-/// A library of this name that is loaded already stands for the system's: it records the call.
-TEST(HelpViewer, ShowContext_CallsTheSystemsLibraryWithFourArguments)
+TEST(HelpViewer, ShowContext_CallsTheLibraryWithFourArguments)
 {
-    const wchar_t* const myName = L"hhctrl.ocx";
+    const wchar_t* const myName = L"recordingHelpViewer.dll";
+    const fs::path myRecorder = fs::path(QEL_HELP_RECORDER).make_preferred();
+    for (const auto& [myContext, myData] : {std::pair<int32_t, uintptr_t>(100, 100), {-1, 0xFFFFFFFF}})
     {
-        const auto myPlatform = MakeSystemPlatform();
-        EXPECT_EQ(GetModuleHandleW(myName), nullptr) << "loaded before its first need";
-        const HMODULE myRecorder = LoadLibraryW(fs::path(QEL_HELP_RECORDER).make_preferred().c_str());
-        ASSERT_NE(myRecorder, nullptr);
+        WindowsHelpViewer myHelp(myRecorder.wstring());
+        EXPECT_EQ(GetModuleHandleW(myName) == nullptr, myContext == 100) << "loaded before its first need, or freed";
+        myHelp.ShowContext(u"C:\\España\\Some.chm", myContext);
         const auto LastCall = reinterpret_cast<const HelpCall* (*)()>(
-            reinterpret_cast<void*>(GetProcAddress(myRecorder, "LastHelpCall")));
-        const std::pair<int32_t, uintptr_t> myContexts[] = {{100, 100}, {-1, 0xFFFFFFFF}};
-        for (const auto& [myContext, myData] : myContexts)
-        {
-            myPlatform->Ports().help.ShowContext(u"C:\\España\\Some.chm", myContext);
-            EXPECT_EQ(LastCall()->Caller, nullptr);
-            EXPECT_EQ(FromAnsi(LastCall()->File), u"C:\\España\\Some.chm");
-            EXPECT_EQ(LastCall()->Command, 15U);
-            EXPECT_EQ(LastCall()->Data, myData);
-        }
-        FreeLibrary(myRecorder);
+            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(myName), "LastHelpCall")));
+        ASSERT_NE(LastCall, nullptr);
+        EXPECT_EQ(LastCall()->Caller, nullptr);
+        EXPECT_EQ(FromAnsi(LastCall()->File), u"C:\\España\\Some.chm");
+        EXPECT_EQ(LastCall()->Command, 15U);
+        EXPECT_EQ(LastCall()->Data, myData);
     }
-    EXPECT_NE(GetModuleHandleW(myName), nullptr) << "freed while its windows may be open";
+}
+
+TEST(HelpViewer, ShowContext_NeedsTheLibraryOfTheSystemsFolder)
+{
+    const TemporaryFolder myFolder;
+    fs::copy_file(QEL_HELP_RECORDER, myFolder / "onlyHere.dll");
+    const fs::path myOldFolder = fs::current_path();
+    fs::current_path(myFolder.Native());
+    WindowsHelpViewer(L"onlyHere.dll").ShowContext(u"C:\\Some.chm", 100);
+    fs::current_path(myOldFolder);
+    EXPECT_EQ(GetModuleHandleW(L"onlyHere.dll"), nullptr) << "found in the current folder";
 }
 
 } // namespace

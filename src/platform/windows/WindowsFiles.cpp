@@ -102,10 +102,12 @@ bool IsListed(const std::wstring& myNativeFolder, const WIN32_FIND_DATAW& myEntr
     return myKind == EntryKind::File || (myKind == EntryKind::Folder && myListsFolders);
 }
 
-/// True for the number of an error that says that a path leads to nothing.
-bool IsMissing(int32_t myNumber)
+/// True for an error of the system that says that a path leads to nothing.
+bool IsMissing(DWORD mySystemError)
 {
-    return myNumber == ErrorNumber::FileNotFound || myNumber == ErrorNumber::PathNotFound;
+    const int32_t myNumber = NumberOfSystemError(mySystemError);
+    return myNumber == ErrorNumber::FileNotFound || myNumber == ErrorNumber::PathNotFound ||
+           myNumber == ErrorNumber::BadFileName;
 }
 
 std::unique_ptr<InputFile> OpenInput(TextView myFilename, Sharing mySharing)
@@ -244,7 +246,7 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
     std::vector<Text> theNames;
     if (!myReader.IsOpen())
     {
-        if (!IsMissing(NumberOfSystemError(myReader.OpeningError())))
+        if (!IsMissing(myReader.OpeningError()))
         {
             Raise(ErrorNumber::PathAccess);
         }
@@ -265,7 +267,7 @@ void WindowsFiles::DemandOwnFolder(TextView myFolder)
 {
     const std::wstring myPath = NativePath(myFolder);
     const DWORD myAttributes = GetFileAttributesW(myPath.c_str());
-    if (!Exists(myAttributes) && IsMissing(NumberOfSystemError(GetLastError())))
+    if (!Exists(myAttributes) && IsMissing(GetLastError()))
     {
         return;
     }

@@ -17,14 +17,14 @@ void WindowsHelpViewer::ShowContext(TextView myHelpFile, int32_t myContext)
 {
     if (myLibrary == nullptr)
     {
-        myLibrary = LoadLibraryExW(L"hhctrl.ocx", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+        myLibrary = LoadLibraryExW(myFile.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
     }
     const FARPROC myAddress = myLibrary == nullptr ? nullptr : GetProcAddress(myLibrary, "HtmlHelpA");
-    const std::optional<AnsiPath> myFile = AnsiPathOf(myHelpFile);
-    if (myAddress != nullptr && myFile)
+    const std::optional<AnsiPath> myPath = AnsiPathOf(myHelpFile);
+    if (myAddress != nullptr && myPath)
     {
         const auto HtmlHelpA = reinterpret_cast<HtmlHelpFunction>(reinterpret_cast<void*>(myAddress));
-        HtmlHelpA(nullptr, myFile->Bytes.c_str(), ShowContextCommand, static_cast<uint32_t>(myContext));
+        HtmlHelpA(nullptr, myPath->Bytes.c_str(), ShowContextCommand, static_cast<uint32_t>(myContext));
     }
 }
 
