@@ -20,12 +20,12 @@ End Sub
 
 Set Plugin = CreateObject("QelPluginAnimation.Main")
 Check "Version", Plugin.Version, "1.0.19"
-Check "Description", Plugin.Description, "Mueve objetos gr" & ChrW(225) & "ficos animados en su sitio web."
+Check "Description", Plugin.Description, "Mueve objetos gr" & Chr(225) & "ficos animados en su sitio web."
 Check "RequiresPHP", Plugin.RequiresPHP, False
 Check "CallBack 1", Plugin.CallBack(1), False
-Script = Plugin.InitialScript & "<pg.param name=image value=""B" & ChrW(250) & "ho.gif""><pg.param name=link value="""">"
+Script = Plugin.InitialScript & "<pg.param name=image value=""B" & Chr(250) & "ho.gif""><pg.param name=playmidi value=0>"
 Plugin.Script = Script
-Check "the image of Script", InStr(Plugin.Script, "value=""B" & ChrW(250) & "ho.gif""") > 0, True
+Check "the image of Script", InStr(Plugin.Script, "value=""B" & Chr(250) & "ho.gif""") > 0, True
 Check "TextSettings", Left(Plugin.TextSettings, 11), "Se muestra "
 Check "Output without services", Plugin.Output, "[Error de plug-in]"
 Check "ErrorText", InStr(Plugin.ErrorText, "Orvenal") > 0, True
@@ -46,7 +46,7 @@ Sort.Sort
 Check "the sorted values", Sort.ValueCount & Sort.Value(1) & Sort.Value(2) & Sort.Value(3), "3Bab"
 On Error Resume Next
 Script = Sort.Value(-1)
-CheckError "Value(-1)", 9, "Sub" & ChrW(237) & "ndice fuera del intervalo"
+CheckError "Value(-1)", 9, "Sub" & Chr(237) & "ndice fuera del intervalo"
 On Error GoTo 0
 
 WScript.Quit 100 + Wrong

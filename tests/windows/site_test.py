@@ -48,7 +48,7 @@ def build(sources, program, component, runner=(), prefix=""):
         imports, output = prepare(sources, folder)
         (folder / "temporary").mkdir()
         arguments = [component, imports, sources / "demo-site/foto.jpg", output]
-        temporary = dict.fromkeys(["TMPDIR", "TMP", "TEMP"], f"{prefix}{folder}/temporary")
+        temporary = dict.fromkeys(["TMP", "TEMP"] if runner else ["TMPDIR"], f"{prefix}{folder}/temporary")
         run = subprocess.run([*runner, program, *(f"{prefix}{argument}" for argument in arguments)], env=os.environ | temporary,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         if run.returncode != 0:
