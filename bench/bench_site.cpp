@@ -1,5 +1,6 @@
-// A site of 1,000 pages built by qelhost, against a plain program that writes the same pages and copies the same files;
-// and how long opening the component takes. Arguments: STAGE, then those of every comparison.
+// A site of 1,000 pages built by qelhost, against a plain program that reads the same sources for changes, writes the
+// same pages and copies the same files; and how long opening the component takes. Arguments: STAGE, then those of every
+// comparison.
 #include "openComponent.h"
 
 #include <fcntl.h>
@@ -9,7 +10,7 @@
 
 #include <fstream>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
 namespace
 {
@@ -59,10 +60,17 @@ void MakeSite(const std::string& myHost, const fs::path& myFolder)
     }
 }
 
+std::string WholeFile(const fs::path& myFile)
+{
+    std::ifstream myStream(myFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myStream), {}};
+}
+
 /// The work of the plain program, in one file, as the host has it in its database: each page with its text, and each
-/// file with its source, after a line with its name and the length of the text.
+/// file with its source, after a line with its name, the length of the text and the hash of a page's source.
 void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& myLibrary)
 {
+    const fs::path mySources = myFile.parent_path();
     std::ofstream myWork(myFile, std::ios::binary);
     for (const auto& myEntry : fs::recursive_directory_iterator(myBuild))
     {
@@ -79,11 +87,22 @@ void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& 
         }
         else
         {
-            std::ifstream myPage(myEntry.path(), std::ios::binary);
-            myText = std::string(std::istreambuf_iterator<char>(myPage), {});
+            myText = WholeFile(myEntry.path());
         }
-        myWork << myName.string() << ' ' << myText.size() << '\n' << myText;
+        myWork << myName.string() << ' ' << myText.size() << ' '
+               << std::hash<std::string>()(WholeFile(mySources / myName)) << '\n'
+               << myText;
     }
+}
+
+void ReadSource(const fs::path& myFile, std::string& theText)
+{
+    const int mySource = open(myFile.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat myStatus = {};
+    bench::Require(fstat(mySource, &myStatus) == 0, "a source");
+    theText.resize(static_cast<size_t>(myStatus.st_size));
+    bench::Require(read(mySource, theText.data(), theText.size()) == myStatus.st_size, "a whole source");
+    close(mySource);
 }
 
 /// The plain program.
@@ -95,7 +114,9 @@ void Do(const fs::path& myFile, const fs::path& myTarget)
     }
     std::ifstream myWork(myFile, std::ios::binary);
     std::string myText;
-    for (auto [myName, mySize] = std::pair<std::string, size_t>(); myWork >> myName >> mySize;)
+    std::string mySource;
+    for (auto [myName, mySize, myHash] = std::tuple<std::string, size_t, size_t>();
+         myWork >> myName >> mySize >> myHash;)
     {
         myText.resize(mySize);
         myWork.get();
@@ -104,6 +125,11 @@ void Do(const fs::path& myFile, const fs::path& myTarget)
         {
             fs::copy_file(myText, myTarget / myName, fs::copy_options::overwrite_existing);
             continue;
+        }
+        if (myName != ".qelhost") // the host's list of what it wrote
+        {
+            ReadSource(myFile.parent_path() / myName, mySource);
+            bench::Require(std::hash<std::string>()(mySource) == myHash, "a source has not changed");
         }
         const int myPage = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         bench::Require(write(myPage, myText.data(), mySize) == static_cast<ssize_t>(mySize), "a page");

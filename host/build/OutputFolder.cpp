@@ -136,6 +136,8 @@ void OutputFolder::Empty(const std::set<std::string>& myPages)
                       }
                       return myIsStale;
                   });
+    std::ranges::copy_if(myPages, std::inserter(myWritten, myWritten.end()),
+                         [](const std::string& myPage) { return NameProblem(myPage).empty(); });
     StoreList();
 }
 
