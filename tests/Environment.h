@@ -1,6 +1,8 @@
 /// Variables of the environment for the time of a test.
 #pragma once
 
+#include "testSystem.h"
+
 #include <cstdlib>
 #include <initializer_list>
 #include <map>
@@ -28,20 +30,20 @@ public:
     {
         for (const auto& [myName, myValue] : myOldValues)
         {
-            myValue ? setenv(myName.c_str(), myValue->c_str(), 1) : unsetenv(myName.c_str());
+            SetVariable(myName.c_str(), myValue ? myValue->c_str() : nullptr);
         }
     }
 
     void Set(const char* myName, const std::string& myValue)
     {
         Remember(myName);
-        setenv(myName, myValue.c_str(), 1);
+        SetVariable(myName, myValue.c_str());
     }
 
     void Unset(const char* myName)
     {
         Remember(myName);
-        unsetenv(myName);
+        SetVariable(myName, nullptr);
     }
 
 private:

@@ -1,13 +1,12 @@
 /// A fresh folder for a test, a fuzzer or a comparison.
 #pragma once
 
-#include "platform/linux/nativePath.h"
 #include "text/text.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,12 +20,13 @@ class TemporaryFolder
 {
 public:
     explicit TemporaryFolder(const std::filesystem::path& myParent = std::filesystem::temp_directory_path())
-        : myPath((myParent / "qeltest-XXXXXX").string())
+        : myPath((myParent / ("qeltest-" + std::to_string(std::random_device()()))).string())
     {
-        if (mkdtemp(myPath.data()) == nullptr)
+        if (!std::filesystem::create_directory(myPath))
         {
             throw std::runtime_error("no temporary folder: " + myPath);
         }
+        std::filesystem::permissions(myPath, std::filesystem::perms::owner_all);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -46,20 +46,23 @@ public:
     std::filesystem::path operator/(std::string_view myName) const { return Native(myName); }
 
     /// The same as the logic writes it; the folder itself ends in "\".
-    Text Logical(TextView myName = {}) const { return LogicalPath(myPath).value() + u"\\" + Text(myName); }
+    Text Logical(TextView myName = {}) const
+    {
+        return ReplaceAll(std::filesystem::path(myPath).u16string(), u"/", u"\\") + u"\\" + Text(myName);
+    }
 
     /// Writes a new file, and makes the folders on its path.
     void Write(std::string_view myName, std::string_view myContent) const
     {
-        std::filesystem::create_directories(std::filesystem::path(Native(myName)).parent_path());
-        std::filesystem::remove(Native(myName)); // to empty an old file would make some file systems wait for the disk
-        std::ofstream(Native(myName), std::ios::binary)
-            .write(myContent.data(), static_cast<std::streamsize>(myContent.size()));
+        const std::filesystem::path myFile = *this / myName;
+        std::filesystem::create_directories(myFile.parent_path());
+        std::filesystem::remove(myFile); // to empty an old file would make some file systems wait for the disk
+        std::ofstream(myFile, std::ios::binary).write(myContent.data(), static_cast<std::streamsize>(myContent.size()));
     }
 
     std::string Read(std::string_view myName) const
     {
-        std::ifstream myFile(Native(myName), std::ios::binary);
+        std::ifstream myFile(*this / myName, std::ios::binary);
         return {std::istreambuf_iterator<char>(myFile), {}};
     }
 
