@@ -7,6 +7,7 @@
 #include "tags/pluginFunctions.h"
 #include "TemporaryFolder.h"
 #include "TestHost.h"
+#include "text/errors.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -35,15 +36,8 @@ protected:
         myHost.RecordFilename = u"doc.pdf";
         myForm.myBuildHelper = std::make_unique<TestHostServices>(myHost);
         myForm.myDatabase = std::make_unique<TestHostServices>(myHost);
-    }
-
-    /// Packs files of a folder as somebody else would, with their names as they are.
-    void PackForeign()
-    {
-        classArchive myArchive(mySystem->Ports().files);
         myArchive.BaseFolder(myFolder.Logical(u"foreign"));
         myArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
-        ASSERT_TRUE(myArchive.PackArchive());
     }
 
     /// Opens the dialog on the module and lets a user work in it.
@@ -63,14 +57,43 @@ protected:
     localConstants myConstants{myFolder.Logical(u"library\\"), {}};
     FormLead myLead{myPorts};
     FormMain myForm{myPorts, myConstants, myLead};
+    classArchive myArchive{myPorts.files}; ///< of another author, with the names as they are
 };
+
+TEST_F(Case, Pack_NamesThatAreAlike_IsRefused)
+{
+    myFolder.Write("foreign/FOO/a", "");
+    std::filesystem::create_symlink(myFolder / "data", myFolder / "foreign/foo");
+    EXPECT_TRUE(myArchive.PackArchive()) << "the link is not looked at";
+    myFolder.Write("foreign/FOO/A", "");
+    EXPECT_FALSE(myArchive.PackArchive());
+    EXPECT_EQ(myArchive.FailureNumber(), ErrorNumber::FileAlreadyExists);
+}
+
+TEST_F(Case, Unpack_ReplacesTheNameItselfAndNotTheTargetOfALink)
+{
+    myFolder.Write("foreign/a.txt", "new");
+    myFolder.Write("foreign/img/b.gif", "");
+    ASSERT_TRUE(myArchive.PackArchive());
+    myFolder.Write("base/A.TXT", "another");
+    myFolder.MakeFolder("base/Img");
+    myFolder.Write("outside", "mine");
+    std::filesystem::create_symlink(myFolder / "outside", myFolder / "base/Img/b.gif");
+    myArchive.BaseFolder(myFolder.Logical(u"base"));
+    EXPECT_TRUE(myArchive.UnPackArchive());
+    EXPECT_EQ(myFolder.Read("base/a.txt"), "new");
+    EXPECT_EQ(myFolder.Read("base/A.TXT"), "another");
+    EXPECT_FALSE(myFolder.Exists("base/img")) << "the folder that is there has been found";
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(myFolder / "base/Img/b.gif")));
+    EXPECT_EQ(myFolder.Read("outside"), "mine");
+}
 
 TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
 {
     myFolder.Write("foreign/QELSPR.GIF", Gif(10, 10));
     myFolder.Write("foreign/Qelspr.JPG", "other format");
     myFolder.Write("foreign/QelMid.Mid", "old tune");
-    PackForeign();
+    ASSERT_TRUE(myArchive.PackArchive()) << "as somebody else would";
     myFolder.Write("new.gif", Gif(20, 15));
     myFolder.Write("new.mid", "new tune");
     myForm.Script(u"<pg.file filename=M.DAT><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "

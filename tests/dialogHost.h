@@ -3,8 +3,8 @@
 
 #include "com/Bstr.h"
 #include "comTestHost.h"
-#include "text/encodings.h"
 #include "DialogUser.h"
+#include "text/encodings.h"
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>

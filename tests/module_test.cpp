@@ -8,6 +8,7 @@
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 #include "TestHost.h"
+#include "testSystem.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
@@ -24,17 +25,32 @@ namespace
 
 using namespace std::string_literals;
 
-/// The script of some settings as the format has it, from "name=value|name=value" with escaped values.
-Text Params(const Text& mySettings, const Text& myFileTag = {})
+/// The params of a script, each with its value as the script has it.
+using Settings = std::vector<std::pair<TextView, Text>>;
+
+/// The script of some settings as the format has it.
+Text Params(const Settings& mySettings, const Text& myFileTag = {})
 {
     Text theScript = u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n" + myFileTag;
-    for (size_t i = 0, myEnd = 0; i < mySettings.size(); i = myEnd + 1)
+    for (const auto& [myName, myValue] : mySettings)
     {
-        myEnd = std::min(mySettings.find(u'|', i), mySettings.size());
-        const Text myOne = ReplaceAll(mySettings.substr(i, myEnd - i), u"=", u"\" value=\"");
-        theScript += u"<pg.param name=\"" + ReplaceAll(myOne + u"\"", u" value=\"\"", u"") + u">\r\n";
+        theScript.append(u"<pg.param name=\"").append(myName).append(u"\"");
+        theScript += (myValue.empty() ? u"" : u" value=\"" + myValue + u"\"") + u">\r\n";
     }
     return theScript;
+}
+
+/// All settings in the order of the format: those of a new module, changed by others.
+Settings All(const Settings& myChanges)
+{
+    Settings theSettings = {{u"image", u""},         {u"imagefolder", u""}, {u"midi", u""},       {u"midifolder", u""},
+                            {u"imagemode", u"none"}, {u"midimode", u"0"},   {u"showimage", u"1"}, {u"playmidi", u"1"},
+                            {u"from", u"0"},         {u"to", u"0"},         {u"link", u""}};
+    for (const auto& [myName, myValue] : myChanges)
+    {
+        std::ranges::find(theSettings, myName, &Settings::value_type::first)->second = myValue;
+    }
+    return theSettings;
 }
 
 class Module : public testing::Test
@@ -74,10 +90,12 @@ protected:
     }
 
     /// The page text of a module with the library picture alone, changed by further settings.
-    Text Output(const Text& mySettings)
+    Text Output(const Settings& mySettings)
     {
-        myForm->Script(Params(
-            u"image=Globo.gif|imagefolder=Fiestas|midi=Vals.mid|midifolder=Fiestas|playmidi=0|link=|" + mySettings));
+        Settings myAll = {{u"image", u"Globo.gif"},    {u"imagefolder", u"Fiestas"}, {u"midi", u"Vals.mid"},
+                          {u"midifolder", u"Fiestas"}, {u"playmidi", u"0"},          {u"link", u""}};
+        myAll.insert(myAll.end(), mySettings.begin(), mySettings.end());
+        myForm->Script(Params(myAll));
         return myForm->Output();
     }
 
@@ -101,13 +119,18 @@ TEST_F(Module, Output_IsThePageInTheFile)
     myFolder.Write("images/qelspr17.gif", "an old one that is longer" + myGif);
     myFolder.Write("media/qelmid17.mid", "an old one");
     Restart();
-    EXPECT_EQ(Output(u"image=|playmidi=1"), u"");
+    EXPECT_EQ(Output({{u"image", u""}, {u"playmidi", u"1"}}), u"");
     EXPECT_EQ(myForm->ErrorText(), u"No se ha seleccionado ningún motivo.");
     EXPECT_TRUE(myFolder.Exists("qelpluginanimtemp/stale")) << "emptied by a start or for a module without a picture";
 
-    myForm->Script(Params(
-        u"image=qelspr.gif|imagefolder=(USER)|midi=Vals.mid|midifolder=Fiestas|from=38353|to=38717|link=UID:4711",
-        u"<pg.file filename=\"m.dat\">"));
+    myForm->Script(Params({{u"image", u"qelspr.gif"},
+                           {u"imagefolder", u"(USER)"},
+                           {u"midi", u"Vals.mid"},
+                           {u"midifolder", u"Fiestas"},
+                           {u"from", u"38353"},
+                           {u"to", u"38717"},
+                           {u"link", u"UID:4711"}},
+                          u"<pg.file filename=\"m.dat\">"));
     std::ifstream myFile(QEL_TEST_DATA "/page.html", std::ios::binary);
     const std::string myExpected{std::istreambuf_iterator<char>(myFile), {}};
     EXPECT_EQ(ToUtf8(myForm->Output()), myExpected);
@@ -119,21 +142,24 @@ TEST_F(Module, Output_IsThePageInTheFile)
 
 TEST_F(Module, Output_PeriodCoversWholeDays)
 {
-    const std::tuple<Text, Text, Text> myCases[] = {
+    const std::tuple<Text, Text, std::vector<Text>> myCases[] = {
         // from, to, the comparisons in the page
-        {u"38045", u"38045", u"<new Date(2004, 1, 28)|>new Date(2004, 1, 29)|"},
-        {u"38717", u"0", u"<new Date(2005, 11, 31)|"},
-        {u"0", u"38717.4", u">new Date(2006, 0, 1)|"},
-        {u"0.5", u"-0.5", u""},
-        {u"0.6", u"0.6", u"<new Date(1899, 11, 30)|>new Date(1899, 11, 31)|"},
-        {u"38352.5", u"2958464", u"<new Date(2004, 11, 31)|>new Date(9999, 11, 31)|"},
+        {u"38045", u"38045", {u"<new Date(2004, 1, 28)", u">new Date(2004, 1, 29)"}},
+        {u"38717", u"0", {u"<new Date(2005, 11, 31)"}},
+        {u"0", u"38717.4", {u">new Date(2006, 0, 1)"}},
+        {u"0.5", u"-0.5", {}},
+        {u"0.6", u"0.6", {u"<new Date(1899, 11, 30)", u">new Date(1899, 11, 31)"}},
+        {u"38352.5", u"2958464", {u"<new Date(2004, 11, 31)", u">new Date(9999, 11, 31)"}},
     };
     for (const auto& [myFrom, myTo, myComparisons] : myCases)
     {
-        Text myLines = ReplaceAll(myComparisons, u"|", u") showme3=false;\r\n");
-        myLines = ReplaceAll(ReplaceAll(myLines, u"<", u"if (new Date()<"), u">", u"if (new Date()>");
-        EXPECT_EQ(Output(u"showimage=|link=URL:ERROR|from=" + myFrom + u"|to=" + myTo),
-                  u"<script type=\"text/javascript\">\r\nvar showme3=true;\r\n" + myLines + u"</script>\r\n");
+        Text myExpected = u"<script type=\"text/javascript\">\r\nvar showme3=true;\r\n";
+        for (const Text& myComparison : myComparisons)
+        {
+            myExpected += u"if (new Date()" + myComparison + u") showme3=false;\r\n";
+        }
+        EXPECT_EQ(Output({{u"showimage", u""}, {u"link", u"URL:ERROR"}, {u"from", myFrom}, {u"to", myTo}}),
+                  myExpected + u"</script>\r\n");
     }
 }
 
@@ -150,42 +176,48 @@ TEST_F(Module, Output_WritesTheLinkUnchanged)
     for (const auto& [myLink, myType, myTag] : myCases)
     {
         myHost.RecordType = myType;
-        const Text myPage = Output(u"link=" + myLink);
+        const Text myPage = Output({{u"link", myLink}});
         EXPECT_NE(myPage.find(u"50\">" + myTag + u"<img"), Text::npos) << ToUtf8(myPage);
     }
 }
 
 TEST_F(Module, Output_PictureKeepsItsLastFourCharactersAsEnding)
 {
-    EXPECT_NE(Output(u"image=g").find(u"\"images/qelspr17g\""), Text::npos);
-    EXPECT_NE(Output(u"image=Globo.jpeg").find(u"\"images/qelspr17jpeg\""), Text::npos);
+    EXPECT_NE(Output({{u"image", u"g"}}).find(u"\"images/qelspr17g\""), Text::npos);
+    EXPECT_NE(Output({{u"image", u"Globo.jpeg"}}).find(u"\"images/qelspr17jpeg\""), Text::npos);
 }
 
 TEST_F(Module, Output_StagesALinkedFileOnce)
 {
     myHost.RecordType = 5;
-    EXPECT_TRUE(Output(u"link=UID:7").starts_with(u"<script")) << "a missing file is no failure";
+    EXPECT_TRUE(Output({{u"link", u"UID:7"}}).starts_with(u"<script")) << "a missing file is no failure";
     EXPECT_FALSE(myFolder.Exists("files/Doc.pdf"));
     for (const char* const myContent : {"first", "second"})
     {
         myFolder.Write("data/Doc.pdf", myContent);
-        Output(u"link=UID:7");
+        Output({{u"link", u"UID:7"}});
         EXPECT_EQ(myFolder.Read("files/Doc.pdf"), "first") << "a copy that is there stays";
     }
 }
 
 TEST_F(Module, Output_AsksTheHostInOrderAndHostMayChangeTheModule)
 {
-    const Text myScript = Params(
-        u"image=Globo.gif|imagefolder=Fiestas|midi=Vals.mid|midifolder=Fiestas|from=38353|to=38717|link=UID:4711",
-        u"<pg.file filename=\"m.dat\">");
-    const Text myOtherScript = Params(u"image=g|imagefolder=Fiestas|midi=|playmidi=0|link=URL:other");
-    std::string myCalls;
+    const Text myScript = Params({{u"image", u"Globo.gif"},
+                                  {u"imagefolder", u"Fiestas"},
+                                  {u"midi", u"Vals.mid"},
+                                  {u"midifolder", u"Fiestas"},
+                                  {u"from", u"38353"},
+                                  {u"to", u"38717"},
+                                  {u"link", u"UID:4711"}},
+                                 u"<pg.file filename=\"m.dat\">");
+    const Text myOtherScript = Params(
+        {{u"image", u"g"}, {u"imagefolder", u"Fiestas"}, {u"midi", u""}, {u"playmidi", u"0"}, {u"link", u"URL:other"}});
+    std::vector<std::string> myCalls;
     int myCount = 0, myChangingCall = 0;
     myHost.RecordType = 5;
     myHost.Called = [&](const std::string& myMember)
     {
-        myCalls += myMember + " ";
+        myCalls.push_back(myMember);
         if (++myCount == myChangingCall)
         {
             myForm->Script(myOtherScript);
@@ -195,13 +227,19 @@ TEST_F(Module, Output_AsksTheHostInOrderAndHostMayChangeTheModule)
     };
     myForm->Script(myScript);
     const Text myPage = myForm->Output();
-    EXPECT_EQ(myCalls, "DataFolder "                                   // for the archive
-                       "InstanceNumber InstanceNumber InstanceNumber " // for the start and the period
-                       "InstanceNumber UniqueName "                    // for the picture
-                       "SeekUID EOF RecordType DataFolder RecordFilename FileFolder RecordFilename FileURL "
-                       "RecordFilename "                                   // for its link
-                       "ImageFolder ImageURL "                             // for its copy
-                       "UniqueName MediaFolder InstanceNumber MediaURL "); // for the tune
+    const std::vector<std::string> myExpected = {"DataFolder", // for the archive
+                                                 "InstanceNumber", "InstanceNumber",
+                                                 "InstanceNumber",               // for the start and the period
+                                                 "InstanceNumber", "UniqueName", // for the picture
+                                                 "SeekUID",        "EOF",
+                                                 "RecordType",     "DataFolder",
+                                                 "RecordFilename", "FileFolder",
+                                                 "RecordFilename", "FileURL",
+                                                 "RecordFilename",             // for its link
+                                                 "ImageFolder",    "ImageURL", // for its copy
+                                                 "UniqueName",     "MediaFolder",
+                                                 "InstanceNumber", "MediaURL"}; // for the tune
+    EXPECT_EQ(myCalls, myExpected);
     for (const int myCalled = std::exchange(myCount, 0); myChangingCall < myCalled; myCount = 0)
     {
         ++myChangingCall;
@@ -214,20 +252,20 @@ TEST_F(Module, Output_AsksTheHostInOrderAndHostMayChangeTheModule)
 
 TEST_F(Module, Output_FailureGivesItsReasonAndNoPage)
 {
-    const std::pair<Text, int32_t> myCases[] = {
-        {u"image=Falta.gif", 53},
-        {u"imagefolder=Falta", 76},
-        {u"imagefolder=(USER)|image=qelspr.gif", 53},
-        {u"image=Roto.gif|link=URL:ERROR", 481},
-        {u"to=2958465", 6},
-        {u"midi=Falta.mid|playmidi=1", 53},
+    const std::pair<Settings, int32_t> myCases[] = {
+        {{{u"image", u"Falta.gif"}}, 53},
+        {{{u"imagefolder", u"Falta"}}, 76},
+        {{{u"imagefolder", u"(USER)"}, {u"image", u"qelspr.gif"}}, 53},
+        {{{u"image", u"Roto.gif"}, {u"link", u"URL:ERROR"}}, 481},
+        {{{u"to", u"2958465"}}, 6},
+        {{{u"midi", u"Falta.mid"}, {u"playmidi", u"1"}}, 53},
     };
     for (const auto& [mySettings, myNumber] : myCases)
     {
         EXPECT_EQ(Output(mySettings), u"[Error de plug-in]");
         const Text myReason = NumberText(int64_t{myNumber}) + u": " + Text(ErrorDescription(myNumber));
         EXPECT_EQ(myForm->ErrorText(), u"El plug-in \"Orvenal\" ha provocado el error \"" + myReason + u"\".");
-        EXPECT_EQ(myFolder.Exists("images/qelspr17.gif"), mySettings.starts_with(u"midi")) << "what was staged stays";
+        EXPECT_EQ(myFolder.Exists("images/qelspr17.gif"), mySettings[0].first == u"midi") << "what was staged stays";
     }
     myFolder.Write("Designs/Fiestas/Falta.mid", "MThd");
     EXPECT_TRUE(myForm->Output().starts_with(u"<script"));
@@ -241,9 +279,9 @@ TEST_F(Module, Start_RefusesALinkAsTemporaryFolder)
 {
     std::filesystem::rename(myFolder.Native("qelpluginanimtemp"), myFolder.Native("elsewhere"));
     myFolder.Write("elsewhere/mine", "");
-    std::filesystem::create_directory_symlink(myFolder.Native("elsewhere"), myFolder.Native("qelpluginanimtemp"));
+    LinkFolder(myFolder / "elsewhere", myFolder / "qelpluginanimtemp");
     Restart();
-    EXPECT_EQ(Output(u""), u"[Error de plug-in]");
+    EXPECT_EQ(Output({}), u"[Error de plug-in]");
     EXPECT_NE(myForm->ErrorText().find(u"\"75: "), Text::npos);
     EXPECT_TRUE(myFolder.Exists("elsewhere/mine")) << "emptied through a link";
 }
@@ -258,79 +296,83 @@ TEST_F(Module, Start_WithoutATemporaryPathWorksInTheComponentsFolder)
     EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));
 }
 
-TEST_F(Module, Script_IsReadInItsOrderAndResetKeepsOnlyTheLink)
+TEST_F(Module, Script_IsWrittenInItsOrderAndResetKeepsOnlyTheLink)
 {
-    const Text myNew = u"image=|imagefolder=|midi=|midifolder=|imagemode=none|midimode=0|";
-    const Text myRest = u"showimage=1|playmidi=1|from=0|to=0|link=";
-    const Text myExample =
-        Params(u"image=Globo.gif|imagefolder=Fiestas|midi=qelmid.mid|midifolder=(USER)|imagemode=jpg|"
-               u"midimode=1|showimage=1|playmidi=0|from=38353|to=38383|link=&quot;&lt;&gt;&amp;amp;",
-               u"<pg.file filename=\"archive7.dat\">\r\n");
-    EXPECT_EQ(InitialScript() + u"\r\n", Params(u""));
-    EXPECT_EQ(myForm->Script(), Params(myNew + u"showimage=0|playmidi=0|from=0|to=0|link="))
+    const Text myExample = Params({{u"image", u"Globo.gif"},
+                                   {u"imagefolder", u"Fiestas"},
+                                   {u"midi", u"qelmid.mid"},
+                                   {u"midifolder", u"(USER)"},
+                                   {u"imagemode", u"jpg"},
+                                   {u"midimode", u"1"},
+                                   {u"showimage", u"1"},
+                                   {u"playmidi", u"0"},
+                                   {u"from", u"38353"},
+                                   {u"to", u"38383"},
+                                   {u"link", u"&quot;&lt;&gt;&amp;amp;"}},
+                                  u"<pg.file filename=\"archive7.dat\">\r\n");
+    EXPECT_EQ(InitialScript() + u"\r\n", Params({}));
+    EXPECT_EQ(myForm->Script(), Params(All({{u"showimage", u"0"}, {u"playmidi", u"0"}})))
         << "before the first script nothing is on";
     myForm->Script(InitialScript());
-    EXPECT_EQ(myForm->Script(), Params(myNew + myRest));
+    EXPECT_EQ(myForm->Script(), Params(All({})));
     myForm->Script(myExample);
     EXPECT_EQ(myForm->Script(), myExample);
     myForm->Script(u"");
-    EXPECT_EQ(myForm->Script(), Params(myNew + myRest + u"&quot;&lt;&gt;&amp;amp;"));
+    EXPECT_EQ(myForm->Script(), Params(All({{u"link", u"&quot;&lt;&gt;&amp;amp;"}})));
     myForm->Script(u"<pg.param name=link>");
-    EXPECT_EQ(myForm->Script(), Params(myNew + myRest));
+    EXPECT_EQ(myForm->Script(), Params(All({})));
 }
 
 TEST_F(Module, Script_ToleratesUnusualText)
 {
-    const Text myStart = u"image=a|imagefolder=|midi=|midifolder=|imagemode=none|midimode=0|";
-    const Text myRest = u"showimage=1|playmidi=1|from=0|to=0|link=";
-    const std::tuple<Text, Text, bool> myCases[] = {
-        // script, the settings that come out, whether it is of another version
+    const std::tuple<Text, Settings, bool> myCases[] = {
+        // script, the settings that are not those of a new module, whether it is of another version
         {u"<pg.param name=showimage><pg.param name=playmidi value=\" 0 \"><pg.param name=midimode value=no>"
          u"<pg.param name=imagemode value=JPG><pg.param name=from value=38353x><pg.param name=to value=\" +38353.5\">",
-         u"image=|imagefolder=|midi=|midifolder=|imagemode=none|midimode=1|showimage=0|playmidi=0|from=38353|to=38354|"
-         u"link=",
+         {{u"midimode", u"1"}, {u"showimage", u"0"}, {u"playmidi", u"0"}, {u"from", u"38353"}, {u"to", u"38354"}},
          false},
         {u"<pg.param name=image value=a><pg.param name=from value=1e2><pg.param name=to value=+2.5E+2e9>",
-         myStart + u"showimage=1|playmidi=1|from=100|to=250|link=", false},
-        {u"<pg.Param name=image value=x></pg.param name=image value=x><pg.param name=Image value=x><pg.x name=image "
-         u"value=x>"
-         u"text<PG.param VALUE=x NAME=midi><pg.param name=midifolder value=a><pg.param name=midifolder value=b value=c "
-         u"name=midi><pg.param name=imagemode value=gif><pg.param name=from value=38352.5>",
-         u"image=|imagefolder=|midi=x|midifolder=b|imagemode=gif|midimode=0|showimage=1|playmidi=1|from=38352|to=0|"
-         u"link=",
+         {{u"image", u"a"}, {u"from", u"100"}, {u"to", u"250"}},
          false},
-        {u"<pg.plugin uid=other version=1.0><pg.param name=image value=a>", myStart + myRest, false},
-        {u"<pg.param name=image value=a><pg.plugin><pg.param name=image value=b>", myStart + myRest, true},
+        {u"<pg.Param name=image value=x></pg.param name=image value=x><pg.param name=Image value=x><pg.x name=image "
+         u"value=x>text<PG.param VALUE=x NAME=midi><pg.param name=midifolder value=a><pg.param name=midifolder "
+         u"value=b value=c name=midi><pg.param name=imagemode value=gif><pg.param name=from value=38352.5>",
+         {{u"midi", u"x"}, {u"midifolder", u"b"}, {u"imagemode", u"gif"}, {u"from", u"38352"}},
+         false},
+        {u"<pg.plugin uid=other version=1.0><pg.param name=image value=a>", {{u"image", u"a"}}, false},
+        {u"<pg.param name=image value=a><pg.plugin><pg.param name=image value=b>", {{u"image", u"a"}}, true},
     };
     for (const auto& [myScript, mySettings, myIsOther] : myCases)
     {
         myForm->Script(myScript);
-        EXPECT_EQ(myForm->Script(), Params(mySettings));
+        EXPECT_EQ(myForm->Script(), Params(All(mySettings)));
         EXPECT_EQ(myForm->ErrorText(), myIsOther ? u"No se ha seleccionado ningún motivo." : u"");
     }
-    EXPECT_EQ(ErrorOf([&] { myForm->Script(Params(u"image=a|to=2958466|image=b")); }), ErrorNumber::Overflow);
-    EXPECT_EQ(myForm->Script(), Params(myStart + myRest)) << "the settings before it are in force";
+    const Settings myTooLate = {{u"image", u"a"}, {u"to", u"2958466"}, {u"image", u"b"}};
+    EXPECT_EQ(ErrorOf([&] { myForm->Script(Params(myTooLate)); }), ErrorNumber::Overflow);
+    EXPECT_EQ(myForm->Script(), Params(All({{u"image", u"a"}}))) << "the settings before it are in force";
 }
 
 TEST_F(Module, TextSettings_JoinsSentences)
 {
-    const std::pair<Text, TextView> myCases[] = {
-        {u"midi=Vals.mid|from=1", LoadResString(StringId::SummaryNoImage)},
-        {u"image=Globo.gif|midi=Vals.mid|to=38353", u"Se muestra el motivo <b>\"Globo\"</b>. Se reproduce el sonido de "
-                                                    u"fondo <b>\"Vals\"</b>. El control de tiempo "
-                                                    u"se ha activado."},
-        {u"image=x|showimage=0|playmidi=0|from=0.5",
+    const std::pair<Settings, TextView> myCases[] = {
+        {{{u"midi", u"Vals.mid"}, {u"from", u"1"}}, LoadResString(StringId::SummaryNoImage)},
+        {{{u"image", u"Globo.gif"}, {u"midi", u"Vals.mid"}, {u"to", u"38353"}},
+         u"Se muestra el motivo <b>\"Globo\"</b>. Se reproduce el sonido de fondo <b>\"Vals\"</b>. El control de "
+         u"tiempo se ha activado."},
+        {{{u"image", u"x"}, {u"showimage", u"0"}, {u"playmidi", u"0"}, {u"from", u"0.5"}},
          u"No se muestra ninguna animación. No se reproduce ningún sonido de fondo. "},
-        {u"image=Globo.jpeg|playmidi=0",
+        {{{u"image", u"Globo.jpeg"}, {u"playmidi", u"0"}},
          u"Se muestra el motivo <b>\"Globo.\"</b>. No se reproduce ningún sonido de fondo. "},
-        {u"image=.gif|midi=.mid", u"Se muestra el motivo <b>\"\"</b>. Se reproduce el sonido de fondo <b>\"\"</b>. "},
+        {{{u"image", u".gif"}, {u"midi", u".mid"}},
+         u"Se muestra el motivo <b>\"\"</b>. Se reproduce el sonido de fondo <b>\"\"</b>. "},
     };
     for (const auto& [mySettings, mySummary] : myCases)
     {
         myForm->Script(Params(mySettings));
         EXPECT_EQ(myForm->TextSettings(), mySummary);
     }
-    myForm->Script(Params(u"image=abc|playmidi=0")); // shorter than an ending
+    myForm->Script(Params({{u"image", u"abc"}, {u"playmidi", u"0"}})); // shorter than an ending
     EXPECT_EQ(ErrorOf([&] { myForm->TextSettings(); }), ErrorNumber::InvalidArgument);
 }
 
