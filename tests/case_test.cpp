@@ -1,5 +1,6 @@
-/// Names that differ in case alone, on their way from an archive or a host to the page's folders.
+/// Names that differ in case alone, and links to files, on their way from an archive or a host to the page's folders.
 #include "archive/classArchive.h"
+#include "FailingFiles.h"
 #include "FormTest.h"
 #include "tags/pluginFunctions.h"
 #include "TestHost.h"
@@ -63,6 +64,27 @@ TEST_F(Case, Unpack_ReplacesTheNameItselfAndNotTheTargetOfALink)
     EXPECT_FALSE(myFolder.Exists("base/img")) << "the folder that is there has been found";
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(myFolder / "base/Img/b.gif")));
     EXPECT_EQ(myFolder.Read("outside"), "mine");
+}
+
+TEST_F(Case, Unpack_LinkThatCannotBeDeleted_IsNotFollowed)
+{
+    myFolder.Write("foreign/a", "new");
+    ASSERT_TRUE(myArchive.PackArchive());
+    FailingFiles myFiles(myPorts.files);
+    classArchive myUnpacking(myFiles);
+    myUnpacking.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
+    myUnpacking.BaseFolder(myFolder.Logical(u"base"));
+    int i = 0;
+    do
+    {
+        std::filesystem::remove_all(myFolder / "base");
+        myFolder.MakeFolder("base");
+        myFolder.Write("outside", "mine");
+        std::filesystem::create_symlink(myFolder / "outside", myFolder / "base/a");
+        myFiles.FailAt(++i, Fault::Once);
+        myUnpacking.UnPackArchive();
+        EXPECT_EQ(myFolder.Read("outside"), "mine") << i;
+    } while (myFiles.HasFailed);
 }
 
 TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
