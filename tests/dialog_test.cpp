@@ -712,12 +712,10 @@ TEST_F(DialogTest, Help_ByTheKeyInEveryControl)
     const HelpViewer myViewer(myFolder);
     for (const char* const myPlace : {"cmbImageFolder", "lstImage", "DateFromSwitch", "cmdOK"})
     {
-        // Without a window manager the toolkit needs a moment until a shortcut reaches the window.
         myHost->CallBack({Dialog(
             [&]
             {
                 TabTo(myPlace);
-                QTest::qWait(200);
                 Key(Qt::Key_F1);
                 EXPECT_TRUE(myViewer.IsAsked()) << myPlace;
                 Click("cmdCancel");
