@@ -205,7 +205,7 @@ void FormDialog::keyPressEvent(QKeyEvent* myEvent)
         Control<QAbstractButton>(u"cmdCancel").click();
         return;
     }
-    // Not by a shortcut, which the toolkit ignores until the display system has activated the window.
+    // Not by a shortcut, which the toolkit ignores while it does not hold the window for the active one.
     if (myEvent->matches(QKeySequence::HelpContents))
     {
         Control<QAbstractButton>(u"cmdHelp").click();
