@@ -575,6 +575,14 @@ class SiteTest(HostTest):
         shown, _ = self.on_disk("size=4m", 'mount -o remount,ro "$SITE"\n' + self.READING)
         self.assertIn("Globo", shown)
 
+    def test_packing_on_a_full_disk_leaves_what_was_there(self):
+        self.make_site()
+        self.file("in/a", bytes(5 << 20))
+        left, errors = self.on_disk("size=4m", """cd "$SITE"; echo old > data/old.dat
+            for name in old new; do ! "$QEL" archive pack --force data/$name.dat "$ORIGINAL/../in"; done
+            cat data/old.dat; ls -A data""")
+        self.assertEqual((left, errors.count("the disk is full")), ("old\nold.dat\n", 2))
+
     def test_names_that_would_do_harm_are_refused(self):
         self.make_site("index.html", "Año.html")
         for name in ("../x.html", "a/b.html", "..html", ".x.html", "a\\b.html", "a%3.html", "a#.html", "x.txt", "a\n.html",
@@ -640,6 +648,8 @@ class SiteTest(HostTest):
         self.assertIn("\r\x1b[K[1/1] index.html", self.terminal("build", self.site))
         self.environment["NO_COLOR"] = "1"
         self.assertIn("Haga clic aquí para", self.terminal("module", "show", self.site, new))
+        untuned = self.add_module("index.html", script(playmidi="1"))
+        self.assertIn("no tune is chosen", self.host("module", "show", self.site, untuned, expect=1))
 
     def terminal(self, *arguments):
         """What the program shows on a terminal."""
