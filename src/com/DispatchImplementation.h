@@ -9,6 +9,7 @@
 #include "com/typeInformation.h"
 #include "text/text.h"
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -51,7 +52,8 @@ struct DispatchMember
     TextView Name;
     DISPID Number;
     MemberKind Kind;
-    uint32_t ArgumentCount; ///< without the result
+    std::span<const VARTYPE> Types; ///< of the values that the parameters point to, in their order, the result last
+    uint32_t ArgumentCount;         ///< without the result
     const IID* Interface;
     HRESULT (*Call)(MemberCall& theCall) noexcept;
 };
@@ -71,6 +73,8 @@ template <>
 inline constexpr VARTYPE VariantType<int32_t> = VT_I4;
 template <>
 inline constexpr VARTYPE VariantType<VARIANT_BOOL> = VT_BOOL;
+template <std::derived_from<IDispatch> Interface>
+inline constexpr VARTYPE VariantType<Interface*> = VT_DISPATCH;
 
 /// What a member's parameter points to: an argument, or the place for the result.
 template <class Value>
@@ -115,7 +119,7 @@ public:
     Interface** Pointer() noexcept { return &myObject; }
     void Store(VARIANT& theResult) noexcept
     {
-        theResult.vt = VT_DISPATCH;
+        theResult.vt = VariantType<Interface*>;
         theResult.pdispVal = std::exchange(myObject, nullptr);
     }
 
@@ -131,6 +135,7 @@ struct MemberSignature<myMember>
 {
     using Interface = Owner;
     static constexpr uint32_t Count = sizeof...(Values);
+    static constexpr std::array<VARTYPE, Count> Types = {VariantType<Values>...};
 
     static HRESULT Call(MemberCall& theCall) noexcept { return Call(theCall, std::index_sequence_for<Values...>()); }
 
@@ -175,6 +180,7 @@ constexpr DispatchMember Member(TextView myName, DISPID myNumber, MemberKind myK
     return {myName,
             myNumber,
             myKind,
+            Signature::Types,
             Signature::Count - (HasResult(myKind) ? 1 : 0),
             InterfaceId<typename Signature::Interface>,
             &Signature::Call};

@@ -1,0 +1,226 @@
+// The type library inside the built component describes what the component does: it agrees with the tables of late
+// binding, whose slots are those of the C++ declarations.
+#include "com/Bstr.h"
+#include "com/DispatchImplementation.h"
+#include "com/interfaceTables.h"
+#include "Library.h"
+#include "text/encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace qel
+{
+
+const char16_t* const ErrorSource = u"typeLibrary_test";
+
+namespace
+{
+
+const std::string ComponentPath = QEL_STAGE "/QelPluginAnimation.dll";
+
+constexpr size_t DispatchSlots = 7;
+
+/// One member in words: slot, number, kind, name, types.
+using Members = std::vector<std::string>;
+
+std::string Words(const std::string& mySlot, DISPID myNumber, const std::string& myKind, const std::string& myName,
+                  const std::vector<VARTYPE>& myTypes)
+{
+    std::string theWords = mySlot + " id " + std::to_string(myNumber) + " " + myKind + " " + myName;
+    for (const VARTYPE myType : myTypes)
+    {
+        theWords += " " + std::to_string(myType);
+    }
+    return theWords;
+}
+
+Members MembersOfTable(const IID& myInterface, bool mySlots)
+{
+    const auto myRows = MembersOf(myInterface);
+    Members theMembers;
+    for (size_t i = 0; i < myRows.size(); ++i)
+    {
+        const DispatchMember& myRow = myRows[i];
+        // A property has one number in the library, that of its first slot; the table answers both.
+        const DISPID myNumber = std::ranges::find(myRows, myRow.Name, &DispatchMember::Name)->Number;
+        constexpr const char* Kinds[] = {"method", "method", "get", "put", "putref"};
+        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(DispatchSlots + i) : "late", myNumber,
+                                   Kinds[static_cast<size_t>(myRow.Kind)], ToUtf8(myRow.Name),
+                                   {myRow.Types.begin(), myRow.Types.end()}));
+    }
+    return theMembers;
+}
+
+/// The type of the value that a parameter points to.
+VARTYPE TypeOf(const TYPEDESC& myType)
+{
+    if (myType.vt != VT_PTR)
+    {
+        return myType.vt;
+    }
+    const VARTYPE theTarget = myType.lptdesc->vt;
+    return theTarget == VT_PTR && myType.lptdesc->lptdesc->vt == VT_USERDEFINED ? VARTYPE{VT_DISPATCH} : theTarget;
+}
+
+std::string KindOf(INVOKEKIND myKind)
+{
+    switch (myKind)
+    {
+    case INVOKE_FUNC:
+        return "method";
+    case INVOKE_PROPERTYGET:
+        return "get";
+    case INVOKE_PROPERTYPUT:
+        return "put";
+    default:
+        return "putref";
+    }
+}
+
+Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
+{
+    Members theMembers;
+    for (UINT i = 0; i < myCount; ++i)
+    {
+        FUNCDESC* myFunction = nullptr;
+        EXPECT_EQ(myInfo.GetFuncDesc(i, &myFunction), S_OK);
+        Bstr myName;
+        UINT myNameCount = 0;
+        EXPECT_EQ(myInfo.GetNames(myFunction->memid, myName.Pointer(), 1, &myNameCount), S_OK);
+        std::vector<VARTYPE> myTypes;
+        for (SHORT j = 0; j < myFunction->cParams; ++j)
+        {
+            myTypes.push_back(TypeOf(myFunction->lprgelemdescParam[j].tdesc));
+        }
+        const VARTYPE myResult = myFunction->elemdescFunc.tdesc.vt;
+        if (!mySlots && myResult != VT_VOID)
+        {
+            myTypes.push_back(myResult);
+        }
+        EXPECT_EQ(mySlots, myResult == VT_HRESULT) << i;
+        const size_t mySlot = static_cast<size_t>(myFunction->oVft) / sizeof(void*);
+        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot) : "late", myFunction->memid,
+                                   KindOf(myFunction->invkind), ToUtf8(myName.Value()), myTypes));
+        myInfo.ReleaseFuncDesc(myFunction);
+    }
+    return theMembers;
+}
+
+TYPEATTR AttributesOf(ITypeInfo& myInfo)
+{
+    TYPEATTR* myAttributes = nullptr;
+    EXPECT_EQ(myInfo.GetTypeAttr(&myAttributes), S_OK);
+    const TYPEATTR theCopy = *myAttributes;
+    myInfo.ReleaseTypeAttr(myAttributes);
+    return theCopy;
+}
+
+/// The type library of the built component.
+class TypeLibrary : public testing::Test
+{
+protected:
+    TypeLibrary()
+    {
+        const std::wstring myPath(ComponentPath.begin(), ComponentPath.end());
+        EXPECT_EQ(LoadTypeLibEx(myPath.c_str(), REGKIND_NONE, myLibrary.Receive()), S_OK);
+    }
+
+    ComPtr<ITypeInfo> Info(const GUID& myId) const
+    {
+        ComPtr<ITypeInfo> theInfo;
+        EXPECT_EQ(myLibrary->GetTypeInfoOfGuid(myId, theInfo.Receive()), S_OK);
+        return theInfo;
+    }
+
+    ComPtr<ITypeLib> myLibrary;
+};
+
+TEST_F(TypeLibrary, HasItsIdentifierAndVersion)
+{
+    TLIBATTR* myAttributes = nullptr;
+    ASSERT_EQ(myLibrary->GetLibAttr(&myAttributes), S_OK);
+    EXPECT_TRUE(SameId(myAttributes->guid, LIBID_QelPluginAnimation));
+    EXPECT_EQ(myAttributes->wMajorVerNum, 1);
+    EXPECT_EQ(myAttributes->wMinorVerNum, 0);
+    myLibrary->ReleaseTLibAttr(myAttributes);
+}
+
+TEST_F(TypeLibrary, DualInterfaces_HaveTheSlotsOfTheTables)
+{
+    const IID* const Interfaces[] = {&IID_QelPlugin, &IID_QelInfo,       &IID_QelBuildHelper, &IID_QelDatabase,
+                                     &IID_QelTopic,  &IID_QelThumbnails, &IID_QelStringSort};
+    for (const IID* myId : Interfaces)
+    {
+        const auto myLate = Info(*myId);
+        HREFTYPE myReference = 0;
+        ComPtr<ITypeInfo> myInfo;
+        ASSERT_EQ(myLate->GetRefTypeOfImplType(static_cast<UINT>(-1), &myReference), S_OK);
+        ASSERT_EQ(myLate->GetRefTypeInfo(myReference, myInfo.Receive()), S_OK);
+        const TYPEATTR myAttributes = AttributesOf(*myInfo.Get());
+        constexpr WORD Flags = TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION;
+        EXPECT_EQ(myAttributes.wTypeFlags & Flags, Flags);
+        EXPECT_EQ(MembersOfInfo(*myInfo.Get(), myAttributes.cFuncs, true), MembersOfTable(*myId, true));
+    }
+}
+
+TEST_F(TypeLibrary, DefaultInterfaceOfMain_HasTheNamesOfBothInterfaces)
+{
+    const auto myInfo = Info(IID_QelPluginAnimationMain);
+    const TYPEATTR myAttributes = AttributesOf(*myInfo.Get());
+    EXPECT_EQ(MembersOfInfo(*myInfo.Get(), myAttributes.cFuncs, false),
+              MembersOfTable(IID_QelPluginAnimationMain, false));
+}
+
+TEST_F(TypeLibrary, Classes_HaveTheirDefaultInterfaces)
+{
+    const struct
+    {
+        const CLSID& Class;
+        const char* Name;
+        const IID& Default;
+    } myCases[] = {{CLSID_Main, "Main", IID_QelPluginAnimationMain},
+                   {CLSID_classStringSort, "classStringSort", IID_QelStringSort}};
+    for (const auto& myCase : myCases)
+    {
+        const auto myClass = Info(myCase.Class);
+        Bstr myName;
+        EXPECT_EQ(myClass->GetDocumentation(MEMBERID_NIL, myName.Pointer(), nullptr, nullptr, nullptr), S_OK);
+        EXPECT_EQ(ToUtf8(myName.Value()), myCase.Name);
+        HREFTYPE myReference = 0;
+        INT myFlags = 0;
+        ComPtr<ITypeInfo> myDefault;
+        ASSERT_EQ(myClass->GetRefTypeOfImplType(0, &myReference), S_OK);
+        ASSERT_EQ(myClass->GetRefTypeInfo(myReference, myDefault.Receive()), S_OK);
+        EXPECT_EQ(myClass->GetImplTypeFlags(0, &myFlags), S_OK);
+        EXPECT_EQ(myFlags, IMPLTYPEFLAG_FDEFAULT);
+        EXPECT_TRUE(SameId(AttributesOf(*myDefault.Get()).guid, myCase.Default));
+    }
+}
+
+TEST_F(TypeLibrary, GetTypeInfo_DescribesTheInterfaceThatIsAsked)
+{
+    const Library myComponent(ComponentPath);
+    const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
+    for (const IID* myId : {&IID_QelPluginAnimationMain, &IID_QelPlugin, &IID_QelInfo})
+    {
+        void* myPointer = nullptr;
+        ASSERT_EQ(myClassObject(CLSID_Main, IID_IClassFactory, &myPointer), S_OK);
+        const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myPointer));
+        ASSERT_EQ(myFactory->CreateInstance(nullptr, *myId, &myPointer), S_OK);
+        const auto myObject = ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(myPointer));
+        UINT myCount = 0;
+        ComPtr<ITypeInfo> myInfo;
+        EXPECT_EQ(myObject->GetTypeInfoCount(&myCount), S_OK);
+        EXPECT_EQ(myCount, 1U);
+        ASSERT_EQ(myObject->GetTypeInfo(0, 0, myInfo.Receive()), S_OK);
+        EXPECT_TRUE(SameId(AttributesOf(*myInfo.Get()).guid, *myId));
+        EXPECT_EQ(myObject->GetTypeInfo(1, 0, myInfo.Receive()), DISP_E_BADINDEX);
+    }
+}
+
+} // namespace
+} // namespace qel
