@@ -1,30 +1,13 @@
-// The component object model: texts, variants, failures, the class registry, and the late binding that calls of the
-// component by qelhost check do not reach.
-#include "com/comHostServices.h"
-#include "comTestHost.h"
-#include "Environment.h"
+// The component object model: failures, and the late binding that calls of the component by qelhost check do not reach.
+// The runtime that Linux needs for it is tested in linux/linuxCom_test.cpp.
+#include "comTest.h"
 #include "errorOf.h"
-#include "failingMemory.h"
-#include "TemporaryFolder.h"
-#include "text/encodings.h"
+#include "livingTexts.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstdlib>
-#include <cstring>
-#include <dlfcn.h>
-#include <filesystem>
-#include <fstream>
 #include <functional>
-#include <map>
 #include <memory>
-#include <set>
-#include <sys/stat.h>
-#include <thread>
+#include <new>
 #include <tuple>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -35,359 +18,6 @@ const char16_t* const ErrorSource = u"com_test";
 
 namespace
 {
-
-namespace fs = std::filesystem;
-
-/// A variant that frees what it holds.
-struct Value : VARIANT
-{
-    Value() : VARIANT{} { VariantInit(this); }
-    Value(VARTYPE myType, void* myReference) : VARIANT{}
-    {
-        vt = myType;
-        byref = myReference;
-    }
-    Value(const char16_t* myText) : Value(VT_BSTR, SysAllocString(myText)) {}
-    Value(int32_t myNumber) : Value(VT_I4, nullptr) { lVal = myNumber; }
-    Value(double myNumber) : Value(VT_R8, nullptr) { dblVal = myNumber; }
-    Value(bool myAnswer) : Value(VT_BOOL, nullptr) { boolVal = myAnswer ? VARIANT_TRUE : VARIANT_FALSE; }
-    Value(const Value&) = delete;
-    Value& operator=(const Value&) = delete;
-    ~Value() { VariantClear(this); }
-};
-
-std::string Show(HRESULT myResult)
-{
-    static const std::map<HRESULT, std::string> myNames = {
-        {S_OK, "ok"},
-        {E_POINTER, "pointer"},
-        {DISP_E_TYPEMISMATCH, "type"},
-        {DISP_E_OVERFLOW, "overflow"},
-        {DISP_E_BADVARTYPE, "badtype"},
-        {DISP_E_NONAMEDARGS, "named"},
-        {DISP_E_PARAMNOTOPTIONAL, "unnamed"},
-        {DISP_E_EXCEPTION, "exception"},
-    };
-    const auto myName = myNames.find(myResult);
-    return myName == myNames.end() ? std::to_string(myResult) : myName->second;
-}
-
-std::string Show(const VARIANT& myValue)
-{
-    switch (myValue.vt)
-    {
-    case VT_EMPTY:
-        return "empty";
-    case VT_I2:
-        return "I2 " + std::to_string(myValue.iVal);
-    case VT_I4:
-        return "I4 " + std::to_string(myValue.lVal);
-    case VT_R8:
-        return "R8 " + std::to_string(myValue.dblVal);
-    case VT_BOOL:
-        return "BOOL " + std::to_string(myValue.boolVal);
-    case VT_BSTR:
-        return "BSTR " + ToUtf8(TextOfBstr(myValue.bstrVal));
-    default:
-        return "type " + std::to_string(myValue.vt);
-    }
-}
-
-/// The database of a host whose calls succeed or fail in a way of their own: RecordURL with a number and a text,
-/// DataFolder with a number alone, RecordFilename with neither.
-class TestDatabase final : private TestHost, public ComTestDatabase
-{
-public:
-    explicit TestDatabase(std::shared_ptr<int> theLife = nullptr)
-        : ComTestDatabase(static_cast<TestHost&>(*this)), myLife(std::move(theLife))
-    {
-        RecordType = 4;
-        AtEnd = true;
-        Link = u"UID:9";
-        Called = [](const std::string& myMember)
-        {
-            myMember == "RecordURL" ? throw Error{53, u"No está"} : void();
-        };
-    }
-
-    HRESULT get_RecordFilename(BSTR* /*theFilename*/) override { return E_ACCESSDENIED; }
-    HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override
-    {
-        mySeeks.emplace_back(TextOfBstr(*myUID), *myFirst, *mySecond);
-        *myFirst += 100;
-        return S_OK;
-    }
-    HRESULT get_DataFolder(BSTR* /*theFolder*/) override { return QEL_RESULT(0x800A0035U); }
-
-    using TestHost::Called;
-    using TestHost::PresentLink;
-
-    using Seek = std::tuple<Text, int32_t, int32_t>;
-    std::vector<Seek> mySeeks;
-
-private:
-    const std::shared_ptr<int> myLife; ///< shared with who wants to know whether the object lives
-};
-
-/// A call as a script client makes it, the arguments in its order. The outcome is the result, then the value or the
-/// place of a wrong argument.
-struct LateCall
-{
-    DISPID Member;
-    uint16_t Flags;
-    std::vector<VARIANT> Arguments; ///< not freed
-    std::vector<DISPID> Names;
-    std::string Outcome;
-};
-
-void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
-{
-    for (LateCall& myCall : myCalls)
-    {
-        std::ranges::reverse(myCall.Arguments);
-        DISPPARAMS myParams{myCall.Arguments.data(), myCall.Names.data(),
-                            static_cast<uint32_t>(myCall.Arguments.size()), static_cast<uint32_t>(myCall.Names.size())};
-        Value theResult;
-        uint32_t theArgument = 99;
-        const HRESULT myResult =
-            myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &theArgument);
-        const std::string myPlace = theArgument == 99 ? "" : ", argument " + std::to_string(theArgument);
-        EXPECT_EQ(Show(myResult) + (myResult == S_OK ? ", " + Show(theResult) : myPlace), myCall.Outcome)
-            << "member " << myCall.Member << ", " << myCall.Arguments.size() << " arguments";
-    }
-}
-
-struct TakenError
-{
-    std::string Source = "-";
-    std::string Description = "-";
-};
-
-/// This thread's error information, which is taken away.
-TakenError TakeError()
-{
-    ComPtr<IErrorInfo> myInfo;
-    if (GetErrorInfo(0, myInfo.Receive()) != S_OK)
-    {
-        return {};
-    }
-    Bstr mySource;
-    Bstr myDescription;
-    EXPECT_EQ(myInfo->GetSource(mySource.Pointer()), S_OK);
-    EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
-    return {ToUtf8(mySource.Value()), ToUtf8(myDescription.Value())};
-}
-
-std::string TakenDescription()
-{
-    return TakeError().Description;
-}
-
-/// A call that fails, with the error information that it leaves.
-struct FailingCall
-{
-    std::function<HRESULT()> Call;
-    HRESULT Result;
-    std::string Description;
-};
-
-void ExpectOwnErrors(const std::string& mySource, const std::vector<FailingCall>& myCalls)
-{
-    for (const FailingCall& myCall : myCalls)
-    {
-        SCOPED_TRACE(myCall.Description);
-        Guarded([] { throw Error{6, u"older failure"}; });
-        EXPECT_EQ(myCall.Call(), myCall.Result);
-        const TakenError myError = TakeError();
-        EXPECT_EQ(myError.Description, myCall.Description);
-        EXPECT_EQ(myError.Source, mySource);
-    }
-}
-
-TEST(SysAllocString, LengthInFrontAndZeroAtTheEnd)
-{
-    for (const TextView myText : {TextView(u""), TextView(u"a\0b", 3), TextView(u"ñ")})
-    {
-        const BSTR myBstr = NewBstr(myText);
-        ASSERT_NE(myBstr, nullptr);
-        uint32_t myByteCount = 0;
-        std::memcpy(&myByteCount, reinterpret_cast<char*>(myBstr) - 4, 4);
-        EXPECT_EQ(myByteCount, 2 * myText.size());
-        EXPECT_EQ(SysStringLen(myBstr), myText.size());
-        EXPECT_EQ(myBstr[myText.size()], 0);
-        EXPECT_EQ(TextOfBstr(myBstr), myText);
-        SysFreeString(myBstr);
-    }
-    EXPECT_EQ(SysAllocString(nullptr), nullptr);
-    EXPECT_EQ(SysStringLen(nullptr), 0U);
-    EXPECT_EQ(TextOfBstr(nullptr), u"");
-    SysFreeString(nullptr);
-    // Lengths whose number of bytes does not fit the 32 bits before the text.
-    EXPECT_EQ(SysAllocStringLen(nullptr, 0x80000000U), nullptr);
-    EXPECT_EQ(SysAllocStringLen(nullptr, 0xFFFFFFFFU), nullptr);
-}
-
-TEST(VariantChangeType, ByValueAndByReference)
-{
-    int16_t mySmall = 7;
-    Value myInner(VT_BYREF | VT_I2, &mySmall);
-    Value myOuter(VT_BYREF | VT_VARIANT, &myInner);
-    const struct
-    {
-        Value Source;
-        VARTYPE Type;
-        std::string Outcome;
-    } myCases[] = {
-        {Value(), VT_I4, "I4 0"},
-        {Value(5), VT_BSTR, "BSTR 5"},
-        {Value(-70000), VT_I2, "overflow"},
-        {Value(2.5), VT_I4, "I4 2"},
-        {Value(3.5), VT_I4, "I4 4"},
-        {Value(-2147483648.0), VT_I4, "I4 -2147483648"},
-        {Value(2147483647.5), VT_I4, "overflow"},
-        {Value(std::nan("")), VT_I4, "overflow"},
-        {Value(100000.0), VT_BSTR, "BSTR 100000"},
-        {Value(true), VT_I4, "I4 -1"},
-        {Value(2), VT_BOOL, "BOOL -1"},
-        {Value(u" +12.5 "), VT_R8, "R8 12.500000"},
-        {Value(u"1e400"), VT_R8, "overflow"},
-        {Value(u"1,5"), VT_R8, "type"},
-        {Value(u"inf"), VT_R8, "type"},
-        {Value(u""), VT_I4, "type"},
-        {Value(u"tRUE"), VT_BOOL, "BOOL -1"},
-        {Value(u"true"), VT_I4, "type"},
-        {Value(VT_NULL, nullptr), VT_BSTR, "type"},
-        {Value(VT_DISPATCH, nullptr), VT_UNKNOWN, "type 13"},
-        {Value(VT_BYREF | VT_VARIANT, &myInner), VT_I4, "I4 7"},
-        {Value(VT_BYREF | VT_VARIANT, &myOuter), VT_I4, "badtype"},
-        {Value(VT_BYREF | VT_VARIANT, nullptr), VT_I4, "pointer"},
-        {Value(VT_BYREF | VT_EMPTY, &mySmall), VT_I4, "badtype"},
-        {Value(999, nullptr), VT_I4, "badtype"},
-        {Value(5), VT_BYREF | VT_I4, "badtype"},
-    };
-    for (const auto& myCase : myCases)
-    {
-        SCOPED_TRACE(Show(myCase.Source) + " to " + std::to_string(myCase.Type));
-        Value theTarget(u"untouched");
-        const HRESULT myResult = VariantChangeType(&theTarget, &myCase.Source, 0, myCase.Type);
-        EXPECT_EQ(FAILED(myResult) ? Show(myResult) : Show(theTarget), myCase.Outcome);
-        EXPECT_EQ(FAILED(myResult), Show(theTarget) == "BSTR untouched");
-    }
-    Value mySame(u"41");
-    EXPECT_EQ(VariantChangeType(&mySame, &mySame, 0, VT_I4), S_OK);
-    EXPECT_EQ(Show(mySame), "I4 41");
-}
-
-TEST(VariantChangeType, Object_GetsAReferenceThatVariantClearReleases)
-{
-    const auto myLife = std::make_shared<int>();
-    auto myObject = MakeCounted<TestDatabase>(myLife);
-    Value myHolder(VT_DISPATCH, ComPtr<IDispatch>(myObject.Get()).Detach());
-    Value myOther;
-    EXPECT_EQ(VariantChangeType(&myOther, &myHolder, 0, VT_UNKNOWN), S_OK);
-    myObject.Reset();
-    VariantClear(&myHolder);
-    EXPECT_EQ(myLife.use_count(), 2);
-    Value myReference(VT_BYREF | VT_UNKNOWN, &myOther.punkVal);
-    EXPECT_EQ(VariantClear(&myReference), S_OK);
-    EXPECT_EQ(myLife.use_count(), 2) << "a reference owns nothing";
-    VariantClear(&myOther);
-    EXPECT_EQ(myLife.use_count(), 1);
-}
-
-TEST(VariantInit, EmptiesAndFreesNothing)
-{
-    VARIANT myValue;
-    std::memset(&myValue, 0x5A, sizeof myValue); // a type that is unknown, and a pointer to nowhere
-    VariantInit(&myValue);
-    EXPECT_EQ(myValue.vt, VT_EMPTY);
-    EXPECT_EQ(myValue.byref, nullptr);
-    VariantInit(nullptr);
-}
-
-TEST(CreateErrorInfo, ReturnsWhatWasSet)
-{
-    ComPtr<ICreateErrorInfo> myWriter;
-    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
-    const auto myReader = myWriter.Query<IErrorInfo>();
-    GUID theInterface = IID_IUnknown;
-    uint32_t theContext = 1;
-    const auto Reads = [&](const IID& myInterface, uint32_t myContext)
-    {
-        EXPECT_EQ(myReader->GetGUID(&theInterface), S_OK);
-        EXPECT_TRUE(SameId(theInterface, myInterface));
-        EXPECT_EQ(myReader->GetHelpContext(&theContext), S_OK);
-        EXPECT_EQ(theContext, myContext);
-    };
-    Reads(GUID_NULL, 0); // none is set yet
-    EXPECT_EQ(myWriter->SetGUID(IID_QelPlugin), S_OK);
-    EXPECT_EQ(myWriter->SetHelpContext(100), S_OK);
-    Reads(IID_QelPlugin, 100);
-
-    const struct
-    {
-        HRESULT (STDMETHODCALLTYPE ICreateErrorInfo::*Set)(LPOLESTR);
-        HRESULT (STDMETHODCALLTYPE IErrorInfo::*Get)(BSTR*);
-        const char16_t* Text;
-    } myTexts[] = {{&ICreateErrorInfo::SetSource, &IErrorInfo::GetSource, u"fuente"},
-                   {&ICreateErrorInfo::SetDescription, &IErrorInfo::GetDescription, u"descripción"},
-                   {&ICreateErrorInfo::SetHelpFile, &IErrorInfo::GetHelpFile, u"ayuda.chm"}};
-    for (const bool mySets : {true, false})
-    {
-        for (const auto& myMember : myTexts)
-        {
-            EXPECT_EQ((myWriter.Get()->*myMember.Set)(InputText(mySets ? myMember.Text : nullptr)), S_OK);
-        }
-        for (const auto& myMember : myTexts)
-        {
-            Bstr theText;
-            EXPECT_EQ((myReader.Get()->*myMember.Get)(theText.Pointer()), S_OK);
-            EXPECT_EQ(theText.Value(), mySets ? myMember.Text : u"");
-            EXPECT_EQ((myReader.Get()->*myMember.Get)(nullptr), E_POINTER);
-        }
-    }
-}
-
-TEST(SetErrorInfo, WithoutMemory_KeepsTheText)
-{
-    ComPtr<ICreateErrorInfo> myWriter;
-    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
-    const auto myReader = myWriter.Query<IErrorInfo>();
-    EXPECT_EQ(myWriter->SetSource(InputText(u"old")), S_OK);
-    std::vector<HRESULT> myResults;
-    const auto Collect = [&](HRESULT myResult)
-    {
-        Bstr theText;
-        EXPECT_EQ(myReader->GetSource(theText.Pointer()), S_OK);
-        EXPECT_EQ(theText.Value(), myResults.empty() ? u"old" : u"new");
-        myResults.push_back(myResult);
-    };
-    FailEachPieceOfMemory([&] { return myWriter->SetSource(InputText(u"new")); }, Collect);
-    Bstr theText;
-    FailEachPieceOfMemory([&] { return myReader->GetSource(theText.Pointer()); }, Collect);
-    EXPECT_EQ(myResults, (std::vector{E_OUTOFMEMORY, S_OK, E_OUTOFMEMORY, S_OK}));
-}
-
-TEST(GetErrorInfo, IsThatOfItsThread)
-{
-    ASSERT_EQ(Guarded([] { throw Error{6, u"mío"}; }), QEL_RESULT(0x800A0006U));
-    std::string myOther = "not run";
-    std::thread(
-        [&]
-        {
-            myOther = TakenDescription();
-            Guarded([] { throw Error{6, u"left behind when the thread ends"}; });
-        })
-        .join();
-    EXPECT_EQ(myOther, "-");
-    ComPtr<IErrorInfo> myInfo;
-    EXPECT_EQ(SetErrorInfo(1, nullptr), E_INVALIDARG);
-    EXPECT_EQ(GetErrorInfo(1, myInfo.Receive()), E_INVALIDARG);
-    EXPECT_EQ(GetErrorInfo(0, nullptr), E_POINTER);
-    EXPECT_EQ(CreateErrorInfo(nullptr), E_POINTER);
-    EXPECT_EQ(TakenDescription(), "mío") << "refused calls leave it";
-    EXPECT_EQ(TakenDescription(), "-") << "reading takes it away";
-}
 
 TEST(Guarded, Exception_BecomesAResultAndErrorInformation)
 {
@@ -440,7 +70,7 @@ TEST(CallHost, Failure_KeepsTheHostsNumberAndText)
     }
 }
 
-TEST(CallHost, HostTakesItsObjectBackMeanwhile)
+TEST(CallHost, ServiceTakenBackMeanwhile_LivesToTheEndOfTheCall)
 {
     const auto myLife = std::make_shared<int>();
     auto myHost = MakeCounted<TestDatabase>(myLife);
@@ -467,12 +97,10 @@ TEST(CallHost, AfterAbandon_FailsAndReleasesNothing)
     EXPECT_EQ(myHost->Release(), 0U);
 }
 
-TEST(GetIDsOfNames, FindsMembersButNoParameters)
+TEST(Dispatch, GetIDsOfNames_FindsMembersButNoParameters)
 {
     const auto myObject = MakeCounted<TestDatabase>();
-    Text myMember = u"SEEKuid";
-    Text myParameter = u"myUID";
-    char16_t* myNames[] = {myMember.data(), myParameter.data()};
+    LPOLESTR myNames[] = {InputText(u"SEEKuid"), InputText(u"myUID")};
     DISPID theNumbers[] = {0, 0};
     EXPECT_EQ(myObject->GetIDsOfNames(GUID_NULL, myNames, 2, 0, theNumbers), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(theNumbers[0], 4);
@@ -480,7 +108,7 @@ TEST(GetIDsOfNames, FindsMembersButNoParameters)
     EXPECT_EQ(myObject->GetIDsOfNames(IID_IUnknown, myNames, 1, 0, theNumbers), DISP_E_UNKNOWNINTERFACE);
 }
 
-TEST(Invoke, ArgumentsAndResults)
+TEST(Dispatch, Invoke_ArgumentsAndResults)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     int32_t myNumber = 1;
@@ -520,7 +148,7 @@ TEST(Invoke, ArgumentsAndResults)
     EXPECT_EQ(LivingTexts, myLivingTexts);
 }
 
-TEST(Invoke, FailedMember_GivesTheErrorInformationOfThisCallAlone)
+TEST(Dispatch, Invoke_FailedMemberGivesTheErrorInformationOfThisCallAlone)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     DISPPARAMS myParams{};
@@ -542,12 +170,11 @@ TEST(Invoke, FailedMember_GivesTheErrorInformationOfThisCallAlone)
     EXPECT_EQ(DescriptionOf(3, E_ACCESSDENIED), u"");
 }
 
-TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
+TEST(Dispatch, Invoke_RefusedCallLeavesItsOwnErrorInformation)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     IDispatch& myObject = *myHost.Get();
-    Text myUnknown = u"Nothing";
-    char16_t* myNames[] = {myUnknown.data()};
+    LPOLESTR myNames[] = {InputText(u"Nothing")};
     const auto FindsName = [&](DISPID* theNumber)
     {
         return myObject.GetIDsOfNames(GUID_NULL, myNames, 1, 0, theNumber);
@@ -585,7 +212,7 @@ TEST(Invoke, RefusedCall_LeavesItsOwnErrorInformation)
     ExpectOwnErrors("com_test", myCalls);
 }
 
-TEST(QueryInterface, LeavesTheErrorInformation)
+TEST(Dispatch, QueryInterface_LeavesTheErrorInformation)
 {
     const auto myHost = MakeCounted<TestDatabase>();
     Guarded([] { throw Error{6, u"mío"}; });
@@ -594,224 +221,6 @@ TEST(QueryInterface, LeavesTheErrorInformation)
     EXPECT_EQ(myHost->QueryInterface(IID_QelDatabase, &theObject), S_OK);
     myHost->Release();
     EXPECT_EQ(TakenDescription(), "mío");
-}
-
-/// A registry of its own, for the user and for one package.
-class ClassRegistry : public testing::Test
-{
-public:
-    ClassRegistry() { fs::create_directories(mySystem); }
-
-protected:
-    static void Write(const fs::path& myPath, const std::string& myBytes)
-    {
-        std::ofstream(myPath, std::ios::binary) << myBytes;
-    }
-
-    /// What the loader says about the class, whose library does not exist; or the result.
-    static std::string ReasonNotLoaded(const CLSID& myClass)
-    {
-        void* theObject = &theObject;
-        const HRESULT myResult = CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &theObject);
-        EXPECT_EQ(theObject, nullptr);
-        return myResult == CO_E_DLLNOTFOUND ? TakenDescription() : std::to_string(myResult);
-    }
-
-    static bool ComponentIsLoaded()
-    {
-        void* const myHandle = dlopen(QEL_STAGE "/QelPluginAnimation.so", RTLD_NOW | RTLD_NOLOAD);
-        return myHandle != nullptr && dlclose(myHandle) == 0;
-    }
-
-    const TemporaryFolder myRoot;
-    Environment myEnvironment{{"XDG_DATA_HOME", myRoot.Native("user")},
-                              {"XDG_DATA_DIRS", "relative::" + myRoot.Native("system")},
-                              {"TMPDIR", myRoot.Native()},
-                              {"HOME", myRoot.Native()}};
-    const fs::path mySystem = myRoot / "system/qel/classes";
-    const fs::path myUser = myRoot / "user/qel/classes";
-    const std::string myFilename = "{4FCC59CA-C869-4963-A843-14D7C29AFA23}.class"; // CLSID_Main
-};
-
-TEST_F(ClassRegistry, Register_IsFoundUntilItIsRemoved)
-{
-    CLSID theClass{};
-    EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
-    ASSERT_EQ(QelRegisterClass(CLSID_Main, u"Other.Main", "/none/older.so"), S_OK);
-    ASSERT_EQ(QelRegisterClass(CLSID_Main, u"Año.Main", "/none/newer.so"), S_OK);
-    EXPECT_EQ(CLSIDFromProgID(u"aÑO.mAIN", &theClass), S_OK);
-    EXPECT_TRUE(SameId(theClass, CLSID_Main));
-    EXPECT_EQ(CLSIDFromProgID(u"Other.Main", &theClass), CO_E_CLASSSTRING);
-    EXPECT_NE(ReasonNotLoaded(CLSID_Main).find("/none/newer.so"), std::string::npos);
-    EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
-
-    EXPECT_EQ(QelUnregisterClass(CLSID_Main), S_OK);
-    EXPECT_EQ(QelUnregisterClass(CLSID_Main), S_FALSE);
-    EXPECT_EQ(CLSIDFromProgID(u"Año.Main", &theClass), CO_E_CLASSSTRING);
-    EXPECT_EQ(ReasonNotLoaded(CLSID_Main), std::to_string(REGDB_E_CLASSNOTREG));
-}
-
-TEST_F(ClassRegistry, Find_SkipsMalformedEntriesAndPrefersTheUsers)
-{
-    Write(mySystem / myFilename, "Comment=1\r\nProgID=Package.Main\r\nLibrary=/none/system.so\r\n");
-    fs::create_directories(myUser);
-    const struct
-    {
-        std::string Bytes;
-        bool Counts;
-    } myCases[] = {
-        {"ProgID=User.Main\nLibrary=/none/user.so", true},
-        {"", false},
-        {"ProgID=User.Main\n", false},
-        {"Library=/none/user.so\nProgId=User.Main\n", false},
-        {"ProgID=\xFF\nLibrary=/none/user.so\n", false},
-        {"ProgID=User.Main\nLibrary=/none/user.so" + std::string(1, '\0'), false},
-        {"ProgID=User.Main\nLibrary=/none/user.so\n" + std::string(8192, '#'), false},
-    };
-    CLSID theClass{};
-    for (const auto& myCase : myCases)
-    {
-        SCOPED_TRACE(myCase.Bytes.substr(0, 60));
-        Write(myUser / myFilename, myCase.Bytes);
-        const std::string myReason = ReasonNotLoaded(CLSID_Main);
-        EXPECT_EQ(myReason.find("/none/user.so") != std::string::npos, myCase.Counts) << myReason;
-        EXPECT_EQ(CLSIDFromProgID(u"user.main", &theClass) == S_OK, myCase.Counts);
-        EXPECT_EQ(CLSIDFromProgID(u"package.main", &theClass) == S_OK, !myCase.Counts) << "hidden by the user's";
-    }
-    fs::remove(myUser / myFilename);
-    ASSERT_EQ(mkfifo((myUser / myFilename).c_str(), 0600), 0);
-    EXPECT_EQ(CLSIDFromProgID(u"package.main", &theClass), S_OK) << "a pipe does not block";
-    fs::remove(myUser / myFilename);
-    Write(myUser / "{4fcc59ca-c869-4963-a843-14d7c29afa23}.class", "ProgID=Lower.Main\nLibrary=/none/user.so\n");
-    EXPECT_EQ(CLSIDFromProgID(u"Lower.Main", &theClass), CO_E_CLASSSTRING);
-}
-
-TEST_F(ClassRegistry, Register_WithoutStandardInput)
-{
-    const int myInput = dup(STDIN_FILENO);
-    close(STDIN_FILENO); // the next file that is opened has its number
-    CLSID theClass{};
-    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
-    EXPECT_EQ(CLSIDFromProgID(u"A.Main", &theClass), S_OK);
-    EXPECT_EQ(close(STDIN_FILENO), -1) << "left open";
-    dup2(myInput, STDIN_FILENO);
-    close(myInput);
-}
-
-TEST_F(ClassRegistry, Register_RefusesWhatCouldNotBeReadBack)
-{
-    const std::pair<const char16_t*, std::string> myCases[] = {{u"", "/none/a.so"},
-                                                               {u"A\nLibrary=/b.so", "/none/a.so"},
-                                                               {u"\xD800", "/none/a.so"},
-                                                               {u"A.Main", "relative/a.so"},
-                                                               {u"A.Main", "/none\n/a.so"},
-                                                               {u"A.Main", ""},
-                                                               {u"A.Main", "/" + std::string(8192, 'a')}};
-    for (const auto& [myName, myLibrary] : myCases)
-    {
-        EXPECT_EQ(QelRegisterClass(CLSID_Main, myName, myLibrary.c_str()), E_INVALIDARG) << myLibrary.substr(0, 20);
-    }
-    fs::create_directories(myUser / myFilename); // a folder in the place of the file
-    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
-    EXPECT_EQ(std::distance(fs::directory_iterator(myUser), {}), 1) << "no temporary file stays";
-    Write(myRoot / "file", "");
-    myEnvironment.Set("XDG_DATA_HOME", myRoot.Native("file"));
-    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), E_ACCESSDENIED);
-}
-
-TEST_F(ClassRegistry, Register_RelativeDataFolder_UsesTheHomeFolder)
-{
-    myEnvironment.Set("XDG_DATA_HOME", "relative");
-    EXPECT_EQ(QelRegisterClass(CLSID_Main, u"A.Main", "/none/a.so"), S_OK);
-    EXPECT_TRUE(fs::exists(myRoot / ".local/share/qel/classes" / myFilename));
-}
-
-TEST_F(ClassRegistry, RefusedCall_LeavesItsOwnErrorInformation)
-{
-    CLSID theClass{};
-    void* theObject = nullptr;
-    IUnknown* const myOuter = reinterpret_cast<IUnknown*>(&theClass);
-    const auto Creates = [&](const CLSID& myClass, IUnknown* myOwner, uint32_t myContext)
-    {
-        return CoCreateInstance(myClass, myOwner, myContext, IID_IUnknown, &theObject);
-    };
-    const std::vector<FailingCall> myCalls = {
-        {[&] { return CLSIDFromProgID(u"A.Main", &theClass); }, CO_E_CLASSSTRING,
-         "No hay ninguna clase registrada con ese nombre"},
-        {[&] { return CLSIDFromProgID(nullptr, &theClass); }, E_POINTER, "Falta un puntero"},
-        {[&] { return Creates(CLSID_Main, nullptr, 0); }, REGDB_E_CLASSNOTREG, "La clase no está registrada"},
-        {[&] { return Creates(CLSID_Main, myOuter, CLSCTX_INPROC_SERVER); }, CLASS_E_NOAGGREGATION,
-         "La clase no admite agregación"},
-        {[&] { return CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, nullptr); }, E_POINTER,
-         "Falta un puntero"},
-        {[&] { return QelRegisterClass(CLSID_Main, u"A.Main", "a.so"); }, E_INVALIDARG,
-         "Llamada a procedimiento o argumento no válidos"},
-        {[&] { return QelRegisterClass(CLSID_Main, nullptr, "/none/a.so"); }, E_POINTER, "Falta un puntero"},
-    };
-    ExpectOwnErrors("qelcom", myCalls);
-}
-
-TEST_F(ClassRegistry, AnyCall_WithoutMemory_ReportsIt)
-{
-    Write(mySystem / myFilename, "ProgID=A.Main\nLibrary=" QEL_STAGE "/QelPluginAnimation.so\n");
-    const auto Outcomes = [](const auto& myCall, const std::function<void(HRESULT)>& myAfter)
-    {
-        std::set<HRESULT> theResults;
-        FailEachPieceOfMemory(myCall, [&](HRESULT myResult) { theResults.insert(myResult), myAfter(myResult); });
-        return theResults;
-    };
-    CLSID theClass{};
-    EXPECT_EQ(Outcomes([&] { return CLSIDFromProgID(u"A.Main", &theClass); }, [](HRESULT) {}),
-              (std::set{E_OUTOFMEMORY, S_OK}));
-    const auto LeavesNoPart = [&](HRESULT myResult)
-    {
-        EXPECT_TRUE(!fs::exists(myUser) || fs::is_empty(myUser) || myResult == S_OK);
-    };
-    EXPECT_EQ(Outcomes([&] { return QelRegisterClass(CLSID_classStringSort, u"A.Sort", "/none.so"); }, LeavesNoPart),
-              (std::set{E_OUTOFMEMORY, S_OK}));
-    void* theObject = nullptr;
-    const auto Unloads = [&](HRESULT)
-    {
-        ComPtr<IUnknown>::Adopt(static_cast<IUnknown*>(std::exchange(theObject, nullptr)));
-        CoFreeUnusedLibraries();
-        EXPECT_FALSE(ComponentIsLoaded());
-    };
-    const auto Creates = [&]
-    {
-        return CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &theObject);
-    };
-    EXPECT_EQ(Outcomes(Creates, Unloads), (std::set{E_OUTOFMEMORY, QEL_RESULT(0x800A0007U), S_OK}));
-}
-
-TEST_F(ClassRegistry, FreeUnusedLibraries_UnloadsAfterTheLastObject)
-{
-    fs::create_symlink(QEL_STAGE "/QelPluginAnimation.so", mySystem / "../component.so");
-    Write(mySystem / myFilename, "ProgID=QelPluginAnimation.Main\nLibrary=../component.so\n"); // as a package does
-    void* theObject = nullptr;
-    ASSERT_EQ(CoCreateInstance(CLSID_Main, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &theObject), S_OK)
-        << TakenDescription();
-    auto myMain = ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(theObject));
-    auto myDatabase = MakeCounted<TestDatabase>();
-    IDispatch* myReferenced = myDatabase.Get();
-    const Value myScript(u"");
-    const Value myObject(VT_DISPATCH, ComPtr<IDispatch>(myReferenced).Detach());
-    constexpr uint16_t Put = DISPATCH_PROPERTYPUT;
-    constexpr uint16_t PutRef = DISPATCH_PROPERTYPUTREF;
-    const std::vector<LateCall> myCalls = {
-        {17, Put, {myScript}, {}, "unnamed"},
-        {17, Put, {myScript}, {0}, "named"},
-        {2, PutRef, {Value(VT_BYREF | VT_DISPATCH, &myReferenced)}, {DISPID_PROPERTYPUT}, "ok, empty"},
-        {2, PutRef, {Value(VT_BYREF | VT_DISPATCH, nullptr)}, {DISPID_PROPERTYPUT}, "pointer, argument 0"},
-        {4, PutRef, {myObject}, {DISPID_PROPERTYPUT}, "type, argument 0"},
-        {2, Put, {Value(VT_DISPATCH, nullptr)}, {DISPID_PROPERTYPUT}, "ok, empty"},
-    };
-    ExpectOutcomes(*myMain.Get(), myCalls);
-    CoFreeUnusedLibraries();
-    EXPECT_TRUE(ComponentIsLoaded());
-    myMain.Reset();
-    EXPECT_TRUE(ComponentIsLoaded());
-    CoFreeUnusedLibraries();
-    EXPECT_FALSE(ComponentIsLoaded());
 }
 
 } // namespace
