@@ -52,6 +52,8 @@ def main(component, client):
     windows_path = "Z:" + component.replace("/", "\\")
     host_key = f"HKEY_LOCAL_MACHINE\\Software\\Classes\\Interface\\{HOST_INTERFACE}\\TypeLib"
     wine("regsvr32", "/s", "/u", windows_path)  # in case a run was interrupted
+    with tempfile.NamedTemporaryFile(suffix=".js") as script:
+        wine("cscript", "//nologo", f"Z:{script.name}")  # registers itself when it is used for the first time
     wine("reg", "add", host_key, "/ve", "/d", HOST_LIBRARY, "/f")
     before = registry()
     try:

@@ -391,15 +391,16 @@ TEST_F(MessagesTest, ProcessPending_LeavesTheRequestToQuit)
     EXPECT_EQ(myMessage.wParam, WPARAM{7});
 }
 
+/// A window that posts each message to itself once more.
+LRESULT CALLBACK PostAgain(HWND myWindow, UINT myMessage, WPARAM, LPARAM)
+{
+    PostMessageW(myWindow, myMessage, 0, 0);
+    return 0;
+}
+
 TEST_F(MessagesTest, ProcessPending_EndsThoughAWindowNeverStopsPosting)
 {
-    SetWindowLongPtrW(myWindow, GWLP_WNDPROC,
-                      reinterpret_cast<LONG_PTR>(static_cast<WNDPROC>(
-                          [](HWND myReceiver, UINT myMessage, WPARAM, LPARAM) -> LRESULT
-                          {
-                              PostMessageW(myReceiver, myMessage, 0, 0);
-                              return 0;
-                          })));
+    SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&PostAgain));
     PostMessageW(myWindow, WM_APP, 0, 0);
     myMessages.ProcessPending();
     SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&DefWindowProcW));
