@@ -1,15 +1,17 @@
-// A site of 1,000 pages built by qelhost, against a plain program that writes the same pages and copies the same files;
-// and how long opening the component takes. Arguments: STAGE, then those of every comparison.
+// A site of 1,000 pages built by qelhost, against a plain program that reads the same sources for changes, writes the
+// same pages and copies the same files; and how long opening the component takes. Arguments: STAGE, then those of every
+// comparison.
 #include "openComponent.h"
 
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <fstream>
 #include <string_view>
-#include <utility>
+#include <tuple>
 
 namespace
 {
@@ -17,7 +19,10 @@ namespace
 namespace fs = std::filesystem;
 using namespace qel;
 
-constexpr int Pages = 1000;
+std::string Quoted(const fs::path& myPath)
+{
+    return "'" + myPath.string() + "'";
+}
 
 void Run(const std::string& myCommand)
 {
@@ -30,10 +35,9 @@ void Write(const fs::path& myFile, const std::string& myText)
 }
 
 /// A page of some 4 KB with a place for its module.
-std::string PageText(int myNumber)
+std::string PageText()
 {
-    std::string theText = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + std::to_string(myNumber) +
-                          "</title></head><body>\n";
+    std::string theText = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>Una</title></head><body>\n";
     for (int i = 0; i < 40; ++i)
     {
         theText += "<p>Un párrafo de la página, con palabras bastantes para llenar una línea entera de texto.</p>\n";
@@ -41,28 +45,54 @@ std::string PageText(int myNumber)
     return theText + "<!-- qel:modules --></body></html>\n";
 }
 
-void MakeSite(const std::string& myHost, const fs::path& myFolder)
+/// Makes a site with so many pages of one module each, and the sources of the pages beside it. The host adds the first
+/// page; the others are copies in its database.
+void MakeSite(const std::string& myHost, const fs::path& myFolder, int myPages)
 {
-    const std::string mySite = "'" + (myFolder / "site").string() + "'";
+    fs::create_directory(myFolder);
+    const fs::path mySite = myFolder / "site";
     const fs::path myScript = myFolder / "script";
     Write(myScript,
           "<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n"
           "<pg.param name=\"image\" value=\"Globo.gif\">\r\n<pg.param name=\"imagefolder\" value=\"Fiestas\">\r\n"
           "<pg.param name=\"midi\" value=\"Vals.mid\">\r\n<pg.param name=\"midifolder\" value=\"Fiestas\">\r\n");
-    Run(myHost + " init " + mySite);
-    for (int i = 0; i < Pages; ++i)
+    for (int i = 1; i <= myPages; ++i)
     {
-        const std::string myName = "page" + std::to_string(i) + ".html";
-        Write(myFolder / myName, PageText(i));
-        Run(myHost + " page add " + mySite + " '" + (myFolder / myName).string() + "'");
-        Run(myHost + " module add " + mySite + " " + myName + " --script '" + myScript.string() + "'");
+        Write(myFolder / ("page" + std::to_string(i) + ".html"), PageText());
     }
+    Run(myHost + " init " + Quoted(mySite));
+    Run(myHost + " page add " + Quoted(mySite) + " " + Quoted(myFolder / "page1.html"));
+    Run(myHost + " module add " + Quoted(mySite) + " page1.html --script " + Quoted(myScript));
+
+    const std::string myNumbers =
+        "WITH RECURSIVE number(n) AS (SELECT 2 UNION ALL SELECT n + 1 FROM number WHERE n < " +
+        std::to_string(myPages) + ") ";
+    const std::string myCopies = myNumbers +
+                                 "INSERT INTO page (id, name, title, position, content, source, source_hash) SELECT n, "
+                                 "'page' || n || '.html', title, "
+                                 "n, content, replace(source, 'page1.html', 'page' || n || '.html'), source_hash FROM "
+                                 "page, number WHERE id = 1;" +
+                                 myNumbers +
+                                 "INSERT INTO module (id, page, place, position, script) SELECT n, n, place, position, "
+                                 "script FROM module, number "
+                                 "WHERE id = 1;";
+    sqlite3* myDatabase = nullptr;
+    bench::Require(sqlite3_open((mySite / "site.db").c_str(), &myDatabase) == SQLITE_OK, "the site's database");
+    bench::Require(sqlite3_exec(myDatabase, myCopies.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK, myCopies);
+    sqlite3_close(myDatabase);
+}
+
+std::string WholeFile(const fs::path& myFile)
+{
+    std::ifstream myStream(myFile, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myStream), {}};
 }
 
 /// The work of the plain program, in one file, as the host has it in its database: each page with its text, and each
-/// file with its source, after a line with its name and the length of the text.
+/// file with its source, after a line with its name, the length of the text and the hash of a page's source.
 void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& myLibrary)
 {
+    const fs::path mySources = myFile.parent_path();
     std::ofstream myWork(myFile, std::ios::binary);
     for (const auto& myEntry : fs::recursive_directory_iterator(myBuild))
     {
@@ -79,11 +109,22 @@ void WriteWork(const fs::path& myFile, const fs::path& myBuild, const fs::path& 
         }
         else
         {
-            std::ifstream myPage(myEntry.path(), std::ios::binary);
-            myText = std::string(std::istreambuf_iterator<char>(myPage), {});
+            myText = WholeFile(myEntry.path());
         }
-        myWork << myName.string() << ' ' << myText.size() << '\n' << myText;
+        myWork << myName.string() << ' ' << myText.size() << ' '
+               << std::hash<std::string>()(WholeFile(mySources / myName)) << '\n'
+               << myText;
     }
+}
+
+void ReadSource(const fs::path& myFile, std::string& theText)
+{
+    const int mySource = open(myFile.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat myStatus = {};
+    bench::Require(fstat(mySource, &myStatus) == 0, "a source");
+    theText.resize(static_cast<size_t>(myStatus.st_size));
+    bench::Require(read(mySource, theText.data(), theText.size()) == myStatus.st_size, "a whole source");
+    close(mySource);
 }
 
 /// The plain program.
@@ -95,7 +136,9 @@ void Do(const fs::path& myFile, const fs::path& myTarget)
     }
     std::ifstream myWork(myFile, std::ios::binary);
     std::string myText;
-    for (auto [myName, mySize] = std::pair<std::string, size_t>(); myWork >> myName >> mySize;)
+    std::string mySource;
+    for (auto [myName, mySize, myHash] = std::tuple<std::string, size_t, size_t>();
+         myWork >> myName >> mySize >> myHash;)
     {
         myText.resize(mySize);
         myWork.get();
@@ -104,6 +147,11 @@ void Do(const fs::path& myFile, const fs::path& myTarget)
         {
             fs::copy_file(myText, myTarget / myName, fs::copy_options::overwrite_existing);
             continue;
+        }
+        if (myName != ".qelhost") // the host's list of what it wrote
+        {
+            ReadSource(myFile.parent_path() / myName, mySource);
+            bench::Require(std::hash<std::string>()(mySource) == myHash, "a source has not changed");
         }
         const int myPage = open((myTarget / myName).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         bench::Require(write(myPage, myText.data(), mySize) == static_cast<ssize_t>(mySize), "a page");
@@ -165,26 +213,32 @@ int main(int myCount, char** myArguments)
     }
     myBench.Record("opening the component and reading a text", bench::Median(myTimes), "ms", 3);
 
-    const std::string myHost = "'" + (myStage / "qelhost").string() + "' --plugin '" + myComponent.string() + "'";
-    MakeSite(myHost, myFolder.Native());
-    const fs::path myBuild = myFolder / "site/build";
-    const std::string myCommand = myHost + " build '" + (myFolder / "site").string() + "'";
-    Run(myCommand);
-    WriteWork(myFolder / "work", myBuild, myStage / "QelPluginAnimationDesigns/Fiestas");
-    const fs::path myPlain = myFolder / "plain";
-    const std::string myPlainCommand = "'" + fs::read_symlink("/proc/self/exe").string() + "' --plain '" +
-                                       (myFolder / "work").string() + "' '" + myPlain.string() + "'";
+    const std::string myHost = Quoted(myStage / "qelhost") + " --plugin " + Quoted(myComponent);
+    const auto myBuilds = [&](const fs::path& mySite)
+    {
+        return bench::Side{[=] { Run(myHost + " build " + Quoted(mySite)); },
+                           [=]
+                           {
+                               fs::remove_all(mySite / "build");
+                           }};
+    };
+    const fs::path mySmall = myFolder / "1000";
+    const fs::path myLarge = myFolder / "8000";
+    MakeSite(myHost, mySmall, 1000);
+    MakeSite(myHost, myLarge, 8000);
+    const bench::Side myOurs = myBuilds(mySmall / "site");
+    myOurs.Run();
+    WriteWork(mySmall / "work", mySmall / "site/build", myStage / "QelPluginAnimationDesigns/Fiestas");
+    const fs::path myPlain = mySmall / "plain";
+    const std::string myPlainCommand =
+        Quoted(fs::read_symlink("/proc/self/exe")) + " --plain " + Quoted(mySmall / "work") + " " + Quoted(myPlain);
     Run(myPlainCommand);
-    Run("diff -r '" + myBuild.string() + "' '" + myPlain.string() + "'");
-    myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0,
-                    {[&] { Run(myCommand); },
-                     [&]
-                     {
-                         fs::remove_all(myBuild);
-                     }},
+    Run("diff -r " + Quoted(mySmall / "site/build") + " " + Quoted(myPlain));
+    myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0, myOurs,
                     {[&] { Run(myPlainCommand); },
                      [&]
                      {
                          fs::remove_all(myPlain);
                      }});
+    myBench.Compare("a site of 8,000 pages / one of 1,000", 8.5, myBuilds(myLarge / "site"), myOurs);
 }

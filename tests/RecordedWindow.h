@@ -6,6 +6,7 @@
 #include "text/errors.h"
 
 #include <functional>
+#include <vector>
 
 namespace qel
 {
@@ -13,12 +14,12 @@ namespace qel
 /// What the logic does with its window, one word for each call.
 struct Record
 {
-    std::string Words;
+    std::vector<std::string> Words;
     std::string Failing; ///< the call that fails
 
     void Add(const std::string& myWord)
     {
-        Words += (Words.empty() ? "" : "|") + myWord;
+        Words.push_back(myWord);
         myWord == Failing ? throw Error{1234, u"Roto"} : void();
     }
 };
@@ -103,7 +104,7 @@ struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
 
     Record Happened;
     bool WasSeen = false;
-    std::string Opening; ///< the record up to the user's turn
+    std::vector<std::string> Opening; ///< the record up to the user's turn
     std::function<void(FormMainEvents&)> User;
     std::optional<Text> Chosen; ///< in the dialog for opening a file
     RecordedControl cmbImage{Happened, "cmbImageFolder"}, cmbMIDI{Happened, "cmbMIDIFolder"},

@@ -159,15 +159,6 @@ TEST_F(Archive, Unpack_EveryFileAtItsPlaceWithItsBytes)
     EXPECT_FALSE(myFolder.Exists("again/c"));
 }
 
-TEST_F(Archive, Unpack_ReplacesFilesInFoldersThatAreFound)
-{
-    myFolder.Write("base/a.txt", "longer than the new one");
-    myFolder.MakeFolder("base/Img");
-    EXPECT_TRUE(UnPack(Example));
-    EXPECT_EQ(myFolder.Read("base/a.txt"), "abc");
-    EXPECT_TRUE(myFolder.Exists("base/Img/b.gif"));
-}
-
 TEST_F(Archive, Pack_SmallFilenames_ReadsTheNamesOnTheDisk)
 {
     myFolder.Write("base/Img/SUB/Logo.GIF", "picture");

@@ -1,16 +1,12 @@
-/// Names that differ in case alone, on their way from an archive or a host to the page's folders.
+/// Names that differ in case alone, and links to files, on their way from an archive or a host to the page's folders.
 #include "archive/classArchive.h"
-#include "Environment.h"
-#include "madePictures.h"
-#include "platform/shared/SystemPlatform.h"
-#include "RecordedWindow.h"
+#include "FailingFiles.h"
+#include "FormTest.h"
 #include "tags/pluginFunctions.h"
-#include "TemporaryFolder.h"
 #include "TestHost.h"
 #include "text/errors.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 
 namespace qel
 {
@@ -19,15 +15,13 @@ namespace
 
 using namespace std::string_literals;
 
-class Case : public testing::Test
+class Case : public FormTest
 {
 protected:
     Case()
     {
         myFolder.MakeFolder("site");
         myFolder.MakeFolder("data");
-        myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
-        myFolder.Write("library/Fiestas/Vals.mid", "tune");
         myHost.UniqueName = u"a";
         myHost.BuildInto(myFolder.Logical(u"site\\"));
         myHost.ArchiveName = u"m.dat";
@@ -40,23 +34,7 @@ protected:
         myArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
     }
 
-    /// Opens the dialog on the module and lets a user work in it.
-    void Open(std::function<void(FormMainEvents&)> myUser)
-    {
-        myWindow.User = std::move(myUser);
-        FormMainDialog(myPorts, myConstants, myLead, myForm, myWindow).Show();
-    }
-
-    TemporaryFolder myFolder;
-    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
     TestHost myHost;
-    RecordedWindow myWindow;
-    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow, myWindow, myWindow,
-                     MakeImagingControl,      myFolder.Logical()};
-    localConstants myConstants{myFolder.Logical(u"library\\"), {}};
-    FormLead myLead{myPorts};
-    FormMain myForm{myPorts, myConstants, myLead};
     classArchive myArchive{myPorts.files}; ///< of another author, with the names as they are
 };
 
@@ -88,6 +66,27 @@ TEST_F(Case, Unpack_ReplacesTheNameItselfAndNotTheTargetOfALink)
     EXPECT_EQ(myFolder.Read("outside"), "mine");
 }
 
+TEST_F(Case, Unpack_LinkThatCannotBeDeleted_IsNotFollowed)
+{
+    myFolder.Write("foreign/a", "new");
+    ASSERT_TRUE(myArchive.PackArchive());
+    FailingFiles myFiles(myPorts.files);
+    classArchive myUnpacking(myFiles);
+    myUnpacking.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
+    myUnpacking.BaseFolder(myFolder.Logical(u"base"));
+    int i = 0;
+    do
+    {
+        std::filesystem::remove_all(myFolder / "base");
+        myFolder.MakeFolder("base");
+        myFolder.Write("outside", "mine");
+        std::filesystem::create_symlink(myFolder / "outside", myFolder / "base/a");
+        myFiles.FailAt(++i, Fault::Once);
+        myUnpacking.UnPackArchive();
+        EXPECT_EQ(myFolder.Read("outside"), "mine") << i;
+    } while (myFiles.HasFailed);
+}
+
 TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
 {
     myFolder.Write("foreign/QELSPR.GIF", Gif(10, 10));
@@ -110,7 +109,7 @@ TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
             theEvents.lblMIDI_Click();
             theEvents.cmdOK_Click();
         });
-    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << myWindow.Happened.Words;
+    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
     myForm.Settings().myShowImage = myForm.Settings().myPlayMIDI = true;
     EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
     EXPECT_EQ(myFolder.Read("site/qelspra.gif"), Gif(20, 15));
@@ -130,7 +129,7 @@ TEST_F(Case, Commit_PacksOneOfTheNamesThatAForeignArchiveHasInTwoCases)
     myForm.Script(u"<pg.file filename=m.dat><pg.param name=midi value=qelmid.mid><pg.param name=midifolder "
                   u"value=(USER)><pg.param name=midimode value=1>");
     Open([](FormMainEvents& theEvents) { theEvents.cmdOK_Click(); });
-    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << myWindow.Happened.Words;
+    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
     EXPECT_EQ(myFolder.Read("data/m.dat"), "qelarchive1.0" + myEntry("\\qelmid.mid", "lower") + std::string(4, '\0'));
 }
 

@@ -1,53 +1,64 @@
 /// The logic of the settings dialog on a window that keeps a record: the order of what it does, and the failures of its
 /// controls.
 #include "dialog/pictureSize.h"
-#include "Environment.h"
 #include "errorOf.h"
-#include "madePictures.h"
-#include "platform/shared/SystemPlatform.h"
-#include "RecordedWindow.h"
-#include "TemporaryFolder.h"
-
-#include <gtest/gtest.h>
+#include "FormTest.h"
 
 namespace qel
 {
 namespace
 {
 
-class DialogLogic : public testing::Test
+using Words = std::vector<std::string>;
+
+class DialogLogic : public FormTest
 {
 protected:
-    DialogLogic()
-    {
-        myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
-        myFolder.Write("library/Fiestas/Vela.gif", Gif(350, 250, {0, 0, 255}, true));
-        myFolder.Write("library/Fiestas/Vals.mid", "tune");
-    }
-
     /// Opens the dialog and gives the record of what the user made happen.
-    std::string Open(TextView myScript, std::function<void(FormMainEvents&)> myUser)
+    Words Open(TextView myScript, std::function<void(FormMainEvents&)> myUser)
     {
         myForm.Script(myScript);
-        myWindow.User = std::move(myUser);
-        FormMainDialog(myPorts, myConstants, myLead, myForm, myWindow).Show();
-        return myWindow.Happened.Words;
+        FormTest::Open(std::move(myUser));
+        return myWords;
     }
-
-    TemporaryFolder myFolder;
-    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
-    RecordedWindow myWindow;
-    std::string& myWords = myWindow.Happened.Words;
-    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    Platform myPorts{mySystem->Ports().files, mySystem->Ports().messages, myWindow, myWindow, myWindow,
-                     MakeImagingControl,      myFolder.Logical()};
-    localConstants myConstants{myFolder.Logical(u"library\\"), u"help.chm"};
-    FormLead myLead{myPorts};
-    FormMain myForm{myPorts, myConstants, myLead};
-    const std::string myStop = "stop qelmidi |close qelmidi ";
 };
 
-TEST_F(DialogLogic, OpeningAndCommit_TakeTheirStepsInOrder)
+TEST_F(DialogLogic, Open_TakesItsStepsInOrder)
+{
+    myFolder.Write("library/Fiestas/Vela.gif", Gif(350, 250, {0, 0, 255}, true));
+    Open(u"<pg.param name=image value=vela.gif><pg.param name=midifolder value=(USER)><pg.param name=from "
+         u"value=40000.75><pg.param name=link value=x>",
+         {});
+    const Words myExpected = {"cmbImageFolder=0",
+                              "picImage hidden",
+                              "lstImage shown",
+                              "lstImage cleared",
+                              "lstImage=1",
+                              "Cls",
+                              "11",
+                              "251x179+97+5",
+                              "lblAnimated shown",
+                              "0",
+                              "cmbMIDIFolder=1",
+                              "picMIDI shown",
+                              "lstMIDI hidden",
+                              "lblMIDI: Ning",
+                              "100",
+                              "chkImage on",
+                              "chkMIDI on",
+                              "40000.75",
+                              "today",
+                              "no date",
+                              "Cls",
+                              "11",
+                              "251x179+97+5",
+                              "lblAnimated shown",
+                              "0",
+                              "cmdUnsetLink enabled"};
+    EXPECT_EQ(myWindow.Opening, myExpected);
+}
+
+TEST_F(DialogLogic, Commit_TakesItsStepsInOrder)
 {
     const auto Confirm = [&](FormMainEvents& theEvents)
     {
@@ -56,25 +67,22 @@ TEST_F(DialogLogic, OpeningAndCommit_TakeTheirStepsInOrder)
         theEvents.cmdUnsetLink_Click();
         theEvents.cmdHelp_Click();
     };
-    const std::string myRest = "|again|cmdUnsetLink disabled|help.chm 100|" + myStop;
-    EXPECT_EQ(Open(u"<pg.param name=image value=vela.gif><pg.param name=midifolder value=(USER)><pg.param name=from "
-                   u"value=40000.75><pg.param name=link value=x>",
+    EXPECT_EQ(Open(u"<pg.param name=midifolder value=(USER)>", Confirm),
+              (Words{"64Por favor, importe un sonido de fondo o seleccione uno de la librería.", "again",
+                     "cmdUnsetLink disabled", "help.chm 100", "stop qelmidi ", "close qelmidi "}));
+    EXPECT_EQ(Open(u"<pg.param name=midifolder value=Fiestas><pg.param name=from value=40000.75><pg.param "
+                   u"name=showimage value=1>",
                    Confirm),
-              "64Por favor, importe un sonido de fondo o seleccione uno de la librería." + myRest);
-    const std::string myPreview = "Cls|11|251x179+97+5|lblAnimated shown|0|";
-    EXPECT_EQ(myWindow.Opening,
-              "cmbImageFolder=0|picImage hidden|lstImage shown|lstImage cleared|lstImage=1|" + myPreview +
-                  "cmbMIDIFolder=1|picMIDI shown|lstMIDI hidden|lblMIDI: Ning|100|chkImage on|chkMIDI "
-                  "on|40000.75|today|no date|" +
-                  myPreview + "cmdUnsetLink enabled");
-    EXPECT_EQ(Open(u"<pg.param name=from value=40000.75><pg.param name=showimage value=1>", Confirm),
-              "40000|Unload" + myRest);
+              (Words{"40000", "Unload", "again", "cmdUnsetLink disabled", "help.chm 100", "stop qelmidi ",
+                     "close qelmidi "}));
     EXPECT_EQ(myForm.Settings().myFrom, 40000);
     EXPECT_FALSE(myForm.Settings().myShowImage);
 }
 
 TEST_F(DialogLogic, Play_SendsFourCommandsForACopy)
 {
+    const Words myStop = {"stop qelmidi ", "close qelmidi "};
+    const std::string myOpen = "open \"" + ToUtf8(myFolder.Logical(u"qelmid.mid")) + "\" type sequencer alias qelmidi";
     const auto Play = [&](FormMainEvents& theEvents)
     {
         theEvents.lstMIDI_DblClick();
@@ -84,30 +92,34 @@ TEST_F(DialogLogic, Play_SendsFourCommandsForACopy)
         myWords.clear();
         theEvents.ToolbarPlay_ButtonClick(1);
         EXPECT_FALSE(myFolder.Exists("qelmid.mid"));
-        EXPECT_EQ(std::exchange(myWords, {}), myStop + "|open \"" + ToUtf8(myFolder.Logical(u"qelmid.mid")) +
-                                                  "\" type sequencer alias qelmidi|play qelmidi ");
+        EXPECT_EQ(myWords, (Words{myStop[0], myStop[1], myOpen, "play qelmidi "}));
+        myWords.clear();
         theEvents.ToolbarPlay_ButtonClick(2);
+        EXPECT_EQ(myWords, myStop);
+        myWords.clear();
     };
     myFolder.Write("qelmid.mid", "an older tune");
-    EXPECT_EQ(Open(u"", Play), myStop + "|" + myStop);
+    EXPECT_EQ(Open(u"", Play), myStop) << "the end of the dialog ends the tune";
 }
 
 TEST_F(DialogLogic, ImportTune_CopyFails_LeavesNoneImported)
 {
+    const std::string myDialog = "Cargar sonido de fondo/Archivos MIDI (*.mid)|*.mid/30000/524292";
     const auto Import = [&](FormMainEvents& theEvents)
     {
         theEvents.lblMIDI_Click();
+        EXPECT_EQ(std::exchange(myWords, {}), Words{myDialog});
         myWindow.Chosen = myFolder.Logical(u"library\\Fiestas\\Vals.mid");
         theEvents.lblMIDI_Click();
+        EXPECT_EQ(std::exchange(myWords, {}), (Words{myDialog, "lblMIDI: Haga", "110"}));
         EXPECT_TRUE(myForm.Settings().myMIDIMode);
         myWindow.Chosen = myFolder.Logical(u"gone.mid");
         theEvents.lblMIDI_Click();
+        EXPECT_EQ(myWords, (Words{myDialog, "lblMIDI: Ning", "100"}));
         EXPECT_FALSE(myForm.Settings().myMIDIMode);
         EXPECT_TRUE(myFolder.Exists("qelpluginanimtemp/qelmid.mid"));
     };
-    const std::string myDialog = "Cargar sonido de fondo/Archivos MIDI (*.mid)|*.mid/30000/524292";
-    EXPECT_EQ(Open(u"", Import),
-              myDialog + "|" + myDialog + "|lblMIDI: Haga|110|" + myDialog + "|lblMIDI: Ning|100|" + myStop);
+    Open(u"", Import);
 }
 
 TEST_F(DialogLogic, Handler_FailureIsShownUnlessTheLogicCausedTheEvent)
@@ -120,7 +132,7 @@ TEST_F(DialogLogic, Handler_FailureIsShownUnlessTheLogicCausedTheEvent)
     {
         myFailing = "lblMIDI: Ning";
         theEvents.cmbMIDIFolder_Click();
-        EXPECT_TRUE(myWords.ends_with("lblMIDI: Ning|64Roto")) << myWords;
+        EXPECT_EQ(myWords.back(), "64Roto");
         myFailing = "64Roto";
         theEvents.cmdSetLink_Click(); // no database, and then no message either
     };
@@ -131,10 +143,10 @@ TEST_F(DialogLogic, Preview_LeavesAMarginAtEachSide)
 {
     myFolder.Write("library/Fiestas/Globo.gif", Gif(445, 20));
     Open(u"", {});
-    EXPECT_NE(myWindow.Opening.find("|435x20+5+84|"), std::string::npos) << myWindow.Opening;
+    EXPECT_EQ(std::ranges::count(myWindow.Opening, "435x20+5+84"), 2);
 }
 
-TEST_F(DialogLogic, Opening_NamesAStoredDateThatAPickerCannotShow)
+TEST_F(DialogLogic, Open_NamesAStoredDateThatAPickerCannotShow)
 {
     Text myDescription;
     try
@@ -151,7 +163,7 @@ TEST_F(DialogLogic, Opening_NamesAStoredDateThatAPickerCannotShow)
     EXPECT_FALSE(myWindow.WasSeen);
 }
 
-TEST(FitInto, KeepsProportionsAndRoundsHalvesToEven)
+TEST(PictureSize, FitInto_KeepsProportionsAndRoundsHalvesToEven)
 {
     using Case = std::tuple<PictureSize, double, double, PictureSize>;
     for (const auto& [myRoom, myWidth, myHeight, myFit] :

@@ -2,14 +2,12 @@
 /// with mouse and keys.
 #include "dialogHost.h"
 #include "Environment.h"
-#include "formTable.h"
 #include "madePictures.h"
 #include "resources/formLayout.h"
 #include "resources/stringTable.h"
 #include "TemporaryFolder.h"
 
-#include <malloc.h>
-#include <map>
+#include <fstream>
 #include <QFontInfo>
 #include <QHelpEvent>
 #include <QPushButton>
@@ -62,41 +60,43 @@ protected:
         return theStage;
     }
 
-    /// The script of some settings, from "name=value|name=value".
-    void Script(const QString& mySettings, const QString& myArchive = {}) const
+    using Settings = std::vector<std::pair<QString, QString>>;
+
+    void Script(const Settings& mySettings, const QString& myArchive = {}) const
     {
         QString myScript = "<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">";
         myScript += myArchive.isEmpty() ? "" : "<pg.file filename=\"" + myArchive + "\">";
-        for (const QString& mySetting : mySettings.split('|'))
+        for (const auto& [myName, myValue] : mySettings)
         {
-            myScript += QString("<pg.param name=\"%1\" value=\"%2\">")
-                            .arg(mySetting.section('=', 0, 0), mySetting.section('=', 1));
+            myScript += QString("<pg.param name=\"%1\" value=\"%2\">").arg(myName, myValue);
         }
         myHost->Script(myScript.toStdU16String());
     }
 
-    /// What the script stores of the settings named, "|" between them; "file" is the archive's name.
-    std::string Stored(const QString& myNames) const
+    using Texts = std::vector<std::string>;
+
+    /// What the script stores of some settings; of "file" the archive's name.
+    Texts Stored(const QStringList& myNames) const
     {
-        QStringList theValues;
         const QString myScript = QString::fromStdU16String(myHost->Script());
-        for (const QString& myName : myNames.split('|'))
+        Texts theValues;
+        for (const QString& myName : myNames)
         {
             const QString myMark = myName == "file" ? "filename=\"" : "name=\"" + myName + "\" value=\"";
-            theValues << (myScript.contains(myMark) ? myScript.section(myMark, 1).section('"', 0, 0) : "");
+            theValues.push_back(myScript.section(myMark, 1).section('"', 0, 0).toStdString());
         }
-        return theValues.join('|').toStdString();
+        return theValues;
     }
 
-    static std::string Entries(const char* myName)
+    static Texts Entries(const char* myName)
     {
-        QStringList theEntries;
+        Texts theEntries;
         const auto& myModel = *Control(myName).findChild<QAbstractItemModel*>();
         for (int i = 0; i < myModel.rowCount(); ++i)
         {
-            theEntries << myModel.index(i, 0).data().toString();
+            theEntries.push_back(myModel.index(i, 0).data().toString().toStdString());
         }
-        return theEntries.join('|').toStdString();
+        return theEntries;
     }
 
     /// The colour of a pixel of the preview, counted inside its border.
@@ -112,7 +112,10 @@ protected:
     {
         const QString myCaption = Control<QAbstractButton>(myButton).text();
         EXPECT_TRUE(myCaption.startsWith(myIsThere ? "Haga clic" : "Ning")) << myCaption.toStdString();
-        EXPECT_TRUE(myButton != std::string("lblImage") || PreviewIsEmpty() == !myIsThere);
+        if (myButton == std::string("lblImage"))
+        {
+            EXPECT_EQ(PreviewIsEmpty(), !myIsThere);
+        }
     }
 
     /// True in a process that runs this test alone, so that there is no application object yet. Elsewhere it starts
@@ -163,7 +166,7 @@ protected:
 
     const TemporaryFolder& myStage = Stage(); // made before the environment changes
     TemporaryFolder myFolder;
-    Environment myEnvironment{{"TMPDIR", myFolder.Native("tmp")},
+    Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native("tmp")},
                               {"QT_QPA_PLATFORM", "offscreen"},
                               {"XDG_CONFIG_HOME", myFolder.Native()},
                               {"PULSE_SERVER", "unix:/nowhere"}};
@@ -197,33 +200,33 @@ TEST_F(DialogTest, Open_WithoutAWindowSystem_FailsAndTouchesNothing)
     EXPECT_TRUE(myFolder.Exists("tmp/qelpluginanimtemp/stale"));
 }
 
-/// Expects the component's own font in each control, and that no caption is cut or covers another control.
-void ExpectLayout()
+/// Expects the component's own font in each control.
+void ExpectFonts()
 {
-    std::vector<std::pair<QWidget*, QRect>> myShown;
     for (const ControlLayout& myRow : MainFormControls)
     {
         SCOPED_TRACE(ToUtf8(myRow.Name));
-        QWidget& myWidget = Control(ToUtf8(myRow.Name).c_str());
-        const QRect myPlace = myWidget.geometry();
-        EXPECT_EQ(QFontInfo(myWidget.font()).pixelSize(), 11);
-        EXPECT_EQ(myWidget.font().weight(), myRow.FontWeight);
-        EXPECT_FALSE(myWidget.font().italic());
-        const auto* const myLabel = qobject_cast<QLabel*>(&myWidget);
-        const QSize myNeeds(myWidget.sizeHint().width(), myWidget.fontMetrics().height());
-        const QRect myInk = myRow.Kind == ControlKind::DatePicker // which keeps a margin at its left
-                                ? myWidget.childrenRect().translated(myPlace.topLeft())
-                                : myLabel == nullptr || myLabel->text().isEmpty()
-                                      ? myPlace
-                                      : QStyle::alignedRect(Qt::LeftToRight, myLabel->alignment(), myNeeds, myPlace);
-        EXPECT_TRUE(myRow.Caption.empty() || myPlace.contains(QRect(myPlace.topLeft(), myNeeds)));
-        for (const auto& [myOther, myOtherInk] : myShown)
-        {
-            EXPECT_FALSE(myWidget.isVisible() && myOther->isVisible() && myOther->parent() == myWidget.parent() &&
-                         myOtherInk.intersects(myInk))
-                << myOther->objectName().toStdString();
-        }
-        myShown.emplace_back(&myWidget, myInk);
+        const QFont myFont = Control(ToUtf8(myRow.Name).c_str()).font();
+        EXPECT_EQ(QFontInfo(myFont).pixelSize(), 11);
+        EXPECT_EQ(myFont.weight(), myRow.FontWeight);
+        EXPECT_FALSE(myFont.italic());
+    }
+}
+
+/// Expects that every text shows as a whole in the place of its control.
+void ExpectCaptionsFit()
+{
+    for (const QLabel* const myLabel : DialogUser::Front()->findChildren<QLabel*>())
+    {
+        const bool myIsShown = myLabel->isVisible() && !myLabel->text().isEmpty();
+        EXPECT_LE(myIsShown ? myLabel->sizeHint().width() : 0, myLabel->width()) << myLabel->text().toStdString();
+    }
+    for (const QAbstractButton* const myButton : DialogUser::Front()->findChildren<QAbstractButton*>())
+    {
+        const QRect myNeed = myButton->fontMetrics().boundingRect(QRect(0, 0, myButton->width(), 999), Qt::TextWordWrap,
+                                                                  myButton->text());
+        EXPECT_LE(myNeed.height(), myButton->height()) << myButton->text().toStdString();
+        EXPECT_LE(myNeed.width(), myButton->width()) << myButton->text().toStdString();
     }
 }
 
@@ -247,9 +250,10 @@ TEST_F(DialogTest, Open_KeepsTheHostsApplication)
         Dialog(
             []
             {
-                ExpectLayout();
+                ExpectFonts();
+                ExpectCaptionsFit();
                 Work("cmbImageFolder=(personalizado)|cmbMIDIFolder=(personalizado)");
-                ExpectLayout();
+                ExpectCaptionsFit();
                 EXPECT_EQ(Control("lblImage").grab().toImage().pixelColor(150, 78), QColor(Qt::white));
                 EXPECT_EQ(Preview(200, 90), QColor(Qt::white));
                 Click("lblImage");
@@ -259,7 +263,7 @@ TEST_F(DialogTest, Open_KeepsTheHostsApplication)
          {
              EXPECT_EQ(DialogUser::Front()->windowTitle(), "Cargar motivo de animación");
              EXPECT_EQ(Entries("fileTypeCombo"),
-                       "Todos los formatos de imágenes|archivos GIF (*.gif)| archivos JPEG (*.jpg)");
+                       (Texts{"Todos los formatos de imágenes", "archivos GIF (*.gif)", " archivos JPEG (*.jpg)"}));
              static_cast<QDialog*>(DialogUser::Front())->reject();
          }},
         Do("cmdCancel"),
@@ -269,25 +273,48 @@ TEST_F(DialogTest, Open_KeepsTheHostsApplication)
     EXPECT_TRUE(QApplication::quitOnLastWindowClosed());
 }
 
-/// The controls of the table that take the focus from the Tab key, in its order.
-std::string TabOrder(const std::vector<FormTableRow>& myTable)
+/// The columns of tests/data/form.csv, which describes the form apart from the code. Lengths in twips, 15 to the pixel.
+enum Column
 {
-    QStringList theNames;
-    const auto Add = [&](const QString& myName)
+    Tab, ///< "none": not in the order
+    Name,
+    Kind,
+    Caption,
+    AccessKey,
+    Left,
+    Top,
+    Width,
+    Height,
+    Parent ///< the box that the control lies in; empty: the form
+};
+
+std::vector<QStringList> FormTable()
+{
+    std::vector<QStringList> theRows;
+    std::ifstream myFile(QEL_TEST_DATA "/form.csv", std::ios::binary);
+    std::string myLine;
+    for (std::getline(myFile, myLine); std::getline(myFile, myLine);)
     {
-        const bool myIsThere = std::any_of(myTable.begin(), myTable.end(),
-                                           [&](const FormTableRow& r) { return r.Name == myName.toStdString(); });
-        return myIsThere && (theNames << myName, true);
-    };
+        theRows.push_back(QString::fromStdString(myLine).split(';'));
+    }
+    return theRows;
+}
+
+/// The names that take the focus from the Tab key, in its order.
+QStringList TabOrder(const QStringList& myNames)
+{
+    QStringList theOrder;
     for (QWidget* w = DialogUser::Front()->nextInFocusChain(); w != DialogUser::Front(); w = w->nextInFocusChain())
     {
-        if ((w->focusPolicy() & Qt::TabFocus) != 0)
+        // A part of a control has its own name.
+        const QString myName = myNames.contains(w->objectName()) ? w->objectName() : w->parentWidget()->objectName();
+        if ((w->focusPolicy() & Qt::TabFocus) != 0 && myNames.contains(myName))
         {
-            Add(w->objectName()) || Add(w->parentWidget()->objectName()); // a part of a control has its own name
+            theOrder << myName;
         }
     }
-    theNames.removeDuplicates();
-    return theNames.join(' ').toStdString();
+    theOrder.removeDuplicates();
+    return theOrder;
 }
 
 TEST_F(DialogTest, Form_IsTheOneOfTheTable)
@@ -295,35 +322,31 @@ TEST_F(DialogTest, Form_IsTheOneOfTheTable)
     myHost->CallBack({Dialog(
         []
         {
-            const std::vector<FormTableRow> myTable = FormTable();
-            std::map<int, std::string> myNames;
-            for (const FormTableRow& myRow : myTable)
+            QMap<int, QString> myOrder;
+            for (const QStringList& myRow : FormTable())
             {
-                SCOPED_TRACE(myRow.Name);
-                QWidget& myWidget = Control(myRow.Name.c_str());
-                EXPECT_EQ(myWidget.parentWidget()->objectName().toStdString(),
-                          myRow.Parent.empty() ? "FormMain" : myRow.Parent);
-                EXPECT_EQ(myWidget.geometry(),
-                          QRect(myRow.Left / 15, myRow.Top / 15, myRow.Width / 15, myRow.Height / 15));
-                if (myRow.Caption != u"**") // which an import box replaces
+                SCOPED_TRACE(myRow[Name].toStdString());
+                QWidget& myWidget = Control(myRow[Name].toStdString().c_str());
+                EXPECT_EQ(myWidget.parentWidget()->objectName(), myRow[Parent].isEmpty() ? "FormMain" : myRow[Parent]);
+                const auto Pixels = [&](Column myColumn)
                 {
-                    EXPECT_EQ(myWidget.property("text").toString().toStdString(), ToUtf8(myRow.Caption));
+                    return myRow[myColumn].toInt() / 15;
+                };
+                EXPECT_EQ(myWidget.geometry(), QRect(Pixels(Left), Pixels(Top), Pixels(Width), Pixels(Height)));
+                const bool myIsImport = myRow[Caption] == "**"; // which an import box replaces
+                if (!myIsImport)
+                {
+                    EXPECT_EQ(myWidget.property("text").toString(), myRow[Caption]);
                 }
-                const QString myKey = QString::fromStdString(myRow.AccessKey);
                 EXPECT_EQ(myWidget.property("shortcut").value<QKeySequence>(),
-                          myKey.isEmpty() ? QKeySequence() : QKeySequence("Alt+" + myKey));
-                if ((myRow.Kind != "label" && myRow.Kind != "picture box") || myRow.Caption == u"**")
+                          myRow[AccessKey].isEmpty() ? QKeySequence() : QKeySequence("Alt+" + myRow[AccessKey]));
+                if (myRow[Tab] != "none" && (myIsImport || (myRow[Kind] != "label" && myRow[Kind] != "picture box")))
                 {
-                    myNames[myRow.TabIndex] += myRow.Name;
+                    myOrder[myRow[Tab].toInt()] = myRow[Name];
                 }
             }
-            myNames.erase(-1);
-            std::string myOrder;
-            for (const auto& [myIndex, myName] : myNames)
-            {
-                myOrder += (myOrder.empty() ? "" : " ") + myName;
-            }
-            EXPECT_EQ(TabOrder(myTable), myOrder);
+            const QStringList myNames = QStringList(myOrder.values());
+            EXPECT_EQ(TabOrder(myNames), myNames) << TabOrder(myNames).join(' ').toStdString();
             EXPECT_EQ(DialogUser::Front()->windowTitle(), "Tesselwind");
             EXPECT_EQ(DialogUser::Front()->size(), QSize(480, 560));
             Click("cmdCancel");
@@ -336,47 +359,43 @@ TEST_F(DialogTest, Confirm_NewModule_HasTheFirstMotifAndTune)
     EXPECT_TRUE(myHost->CallBack({Dialog(
         [&]
         {
-            const std::string myFolders = "Fiestas|Solo tonos|animales|leame.txt|(personalizado)";
+            const Texts myFolders = {"Fiestas", "Solo tonos", "animales", "leame.txt", "(personalizado)"};
             EXPECT_EQ(Entries("cmbImageFolder"), myFolders);
             EXPECT_EQ(Entries("cmbMIDIFolder"), myFolders);
-            EXPECT_EQ(Entries("lstImage"), "Globo|Vela.azul|globo");
-            EXPECT_EQ(Entries("lstMIDI"), "Vals");
+            EXPECT_EQ(Entries("lstImage"), (Texts{"Globo", "Vela.azul", "globo"}));
+            EXPECT_EQ(Entries("lstMIDI"), (Texts{"Vals"}));
             EXPECT_TRUE(Control<QAbstractButton>("chkImage").isChecked());
             EXPECT_FALSE(Control<QAbstractButton>("DateFromSwitch").isChecked());
             EXPECT_FALSE(Control("cmdUnsetLink").isEnabled());
             EXPECT_TRUE(fs::is_empty(myFolder.Native("tmp/qelpluginanimtemp")));
             Key(Qt::Key_Return);
         })}));
-    EXPECT_EQ(Stored("image|imagefolder|midi|midifolder|imagemode|from|to|file|link"),
-              "Globo.gif|Fiestas|Vals.mid|Fiestas|none|0|0||");
+    EXPECT_EQ(Stored({"image", "imagefolder", "midi", "midifolder", "imagemode", "from", "to", "file", "link"}),
+              (Texts{"Globo.gif", "Fiestas", "Vals.mid", "Fiestas", "none", "0", "0", "", ""}));
 }
 
 TEST_F(DialogTest, Open_SelectsTheLastNameThatMatchesElseTheFirst)
 {
     const struct
     {
-        const char* Settings;
+        QString StoredFolder, StoredImage;
         const char* Folder;
         int Row;
     } Cases[] = {
-        {"imagefolder=FIESTAS|image=GLOBO.gif", "Fiestas", 2},
-        {"imagefolder=fiestas|image=Vela.azul.gif", "Fiestas", 1},
-        {"imagefolder=Fiestas|image=gone.gif", "Fiestas", 0},
-        {"imagefolder=gone|image=globo.gif", "Fiestas", 2},
-        {"imagefolder=leame.txt|image=x.gif", "leame.txt", -1},
-        {"imagefolder=(PERSONALIZADO)", "(personalizado)", -1},
-        {"imagefolder=(USER)", "(personalizado)", -1},
-        {"imagefolder=(user)", "Fiestas", 0},
+        {"FIESTAS", "GLOBO.gif", "Fiestas", 2},  {"fiestas", "Vela.azul.gif", "Fiestas", 1},
+        {"Fiestas", "gone.gif", "Fiestas", 0},   {"gone", "globo.gif", "Fiestas", 2},
+        {"leame.txt", "x.gif", "leame.txt", -1}, {"(PERSONALIZADO)", "", "(personalizado)", -1},
+        {"(USER)", "", "(personalizado)", -1},   {"(user)", "", "Fiestas", 0},
     };
     for (const auto& myCase : Cases)
     {
-        Script(myCase.Settings);
+        Script({{"imagefolder", myCase.StoredFolder}, {"image", myCase.StoredImage}});
+        SCOPED_TRACE(myCase.StoredFolder.toStdString());
         myHost->CallBack({Dialog(
             [&]
             {
                 const auto& myList = Control<QListWidget>("lstImage");
-                EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText().toStdString(), myCase.Folder)
-                    << myCase.Settings;
+                EXPECT_EQ(Control<QComboBox>("cmbImageFolder").currentText(), myCase.Folder);
                 EXPECT_EQ(myList.selectedItems().isEmpty() ? -1 : myList.row(myList.selectedItems()[0]), myCase.Row);
                 Click("cmdCancel");
             })});
@@ -407,7 +426,7 @@ TEST_F(DialogTest, Browse_ShowsListsBoxesAndPreview)
             Pick("lstImage", "Vela.azul");
 
             Pick("cmbImageFolder", "Solo tonos"); // has no motif: what showed before stays
-            EXPECT_EQ(Entries("lstImage"), "");
+            EXPECT_EQ(Entries("lstImage"), (Texts{}));
             EXPECT_EQ(Preview(222, 94), QColor(0, 0, 255));
             Pick("cmbImageFolder", "animales"); // has one that cannot be read
             EXPECT_TRUE(PreviewIsEmpty());
@@ -418,10 +437,10 @@ TEST_F(DialogTest, Browse_ShowsListsBoxesAndPreview)
             EXPECT_FALSE(Control("lstImage").isVisible());
             ExpectImport("lblImage", false);
             Work("cmbImageFolder=leame.txt|cmbMIDIFolder=Solo tonos");
-            EXPECT_EQ(Entries("lstMIDI"), "Minueto");
+            EXPECT_EQ(Entries("lstMIDI"), (Texts{"Minueto"}));
             Work("cmbMIDIFolder=animales|cmdOK");
         })}));
-    EXPECT_EQ(Stored("image|imagefolder|midi|midifolder"), ".gif|leame.txt|.mid|animales");
+    EXPECT_EQ(Stored({"image", "imagefolder", "midi", "midifolder"}), (Texts{".gif", "leame.txt", ".mid", "animales"}));
 }
 
 TEST_F(DialogTest, Import_IsStagedByItsSizeAndEnding)
@@ -456,10 +475,12 @@ TEST_F(DialogTest, Import_IsStagedByItsSizeAndEnding)
         }
         mySteps.push_back(Dialog([&] { ExpectImport("lblImage", myIsThere), Click("cmdCancel"); }));
         EXPECT_FALSE(myHost->CallBack(std::move(mySteps)));
-        EXPECT_EQ(Stored("imagemode|image"), myCase.Mode.toStdString() + "|");
-        const QImage myImage(QString::fromStdString(myFolder.Native(myStaged)));
-        EXPECT_TRUE(!myIsThere || !myCase.Shrunk.isValid() || myImage.size() == myCase.Shrunk);
+        EXPECT_EQ(Stored({"imagemode", "image"}), (Texts{myCase.Mode.toStdString(), ""}));
         EXPECT_EQ(myFolder.Read(myStaged) == myCase.Content, myIsThere && !myCase.Shrunk.isValid());
+        if (myIsThere && myCase.Shrunk.isValid())
+        {
+            EXPECT_EQ(QImage(QString::fromStdString(myFolder.Native(myStaged))).size(), myCase.Shrunk);
+        }
     }
 }
 
@@ -482,7 +503,8 @@ TEST_F(DialogTest, Import_SurvivesCommitAndReopening)
         Dialog(
             [&]
             {
-                EXPECT_EQ(Stored("imagemode|midimode|image|midi"), "gif|1|qelspr.gif|"); // of the refused commit
+                EXPECT_EQ(Stored({"imagemode", "midimode", "image", "midi"}),
+                          (Texts{"gif", "1", "qelspr.gif", ""})); // of the refused commit
                 Click("lblImage");
             }),
         File(myFolder.Native("mine.jpg")),
@@ -494,8 +516,9 @@ TEST_F(DialogTest, Import_SurvivesCommitAndReopening)
                 Key(Qt::Key_Return);
             }),
     }));
-    EXPECT_EQ(Stored("image|imagefolder|midi|midifolder|imagemode|midimode|showimage|playmidi|file"),
-              "qelspr.jpg|(USER)|qelmid.mid|(USER)|jpg|1|1|0|m7.dat");
+    EXPECT_EQ(Stored({"image", "imagefolder", "midi", "midifolder", "imagemode", "midimode", "showimage", "playmidi",
+                      "file"}),
+              (Texts{"qelspr.jpg", "(USER)", "qelmid.mid", "(USER)", "jpg", "1", "1", "0", "m7.dat"}));
     const std::string myArchive = myFolder.Read("data/m7.dat");
     EXPECT_EQ(myArchive.find("qelspr.gif"), std::string::npos);
 
@@ -509,7 +532,8 @@ TEST_F(DialogTest, Import_SurvivesCommitAndReopening)
             ExpectImport("lblImage", true), ExpectImport("lblMIDI", true);
             Work("cmbImageFolder=Fiestas|cmbMIDIFolder=Fiestas|cmdOK");
         })}));
-    EXPECT_EQ(Stored("image|imagefolder|imagemode|midimode|file"), "Globo.gif|Fiestas|jpg|1|m7.dat");
+    EXPECT_EQ(Stored({"image", "imagefolder", "imagemode", "midimode", "file"}),
+              (Texts{"Globo.gif", "Fiestas", "jpg", "1", "m7.dat"}));
     EXPECT_EQ(myFolder.Read("data/m7.dat").size(), myArchive.size());
 }
 
@@ -517,30 +541,30 @@ TEST_F(DialogTest, Import_QuestionCancelledOrArchiveLost_LeavesNoneImported)
 {
     myFolder.Write("data/m7.dat", "");
     myFolder.Write("big.gif", Gif(400, 20));
-    Script("imagefolder=(USER)|midifolder=(USER)|imagemode=jpg|midimode=1", "m7.dat");
+    Script({{"imagefolder", "(USER)"}, {"midifolder", "(USER)"}, {"imagemode", "jpg"}, {"midimode", "1"}}, "m7.dat");
     EXPECT_FALSE(myHost->CallBack({
         Do("lblImage"),
         File(myFolder.Native("big.gif")),
         Message(Text(LoadResString(StringId::ImageIsTooLarge)), QMessageBox::Cancel, QMessageBox::Question),
         Dialog([] { ExpectImport("lblImage", false), Click("cmdCancel"); }),
     }));
-    EXPECT_EQ(Stored("imagemode"), "none");
+    EXPECT_EQ(Stored({"imagemode"}), (Texts{"none"}));
 
     fs::remove(myFolder.Native("data/m7.dat"));
-    Script("imagefolder=(USER)|midifolder=(USER)|imagemode=jpg|midimode=1", "m7.dat");
+    Script({{"imagefolder", "(USER)"}, {"midifolder", "(USER)"}, {"imagemode", "jpg"}, {"midimode", "1"}}, "m7.dat");
     EXPECT_FALSE(myHost->CallBack({Dialog(
         []
         {
             ExpectImport("lblImage", false), ExpectImport("lblMIDI", false);
             Key(Qt::Key_Escape);
         })}));
-    EXPECT_EQ(Stored("imagefolder|midifolder|imagemode|midimode|file"),
-              "(personalizado)|(personalizado)|none|0|m7.dat");
+    EXPECT_EQ(Stored({"imagefolder", "midifolder", "imagemode", "midimode", "file"}),
+              (Texts{"(personalizado)", "(personalizado)", "none", "0", "m7.dat"}));
 }
 
 TEST_F(DialogTest, LinkAndPeriod_TakeEffectInTheirTime)
 {
-    Script("link=URL:old|from=40000|to=0|midifolder=(USER)|midimode=1");
+    Script({{"link", "URL:old"}, {"from", "40000"}, {"to", "0"}, {"midifolder", "(USER)"}, {"midimode", "1"}});
     myHost->Records->Link = u"URL:new";
     EXPECT_FALSE(myHost->CallBack({
         Dialog(
@@ -569,27 +593,28 @@ TEST_F(DialogTest, LinkAndPeriod_TakeEffectInTheirTime)
         Message(Text(ErrorDescription(0xBAD))),
         Dialog([] { DialogUser::Front()->close(); }),
     }));
-    EXPECT_EQ(Stored("link|from|to|image"), "URL:new|40000|39999|Globo.gif"); // Cancel takes nothing of it back
+    EXPECT_EQ(Stored({"link", "from", "to", "image"}),
+              (Texts{"URL:new", "40000", "39999", "Globo.gif"})); // Cancel takes nothing of it back
     const Step myAgree = Dialog([] { Type("DateToDay", "6/7/2009"), Key(Qt::Key_Enter); });
     EXPECT_TRUE(myHost->CallBack({myAgree}));
-    EXPECT_EQ(Stored("from|to"), "40000|40000");
+    EXPECT_EQ(Stored({"from", "to"}), (Texts{"40000", "40000"}));
 }
 
 TEST_F(DialogTest, Commit_ArchiveCannotBeWritten_ShowsAMessage)
 {
-    Script("midifolder=(USER)|midimode=1");
+    Script({{"midifolder", "(USER)"}, {"midimode", "1"}});
     myHost->Records->DataFolder = u"/nowhere/";
     EXPECT_FALSE(myHost->CallBack({
         Do("cmdOK"),
         Message(u"No se han podido guardar los archivos importados en \"/nowhere/m7.dat\": No se encuentra la ruta."),
         Do("cmdCancel"),
     }));
-    EXPECT_EQ(Stored("midi|midimode|file"), "qelmid.mid|1|");
+    EXPECT_EQ(Stored({"midi", "midimode", "file"}), (Texts{"qelmid.mid", "1", ""}));
 }
 
 TEST_F(DialogTest, Open_Failure_IsAFailedCallAndTheNextOneSucceeds)
 {
-    Script("from=-150000"); // in 1489
+    Script({{"from", "-150000"}}); // in 1489
     EXPECT_FALSE(myHost->CallBack({}, QEL_RESULT(0x800A0005U)));
     myHost->Script(u"");
     const Step myTwice = Dialog([&] { myHost->CallBack({}, QEL_RESULT(0x800A0005U)), Click("cmdCancel"); });
@@ -627,8 +652,8 @@ TEST_F(DialogTest, Keyboard_ReachesEverything)
                                          {"lblImage", Qt::Key_Return}}),
                                   File(myFolder.Native("mine.gif")), Press({{"lblMIDI", Qt::Key_Enter}}),
                                   File(myFolder.Native("mine.mid")), Press({{"chkImage", Qt::Key_Return}})}));
-    EXPECT_EQ(Stored("image|midi|playmidi|link"), "qelspr.gif|qelmid.mid|0|URL:x");
-    EXPECT_NE(Stored("from"), "0");
+    EXPECT_EQ(Stored({"image", "midi", "playmidi", "link"}), (Texts{"qelspr.gif", "qelmid.mid", "0", "URL:x"}));
+    EXPECT_NE(Stored({"from"}), Texts{"0"});
 }
 
 TEST_F(DialogTest, Enter_ConfirmsExceptOnAnotherButton)
@@ -641,7 +666,7 @@ TEST_F(DialogTest, Enter_ConfirmsExceptOnAnotherButton)
     {
         const bool myIsButton = myPlace.startsWith("cmd") || myPlace.startsWith("ToolbarPlay");
         const bool myConfirms = !myIsButton || myPlace == "cmdOK";
-        Script("link=URL:x|from=1|to=1");
+        Script({{"link", "URL:x"}, {"from", "1"}, {"to", "1"}});
         const auto Press = [&]
         {
             std::for_each(myPlaces.begin(), std::find(myPlaces.begin(), myPlaces.end(), myPlace),
@@ -652,7 +677,7 @@ TEST_F(DialogTest, Enter_ConfirmsExceptOnAnotherButton)
         };
         EXPECT_EQ(myHost->CallBack({Dialog(Press)}), myConfirms) << myPlace.toStdString();
     }
-    EXPECT_EQ(Stored("showimage|playmidi|from|to"), "1|1|1|1");
+    EXPECT_EQ(Stored({"showimage", "playmidi", "from", "to"}), (Texts{"1", "1", "1", "1"}));
 }
 
 TEST_F(DialogTest, Play_ByDoubleClickAndToolButtons)
@@ -687,12 +712,10 @@ TEST_F(DialogTest, Help_ByTheKeyInEveryControl)
     const HelpViewer myViewer(myFolder);
     for (const char* const myPlace : {"cmbImageFolder", "lstImage", "DateFromSwitch", "cmdOK"})
     {
-        // Without a window manager the toolkit needs a moment until a shortcut reaches the window.
         myHost->CallBack({Dialog(
             [&]
             {
                 TabTo(myPlace);
-                QTest::qWait(200);
                 Key(Qt::Key_F1);
                 EXPECT_TRUE(myViewer.IsAsked()) << myPlace;
                 Click("cmdCancel");
@@ -716,7 +739,7 @@ TEST_F(DialogTest, ScreenReader_EveryControlWithFocusHasAName)
         {"lblMIDI", "Ningún sonido de fondo seleccionado. Haga clic aquí para importar un clip en formato MIDI como "
                     "sonido de fondo."},
     };
-    Script("link=URL:x|from=1|to=1");
+    Script({{"link", "URL:x"}, {"from", "1"}, {"to", "1"}});
     myHost->CallBack({Dialog(
         [&]
         {
@@ -726,9 +749,8 @@ TEST_F(DialogTest, ScreenReader_EveryControlWithFocusHasAName)
                 myIsImport ? Pick("cmbMIDIFolder", "(personalizado)") : void();
                 TabTo(myPlace);
                 EXPECT_EQ(NameForAScreenReader(*QApplication::focusWidget()), myName) << myPlace;
-                EXPECT_TRUE(!myIsImport ||
-                            QAccessible::queryAccessibleInterface(&Control(myPlace))->role() == QAccessible::Button);
             }
+            EXPECT_EQ(QAccessible::queryAccessibleInterface(&Control("lblMIDI"))->role(), QAccessible::Button);
             EXPECT_EQ(Control("ToolbarPlay1").toolTip(), "Reproducir música");
             Click("cmdCancel");
         })});
@@ -774,7 +796,7 @@ TEST_F(DialogTest, Date_Typed_IsStored)
     for (const auto& myCase : Cases)
     {
         SCOPED_TRACE(myCase.Typed.toStdString());
-        Script("from=40971|to=2958465"); // from 3 March 2012
+        Script({{"from", "40971"}, {"to", "2958465"}}); // from 3 March 2012
         EXPECT_TRUE(myHost->CallBack({Dialog(
             [&]
             {
@@ -785,11 +807,11 @@ TEST_F(DialogTest, Date_Typed_IsStored)
                 QTest::keyClicks(QApplication::focusWidget(), myCase.Typed.size() > 2 ? myCase.Typed : myCase.Shown);
                 Key(Qt::Key_Return);
             })}));
-        EXPECT_EQ(Stored("from|to"), myCase.Stored.toStdString() + "|2958465");
+        EXPECT_EQ(Stored({"from", "to"}), (Texts{myCase.Stored.toStdString(), "2958465"}));
     }
-    Script("from=40971");
+    Script({{"from", "40971"}});
     EXPECT_TRUE(myHost->CallBack({Dialog([] { Type("DateFromDay", "5/1/2027"), Click("cmdOK"); })}));
-    EXPECT_EQ(Stored("from"), "46392"); // without leaving the field
+    EXPECT_EQ(Stored({"from"}), (Texts{"46392"})); // without leaving the field
 }
 
 TEST_F(DialogTest, Date_TypedTextThatIsNoDay_IsRefused)
@@ -808,7 +830,7 @@ TEST_F(DialogTest, Date_TypedTextThatIsNoDay_IsRefused)
                  {"1/13/2027", "1/13/2027"},   {"31/12/1600", "31/12/1600"}, {"5/1/27", "5/1/27"}};
     for (const auto& myCase : Cases)
     {
-        Script("from=40971|image=kept.gif");
+        Script({{"from", "40971"}, {"image", "kept.gif"}});
         EXPECT_TRUE(myHost->CallBack({
             Dialog(
                 [&]
@@ -823,7 +845,7 @@ TEST_F(DialogTest, Date_TypedTextThatIsNoDay_IsRefused)
             Dialog(
                 [&]
                 {
-                    EXPECT_EQ(Stored("image|from"), "kept.gif|40971"); // the commit has not begun
+                    EXPECT_EQ(Stored({"image", "from"}), (Texts{"kept.gif", "40971"})); // the commit has not begun
                     EXPECT_EQ(QApplication::focusWidget(), &Control("DateFromDay"));
                     EXPECT_EQ(DayText("DateFromDay"), myCase.Shown);
                     QTest::keyClicks(QApplication::focusWidget(), "5/1/2027");
@@ -831,13 +853,13 @@ TEST_F(DialogTest, Date_TypedTextThatIsNoDay_IsRefused)
                     Click("cmdOK");
                 }),
         }));
-        EXPECT_EQ(Stored("from"), "46392");
+        EXPECT_EQ(Stored({"from"}), (Texts{"46392"}));
     }
 }
 
 TEST_F(DialogTest, Date_RefusedText_DoesNotCountOnceSwitchedOff)
 {
-    Script("from=0|to=40971");
+    Script({{"from", "0"}, {"to", "40971"}});
     EXPECT_TRUE(myHost->CallBack({Dialog(
         []
         {
@@ -845,7 +867,7 @@ TEST_F(DialogTest, Date_RefusedText_DoesNotCountOnceSwitchedOff)
             EXPECT_EQ(DayText("DateToDay"), "03/03/2012");
             Click("cmdOK");
         })}));
-    EXPECT_EQ(Stored("from|to"), "0|0");
+    EXPECT_EQ(Stored({"from", "to"}), (Texts{"0", "0"}));
 }
 
 TEST_F(DialogTest, Date_ArrowKeysChangeThePartAtTheCursor)
@@ -861,7 +883,7 @@ TEST_F(DialogTest, Date_ArrowKeysChangeThePartAtTheCursor)
         {{Qt::Key_Right, Qt::Key_Right, Qt::Key_PageDown}, "03/03/2002"},
         {{Qt::Key_Right, Qt::Key_Right, Qt::Key_Left, Qt::Key_PageUp}, "03/01/2013"},
     };
-    Script("from=40971");
+    Script({{"from", "40971"}});
     for (const auto& myCase : Cases)
     {
         myHost->CallBack({Dialog(
@@ -877,7 +899,7 @@ TEST_F(DialogTest, Date_ArrowKeysChangeThePartAtTheCursor)
 
 TEST_F(DialogTest, Date_KeysOpenTheCalendarAndChooseADay)
 {
-    Script("from=40971");
+    Script({{"from", "40971"}});
     EXPECT_TRUE(myHost->CallBack({Dialog(
         []
         {
@@ -897,12 +919,12 @@ TEST_F(DialogTest, Date_KeysOpenTheCalendarAndChooseADay)
             EXPECT_EQ(DayText("DateFromDay"), "04/03/2012");
             Click("cmdOK");
         })}));
-    EXPECT_EQ(Stored("from"), "40972");
+    EXPECT_EQ(Stored({"from"}), (Texts{"40972"}));
 }
 
 TEST_F(DialogTest, Wheel_ChangesOnlyWhatHasTheFocus)
 {
-    Script("from=40971");
+    Script({{"from", "40971"}});
     myHost->CallBack({Dialog(
         []
         {
@@ -912,7 +934,7 @@ TEST_F(DialogTest, Wheel_ChangesOnlyWhatHasTheFocus)
             EXPECT_EQ(myFolders.currentText(), "Fiestas");
             EXPECT_EQ(DayText("DateFromDay"), "03/03/2012");
             TabTo("cmbMIDIFolder"), TurnWheel(myFolders);
-            EXPECT_EQ(Entries("lstMIDI"), "Minueto");
+            EXPECT_EQ(Entries("lstMIDI"), (Texts{"Minueto"}));
             TabTo("DateFromDay"), TurnWheel(Control("DateFromDay"));
             EXPECT_EQ(DayText("DateFromDay"), "02/03/2012");
             Click("cmdCancel");
@@ -924,7 +946,7 @@ TEST_F(DialogTest, ToolTip_OfANameThatDoesNotFit)
     const QString myLong = QString("Un nombre que no cabe en ninguna lista ").repeated(2) + "larga";
     myFolder.Write("library/" + myLong.toStdString() + "/" + myLong.toStdString() + ".gif", Gif(9, 9));
     myFolder.Write("library/" + myLong.toStdString() + "/Breve.gif", Gif(9, 9));
-    Script("imagefolder=" + myLong);
+    Script({{"imagefolder", myLong}});
     myHost->CallBack({Dialog(
         [&]
         {
@@ -953,16 +975,16 @@ TEST_F(DialogTest, FileDialog_StartsAtTheLastImportAndIsSpanish)
     {
         auto& myDialog = *static_cast<QFileDialog*>(DialogUser::Front());
         EXPECT_EQ(myDialog.directory().absolutePath().toStdString(), myFolder.Native("one"));
-        QStringList myTexts;
+        Texts myTexts;
         const auto& myColumns = *myDialog.findChild<QAbstractItemView*>("treeView")->model();
         for (int i = 0; i < myColumns.columnCount(); ++i)
         {
-            myTexts << myColumns.headerData(i, Qt::Horizontal).toString();
+            myTexts.push_back(myColumns.headerData(i, Qt::Horizontal).toString().toStdString());
         }
-        myTexts << myDialog.findChild<QAbstractButton*>("backButton")->toolTip();
-        myTexts << myDialog.findChild<QLabel*>("lookInLabel")->text().remove('&');
-        myTexts << myDialog.findChild<QPushButton*>()->text().remove('&');
-        EXPECT_EQ(myTexts.join('|').toStdString(), "Nombre|Tamaño|Tipo|Modificado|Atrás|Buscar en:|Abrir");
+        EXPECT_EQ(myTexts, (Texts{"Nombre", "Tamaño", "Tipo", "Modificado"}));
+        EXPECT_EQ(myDialog.findChild<QAbstractButton*>("backButton")->toolTip(), "Atrás");
+        EXPECT_EQ(myDialog.findChild<QLabel*>("lookInLabel")->text().remove('&'), "Buscar en:");
+        EXPECT_EQ(myDialog.findChild<QPushButton*>()->text().remove('&'), "Abrir");
         myDialog.reject();
     };
     EXPECT_FALSE(myHost->CallBack({
@@ -972,24 +994,6 @@ TEST_F(DialogTest, FileDialog_StartsAtTheLastImportAndIsSpanish)
         Step{"CommonDialog", StartsThere},
         Do("cmdCancel"),
     }));
-}
-
-/// Expects that every text shows as a whole in the place of its control.
-void ExpectCaptionsFit()
-{
-    for (const QLabel* const myLabel : DialogUser::Front()->findChildren<QLabel*>())
-    {
-        EXPECT_TRUE(!myLabel->isVisible() || myLabel->text().isEmpty() ||
-                    myLabel->sizeHint().width() <= myLabel->width())
-            << myLabel->text().toStdString();
-    }
-    for (const QAbstractButton* const myButton : DialogUser::Front()->findChildren<QAbstractButton*>())
-    {
-        const QRect myNeed = myButton->fontMetrics().boundingRect(QRect(0, 0, myButton->width(), 999), Qt::TextWordWrap,
-                                                                  myButton->text());
-        EXPECT_TRUE(myNeed.height() <= myButton->height() && myNeed.width() <= myButton->width())
-            << myButton->text().toStdString();
-    }
 }
 
 TEST_F(DialogTest, Captions_FitInAnyFont)
@@ -1033,23 +1037,6 @@ TEST_F(DialogTest, Form_OnASmallScreen_ShowsItsTopLeftCorner)
             EXPECT_EQ(DialogUser::Front()->frameGeometry().topLeft(), QPoint(0, 0));
             Click("cmdCancel");
         })});
-}
-
-TEST_F(DialogTest, Open_AHundredTimes_DoesNotGrow)
-{
-    const auto BytesAfterAHundred = [&]
-    {
-        for (int i = 0; i < 100; ++i)
-        {
-            myHost->CallBack({Do("cmdCancel")});
-        }
-        return static_cast<int64_t>(mallinfo2().uordblks);
-    };
-    const int64_t myBefore = BytesAfterAHundred(); // the toolkit's caches are full now
-    const auto myWidgets = QApplication::allWidgets().size();
-    const int64_t myAfter = BytesAfterAHundred();
-    EXPECT_EQ(QApplication::allWidgets().size(), myWidgets);
-    EXPECT_LT(myAfter - myBefore, 100 * 500); // any widget takes more than 500 bytes
 }
 
 TEST_F(DialogTest, About_ShowsTheComponent)

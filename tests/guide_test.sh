@@ -10,6 +10,7 @@ sources=$3
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 export XDG_DATA_HOME="$folder/data" XDG_DATA_DIRS="$folder" TMPDIR="$folder"
+export BROWSER=true # what the README opens its page with here
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 fail() { echo "$1" >&2 && exit 1; }
 

@@ -299,18 +299,14 @@ TEST_F(Module, Start_WithoutATemporaryPathWorksInTheComponentsFolder)
 
 TEST_F(Module, Script_IsWrittenInItsOrderAndResetKeepsOnlyTheLink)
 {
-    const Text myExample = Params({{u"image", u"Globo.gif"},
-                                   {u"imagefolder", u"Fiestas"},
-                                   {u"midi", u"qelmid.mid"},
-                                   {u"midifolder", u"(USER)"},
-                                   {u"imagemode", u"jpg"},
-                                   {u"midimode", u"1"},
-                                   {u"showimage", u"1"},
-                                   {u"playmidi", u"0"},
-                                   {u"from", u"38353"},
-                                   {u"to", u"38383"},
-                                   {u"link", u"&quot;&lt;&gt;&amp;amp;"}},
-                                  u"<pg.file filename=\"archive7.dat\">\r\n");
+    const Text myExample =
+        u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n<pg.file filename=\"archive7.dat\">\r\n"
+        u"<pg.param name=\"image\" value=\"Globo.gif\">\r\n<pg.param name=\"imagefolder\" value=\"Fiestas\">\r\n"
+        u"<pg.param name=\"midi\" value=\"qelmid.mid\">\r\n<pg.param name=\"midifolder\" value=\"(USER)\">\r\n"
+        u"<pg.param name=\"imagemode\" value=\"jpg\">\r\n<pg.param name=\"midimode\" value=\"1\">\r\n"
+        u"<pg.param name=\"showimage\" value=\"1\">\r\n<pg.param name=\"playmidi\" value=\"0\">\r\n"
+        u"<pg.param name=\"from\" value=\"38353\">\r\n<pg.param name=\"to\" value=\"38383\">\r\n"
+        u"<pg.param name=\"link\" value=\"&quot;&lt;&gt;&amp;amp;\">\r\n";
     EXPECT_EQ(InitialScript() + u"\r\n", Params({}));
     EXPECT_EQ(myForm->Script(), Params(All({{u"showimage", u"0"}, {u"playmidi", u"0"}})))
         << "before the first script nothing is on";

@@ -108,7 +108,7 @@ TEST_F(Sound, Send_StopEndsAndPlayBeginsAgain)
     for (int i = 0; i < 2; ++i)
     {
         myService.Send(u"play Tune ");
-        EXPECT_TRUE(ComesTrue([&] { return myFolder.Exists("out.wav") && Loudest() > 500; }));
+        EXPECT_TRUE(ComesTrue([&] { return Loudest() > 500; }));
         myService.Send(u"stop Tune ");
         EXPECT_TRUE(ComesTrue([&] { return IsQuiet(); }));
         EXPECT_LT(fs::file_size(myFolder.Native("out.wav")), 100'000'000);

@@ -89,7 +89,7 @@ protected:
     classTag myTag; ///< one for all: a tag leaves nothing for the next
 };
 
-TEST_F(Parser, BaseTag)
+TEST_F(Parser, BaseTag_EndsAtTheFirstAttribute)
 {
     Expect(u"", u"", {});
     Expect(u" a=1", u"", {{u"a", u"1"}});
@@ -98,7 +98,7 @@ TEST_F(Parser, BaseTag)
     Expect(u"Param NAME=\"image\"\r\n Value=a&amp;b x", u"Param", {{u"name", u"image"}, {u"value", u"a&amp;b"}});
 }
 
-TEST_F(Parser, AttributeName)
+TEST_F(Parser, AttributeName_MayHoldBlanksInside)
 {
     Expect(u"t A=1 a=2 Ñ=Ñ", u"t", {{u"a", u"1"}, {u"a", u"2"}, {u"ñ", u"Ñ"}});
     Expect(u"t foo  bar =1 =x", u"t", {{u"foo  bar", u"1"}, {u"", u"x"}});
@@ -106,20 +106,20 @@ TEST_F(Parser, AttributeName)
     Expect(u"t \t a \" =1 \" b\r =2", u"t", {{u"a", u"1"}, {u"b", u"2"}});
 }
 
-TEST_F(Parser, UnquotedValue)
+TEST_F(Parser, UnquotedValue_EndsAtABlank)
 {
     Expect(u"t a=b=c d==\"e", u"t", {{u"a", u"b=c"}, {u"d", u"=\"e"}});
     Expect(u"t a=\tb c=\r\nd=1", u"t", {{u"a", u"\tb"}, {u"c", u"\r"}, {u"d", u"1"}});
     Expect(u"t a='x' b='y z=1'", u"t", {{u"a", u"'x'"}, {u"b", u"'y"}, {u"z", u"1'"}});
 }
 
-TEST_F(Parser, QuotedValue)
+TEST_F(Parser, QuotedValue_KeepsBlanksAndLineEnds)
 {
     Expect(u"t a = \"x\" b=   ", u"t", {{u"a", u"x"}, {u"b", u""}});
     Expect(u"t a=\" 1\r\n\"b=\"2\"", u"t", {{u"a", u" 1\r\n"}, {u"b", u"2"}});
 }
 
-TEST_F(Parser, UnclosedValue)
+TEST_F(Parser, UnclosedValue_EndsAtTheNextQuoteOrIsEmpty)
 {
     Expect(u"t a=\"x b=1 c=\"y=2 d=\"z", u"t", {{u"a", u"x b=1 c="}, {u"y", u"2"}, {u"d", u""}});
     Expect(u"t longName=\"&amp;, and plain\" b=\"x&amp;", u"t", {{u"longname", u"&amp;, and plain"}, {u"b", u""}});
@@ -250,13 +250,13 @@ protected:
     const int myPrefix = (myScript.Prefix(u"pg."), 0);
 };
 
-TEST_F(Scanner, NeverSet)
+TEST_F(Scanner, GetNextTag_NeverSetGivesNoToken)
 {
     myScript.GetNextTag();
     EXPECT_EQ(CurrentToken(myScript), NoToken);
 }
 
-TEST_F(Scanner, PlainText)
+TEST_F(Scanner, PlainText_LosesLineEndsBeforeIt)
 {
     Expect(u"", {});
     Expect(u"\r\n\r\n\n", {});
@@ -264,7 +264,7 @@ TEST_F(Scanner, PlainText)
     Expect(u"\n\na\rb\nc<pg", {Plain(u"a\rb\nc<pg", 2)});
 }
 
-TEST_F(Scanner, Tag)
+TEST_F(Scanner, Tag_OpensOrClosesAndCountsLines)
 {
     Expect(u"ab<pg.param name=\"x\">\r\n<b>c</PG.param>\r\n",
            {Plain(u"ab", 1), Open(u"param name=\"x\"", u"param", 1), Plain(u"<b>c", 2), Close(u"param", 2)});
@@ -274,20 +274,20 @@ TEST_F(Scanner, Tag)
     Expect(u"<pg.a><pg.\r\nb>", {Open(u"a", u"a", 1), Open(u"\r\nb", u"", 2)});
 }
 
-TEST_F(Scanner, StartOfATagInText)
+TEST_F(Scanner, StartOfATag_InATagOrInText)
 {
     Expect(u"<pg.a <pg.b=\">\">", {Open(u"a <pg.b=\"", u"a", 1), Plain(u"\">", 1)});
     Expect(u"<<pg.a><</pg.b>", {Plain(u"<", 1), Open(u"a", u"a", 1), Plain(u"<", 1), Close(u"b", 1)});
     Expect(u"<pg</ pg.><pg.a>", {Plain(u"<pg</ pg.>", 1), Open(u"a", u"a", 1)});
 }
 
-TEST_F(Scanner, UnclosedTag)
+TEST_F(Scanner, UnclosedTag_IsNoToken)
 {
     Expect(u"x<pg.a b", {Plain(u"x", 1)});
     Expect(u"x<pg.\r\na>", {Plain(u"x", 1), Open(u"a", u"a", 2)});
 }
 
-TEST_F(Scanner, Prefix)
+TEST_F(Scanner, Prefix_MayBeEmptyAndKeepsItsCase)
 {
     myScript.Prefix(u"PG."); // tags are compared in lower case
     Expect(u"<PG.a><pg.a>", {Plain(u"<PG.a><pg.a>", 1)});
@@ -296,7 +296,7 @@ TEST_F(Scanner, Prefix)
     Expect(u"<br/><></>a>", {Open(u"br/", u"br/", 1), Open(u"", u"", 1), Close(u"", 1), Plain(u"a>", 1)});
 }
 
-TEST_F(Scanner, AttributesOfATag)
+TEST_F(Scanner, QueryAttribute_OfATagReplacesEntities)
 {
     myScript.Script(u"</pg.a X=\"&lt;\" y=2>");
     myScript.GetNextTag();
@@ -309,7 +309,7 @@ TEST_F(Scanner, AttributesOfATag)
     EXPECT_EQ(ErrorOf([&] { myScript.AttributeValue(3); }), ErrorNumber::SubscriptOutOfRange);
 }
 
-TEST_F(Scanner, AttributesOfPlainTextAreEmpty)
+TEST_F(Scanner, QueryAttribute_OfPlainTextIsEmpty)
 {
     myScript.Script(u"<pg.a x=1>text");
     myScript.GetNextTag();
@@ -336,18 +336,18 @@ TEST_F(Scanner, Setting_LeavesTheCurrentToken)
     EXPECT_EQ(CurrentToken(myScript), Open(u"b z=3", u"b", 2));
 }
 
-TEST(MakeTag, EmptyValuesAreLeftOutAndBlankStandsForEmpty)
+TEST(PluginFunctions, MakeTag_EmptyValuesAreLeftOutAndBlankStandsForEmpty)
 {
     const TextView myPairs[] = {u"x", u"<blank>", u"y", u"", u"z", u"\"&<", u"w", u" <blank>"};
     EXPECT_EQ(MakeTag(u"t", myPairs), u"<t x=\"\" z=\"\"&<\" w=\" <blank>\">");
 }
 
-TEST(MakeAnchor, AttributesInTheirOrder)
+TEST(PluginFunctions, MakeAnchor_AttributesInTheirOrder)
 {
     EXPECT_EQ(MakeAnchor(u"h", u"o", u"c", u"t"), u"<a href=\"h\" onclick=\"o\" target=\"t\" class=\"c\">");
 }
 
-TEST(TextToBoolean, EmptyBlankOrZero_IsFalse)
+TEST(PluginFunctions, TextToBoolean_EmptyBlankOrZeroIsFalse)
 {
     for (const TextView myText : {u"", u"   ", u"  0 "})
     {
@@ -359,7 +359,7 @@ TEST(TextToBoolean, EmptyBlankOrZero_IsFalse)
     }
 }
 
-TEST(ConcatUrl, OneOfEachSeparatorIsCutOffWhereTheTextsMeet)
+TEST(PluginFunctions, ConcatUrl_OneOfEachSeparatorIsCutOffWhereTheTextsMeet)
 {
     const TextView myCases[][3] = {
         {u"a", u"b", u"a/b"},    {u"a/", u"/b", u"a/b"},  {u"a//", u"b", u"a//b"},  {u"a/\\", u"b", u"a//b"},

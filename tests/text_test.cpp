@@ -43,20 +43,20 @@ TEST(EqualInLowerCase, OtherLetterOrLength_Differs)
     EXPECT_FALSE(EqualInLowerCase(u"árbol", u"árbole"));
 }
 
-TEST(TrimBlanks, BlankAlone)
+TEST(Text, TrimBlanks_BlankAlone)
 {
     EXPECT_EQ(TrimBlanks(u"  a b "), u"a b");
     EXPECT_EQ(TrimBlanks(u" \t\u00A0 "), u"\t\u00A0");
 }
 
-TEST(ReplaceAll, ReplacementIsNotSearched)
+TEST(Text, ReplaceAll_ReplacementIsNotSearched)
 {
     EXPECT_EQ(ReplaceAll(u"aaa", u"aa", u"a"), u"aa");
     EXPECT_EQ(ReplaceAll(u"\n\n", u"\n", u"\r\n"), u"\r\n\r\n");
     EXPECT_EQ(ReplaceAll(u"abc", u"", u"x"), u"abc");
 }
 
-TEST(Find, StartsAtThePosition)
+TEST(Text, Find_StartsAtThePosition)
 {
     const TextView myText = u"a<b<c";
     EXPECT_EQ(Find(myText, u'<', 0), 1U);
@@ -88,7 +88,7 @@ void InEachLocale(const std::function<void()>& myChecks)
     std::locale::global(std::locale::classic());
 }
 
-TEST(NumericPrefix, LongestNumberInAnyLocale)
+TEST(Number, NumericPrefix_LongestNumberInAnyLocale)
 {
     const std::pair<TextView, double> myCases[] = {
         {u"", 0},        {u"38353x", 38353}, {u"  +7", 7},        {u"-1.25abc", -1.25}, {u".5", 0.5},    {u"5.", 5},
@@ -112,7 +112,7 @@ TEST(NumericPrefix, LongestNumberInAnyLocale)
         });
 }
 
-TEST(NumberText, ShortestInAnyLocale)
+TEST(Number, NumberText_ShortestInAnyLocale)
 {
     InEachLocale(
         []
@@ -124,7 +124,7 @@ TEST(NumberText, ShortestInAnyLocale)
         });
 }
 
-TEST(GroupedNumberText, SeparatesGroupsOfTheirSizes)
+TEST(Number, GroupedNumberText_SeparatesGroupsOfTheirSizes)
 {
     const std::tuple<int64_t, std::vector<uint8_t>, TextView> myCases[] = {
         {999, {3}, u"999"},
@@ -251,7 +251,7 @@ TEST(ToWindows1252, CharacterOutsideTheCodePage_IsRefused)
 }
 
 /// Each line of the file is a number, a blank and the text of that number. page.html holds the long templates.
-TEST(LoadResString, EveryText)
+TEST(StringTable, LoadResString_EveryText)
 {
     std::ifstream myFile(QEL_TEST_DATA "/strings.txt", std::ios::binary);
     int myCount = 0;

@@ -5,6 +5,7 @@ import os
 import re
 import shutil
 import socket
+import struct
 import subprocess
 import time
 

@@ -4,7 +4,6 @@
 #include "site/siteFiles.h"
 
 #include <algorithm>
-#include <ranges>
 #include <sstream>
 
 namespace qel::host
@@ -136,6 +135,8 @@ void OutputFolder::Empty(const std::set<std::string>& myPages)
                       }
                       return myIsStale;
                   });
+    std::ranges::copy_if(myPages, std::inserter(myWritten, myWritten.end()),
+                         [](const std::string& myPage) { return NameProblem(myPage).empty(); });
     StoreList();
 }
 
@@ -158,7 +159,8 @@ void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
     std::ranges::copy_if(myWritten, std::back_inserter(myStale),
                          [&](const std::string& myLine)
                          { return myLine.starts_with('/') && !myWanted.contains(myLine); });
-    for (const std::string& myLine : std::views::reverse(myStale)) // the content of a folder before the folder
+    std::ranges::reverse(myStale); // the content of a folder before the folder
+    for (const std::string& myLine : myStale)
     {
         const fs::path myPath = myFolder / myLine.substr(1);
         if (IsStaticPath(myLine) && IsReachable(myLine) && myLine.ends_with('/'))

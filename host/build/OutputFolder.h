@@ -37,7 +37,8 @@ public:
     /// True when the last build did not come to its end: files of any page may be missing or not whole.
     bool WasInterrupted() const { return myWasInterrupted; }
 
-    /// Empties the subfolders and removes the pages that `myPages` no longer holds.
+    /// Empties the subfolders, removes the pages that `myPages` no longer holds, and lists those that it holds as
+    /// written: a list for each page would take time with the square of their number.
     void Empty(const std::set<std::string>& myPages);
 
     /// Removes the static files of earlier builds that are no longer among these, and returns those of them that may be

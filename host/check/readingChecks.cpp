@@ -305,7 +305,8 @@ void Versions(const CheckContext& myContext)
     {
         const Text myTag = JoinTexts({u"<pg.plugin ", myVersion, u">"});
         myCases.push_back({myTag + myLink, {}, S_OK, NothingChosen});
-        myCases.push_back({Param(u"image", u"b.gif") + myTag + myLink, {{u"image", u"b.gif"}}, S_OK, NothingChosen});
+        myCases.push_back(
+            {JoinTexts({Param(u"image", u"b.gif"), myTag, myLink}), {{u"image", u"b.gif"}}, S_OK, NothingChosen});
     }
     for (const TextView myVersion : {u"uid=\"Another\" version=\"1.0\"", u"version=1.0", u"version=\"1.0\" x=\"2.0\""})
     {
