@@ -94,7 +94,7 @@ void WriteFile(const fs::path& myPath, const void* myBytes, size_t myCount)
         .write(static_cast<const char*>(myBytes), static_cast<std::streamsize>(myCount));
 }
 
-Text Read(QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(BSTR*))
+Text Read(QelPlugin& myPlugin, HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(BSTR*))
 {
     Bstr theText;
     CheckHostCall((myPlugin.*myMember)(theText.Pointer()));
