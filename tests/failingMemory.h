@@ -3,6 +3,7 @@
 #pragma once
 
 #include "com/qelcom.h"
+#include "livingTexts.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -12,9 +13,6 @@
 
 /// How many pieces of memory this thread still gets; -1: any number.
 inline thread_local int MemoryLeft = -1;
-
-/// How many texts more this thread has been given than it has freed.
-inline thread_local int LivingTexts = 0;
 
 inline bool MemoryIsOut()
 {

@@ -2,8 +2,8 @@
  * Usage: slots COMPONENT. Exits with 0, or prints what is wrong. CallBack 0 and About want a window and are left out.
  */
 #include "com/QelHelperInterfaces.h"
+#include "entryPoint.h"
 
-#include <dlfcn.h>
 #include <stddef.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -53,7 +53,7 @@ static void CheckText(BSTR myText, const char16_t* myBeginning, size_t myLength,
     SysFreeString(myText);
 }
 
-#define TEXT(number, interface, member, object, beginning)                                                             \
+#define READ(number, interface, member, object, beginning)                                                             \
     do                                                                                                                 \
     {                                                                                                                  \
         BSTR theText = NULL;                                                                                           \
@@ -74,22 +74,22 @@ static void WalkPlugin(QelPlugin* myPlugin)
     CALL(2, QelPlugin, putref_QelDatabase, myPlugin, &myDatabase);
     CALL(3, QelPlugin, putref_QelTopic, myPlugin, &myTopic);
     CALL(4, QelPlugin, putref_QelBuildHelper, myPlugin, &myHelper);
-    TEXT(5, QelPlugin, get_InitialScript, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">");
-    TEXT(6, QelPlugin, get_Output, myPlugin, u"");
-    TEXT(7, QelPlugin, get_TextFunction, myPlugin, u"Este plug-in coloca");
-    TEXT(8, QelPlugin, get_TextRequirementsServer, myPlugin, u"Este plug-in no exige");
-    TEXT(9, QelPlugin, get_TextRequirementsClient, myPlugin, u"El plug-in requiere");
-    TEXT(10, QelPlugin, get_TextSettings, myPlugin, u"<warning>");
-    TEXT(11, QelPlugin, get_TextConfig, myPlugin, u"Haga clic <callback type=0");
+    READ(5, QelPlugin, get_InitialScript, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">");
+    READ(6, QelPlugin, get_Output, myPlugin, u"");
+    READ(7, QelPlugin, get_TextFunction, myPlugin, u"Este plug-in coloca");
+    READ(8, QelPlugin, get_TextRequirementsServer, myPlugin, u"Este plug-in no exige");
+    READ(9, QelPlugin, get_TextRequirementsClient, myPlugin, u"El plug-in requiere");
+    READ(10, QelPlugin, get_TextSettings, myPlugin, u"<warning>");
+    READ(11, QelPlugin, get_TextConfig, myPlugin, u"Haga clic <callback type=0");
     CALL(12, QelPlugin, get_IsConfigurable, myPlugin, &theAnswer);
     Check(theAnswer == VARIANT_TRUE, "the answer of IsConfigurable");
-    TEXT(13, QelPlugin, get_Description, myPlugin, u"Mueve objetos");
-    TEXT(14, QelPlugin, get_PreviewImageFilename, myPlugin, u"QelPluginAnimationPreview.bmp");
-    TEXT(15, QelPlugin, get_LogoFilename, myPlugin, u"QelPluginAnimationLogo.bmp");
+    READ(13, QelPlugin, get_Description, myPlugin, u"Mueve objetos");
+    READ(14, QelPlugin, get_PreviewImageFilename, myPlugin, u"QelPluginAnimationPreview.bmp");
+    READ(15, QelPlugin, get_LogoFilename, myPlugin, u"QelPluginAnimationLogo.bmp");
     CALL(16, QelPlugin, CallBack, myPlugin, &myNumber, &theAnswer);
     CALL(17, QelPlugin, put_Script, myPlugin, &myScript);
-    TEXT(18, QelPlugin, get_Script, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n<pg.param");
-    TEXT(19, QelPlugin, get_ErrorText, myPlugin, u"");
+    READ(18, QelPlugin, get_Script, myPlugin, u"<pg.plugin uid=\"QelPluginAnimation\" version=\"1.0\">\r\n<pg.param");
+    READ(19, QelPlugin, get_ErrorText, myPlugin, u"");
     CALL(20, QelPlugin, ShowHelp, myPlugin, &myNumber);
     theAnswer = 7;
     CALL(21, QelPlugin, get_RequiresPHP, myPlugin, &theAnswer);
@@ -107,7 +107,7 @@ static void WalkComponent(DllGetClassObjectFunction myGetClassObject)
     WalkPlugin(myPlugin);
     Check(myPlugin->lpVtbl->QueryInterface(myPlugin, &IID_QelInfo, &theObject) == S_OK, "QueryInterface of QelInfo");
     QelInfo* myInfo = theObject;
-    TEXT(2, QelInfo, get_Version, myInfo, u"1.0.");
+    READ(2, QelInfo, get_Version, myInfo, u"1.0.");
     Check(myInfo->lpVtbl->AddRef(myInfo) > myInfo->lpVtbl->Release(myInfo), "AddRef and Release");
     myInfo->lpVtbl->Release(myInfo);
     Check(myPlugin->lpVtbl->Release(myPlugin) == 0, "the last Release");
@@ -115,16 +115,14 @@ static void WalkComponent(DllGetClassObjectFunction myGetClassObject)
 
 int main(int myCount, char** myArguments)
 {
-    void* const myLibrary = myCount == 2 ? dlopen(myArguments[1], RTLD_NOW | RTLD_LOCAL) : NULL;
-    if (myLibrary == NULL)
+    DllGetClassObjectFunction myGetClassObject = NULL;
+    const EntryPoint myEntry = myCount == 2 ? EntryPointOf(myArguments[1], "DllGetClassObject") : NULL;
+    if (myEntry == NULL)
     {
         fprintf(stderr, "usage: slots COMPONENT, a library that loads\n");
         return EXIT_FAILURE;
     }
-    /* C has no conversion between what dlsym gives and a function; the system says that they are alike. */
-    DllGetClassObjectFunction myGetClassObject = NULL;
-    *(void**)&myGetClassObject = dlsym(myLibrary, "DllGetClassObject");
+    memcpy(&myGetClassObject, &myEntry, sizeof myEntry);
     WalkComponent(myGetClassObject);
-    dlclose(myLibrary);
     return Failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,0 +1,189 @@
+/// What the tests of the component object model share: values, late-bound calls, error information, a host's object.
+#pragma once
+
+#include "com/comHostServices.h"
+#include "comTestHost.h"
+#include "text/encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace qel
+{
+
+/// A variant that frees what it holds.
+struct Value : VARIANT
+{
+    Value() : VARIANT{} { VariantInit(this); }
+    Value(VARTYPE myType, void* myReference) : VARIANT{}
+    {
+        vt = myType;
+        byref = myReference;
+    }
+    Value(const char16_t* myText) : Value(VT_BSTR, SysAllocString(ToOle(myText))) {}
+    Value(int32_t myNumber) : Value(VT_I4, nullptr) { lVal = myNumber; }
+    Value(double myNumber) : Value(VT_R8, nullptr) { dblVal = myNumber; }
+    Value(bool myAnswer) : Value(VT_BOOL, nullptr) { boolVal = myAnswer ? VARIANT_TRUE : VARIANT_FALSE; }
+    Value(const Value&) = delete;
+    Value& operator=(const Value&) = delete;
+    ~Value() { VariantClear(this); }
+};
+
+inline std::string Show(HRESULT myResult)
+{
+    static const std::map<HRESULT, std::string> myNames = {
+        {S_OK, "ok"},
+        {E_POINTER, "pointer"},
+        {DISP_E_TYPEMISMATCH, "type"},
+        {DISP_E_OVERFLOW, "overflow"},
+        {DISP_E_BADVARTYPE, "badtype"},
+        {DISP_E_NONAMEDARGS, "named"},
+        {DISP_E_PARAMNOTOPTIONAL, "unnamed"},
+        {DISP_E_EXCEPTION, "exception"},
+    };
+    const auto myName = myNames.find(myResult);
+    return myName == myNames.end() ? std::to_string(myResult) : myName->second;
+}
+
+inline std::string Show(const VARIANT& myValue)
+{
+    switch (myValue.vt)
+    {
+    case VT_EMPTY:
+        return "empty";
+    case VT_I2:
+        return "I2 " + std::to_string(myValue.iVal);
+    case VT_I4:
+        return "I4 " + std::to_string(myValue.lVal);
+    case VT_R8:
+        return "R8 " + std::to_string(myValue.dblVal);
+    case VT_BOOL:
+        return "BOOL " + std::to_string(myValue.boolVal);
+    case VT_BSTR:
+        return "BSTR " + ToUtf8(TextOfBstr(myValue.bstrVal));
+    default:
+        return "type " + std::to_string(myValue.vt);
+    }
+}
+
+/// The database of a host whose calls succeed or fail in a way of their own: RecordURL with a number and a text,
+/// DataFolder with a number alone, RecordFilename with neither.
+class TestDatabase final : private TestHost, public ComTestDatabase
+{
+public:
+    explicit TestDatabase(std::shared_ptr<int> theLife = nullptr)
+        : ComTestDatabase(static_cast<TestHost&>(*this)), myLife(std::move(theLife))
+    {
+        RecordType = 4;
+        AtEnd = true;
+        Link = u"UID:9";
+        Called = [](const std::string& myMember)
+        {
+            myMember == "RecordURL" ? throw Error{53, u"No está"} : void();
+        };
+    }
+
+    STDMETHODIMP get_RecordFilename(BSTR* /*theFilename*/) override { return E_ACCESSDENIED; }
+    STDMETHODIMP SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override
+    {
+        mySeeks.emplace_back(TextOfBstr(*myUID), *myFirst, *mySecond);
+        *myFirst += 100;
+        return S_OK;
+    }
+    STDMETHODIMP get_DataFolder(BSTR* /*theFolder*/) override { return QEL_RESULT(0x800A0035U); }
+
+    using TestHost::Called;
+    using TestHost::PresentLink;
+
+    using Seek = std::tuple<Text, int32_t, int32_t>;
+    std::vector<Seek> mySeeks;
+
+private:
+    const std::shared_ptr<int> myLife; ///< shared with who wants to know whether the object lives
+};
+
+/// A call as a script client makes it, the arguments in its order. The outcome is the result, then the value or the
+/// place of a wrong argument.
+struct LateCall
+{
+    DISPID Member;
+    uint16_t Flags;
+    std::vector<VARIANT> Arguments; ///< not freed
+    std::vector<DISPID> Names;
+    std::string Outcome;
+};
+
+inline void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
+{
+    for (LateCall& myCall : myCalls)
+    {
+        std::ranges::reverse(myCall.Arguments);
+        DISPPARAMS myParams{myCall.Arguments.data(), myCall.Names.data(),
+                            static_cast<uint32_t>(myCall.Arguments.size()), static_cast<uint32_t>(myCall.Names.size())};
+        Value theResult;
+        uint32_t theArgument = 99;
+        const HRESULT myResult =
+            myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &theArgument);
+        const std::string myPlace = theArgument == 99 ? "" : ", argument " + std::to_string(theArgument);
+        EXPECT_EQ(Show(myResult) + (myResult == S_OK ? ", " + Show(theResult) : myPlace), myCall.Outcome)
+            << "member " << myCall.Member << ", " << myCall.Arguments.size() << " arguments";
+    }
+}
+
+struct TakenError
+{
+    std::string Source = "-";
+    std::string Description = "-";
+};
+
+/// This thread's error information, which is taken away.
+inline TakenError TakeError()
+{
+    ComPtr<IErrorInfo> myInfo;
+    if (GetErrorInfo(0, myInfo.Receive()) != S_OK)
+    {
+        return {};
+    }
+    Bstr mySource;
+    Bstr myDescription;
+    EXPECT_EQ(myInfo->GetSource(mySource.Pointer()), S_OK);
+    EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
+    return {ToUtf8(mySource.Value()), ToUtf8(myDescription.Value())};
+}
+
+inline std::string TakenDescription()
+{
+    return TakeError().Description;
+}
+
+/// A call that fails, with the error information that it leaves.
+struct FailingCall
+{
+    std::function<HRESULT()> Call;
+    HRESULT Result;
+    std::string Description;
+};
+
+inline void ExpectOwnErrors(const std::string& mySource, const std::vector<FailingCall>& myCalls)
+{
+    for (const FailingCall& myCall : myCalls)
+    {
+        SCOPED_TRACE(myCall.Description);
+        Guarded([] { throw Error{6, u"older failure"}; });
+        EXPECT_EQ(myCall.Call(), myCall.Result);
+        const TakenError myError = TakeError();
+        EXPECT_EQ(myError.Description, myCall.Description);
+        EXPECT_EQ(myError.Source, mySource);
+    }
+}
+
+} // namespace qel

@@ -1,0 +1,175 @@
+// Registration of the built component in a registry of its own: whose entries are removed, and what happens without the
+// right to write. registered_test.py compares the real registry.
+#include "com/Bstr.h"
+#include "com/ComPtr.h"
+#include "com/QelHelperInterfaces.h"
+#include "Library.h"
+#include "text/encodings.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+
+#include <aclapi.h>
+
+namespace qel
+{
+namespace
+{
+
+const std::wstring MainKey = L"CLSID\\{4FCC59CA-C869-4963-A843-14D7C29AFA23}";
+const std::wstring SortKey = L"CLSID\\{AC34163F-A9F3-4932-A75F-284E50AD181B}";
+const std::wstring LibraryKey = L"TypeLib\\{764DCF71-DA3B-4767-BEE9-D2215307BFF6}";
+const std::wstring PluginKey = L"Interface\\{392E1C06-13AC-45E5-BBD4-264EDC8D5D7D}";
+const std::wstring DatabaseKey = L"Interface\\{0F23B278-9F82-47DF-A09A-5CDAE3DC5B4A}";
+const std::wstring OtherLibrary = L"{A6107D97-C7EB-493F-9E38-0BE856D49647}"; // that of the host
+
+constexpr wchar_t TestKey[] = L"Software\\qeltest";
+
+/// A part of the registry that takes the place of a real one for this process.
+class ReplacedPart
+{
+public:
+    ReplacedPart(HKEY myPredefinedKey, const std::wstring& myName) : myPart(myPredefinedKey)
+    {
+        RegCreateKeyExW(HKEY_CURRENT_USER, (TestKey + (L"\\" + myName)).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                        &myKey, nullptr);
+        RegCreateKeyExW(myKey, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &myClasses, nullptr);
+    }
+    ReplacedPart(const ReplacedPart&) = delete;
+    ReplacedPart& operator=(const ReplacedPart&) = delete;
+    ~ReplacedPart()
+    {
+        Protect(false);
+        RegCloseKey(myClasses);
+        RegCloseKey(myKey);
+    }
+
+    void Replace(bool myChoice) const { RegOverridePredefKey(myPart, myChoice ? myKey : nullptr); }
+
+    /// Takes away everybody's right to write, or gives it back.
+    void Protect(bool myChoice) const
+    {
+        EXPLICIT_ACCESSW myEntry{};
+        wchar_t myEverybody[] = L"Everyone";
+        BuildExplicitAccessWithNameW(&myEntry, myEverybody, myChoice ? KEY_READ : KEY_ALL_ACCESS, SET_ACCESS,
+                                     SUB_CONTAINERS_AND_OBJECTS_INHERIT);
+        ACL* myList = nullptr;
+        SetEntriesInAclW(1, &myEntry, nullptr, &myList);
+        SetSecurityInfo(myClasses, SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+                        nullptr, nullptr, myList, nullptr);
+        LocalFree(myList);
+    }
+
+    bool Has(const std::wstring& myPath) const
+    {
+        HKEY myFound = nullptr;
+        return RegOpenKeyExW(myClasses, myPath.c_str(), 0, KEY_READ, &myFound) == ERROR_SUCCESS &&
+               RegCloseKey(myFound) == ERROR_SUCCESS;
+    }
+
+    void Write(const std::wstring& myPath, const std::wstring& myText) const
+    {
+        RegSetKeyValueW(myClasses, myPath.c_str(), nullptr, REG_SZ, myText.c_str(),
+                        static_cast<DWORD>((myText.size() + 1) * sizeof(wchar_t)));
+    }
+
+    std::wstring Read(const std::wstring& myPath) const
+    {
+        wchar_t theText[300] = {};
+        DWORD mySize = sizeof theText;
+        RegGetValueW(myClasses, myPath.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, theText, &mySize);
+        return theText;
+    }
+
+private:
+    HKEY myPart;
+    HKEY myKey = nullptr;
+    HKEY myClasses = nullptr;
+};
+
+class Registration : public testing::Test
+{
+protected:
+    ~Registration() override { RegDeleteTreeW(HKEY_CURRENT_USER, TestKey); }
+
+    /// Calls an entry point with both parts replaced.
+    HRESULT Call(const char* myEntryPoint) const
+    {
+        myAllUsers.Replace(true);
+        myUser.Replace(true);
+        const HRESULT theResult = myComponent.EntryPoint<DllRegisterServerFunction>(myEntryPoint)();
+        myUser.Replace(false);
+        myAllUsers.Replace(false);
+        return theResult;
+    }
+
+    const Library myComponent{QEL_STAGE "/QelPluginAnimation.dll"};
+    const ReplacedPart myAllUsers{HKEY_LOCAL_MACHINE, L"machine"};
+    const ReplacedPart myUser{HKEY_CURRENT_USER, L"user"};
+};
+
+TEST_F(Registration, Register_WritesForAllUsers_UnregisterLeavesNothing)
+{
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    for (const std::wstring& myKey : {MainKey, SortKey, LibraryKey, PluginKey, DatabaseKey})
+    {
+        EXPECT_TRUE(myAllUsers.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
+        EXPECT_FALSE(myUser.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
+    }
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    for (const std::wstring& myKey : {MainKey, SortKey, LibraryKey, PluginKey, DatabaseKey})
+    {
+        EXPECT_FALSE(myAllUsers.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
+    }
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK) << "what is not there is no failure";
+}
+
+TEST_F(Registration, Unregister_LeavesWhatNamesAnotherFile)
+{
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    myAllUsers.Write(MainKey + L"\\InprocServer32", L"C:\\other\\QelPluginAnimation.dll");
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_TRUE(myAllUsers.Has(MainKey));
+    EXPECT_TRUE(myAllUsers.Has(L"QelPluginAnimation.Main"));
+    EXPECT_FALSE(myAllUsers.Has(SortKey));
+    EXPECT_FALSE(myAllUsers.Has(L"QelPluginAnimation.classStringSort"));
+}
+
+TEST_F(Registration, Register_LeavesTheInterfacesOfTheHost)
+{
+    myUser.Write(DatabaseKey + L"\\TypeLib", OtherLibrary);
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    EXPECT_FALSE(myAllUsers.Has(DatabaseKey)) << "it is described already";
+    myAllUsers.Write(PluginKey + L"\\TypeLib", OtherLibrary);
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(myUser.Read(DatabaseKey + L"\\TypeLib"), OtherLibrary);
+    EXPECT_EQ(myAllUsers.Read(PluginKey + L"\\TypeLib"), OtherLibrary);
+}
+
+TEST_F(Registration, Register_WithoutTheRight_WritesForTheUser)
+{
+    myAllUsers.Protect(true);
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    EXPECT_FALSE(myAllUsers.Has(MainKey));
+    EXPECT_TRUE(myUser.Has(MainKey));
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_FALSE(myUser.Has(MainKey));
+}
+
+TEST_F(Registration, Register_WithoutAnyRight_Fails)
+{
+    myAllUsers.Protect(true);
+    myUser.Protect(true);
+    EXPECT_EQ(Call("DllRegisterServer"), SELFREG_E_CLASS);
+    ComPtr<IErrorInfo> myInfo;
+    ASSERT_EQ(GetErrorInfo(0, myInfo.Receive()), S_OK);
+    Bstr myDescription;
+    EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
+    EXPECT_TRUE(myDescription.Value().starts_with(u"No se puede escribir en el registro de clases: "))
+        << ToUtf8(myDescription.Value());
+}
+
+} // namespace
+} // namespace qel
