@@ -191,6 +191,7 @@ enum
     VT_BYREF = 0x4000
 };
 
+/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
 struct IUnknown;
 struct IDispatch;
 
@@ -266,7 +267,6 @@ typedef struct EXCEPINFO
 /* ---- Interfaces -------------------------------------------------------------------------------------------------- */
 
 /* clang-format off */
-/* NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor) */
 struct ITypeInfo;
 
 #define QEL_THIS IUnknown
