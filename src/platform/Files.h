@@ -137,16 +137,17 @@ public:
     virtual bool IsLink(TextView myPath) = 0;
 
     /// The names, without folder, that match a path whose last part may hold the wild cards "*" and "?" ("*.*" matches
-    /// every name), in the file system's order. Left out are names with a leading dot, entries that are neither file
-    /// nor folder, and names that contain "\" or are not valid UTF-8. A missing folder has no names.
+    /// every name), in the file system's order. Left out are hidden entries, as the system hides them: by a leading dot
+    /// or by attributes; entries that are neither file nor folder; and names that contain "\" or are not valid UTF-8 or
+    /// UTF-16. A missing folder has no names.
     /// Error 75: the folder cannot be read.
     virtual std::vector<Text> List(TextView myPattern, Listing myListing) = 0;
 
     /// Passes when the folder is missing, or belongs to this user and is not a link. Error 75: it is not safe.
     virtual void DemandOwnFolder(TextView myFolder) = 0;
 
-    /// The system's temporary path, a folder of this user alone, with a closing "\"; the empty text when there is no
-    /// safe one. No error.
+    /// The system's temporary path with a closing "\"; the empty text when there is none, or none that is safe because
+    /// it belongs to this user alone where users share the system's. No error.
     virtual Text TemporaryPath() = 0;
 };
 

@@ -1,5 +1,6 @@
 // What the built component and its runtime do on Linux alone: loading of other libraries, exports, and the registry.
 #include "componentTest.h"
+#include "failingMemory.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -27,6 +28,21 @@ TEST_F(Component, Output_LoadsNeitherToolkitNorSynthesiser)
     {
         EXPECT_EQ(myMapped.find(myLibrary), std::string::npos) << myLibrary;
     }
+}
+
+TEST_F(Component, CreateInstance_WithoutMemory_ChangesNothingForTheObjectsThatAreThere)
+{
+    const LoadedComponent myComponent;
+    const auto myPlugin = myComponent.Plugin();
+    const auto myFactory = myComponent.Factory();
+    void* theObject = nullptr;
+    FailEachPieceOfMemory([&] { return myFactory->CreateInstance(nullptr, IID_QelPlugin, &theObject); },
+                          [&](HRESULT myResult)
+                          {
+                              EXPECT_EQ(myResult == S_OK, theObject != nullptr);
+                              EXPECT_TRUE(LibraryPage(*myPlugin.Get()).starts_with(u"<script"));
+                          });
+    static_cast<QelPlugin*>(theObject)->Release();
 }
 
 TEST_F(Component, Exports_OfTheRuntimeAreTheDocumentedOnes)

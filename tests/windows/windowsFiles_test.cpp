@@ -5,6 +5,7 @@
 #include "FilesTest.h"
 #include "module/FormMain.h"
 #include "platform/codePage.h"
+#include "platform/ListView.h"
 #include "platform/windows/componentFile.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/localeGrouping.h"
@@ -15,6 +16,7 @@
 #include "recordingHelpViewer.h"
 #include "text/encodings.h"
 
+#include <algorithm>
 #include <thread>
 
 namespace qel
@@ -278,21 +280,72 @@ TEST_F(WindowsFilesTest, TemporaryPath_ByShortNamesWhereTheCodePageLacksACharact
     EXPECT_EQ(myFiles.List(myPath + u"*", Listing::PlainFiles), (std::vector<Text>{u"x"})) << ToUtf8(myPath);
 }
 
-TEST(CodePage, NameIsHeldExactlyOrNotAtAll)
+/// A character of the code page, and its bytes. The program runs in a Western and in a Japanese one.
+struct CodePageCharacter
 {
-    const std::string myBytes = GetACP() == CP_UTF8 ? "\xC3\xB1" : "\xF1";
-    if (GetACP() != 1252 && GetACP() != CP_UTF8)
+    UINT CodePage;
+    TextView Character;
+    std::string Bytes;
+};
+const CodePageCharacter CodePageCharacters[] = {
+    {1252, u"ñ", "\xF1"}, {932, u"日", "\x93\xFA"}, {CP_UTF8, u"ñ", "\xC3\xB1"}};
+
+class CodePageTest : public FilesTest
+{
+protected:
+    void SetUp() override
     {
-        GTEST_SKIP() << "the bytes are those of two code pages";
+        const auto* const myFound = std::find_if(std::begin(CodePageCharacters), std::end(CodePageCharacters),
+                                                 [](const auto& c) { return c.CodePage == GetACP(); });
+        myFound == std::end(CodePageCharacters) ? void() : void(My = *myFound);
+        if (My.Bytes.empty())
+        {
+            GTEST_SKIP() << "no character of the code page " << GetACP() << " is known here";
+        }
     }
-    EXPECT_EQ(ToAnsi(u"ñ"), myBytes);
-    EXPECT_EQ(FromAnsi(myBytes), u"ñ");
+
+    CodePageCharacter My = {};
+};
+
+TEST_F(CodePageTest, ToAnsi_HoldsACharacterExactlyOrNotAtAll)
+{
+    EXPECT_EQ(ToAnsi(My.Character), My.Bytes);
+    EXPECT_EQ(FromAnsi(My.Bytes), My.Character);
     EXPECT_EQ(ToAnsi(u""), "");
-    for (const TextView myOther : {u"Ā", u"Ａ", u"∞", u"日", u"\xD800"})
+    EXPECT_EQ(ToAnsi(u"\xD800"), std::nullopt);
+    for (const TextView myOther : {u"Ā", u"𝐀", u"한"}) // similar to "A", or far from both code pages
     {
-        const bool myIsHeld = GetACP() == CP_UTF8 && myOther != u"\xD800";
-        EXPECT_EQ(ToAnsi(myOther).has_value(), myIsHeld) << ToUtf8(myOther);
+        EXPECT_EQ(ToAnsi(myOther).has_value(), GetACP() == CP_UTF8) << ToUtf8(myOther);
     }
+}
+
+TEST_F(CodePageTest, ReadArchive_NameLengthCountsTheBytesOfTheCodePage)
+{
+    struct Names final : ListView
+    {
+        void Clear() override {}
+        void Add(const ListItem& myItem) override { All += myItem.Tag; }
+        Text All;
+    };
+    const std::string myLength{static_cast<char>(1 + My.Bytes.size()), 0, 0, 0};
+    myFolder.Write("x.dat", "qelarchive1.0" + myLength + "\\" + My.Bytes + std::string(8, '\0'));
+    classArchive myArchive(myFiles);
+    myArchive.ArchiveFilename(In(u"x.dat"));
+    EXPECT_TRUE(myArchive.ReadArchive());
+    Names myNames;
+    myArchive.FillList(myNames);
+    EXPECT_EQ(myNames.All, Text(u"\\").append(My.Character));
+}
+
+TEST_F(WindowsFilesTest, Version_OfAContentThatHasSettled)
+{
+    myFolder.Write("fresh", "");
+    EXPECT_EQ(myFiles.OpenShared(In(u"fresh"))->Version(), std::nullopt);
+    const Text myPages = PathOfUtf8(QEL_TEST_DATA "/").u16string();
+    const auto myVersion = myFiles.OpenShared(myPages + u"page.html")->Version();
+    EXPECT_NE(myVersion, std::nullopt);
+    EXPECT_EQ(myFiles.OpenShared(myPages + u"PAGE.html")->Version(), myVersion);
+    EXPECT_NE(myFiles.OpenShared(myPages + u"form.csv")->Version(), myVersion);
 }
 
 TEST(Locale, GroupingAsTheSystemWritesIt)
