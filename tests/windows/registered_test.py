@@ -45,6 +45,7 @@ def registry():
                     values.add(key)
                 elif line:
                     values.add(f"{key}, {line}")
+    check("the registry cannot be read", values)
     return values
 
 

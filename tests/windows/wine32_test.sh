@@ -9,9 +9,15 @@ cd "$(dirname "$0")/../.."
 make_system "$(. /etc/os-release && echo "$VERSION_CODENAME")" --arch=i386
 inside apt-get install -q -y --no-install-recommends wine wine32 fonts-wine >"$folder/log" 2>&1 || fail "$(cat "$folder/log")"
 
-# The sources, the folders for temporary files and the devices are where they are outside.
+# The sources and the devices are where they are outside. Nothing is removed while one of them is still there.
 mounted=()
-trap 'for at in "${mounted[@]}"; do as_root umount -l "$at"; done; as_root rm -rf --one-file-system "$folder"' EXIT
+leave() {
+    for at in "${mounted[@]}"; do
+        as_root umount -l "$at" || return
+    done
+    as_root rm -rf --one-file-system "$folder"
+}
+trap leave EXIT
 for shared in "$PWD" /dev /proc; do
     as_root mkdir -p "$root$shared"
     as_root mount --rbind "$shared" "$root$shared"
@@ -24,4 +30,5 @@ END_OF_PROGRAM
 chmod +x "$folder/wine"
 
 rm -rf build/wine32
-QEL_WINE=$PWD/build/wine32 QEL_WINE_PROGRAM=$folder/wine WINEARCH=win32 ctest --preset windows32
+mkdir -p build/wine32/temporary # for the tests that start others, which see the same files there
+TMPDIR=$PWD/build/wine32/temporary QEL_WINE=$PWD/build/wine32/system QEL_WINE_PROGRAM=$folder/wine WINEARCH=win32 ctest --preset windows32
