@@ -156,8 +156,8 @@ void Build(QelPlugin& myPlugin, TestHost& theHost, int32_t myNumber, const Modul
                              u"<pg.param name=link value=\"", myModule.Link, u"\">"}));
     CheckHostCall(myPlugin.put_Script(myScript.Pointer()));
     std::string theText;
-    for (const auto& myMember : {&QelPlugin::get_Output, &QelPlugin::get_ErrorText, &QelPlugin::get_TextSettings,
-                                 &QelPlugin::get_Script})
+    for (const auto& myMember :
+         {&QelPlugin::get_Output, &QelPlugin::get_ErrorText, &QelPlugin::get_TextSettings, &QelPlugin::get_Script})
     {
         theText += ToUtf8(Read(myPlugin, myMember)) + "\n";
     }
