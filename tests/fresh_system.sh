@@ -5,11 +5,11 @@ folder=$(mktemp -d)
 root=$folder/root
 trap 'as_root rm -rf --one-file-system "$folder"' EXIT
 
-make_system() { # code name of the release
+make_system() { # code name of the release, options of debootstrap
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Component: main' |
         grep -v security | head -n 1)
     [ -n "$mirror" ] || fail "apt knows no mirror of Debian yet; run apt-get update"
-    as_root debootstrap --variant=minbase "$1" "$root" "$mirror" >"$folder/log" || fail "$(cat "$folder/log")"
+    as_root debootstrap --variant=minbase "${@:2}" "$1" "$root" "$mirror" >"$folder/log" || fail "$(cat "$folder/log")"
     printf '#!/bin/sh\nexit 101\n' | as_root tee "$root/usr/sbin/policy-rc.d" >"$folder/log" # no services
     as_root chmod +x "$root/usr/sbin/policy-rc.d"
 }

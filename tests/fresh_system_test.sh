@@ -1,5 +1,5 @@
 #!/bin/bash
-# ./demo and ./check in a fresh system that has nothing but the base: fresh_system_test.sh RELEASE
+# ./demo and ./check --linux in a fresh system that has nothing but the base: fresh_system_test.sh RELEASE
 # RELEASE is the code name of a Debian. It needs root's rights, the network, 10 GB in the folder for temporary files, and
 # half an hour on two cores.
 set -euo pipefail
@@ -22,4 +22,4 @@ as_root ln -s ../moved/demo "$root/usr/bin/sample"
 inside sample
 [ -s "$root/moved/build/demo/build/index.html" ] || fail "after a move, ./demo makes no site"
 inside sh -ec 'apt-get install -q -y --no-install-recommends git >/dev/null && cd /moved && git init -q && git add .'
-inside /moved/check
+inside /moved/check --linux

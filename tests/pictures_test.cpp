@@ -6,7 +6,7 @@
 #include "imaging/JpegPicture.h"
 #include "imaging/paletteReduction.h"
 #include "imaging/resampling.h"
-#include "platform/linux/LinuxFiles.h"
+#include "platform/shared/systemFiles.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -174,6 +174,13 @@ protected:
         EXPECT_EQ(myControl->BitmapHeight(), static_cast<float>(myHeight));
     }
 
+    /// Loads the file as it is, and looks at its picture.
+    void ExpectWidth(float myWidth)
+    {
+        EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), 0);
+        EXPECT_EQ(myControl->BitmapWidth(), myWidth);
+    }
+
     /// The colours of the four corners of the current picture by their first letters, such as "rg/bw".
     std::string Corners()
     {
@@ -192,8 +199,8 @@ protected:
 
     TemporaryFolder myFolder;
     Text myName = myFolder.Logical(u"picture.bmp");
-    LinuxFiles myFiles;
-    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(myFiles);
+    const std::unique_ptr<Files> myFiles = MakeSystemFiles();
+    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(*myFiles);
 };
 
 TEST_F(Imaging, Load_SizeIsTheScreenOfAGifAndTheFrameOfAJpeg)
@@ -535,37 +542,39 @@ TEST_F(Imaging, Load_TurnsInksIntoColours)
 
 TEST_F(Imaging, Load_ChangedFile_IsReadAgain)
 {
-    const auto Expect = [&](float myWidth)
-    {
-        EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), 0);
-        EXPECT_EQ(myControl->BitmapWidth(), myWidth);
-    };
     // Files that have been as they are for long, by way of a link that changes.
     const std::filesystem::path myLibrary = QEL_TEST_DATA "/../../designs/QelPluginAnimationDesigns/Amor";
     const std::filesystem::path myLink = myFolder.Native("picture.bmp");
-    std::filesystem::create_symlink(myLibrary / "Rosa.gif", myLink);
-    Expect(96);
-    Expect(96);
+    std::error_code myNoLinks;
+    std::filesystem::create_symlink(myLibrary / "Rosa.gif", myLink, myNoLinks);
+    if (myNoLinks)
+    {
+        GTEST_SKIP() << "the standard library of this system makes no links";
+    }
+    ExpectWidth(96);
+    ExpectWidth(96);
     myControl->Resize(48, 70, 4);
-    Expect(96);
+    ExpectWidth(96);
     myControl->ReduceColors(8, 2, 0, 0);
     myControl->Resize(48, 70, 4);
-    Expect(96);
+    ExpectWidth(96);
     std::filesystem::remove(myLink);
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), ErrorNumber::FileNotFound);
     EXPECT_EQ(ErrorOf([&] { myControl->BitmapWidth(); }), ErrorNumber::InvalidPicture);
     std::filesystem::create_symlink(myLibrary / "Anillo.gif", myLink);
-    Expect(99);
-    // One that changes faster than the clock of its file system goes.
-    std::filesystem::remove(myLink);
+    ExpectWidth(99);
+}
+
+TEST_F(Imaging, Load_FileChangesFasterThanItsClock_IsReadAgain)
+{
     const FileBytes myGif = MakeGif({.ScreenWidth = 40, .ScreenHeight = 30});
     ASSERT_EQ(Load(myGif), 0);
     for (char i = 0; i < 100; ++i)
     {
-        std::fstream(myLink, std::ios::in | std::ios::out | std::ios::binary)
+        std::fstream(myFolder / "picture.bmp", std::ios::in | std::ios::out | std::ios::binary)
             .seekp(6)
             .put(static_cast<char>(40 + i % 2));
-        Expect(static_cast<float>(40 + i % 2));
+        ExpectWidth(static_cast<float>(40 + i % 2));
     }
 }
 
@@ -592,7 +601,7 @@ TEST_F(Imaging, RefusedCall_ChangesNothing)
               PathNotFound);
     EXPECT_EQ(myControl->BitmapWidth(), 40.0F);
     EXPECT_FALSE(myFolder.Exists("out"));
-    const auto myHolder = myFiles.OpenForReading(myName);
+    const auto myHolder = myFiles->OpenForReading(myName);
     EXPECT_EQ(ErrorOf([&] { myControl->Load(myName, 24, 1, 1); }), PermissionDenied);
 }
 

@@ -229,7 +229,7 @@ TEST(ToUtf8, HalfAPair_IsReplaced)
     EXPECT_EQ(ToUtf8Exactly(Text{0xDE00, u'x'}), std::nullopt);
 }
 
-TEST(FromAnsi, EveryByte_IsOneCharacterAndComesBack)
+TEST(FromWindows1252, EveryByte_IsOneCharacterAndComesBack)
 {
     // The bytes 0x80 to 0x9F, five of which are not assigned.
     const TextView myHighControls = u"€\x81‚ƒ„…†‡ˆ‰Š‹Œ\x8DŽ\x8F\x90‘’“”•–—˜™š›œ\x9DžŸ";
@@ -237,16 +237,16 @@ TEST(FromAnsi, EveryByte_IsOneCharacterAndComesBack)
     {
         const std::string myByte(1, static_cast<char>(b));
         const Text myCharacter(1, b < 0x80 || b > 0x9F ? static_cast<char16_t>(b) : myHighControls[b - 0x80]);
-        EXPECT_EQ(FromAnsi(myByte), myCharacter) << b;
-        EXPECT_EQ(ToAnsi(myCharacter), myByte) << b;
+        EXPECT_EQ(FromWindows1252(myByte), myCharacter) << b;
+        EXPECT_EQ(ToWindows1252(myCharacter), myByte) << b;
     }
 }
 
-TEST(ToAnsi, CharacterOutsideTheCodePage_IsRefused)
+TEST(ToWindows1252, CharacterOutsideTheCodePage_IsRefused)
 {
     for (const Text& myOther : {Text{0x80}, Text{0x9F}, Text(u"Ā"), Text(u"a\U0001F600")})
     {
-        EXPECT_EQ(ToAnsi(myOther), std::nullopt) << ToUtf8(myOther);
+        EXPECT_EQ(ToWindows1252(myOther), std::nullopt) << ToUtf8(myOther);
     }
 }
 

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 Text Bytes(const fs::path& myFile)
 {
-    return FromAnsi(ReadFile(myFile));
+    return FromWindows1252(ReadFile(myFile));
 }
 
 const ArchivedFile& Picture()
@@ -85,8 +85,8 @@ public:
                     std::string_view myTune, const Text& myScript = OwnScript())
     {
         ExpectPart("the page with " + myWhat, u"</script>", Output(myArchive, myScript));
-        ExpectText("the picture of " + myWhat, FromAnsi(myPicture), Bytes("images/qelspr17.gif"));
-        ExpectText("the tune of " + myWhat, FromAnsi(myTune), Bytes("media/qelmid17.mid"));
+        ExpectText("the picture of " + myWhat, FromWindows1252(myPicture), Bytes("images/qelspr17.gif"));
+        ExpectText("the tune of " + myWhat, FromWindows1252(myTune), Bytes("media/qelmid17.mid"));
     }
 
     void ExpectError(const std::string& myWhat, const std::string& myArchive, const Text& myScript = OwnScript())
@@ -164,7 +164,7 @@ void Names(const CheckContext& myContext)
     };
     for (const auto& [myArchived, myName] : myNames)
     {
-        myModule.ExpectPage("a picture that an archive has as " + Shown(FromAnsi(myArchived)),
+        myModule.ExpectPage("a picture that an archive has as " + Shown(FromWindows1252(myArchived)),
                             ArchiveOf({Tune(), {myArchived, std::string(PictureBytes())}}), PictureBytes(), TuneBytes,
                             OwnScript() + Param(u"image", myName));
     }
@@ -196,7 +196,7 @@ void HostileNames(const CheckContext& myContext)
     {
         // What stands before it is unpacked.
         myModule.Output(ArchiveOf({Picture(), Tune(), {myName, "hostile"}}));
-        ExpectText("the picture before a hostile name", FromAnsi(PictureBytes()), Bytes("images/qelspr17.gif"));
+        ExpectText("the picture before a hostile name", FromWindows1252(PictureBytes()), Bytes("images/qelspr17.gif"));
         ExpectInside("escaped", myContext);
     }
 }
@@ -228,8 +228,8 @@ void Magic(const CheckContext& myContext)
                                 "qelarchive 10", "\0elarchive1.0"})
     {
         const std::string myBytes = std::string(myMagic, 13) + myArchive.substr(13);
-        myModule.ExpectError("an archive that begins with " + Shown(FromAnsi(myBytes.substr(0, 13))), myBytes);
-        ExpectText("an archive of another kind after the page", FromAnsi(myBytes), Bytes("data/archivo.dat"));
+        myModule.ExpectError("an archive that begins with " + Shown(FromWindows1252(myBytes.substr(0, 13))), myBytes);
+        ExpectText("an archive of another kind after the page", FromWindows1252(myBytes), Bytes("data/archivo.dat"));
     }
     for (const std::string& myBytes : {std::string(), myArchive.substr(0, 5), myArchive.substr(0, 13),
                                        myArchive.substr(1), ArchiveOf({}), "\xEF\xBB\xBF" + myArchive})

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 Text Bytes(const fs::path& myFile)
 {
-    return FromAnsi(ReadFile(myFile));
+    return FromWindows1252(ReadFile(myFile));
 }
 
 /// The page of FullScript with a link in place of its own, without a tune.
@@ -84,9 +84,9 @@ void PlainJoins(const CheckContext& myContext)
     {
         myServed.State.UniqueName = myName;
         myServed.Output(FullScript);
-        ExpectText("the picture of the name " + Shown(myName), FromAnsi(PictureBytes()),
+        ExpectText("the picture of the name " + Shown(myName), FromWindows1252(PictureBytes()),
                    Bytes("images/qelspr" + ToUtf8(myName) + ".gif"));
-        ExpectText("the tune of the name " + Shown(myName), FromAnsi(TuneBytes),
+        ExpectText("the tune of the name " + Shown(myName), FromWindows1252(TuneBytes),
                    Bytes("media/qelmid" + ToUtf8(myName) + ".mid"));
     }
 }
@@ -138,11 +138,12 @@ void Replaced(const CheckContext& myContext)
         WriteFile(myFile, std::string(100'000, 'x'));
     }
     myServed.Output(FullScript);
-    ExpectText("a staged picture in place of an older one", FromAnsi(PictureBytes()), Bytes("images/qelspr17.gif"));
-    ExpectText("a staged tune in place of an older one", FromAnsi(TuneBytes), Bytes("media/qelmid17.mid"));
+    ExpectText("a staged picture in place of an older one", FromWindows1252(PictureBytes()),
+               Bytes("images/qelspr17.gif"));
+    ExpectText("a staged tune in place of an older one", FromWindows1252(TuneBytes), Bytes("media/qelmid17.mid"));
     const std::string myArchive = ReadFile("data/archivo.dat");
     myServed.Output(FullScript);
-    ExpectText("the archive after the page", FromAnsi(myArchive), Bytes("data/archivo.dat"));
+    ExpectText("the archive after the page", FromWindows1252(myArchive), Bytes("data/archivo.dat"));
     ExpectText("the record's file after the page", u"paper", Bytes("data/nota.pdf"));
 }
 

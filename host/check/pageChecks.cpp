@@ -38,7 +38,7 @@ void Period(const CheckContext& myContext)
 
 Text Bytes(const fs::path& myFile)
 {
-    return FromAnsi(ReadFile(myFile));
+    return FromWindows1252(ReadFile(myFile));
 }
 
 void Staging(const CheckContext& myContext)
@@ -56,8 +56,8 @@ void Staging(const CheckContext& myContext)
                u"loop=false width=0 height=0></embed>'); \r\n}\r\n</script>\r\n",
                myPage);
     ExpectText("ErrorText", u"", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
-    ExpectText("the staged picture", FromAnsi(PictureBytes()), Bytes("images/qelspr17.gif"));
-    ExpectText("the staged tune", FromAnsi(TuneBytes), Bytes("media/qelmid17.mid"));
+    ExpectText("the staged picture", FromWindows1252(PictureBytes()), Bytes("images/qelspr17.gif"));
+    ExpectText("the staged tune", FromWindows1252(TuneBytes), Bytes("media/qelmid17.mid"));
     ExpectText("the staged file of the link", u"paper", Bytes("files/nota.pdf"));
     ExpectText("the script after the page", FullScript, ScriptOf(*myServed.Plugin.Get()));
 }
@@ -177,7 +177,7 @@ void Endings(const CheckContext& myContext)
                    myPage);
         ExpectPart("the page with " + Shown(myName), JoinTexts({u"<embed src=\"media/qelmid17", myTuneEnding, u"\""}),
                    myPage);
-        ExpectText("the picture of the ending " + Shown(myEnding), FromAnsi(JpegBytes()),
+        ExpectText("the picture of the ending " + Shown(myEnding), FromWindows1252(JpegBytes()),
                    Bytes("images/qelspr17" + ToUtf8(myEnding)));
     }
 }

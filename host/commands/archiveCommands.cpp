@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 #include "common/Failure.h"
 #include "common/printable.h"
+#include "platform/codePage.h"
 #include "platform/linux/nativePath.h"
 #include "platform/ListView.h"
 #include "platform/shared/systemFiles.h"

@@ -129,7 +129,7 @@ void PageText::NoteUnknown(std::size_t myStart, std::size_t myEnd)
         1 + std::count(myContent.begin(), myContent.begin() + static_cast<std::ptrdiff_t>(myStart), '\n');
     const std::string myComment = myContent.substr(myStart, std::min(myEnd - myStart, myLongest));
     const std::string myText =
-        myEncoding == Encoding::Windows1252 ? ToUtf8(FromAnsi(myComment)) : ToUtf8(FromUtf8(myComment));
+        myEncoding == Encoding::Windows1252 ? ToUtf8(FromWindows1252(myComment)) : ToUtf8(FromUtf8(myComment));
     myUnknownComments.push_back("line " + std::to_string(myLine) + ": a build does not fill " + myText +
                                 (myEnd - myStart > myLongest ? "..." : "") +
                                 "; it fills <!-- qel:modules -->, <!-- qel:modules NAME -->, <!-- qel:title --> and "
@@ -188,7 +188,7 @@ std::string PageText::Encoded(TextView myText) const
         theBytes.append(myText.begin(), myRun);
         myText.remove_prefix(static_cast<std::size_t>(myRun - myText.begin()));
         const TextView myCharacter = myText.substr(0, IsPair(myText) ? 2 : 1);
-        const auto myAnsi = myEncoding == Encoding::Ascii ? std::nullopt : ToAnsi(myCharacter);
+        const auto myAnsi = myEncoding == Encoding::Ascii ? std::nullopt : ToWindows1252(myCharacter);
         theBytes += myAnsi ? *myAnsi : myCharacter.empty() ? "" : CharacterReference(CodeOf(myCharacter));
         myText.remove_prefix(myCharacter.size());
     }

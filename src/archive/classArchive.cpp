@@ -1,7 +1,7 @@
 #include "archive/classArchive.h"
 
+#include "platform/codePage.h"
 #include "text/dates.h"
-#include "text/encodings.h"
 #include "text/errors.h"
 #include "text/succeeds.h"
 

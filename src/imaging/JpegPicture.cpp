@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <new>
 #include <turbojpeg.h>
+#include <utility>
 
 namespace qel
 {
@@ -87,12 +88,22 @@ void DemandPixels(int32_t myWidth, int32_t myHeight, int64_t myMost)
     }
 }
 
+/// The size of a file in the codec's type, which has 32 bits on some systems. Error 481: the file is larger.
+unsigned long CodecSize(std::span<const uint8_t> myFile)
+{
+    if (!std::in_range<unsigned long>(myFile.size()))
+    {
+        Raise(ErrorNumber::InvalidPicture);
+    }
+    return static_cast<unsigned long>(myFile.size());
+}
+
 /// Reading the header reports an unusual subsampling as a failure, although the decoder accepts it. So only the size
 /// counts.
 Frame ReadFrame(const Codec& myDecoder, std::span<const uint8_t> myFile)
 {
     Frame theFrame;
-    tjDecompressHeader3(myDecoder.get(), myFile.data(), myFile.size(), &theFrame.Width, &theFrame.Height,
+    tjDecompressHeader3(myDecoder.get(), myFile.data(), CodecSize(myFile), &theFrame.Width, &theFrame.Height,
                         &theFrame.Subsampling, &theFrame.ColourSpace);
     if (theFrame.Width <= 0 || theFrame.Height <= 0)
     {
@@ -108,7 +119,7 @@ PixelPicture Decode(const Codec& myDecoder, std::span<const uint8_t> myFile, con
     PixelPicture theResult{Scaled(myFrame.Width, myDivisor), Scaled(myFrame.Height, myDivisor), {}};
     DemandPixels(theResult.Width, theResult.Height, MostPixels);
     theResult.Pixels.resize(static_cast<size_t>(theResult.Width) * static_cast<size_t>(theResult.Height) * 4);
-    if (tjDecompress2(myDecoder.get(), myFile.data(), myFile.size(), theResult.Pixels.data(), theResult.Width, 0,
+    if (tjDecompress2(myDecoder.get(), myFile.data(), CodecSize(myFile), theResult.Pixels.data(), theResult.Width, 0,
                       theResult.Height, myHasFourInks ? TJPF_CMYK : TJPF_RGBA, TJFLAG_LIMITSCANS) != 0 &&
         tjGetErrorCode(myDecoder.get()) != TJERR_WARNING)
     {

@@ -147,10 +147,10 @@ bool DecodeUtf8(std::string_view myBytes, Text& theText)
 }
 
 /// The characters of the bytes 0x80 to 0x9F; every other byte is the character with the same number.
-constexpr std::array<char16_t, 32> AnsiHighControls = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
-                                                       0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+constexpr std::array<char16_t, 32> Windows1252HighControls = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 } // namespace
 
@@ -194,7 +194,7 @@ std::optional<Text> FromUtf8Exactly(std::string_view myBytes)
     return DecodeUtf8(myBytes, theText) ? std::optional(std::move(theText)) : std::nullopt;
 }
 
-std::optional<std::string> ToAnsi(TextView myText)
+std::optional<std::string> ToWindows1252(TextView myText)
 {
     std::string theBytes;
     theBytes.reserve(myText.size());
@@ -203,26 +203,27 @@ std::optional<std::string> ToAnsi(TextView myText)
         char16_t myByte = myUnit;
         if (myUnit > 0xFF || (myUnit >= 0x80 && myUnit < 0xA0))
         {
-            const auto* myFound = std::find(AnsiHighControls.begin(), AnsiHighControls.end(), myUnit);
-            if (myFound == AnsiHighControls.end())
+            const auto* myFound = std::find(Windows1252HighControls.begin(), Windows1252HighControls.end(), myUnit);
+            if (myFound == Windows1252HighControls.end())
             {
                 return std::nullopt;
             }
-            myByte = static_cast<char16_t>(0x80 + (myFound - AnsiHighControls.begin()));
+            myByte = static_cast<char16_t>(0x80 + (myFound - Windows1252HighControls.begin()));
         }
         theBytes += static_cast<char>(myByte);
     }
     return theBytes;
 }
 
-Text FromAnsi(std::string_view myBytes)
+Text FromWindows1252(std::string_view myBytes)
 {
     Text theText;
     theText.reserve(myBytes.size());
     for (const char myCharacter : myBytes)
     {
         const auto myByte = static_cast<unsigned char>(myCharacter);
-        theText += myByte >= 0x80 && myByte < 0xA0 ? AnsiHighControls[myByte - 0x80U] : static_cast<char16_t>(myByte);
+        theText +=
+            myByte >= 0x80 && myByte < 0xA0 ? Windows1252HighControls[myByte - 0x80U] : static_cast<char16_t>(myByte);
     }
     return theText;
 }

@@ -1,5 +1,5 @@
-/// Converts between Text and other encodings: UTF-8 (files, the terminal, the database) and the ANSI code page (names
-/// in archives), which is Windows-1252 with its five unassigned bytes as control characters.
+/// Converts between Text and other encodings: UTF-8 (files, the terminal, the database) and Windows-1252 with its five
+/// unassigned bytes as control characters (pages of other programs, names in archives on some systems).
 #pragma once
 
 #include "text/text.h"
@@ -26,10 +26,10 @@ bool IsUtf8(std::string_view myBytes);
 /// Decodes UTF-8; nothing when the bytes are not valid.
 std::optional<Text> FromUtf8Exactly(std::string_view myBytes);
 
-/// Encodes a text in the ANSI code page; nothing when the code page lacks one of its characters.
-std::optional<std::string> ToAnsi(TextView myText);
+/// Encodes a text in Windows-1252; nothing when the code page lacks one of its characters.
+std::optional<std::string> ToWindows1252(TextView myText);
 
-/// Decodes text in the ANSI code page; every byte is one character.
-Text FromAnsi(std::string_view myBytes);
+/// Decodes text in Windows-1252; every byte is one character.
+Text FromWindows1252(std::string_view myBytes);
 
 } // namespace qel

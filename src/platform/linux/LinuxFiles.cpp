@@ -5,6 +5,8 @@
 #include "platform/linux/plainFile.h"
 #include "platform/linux/systemErrors.h"
 #include "platform/linux/temporaryPath.h"
+#include "platform/shared/BufferedInputFile.h"
+#include "platform/shared/BufferedOutputFile.h"
 #include "platform/shared/wildCards.h"
 #include "text/encodings.h"
 #include "text/errors.h"
@@ -178,18 +180,18 @@ Descriptor OpenTarget(TextView myFilename, const struct stat* mySource)
 std::unique_ptr<InputFile> LinuxFiles::OpenForReading(TextView myFilename)
 {
     SourceFile mySource = OpenSource(myFilename, Lock::Exclusive);
-    return std::make_unique<PlainInputFile>(std::move(mySource.File), mySource.Facts);
+    return std::make_unique<BufferedInputFile<InputDevice>>(InputDevice(std::move(mySource.File), mySource.Facts));
 }
 
 std::unique_ptr<InputFile> LinuxFiles::OpenShared(TextView myFilename)
 {
     SourceFile mySource = OpenSource(myFilename, Lock::Shared);
-    return std::make_unique<PlainInputFile>(std::move(mySource.File), mySource.Facts);
+    return std::make_unique<BufferedInputFile<InputDevice>>(InputDevice(std::move(mySource.File), mySource.Facts));
 }
 
 std::unique_ptr<OutputFile> LinuxFiles::OpenForWriting(TextView myFilename)
 {
-    return std::make_unique<PlainOutputFile>(OpenTarget(myFilename, nullptr));
+    return std::make_unique<BufferedOutputFile<OutputDevice>>(OutputDevice(OpenTarget(myFilename, nullptr)));
 }
 
 Entry LinuxFiles::Look(TextView myPath)

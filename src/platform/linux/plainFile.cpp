@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <ctime>
 #include <linux/magic.h>
 #include <sys/file.h>
 #include <sys/vfs.h>
@@ -103,7 +101,7 @@ void CopyContent(const Descriptor& mySource, const Descriptor& myTarget, int64_t
     }
 }
 
-int64_t PlainInputFile::Length()
+int64_t InputDevice::Length() const
 {
     struct stat myFacts = {};
     if (fstat(myFile.Handle(), &myFacts) != 0)
@@ -113,7 +111,7 @@ int64_t PlainInputFile::Length()
     return myFacts.st_size;
 }
 
-std::optional<FileVersion> PlainInputFile::Version()
+std::optional<FileVersion> InputDevice::Version() const
 {
     // The clock of file systems has a resolution of some milliseconds.
     constexpr time_t SecondsToSettle = 2;
@@ -125,130 +123,28 @@ std::optional<FileVersion> PlainInputFile::Version()
                        myFirstFacts.st_ctim.tv_nsec};
 }
 
-void PlainInputFile::Read(std::span<std::byte> myTarget)
+size_t InputDevice::ReadAt(std::span<std::byte> myTarget, int64_t myOffset) const
 {
-    while (!myTarget.empty())
-    {
-        size_t myCount = 0;
-        if (myNext == myEnd && myTarget.size() >= std::min(myFill, LargePiece))
-        {
-            myCount = ReadSome(myTarget);
-        }
-        else
-        {
-            FillBuffer();
-            myCount = std::min(myTarget.size(), myEnd - myNext);
-            std::memcpy(myTarget.data(), &myBuffer[myNext], myCount);
-            myNext += myCount;
-        }
-        myTarget = myTarget.subspan(myCount);
-    }
-}
-
-void PlainInputFile::Skip(int64_t myCount)
-{
-    if (myCount < 0)
-    {
-        Raise(ErrorNumber::InvalidArgument);
-    }
-    const auto myBuffered = static_cast<int64_t>(myEnd - myNext);
-    if (myCount <= myBuffered)
-    {
-        myNext += static_cast<size_t>(myCount);
-        return;
-    }
-    if (myCount > Length() - Position())
-    {
-        Raise(ErrorNumber::InputPastEnd);
-    }
-    myOffset += myCount - myBuffered;
-    myNext = myEnd = 0;
-    myFill = SmallestFill;
-}
-
-/// Reads at least one byte from the file.
-size_t PlainInputFile::ReadSome(std::span<std::byte> myTarget)
-{
-    const ssize_t myCount =
+    const ssize_t theCount =
         Retrying([&] { return pread(myFile.Handle(), myTarget.data(), myTarget.size(), myOffset); });
-    if (myCount <= 0)
+    if (theCount == -1)
     {
-        Raise(myCount == 0 ? ErrorNumber::InputPastEnd : ErrorNumber::DeviceError);
+        Raise(ErrorNumber::DeviceError);
     }
-    myOffset += myCount;
-    return static_cast<size_t>(myCount);
+    return static_cast<size_t>(theCount);
 }
 
-/// Fills the buffer if it is empty.
-void PlainInputFile::FillBuffer()
+void OutputDevice::Append(std::span<const std::byte> myBytes) const
 {
-    if (myNext != myEnd)
-    {
-        return;
-    }
-    if (!myBuffer)
-    {
-        myBuffer = std::make_unique_for_overwrite<std::byte[]>(LargestFill);
-    }
-    myNext = myEnd = 0;
-    myEnd = ReadSome({myBuffer.get(), myFill});
-    myFill = std::min(4 * myFill, LargestFill);
+    WriteAll(myFile, myBytes);
 }
 
-PlainOutputFile::~PlainOutputFile()
+void OutputDevice::Close()
 {
-    try
-    {
-        Flush();
-    }
-    catch (const Error&)
-    {
-        // A caller that needs the result calls Close.
-    }
-}
-
-void PlainOutputFile::Write(std::span<const std::byte> myBytes)
-{
-    if (myOffset == 0 && myPending == 0 && myBytes.size() >= LargePiece)
-    {
-        WriteAll(myFile, myBytes);
-        myOffset = myBytes.size();
-        return;
-    }
-    if (!myBuffer)
-    {
-        myBuffer = std::make_unique_for_overwrite<std::byte[]>(BlockSize);
-    }
-    while (!myBytes.empty())
-    {
-        const size_t myRoom = BlockSize - myOffset % BlockSize - myPending;
-        const size_t myCount = std::min(myBytes.size(), myRoom);
-        std::memcpy(&myBuffer[myPending], myBytes.data(), myCount);
-        myPending += myCount;
-        myBytes = myBytes.subspan(myCount);
-        if (myCount == myRoom)
-        {
-            Flush();
-        }
-    }
-}
-
-void PlainOutputFile::Close()
-{
-    Descriptor myLast = std::move(myFile);
-    WriteAll(myLast, {myBuffer.get(), std::exchange(myPending, 0)});
-    if (const int mySystemError = myLast.Close(); mySystemError != 0)
+    if (const int mySystemError = myFile.Close(); mySystemError != 0)
     {
         RaiseSystemError(mySystemError);
     }
-}
-
-/// Writes the buffer. After a failure nothing is tried again.
-void PlainOutputFile::Flush()
-{
-    const size_t myCount = std::exchange(myPending, 0);
-    myOffset += myCount;
-    WriteAll(myFile, {myBuffer.get(), myCount});
 }
 
 } // namespace qel

@@ -1,0 +1,7 @@
+# The picture codecs of the distribution, as the target qel_codecs.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(TURBOJPEG REQUIRED IMPORTED_TARGET libturbojpeg)
+find_package(GIF REQUIRED)
+find_path(STB_INCLUDE_DIR stb/stb_image_resize.h REQUIRED)
+add_library(qel_codecs INTERFACE)
+target_link_libraries(qel_codecs INTERFACE PkgConfig::TURBOJPEG GIF::GIF)

@@ -1,0 +1,34 @@
+#include "platform/windows/WindowsMessageQueue.h"
+
+#include "platform/windows/windowsHeaders.h"
+
+namespace qel
+{
+
+void WindowsMessageQueue::ProcessPending()
+{
+    // Nothing is pending most of the time, and to ask costs less than to look for a message.
+    if (HIWORD(GetQueueStatus(QS_ALLINPUT)) == 0)
+    {
+        return;
+    }
+    const DWORD myStart = GetTickCount();
+    MSG myMessage = {};
+    while (PeekMessageW(&myMessage, nullptr, 0, 0, PM_REMOVE) != 0)
+    {
+        if (myMessage.message == WM_QUIT)
+        {
+            PostQuitMessage(static_cast<int>(myMessage.wParam));
+            return;
+        }
+        TranslateMessage(&myMessage);
+        DispatchMessageW(&myMessage);
+        // A window that paints without an end, or a timer that is faster than its work, must not keep this call.
+        if (static_cast<LONG>(myMessage.time - myStart) > 0)
+        {
+            return;
+        }
+    }
+}
+
+} // namespace qel

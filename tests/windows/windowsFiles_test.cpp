@@ -1,0 +1,437 @@
+/// What Windows alone has: share modes, attributes, streams, names that only "\\?\" reaches, paths to servers, and the
+/// services of the system behind the small ports.
+#include "archive/classArchive.h"
+#include "Environment.h"
+#include "FilesTest.h"
+#include "module/FormMain.h"
+#include "platform/codePage.h"
+#include "platform/windows/componentFile.h"
+#include "platform/windows/Handle.h"
+#include "platform/windows/localeGrouping.h"
+#include "platform/windows/nativePath.h"
+#include "platform/windows/systemErrors.h"
+#include "platform/windows/wideText.h"
+#include "recordingHelpViewer.h"
+#include "text/encodings.h"
+
+#include <thread>
+
+namespace qel
+{
+namespace
+{
+
+using namespace ErrorNumber;
+using namespace std::string_literals;
+namespace fs = std::filesystem;
+
+class WindowsFilesTest : public FilesTest
+{
+protected:
+    /// Opens or makes a file as another program would; not open if the system refuses.
+    Handle Open(TextView myName, DWORD myAccess, DWORD mySharing) const
+    {
+        return Handle(CreateFileW(NativePath(In(myName)).c_str(), myAccess, mySharing, nullptr, OPEN_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    void Attributes(TextView myName, DWORD myAttributes) const
+    {
+        EXPECT_TRUE(SetFileAttributesW(NativePath(In(myName)).c_str(), myAttributes));
+    }
+    DWORD Attributes(TextView myName) const { return GetFileAttributesW(NativePath(In(myName)).c_str()); }
+};
+
+constexpr DWORD AllSharing = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+TEST(NativePath, Normalised_ByOurOwnRules)
+{
+    const std::pair<TextView, TextView> myCases[] = {
+        {u"C:\\a\\.\\b\\..\\c/d\\\\e\\", u"\\\\?\\C:\\a\\c\\d\\e"},
+        {u"c:/../../a", u"\\\\?\\c:\\a"},
+        {u"C:\\a\\..\\", u"\\\\?\\C:\\"},
+        {u"C:\\NUL.gif", u"\\\\?\\C:\\NUL.gif"},
+        {u"C:\\a. \\...\\ b", u"\\\\?\\C:\\a. \\...\\ b"},
+        {u"\\\\server\\share\\a\\..\\..\\b", u"\\\\?\\UNC\\server\\share\\b"},
+        {u"//server/share", u"\\\\?\\UNC\\server\\share\\"},
+        {u"\\\\?\\C:\\a\\.\\b", u"\\\\?\\C:\\a\\b"},
+        {u"//?/unc/server/share/a", u"\\\\?\\UNC\\server\\share\\a"},
+        {u"\\\\?\\Volume{01}\\a", u"\\\\?\\Volume{01}\\a"},
+    };
+    for (const auto& [myPath, myNativePath] : myCases)
+    {
+        EXPECT_EQ(TextOfWide(NativePath(myPath)), myNativePath);
+    }
+}
+
+TEST(NativePath, Relative_FromTheCurrentFolder)
+{
+    const std::wstring myFolder = fs::current_path().wstring();
+    const std::wstring myDrive = myFolder.substr(0, 2);
+    EXPECT_EQ(NativePath(u"x\\..\\y"), L"\\\\?\\" + myFolder + L"\\y");
+    EXPECT_EQ(NativePath(u""), L"\\\\?\\" + myFolder);
+    EXPECT_EQ(NativePath(u"/x"), L"\\\\?\\" + myDrive + L"\\x");
+    EXPECT_EQ(NativePath(TextOfWide(myDrive) + u"x"), L"\\\\?\\" + myFolder + L"\\x");
+}
+
+TEST(NativePath, NameThatNoFileCanHave)
+{
+    for (const TextView myPath : {u"C:\\a:b", u"C:\\a\\C:\\b", u"1:\\a", u"C:\\a*", u"C:\\a?\\b", u"C:\\a\tb",
+                                  u"C:\\\"a\"", u"C:\\<a>", u"C:\\a|b", u"\\\\.\\C:\\a", u"\\\\server", u"\\\\?\\"})
+    {
+        EXPECT_EQ(ErrorOf([&] { NativePath(myPath); }), BadFileName) << testing::PrintToString(myPath);
+    }
+}
+
+TEST(PlainPath, WithoutWhatTheSystemPutsInFront)
+{
+    EXPECT_EQ(PlainPath(L"\\\\?\\C:\\a"), L"C:\\a");
+    EXPECT_EQ(PlainPath(L"\\\\?\\UNC\\server\\share\\a"), L"\\\\server\\share\\a");
+    EXPECT_EQ(PlainPath(L"\\\\?\\Volume{01}\\a"), L"\\\\?\\Volume{01}\\a");
+    EXPECT_EQ(PlainPath(L"C:\\a"), L"C:\\a");
+}
+
+TEST(SystemErrors, EachHasItsNumber)
+{
+    const std::pair<DWORD, int32_t> myCases[] = {
+        {ERROR_FILE_NOT_FOUND, 53},       {ERROR_PATH_NOT_FOUND, 76},
+        {ERROR_BAD_NETPATH, 76},          {ERROR_ACCESS_DENIED, 70},
+        {ERROR_SHARING_VIOLATION, 70},    {ERROR_WRITE_PROTECT, 70},
+        {ERROR_ALREADY_EXISTS, 75},       {ERROR_INVALID_NAME, 52},
+        {ERROR_FILENAME_EXCED_RANGE, 52}, {ERROR_DISK_FULL, 61},
+        {ERROR_HANDLE_DISK_FULL, 61},     {1295, 61}, // the user's share of the disk is full
+        {ERROR_TOO_MANY_OPEN_FILES, 7},   {ERROR_CRC, 57}};
+    for (const auto& [mySystemError, myNumber] : myCases)
+    {
+        EXPECT_EQ(NumberOfSystemError(mySystemError), myNumber) << mySystemError;
+    }
+}
+
+TEST_F(WindowsFilesTest, Open_ShareModesAreTheLocks)
+{
+    myFolder.Write("a", "content");
+    {
+        const Handle myReader = Open(u"a", GENERIC_READ, AllSharing);
+        EXPECT_EQ(Try(&Files::OpenForReading, u"a"), PermissionDenied);
+        EXPECT_EQ(Try(&Files::OpenForWriting, u"a"), PermissionDenied);
+        EXPECT_EQ(Try(&Files::OpenShared, u"a"), 0);
+    }
+    {
+        const Handle myWriter = Open(u"a", GENERIC_WRITE, AllSharing);
+        EXPECT_EQ(Try(&Files::OpenShared, u"a"), PermissionDenied);
+        EXPECT_EQ(Try(&Files::Copy, u"a", u"b"), PermissionDenied);
+    }
+    {
+        const auto myShared = myFiles.OpenShared(In(u"A"));
+        EXPECT_TRUE(Open(u"a", GENERIC_READ, AllSharing).IsOpen());
+        EXPECT_FALSE(Open(u"a", GENERIC_WRITE, AllSharing).IsOpen());
+        EXPECT_EQ(Try(&Files::Delete, u"a"), PermissionDenied);
+    }
+    {
+        const auto myExclusive = myFiles.OpenForReading(In(u"a"));
+        EXPECT_FALSE(Open(u"a", GENERIC_READ, AllSharing).IsOpen());
+    }
+    EXPECT_EQ(myFolder.Read("a"), "content");
+}
+
+TEST_F(WindowsFilesTest, Write_ReachesTheFileThatTheSystemMeans)
+{
+    myFolder.Write("Logo.GIF", "a longer content");
+    WriteAll(u"LOGO.gif", "new");
+    EXPECT_EQ(List(u"*", Listing::PlainFiles), (std::vector<Text>{u"Logo.GIF"}));
+    EXPECT_EQ(ReadAll(u"logo.gif"), "new");
+    EXPECT_EQ(Try(&Files::LookExactly, u"logo.gif"), 0);
+    EXPECT_EQ(Try(&Files::Copy, u"logo.gif", u"LOGO.GIF"), PermissionDenied);
+    EXPECT_TRUE(myFiles.Delete(In(u"logo.GIF")));
+    EXPECT_FALSE(myFolder.Exists("Logo.GIF"));
+}
+
+TEST_F(WindowsFilesTest, Copy_TakesTheContentAlone)
+{
+    for (const DWORD mySourceAttributes : {FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM})
+    {
+        myFolder.Write("source", "content");
+        Attributes(u"source", mySourceAttributes);
+        EXPECT_EQ(Try(&Files::Copy, u"source", u"copy"), 0);
+        EXPECT_EQ(List(u"c*", Listing::PlainFiles), (std::vector<Text>{u"copy"})) << mySourceAttributes;
+        EXPECT_EQ(myFolder.Read("copy"), "content");
+        EXPECT_TRUE(myFiles.Delete(In(u"copy"))) << mySourceAttributes;
+        Attributes(u"source", FILE_ATTRIBUTE_NORMAL);
+    }
+    myFolder.Write("target", "a longer content");
+    Attributes(u"target", FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(Try(&Files::Copy, u"source", u"target"), 0);
+    EXPECT_EQ(myFolder.Read("target"), "content");
+}
+
+TEST_F(WindowsFilesTest, List_HiddenByAttributesAndNotByADot)
+{
+    for (const char* const myName : {".dot", "plain", "hidden", "system", "Folder/x", "Hidden folder/x"})
+    {
+        myFolder.Write(myName, "");
+    }
+    Attributes(u"hidden", FILE_ATTRIBUTE_HIDDEN);
+    Attributes(u"system", FILE_ATTRIBUTE_SYSTEM);
+    Attributes(u"Hidden folder", FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_EQ(List(u"*", Listing::FilesAndFolders), (std::vector<Text>{u".", u"..", u".dot", u"Folder", u"plain"}));
+    EXPECT_EQ(List(u"Hidden folder\\*", Listing::FilesAndFolders), (std::vector<Text>{u".", u"..", u"x"}));
+}
+
+TEST_F(WindowsFilesTest, List_DoesNotMatchShortNames)
+{
+    myFolder.Write("a long name.html", "");
+    EXPECT_EQ(List(u"*.htm", Listing::PlainFiles), std::vector<Text>());
+    EXPECT_EQ(List(u"*~*", Listing::PlainFiles), std::vector<Text>());
+}
+
+TEST_F(WindowsFilesTest, ReadOnlyFile_MakesTheClearingOfTheTempFolderFail)
+{
+    const Environment myEnvironment{{"TMP", myFolder.Native()}};
+    myFolder.Write("qelpluginanimtemp/kept", "");
+    Attributes(u"qelpluginanimtemp\\kept", FILE_ATTRIBUTE_READONLY);
+    localConstants myConstants;
+    FormLead myLead{myPlatform->Ports()};
+    FormMain myForm(myPlatform->Ports(), myConstants, myLead);
+    myForm.Script(u"<pg.param name=image value=a.gif>");
+    EXPECT_EQ(myForm.Output(), u"[Error de plug-in]");
+    EXPECT_NE(myForm.ErrorText().find(u"\"70: "), Text::npos) << ToUtf8(myForm.ErrorText());
+    Attributes(u"qelpluginanimtemp\\kept", FILE_ATTRIBUTE_NORMAL);
+}
+
+TEST_F(WindowsFilesTest, Stream_IsNoFileAndLeavesTheFolderOfAnArchive)
+{
+    myFolder.MakeFolder("base");
+    classArchive myArchive(myFiles);
+    myArchive.BaseFolder(In(u"base"));
+    myArchive.ArchiveFilename(In(u"x.dat"));
+    for (const std::string& myName : {"\\a.gif:b"s, "\\a.gif::$DATA"s, "\\sub:b\\a"s, "\\:b"s})
+    {
+        const std::string myLength{static_cast<char>(myName.size()), 0, 0, 0};
+        myFolder.Write("x.dat", "qelarchive1.0" + myLength + myName + std::string(8, '\0'));
+        EXPECT_FALSE(myArchive.UnPackArchive()) << myName;
+        EXPECT_EQ(myArchive.FailureNumber(), BadFileName) << myName;
+        EXPECT_EQ(List(u"base\\*", Listing::FilesAndFolders), (std::vector<Text>{u".", u".."})) << myName;
+    }
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"a:b"), BadFileName);
+    EXPECT_FALSE(myFolder.Exists("a"));
+}
+
+TEST_F(WindowsFilesTest, Name_ThatOtherProgramsReadDifferently)
+{
+    Text myDeep;
+    for (int i = 0; i < 8; ++i)
+    {
+        myDeep += Text(i == 0 ? u"" : u"\\") + Text(50, u'd');
+        EXPECT_EQ(Try(&Files::MakeFolder, myDeep), 0);
+    }
+    for (const Text& myName : {Text(u"NUL.gif"), Text(u"con"), Text(u"dot."), Text(u"blank "), myDeep + u"\\file"})
+    {
+        SCOPED_TRACE(ToUtf8(myName));
+        WriteAll(myName, "content");
+        EXPECT_EQ(ReadAll(myName), "content");
+        EXPECT_EQ(myFiles.Look(In(myName)).Length, 7);
+        const size_t myStart = myName.rfind(u'\\') + 1;
+        EXPECT_EQ(List(myName, Listing::PlainFiles), std::vector<Text>{myName.substr(myStart)});
+        EXPECT_TRUE(myFiles.Delete(In(myName)));
+        EXPECT_FALSE(myFiles.Delete(In(myName)));
+    }
+    for (; !myDeep.empty(); myDeep.resize(myDeep.size() - std::min<size_t>(myDeep.size(), 51)))
+    {
+        EXPECT_TRUE(RemoveDirectoryW(NativePath(In(myDeep)).c_str()));
+    }
+}
+
+TEST_F(WindowsFilesTest, DemandOwnFolder_RefusesTheFolderOfAnotherOwner)
+{
+    // The root of the system's drive belongs to the system; below Wine a folder is given away.
+    Text myOthers = u"C:\\Windows";
+    if (const std::wstring myUnixName = UnixName(myFolder.Native()); !myUnixName.empty())
+    {
+        myFolder.MakeFolder("others");
+        myOthers = In(u"others");
+        StartUnixProgram(L"/bin/chown", L"65534 \"" + myUnixName + L"/others\"");
+        for (int i = 0; i < 1000 && Try(&Files::DemandOwnFolder, u"others") == 0; ++i)
+        {
+            Sleep(10);
+        }
+    }
+    EXPECT_EQ(ErrorOf([&] { myFiles.DemandOwnFolder(myOthers); }), PathAccess);
+    EXPECT_EQ(ErrorOf([&] { myFiles.DemandOwnFolder(In(u"")); }), 0);
+}
+
+TEST_F(WindowsFilesTest, TemporaryPath_IsTheSystemsUnlessTooLong)
+{
+    Environment myEnvironment;
+    const auto PathFor = [&](const std::string& myValue)
+    {
+        myEnvironment.Set("TMP", myValue);
+        return myFiles.TemporaryPath();
+    };
+    EXPECT_EQ(PathFor(myFolder.Native()), In(u""));
+    const std::string myLongest = "C:\\" + std::string(249, 'x'); // with "\" at its end 253
+    EXPECT_EQ(PathFor(myLongest), FromUtf8(myLongest + "\\"));
+    EXPECT_EQ(PathFor(myLongest + "x"), u"");
+}
+
+TEST_F(WindowsFilesTest, TemporaryPath_ByShortNamesWhereTheCodePageLacksACharacter)
+{
+    myFolder.Write("日本/x", "");
+    const Environment myEnvironment{{"TMP", myFolder.Native("日本")}};
+    const Text myPath = myFiles.TemporaryPath();
+    EXPECT_TRUE(ToAnsi(myPath)) << ToUtf8(myPath);
+    EXPECT_EQ(myFiles.List(myPath + u"*", Listing::PlainFiles), (std::vector<Text>{u"x"})) << ToUtf8(myPath);
+}
+
+TEST(CodePage, NameIsHeldExactlyOrNotAtAll)
+{
+    const std::string myBytes = GetACP() == CP_UTF8 ? "\xC3\xB1" : "\xF1";
+    if (GetACP() != 1252 && GetACP() != CP_UTF8)
+    {
+        GTEST_SKIP() << "the bytes are those of two code pages";
+    }
+    EXPECT_EQ(ToAnsi(u"ñ"), myBytes);
+    EXPECT_EQ(FromAnsi(myBytes), u"ñ");
+    EXPECT_EQ(ToAnsi(u""), "");
+    for (const TextView myOther : {u"Ā", u"Ａ", u"∞", u"日", u"\xD800"})
+    {
+        const bool myIsHeld = GetACP() == CP_UTF8 && myOther != u"\xD800";
+        EXPECT_EQ(ToAnsi(myOther).has_value(), myIsHeld) << ToUtf8(myOther);
+    }
+}
+
+TEST(Locale, GroupingAsTheSystemWritesIt)
+{
+    const std::tuple<TextView, int64_t, TextView> myCases[] = {
+        {u"3;0", 1234567, u"1.234.567"}, {u"3;2;0", 123456789, u"12.34.56.789"},
+        {u"3", 1234567, u"1234.567"},    {u"0;0", 1234567, u"1234567"},
+        {u"0", 1234567, u"1234567"},     {u"", 1234567, u"1234567"}};
+    for (const auto& [mySizes, myNumber, myText] : myCases)
+    {
+        EXPECT_EQ(ToUtf8(GroupedNumberText(myNumber, GroupingOfSizes(u".", mySizes))), ToUtf8(myText))
+            << ToUtf8(mySizes);
+    }
+}
+
+TEST_F(WindowsFilesTest, ComponentFolder_IsRealAndPlain)
+{
+    const fs::path myProgram = NativeComponentFile();
+    EXPECT_EQ(myPlatform->ComponentFile(), myProgram);
+    EXPECT_TRUE(fs::equivalent(myPlatform->Ports().componentFolder, myProgram.parent_path()));
+    EXPECT_FALSE(myPlatform->Ports().componentFolder.starts_with(u"\\\\?\\"));
+    EXPECT_EQ(RealFolderOf(L"C:\\none.dll"), L"C:\\");
+    EXPECT_EQ(RealFolderOf(L"\\\\server\\share\\none.dll"), L"\\\\server\\share");
+}
+
+/// A window that counts what reaches it.
+class MessagesTest : public testing::Test
+{
+protected:
+    MessagesTest()
+    {
+        SetWindowLongPtrW(myWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Receive));
+    }
+    ~MessagesTest() override { DestroyWindow(myWindow); }
+
+    static LRESULT CALLBACK Receive(HWND myReceiver, UINT myMessage, WPARAM myWord, LPARAM myLong)
+    {
+        auto* const theTest = reinterpret_cast<MessagesTest*>(GetWindowLongPtrW(myReceiver, GWLP_USERDATA));
+        theTest->Last = myMessage;
+        ++theTest->Count;
+        return DefWindowProcW(myReceiver, myMessage, myWord, myLong);
+    }
+
+    /// Lets messages be processed until one of a kind has come.
+    bool Comes(UINT myMessage)
+    {
+        for (int i = 0; i < 1000 && Last != myMessage; ++i)
+        {
+            myMessages.ProcessPending();
+            Sleep(Last == myMessage ? 0 : 10);
+        }
+        return Last == myMessage;
+    }
+
+    const std::unique_ptr<SystemPlatform> myPlatform = MakeSystemPlatform();
+    MessageQueue& myMessages = myPlatform->Ports().messages;
+    HWND myWindow =
+        CreateWindowExW(0, L"STATIC", nullptr, WS_POPUP, 0, 0, 10, 10, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    UINT Last = 0;
+    int Count = 0;
+};
+
+TEST_F(MessagesTest, ProcessPending_AllThatAreThere)
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        PostMessageW(myWindow, WM_APP, 0, 0);
+    }
+    myMessages.ProcessPending();
+    EXPECT_EQ(Count, 3);
+    myMessages.ProcessPending();
+    EXPECT_EQ(Count, 3);
+}
+
+TEST_F(MessagesTest, ProcessPending_TimersAndMessagesOfOtherThreads)
+{
+    SetTimer(myWindow, 1, 10, nullptr);
+    EXPECT_TRUE(Comes(WM_TIMER));
+    KillTimer(myWindow, 1);
+    std::thread mySender([this] { SendMessageW(myWindow, WM_APP + 1, 0, 0); });
+    EXPECT_TRUE(Comes(WM_APP + 1));
+    mySender.join();
+}
+
+TEST_F(MessagesTest, ProcessPending_LeavesTheRequestToQuit)
+{
+    PostMessageW(myWindow, WM_APP, 0, 0);
+    PostQuitMessage(7);
+    myMessages.ProcessPending();
+    myMessages.ProcessPending();
+    EXPECT_EQ(Count, 1);
+    MSG myMessage = {};
+    EXPECT_TRUE(PeekMessageW(&myMessage, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(myMessage.message, UINT{WM_QUIT});
+    EXPECT_EQ(myMessage.wParam, WPARAM{7});
+}
+
+TEST_F(MessagesTest, ProcessPending_EndsThoughAWindowNeverStopsPosting)
+{
+    SetWindowLongPtrW(myWindow, GWLP_WNDPROC,
+                      reinterpret_cast<LONG_PTR>(static_cast<WNDPROC>(
+                          [](HWND myReceiver, UINT myMessage, WPARAM, LPARAM) -> LRESULT
+                          {
+                              PostMessageW(myReceiver, myMessage, 0, 0);
+                              return 0;
+                          })));
+    PostMessageW(myWindow, WM_APP, 0, 0);
+    myMessages.ProcessPending();
+    SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&DefWindowProcW));
+}
+
+/// A library of this name that is loaded already stands for the system's: it records the call.
+TEST(HelpViewer, ShowContext_CallsTheSystemsLibraryWithFourArguments)
+{
+    const wchar_t* const myName = L"hhctrl.ocx";
+    {
+        const auto myPlatform = MakeSystemPlatform();
+        EXPECT_EQ(GetModuleHandleW(myName), nullptr) << "loaded before its first need";
+        const HMODULE myRecorder = LoadLibraryW(fs::path(QEL_HELP_RECORDER).make_preferred().c_str());
+        ASSERT_NE(myRecorder, nullptr);
+        const auto LastCall = reinterpret_cast<const HelpCall* (*)()>(
+            reinterpret_cast<void*>(GetProcAddress(myRecorder, "LastHelpCall")));
+        const std::pair<int32_t, uintptr_t> myContexts[] = {{100, 100}, {-1, 0xFFFFFFFF}};
+        for (const auto& [myContext, myData] : myContexts)
+        {
+            myPlatform->Ports().help.ShowContext(u"C:\\España\\Some.chm", myContext);
+            EXPECT_EQ(LastCall()->Caller, nullptr);
+            EXPECT_EQ(FromAnsi(LastCall()->File), u"C:\\España\\Some.chm");
+            EXPECT_EQ(LastCall()->Command, 15U);
+            EXPECT_EQ(LastCall()->Data, myData);
+        }
+        FreeLibrary(myRecorder);
+    }
+    EXPECT_NE(GetModuleHandleW(myName), nullptr) << "freed while its windows may be open";
+}
+
+} // namespace
+} // namespace qel
