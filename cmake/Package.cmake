@@ -39,13 +39,12 @@ The component for desktop web-site builders, with its library of motifs and
 tunes, and qelhost, a small site builder. The settings dialog is in the package
 tesselwind-window; building pages needs no display and no toolkit.")
 
-# What the windows also work without: the synthesiser with its instruments, the toolkit's own texts in Spanish, the font
-# for which the dialog is laid out, and what opens the help.
+# What the windows also work without: the synthesiser with its instruments, the font for which the dialog is laid out,
+# and what opens the help.
 set(CPACK_DEBIAN_WINDOW_PACKAGE_NAME tesselwind-window)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_SECTION web)
 set(CPACK_DEBIAN_WINDOW_PACKAGE_DEPENDS "tesselwind ${version}")
-set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS
-    "libfluidsynth3, timgm6mb-soundfont, qt6-translations-l10n, fonts-dejavu-extra, xdg-utils")
+set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS "libfluidsynth3, timgm6mb-soundfont, fonts-dejavu-extra, xdg-utils")
 set(CPACK_DEBIAN_WINDOW_DESCRIPTION
 "page plug-in that lets a graphic drift over a page, settings dialog
 The dialog in which an author chooses motif, tune, link and period of a module,

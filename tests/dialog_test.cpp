@@ -621,7 +621,6 @@ TEST_F(DialogTest, Help_ByTheButtonAndTheKeyInEveryControl)
         const auto Ask = [&]
         {
             TabTo(myPlace);
-            QTest::qWait(200); // without a window manager a shortcut takes a moment to reach the window
             Key(myPlace == std::string("cmdHelp") ? Qt::Key_Space : Qt::Key_F1);
             EXPECT_TRUE(QTest::qWaitFor([&] { return myFolder.Exists("asked"); })) << myPlace;
             fs::remove(myFolder.Native("asked"));

@@ -14,8 +14,11 @@ make_system() { # code name of the release, options of debootstrap
     as_root chmod +x "$root/usr/sbin/policy-rc.d"
 }
 
-# Runs a command in the fresh system, with processes of its own there: all end with it.
+# Runs a command in the fresh system, with processes of its own there: all end with it. Of the caller's environment it
+# gets only the way to the network.
 inside() {
     as_root unshare --mount --pid --fork --kill-child --root="$root" --mount-proc --wd=/ \
-        env DEBIAN_FRONTEND=noninteractive LC_ALL=C "$@"
+        env -i HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin \
+        http_proxy="${http_proxy-}" https_proxy="${https_proxy-}" no_proxy="${no_proxy-}" \
+        DEBIAN_FRONTEND=noninteractive LC_ALL=C "$@"
 }

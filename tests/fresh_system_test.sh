@@ -18,7 +18,7 @@ trap 'as_root umount -l "$root/dev"; as_root rm -rf --one-file-system "$folder"'
 inside /sources/demo
 # The system is one without a name, and the sources are moved after the first build.
 as_root mv "$root/sources" "$root/moved"
-as_root ln -s ../moved/demo "$root/usr/bin/sample"
+as_root ln -s ../../moved/demo "$root/usr/bin/sample"
 inside sample
 [ -s "$root/moved/build/demo/build/index.html" ] || fail "after a move, ./demo makes no site"
 inside sh -ec 'apt-get install -q -y --no-install-recommends git >/dev/null && cd /moved && git init -q && git add .'

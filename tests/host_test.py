@@ -100,7 +100,7 @@ class BuildTest(HostTest):
         self.make_site("index.html", "otra página.html")
         picture = self.file("Foto \"del\" año.jpg", b"picture")
         cases = [
-            (["--kind", "1", "--page", "otra página.html"], "otra página.html"),
+            (["--kind", "1", "--page", "otra página.html"], "otra&#37;20p&#37;C3&#37;A1gina.html"),
             (["--kind", "page", "--address", "https://example.org/?a=1&b='2'"],
              "https://example.org/?a=1&#38;b=&#39;2&#39;"),
             (["--kind", "section", "--page", "index.html", "--address", "#top"], "index.html#top"),
@@ -503,13 +503,20 @@ class SiteTest(HostTest):
         (self.site / "static" / "img" / "a b.png").write_bytes(b"")
         there = ('<a href="otra.html#x">', '<img SRC = img/a%20b.png?v=1>', "<a href='https://x/y.css'>", '<a href="#top">',
                  '<a href="mailto:a@b">', '<img src="/abs.png">', '<img src="images/qelspr1.gif">', '<a name="href=no.png">',
-                 '<!-- <img src="no.png"> -->', '<script>"<img src=no.png>"</script>', '<a href="">', '<p>href="no.png"',
-                 '<BASE href="sub/">')
+                 '<!-- <img src="no.png"> -->', '<script>"<img src=no.png></b><i>"</SCRIPT>', '<a href="">', '<p>href="no.png"',
+                 '<img srcset="https://x/a.png 1x,data:x,y 2x">', "<style>/* url(no.png) */ p { content: 'url(no.png)' }</style>")
         missing = {'<link rel=x href="./estilo.css">': "./estilo.css", '<img src="../x.png">': "../x.png",
-                   '<img alt=">" src="&amp;&#39;.gif"': "&'.gif", "<script src=a.js></script>": "a.js"}
-        run = subprocess.run([STAGE / "qelhost", "page", "add", self.site, "-", "--name", "p.html"], text=True,
-                             input="".join([*there, *missing]), capture_output=True, env=self.environment)
-        self.assertEqual(re.findall(r'p\.html refers to "(.*?)", which', run.stderr), list(missing.values()))
+                   '<img alt=">" src="&amp;&#39;.gif"': "&'.gif", "<script src=a.js></script>": "a.js",
+                   '<img srcset="img/a%20b.png, 1.png 1x,2.png, 3.png 100w">': "1.png 2.png 3.png",
+                   '<p style="background: URL( &quot;4.png&quot; )">': "4.png",
+                   "<style>@import '5.css'; @import url(6.css); p { background: url( 7.png ) }</style>": "5.css 6.css 7.png"}
+        def reported(content):
+            run = subprocess.run([STAGE / "qelhost", "page", "set", self.site, "otra.html", "-"], text=True,
+                                 input=content, capture_output=True, env=self.environment)
+            return re.findall(r'otra\.html refers to "(.*?)", which', run.stderr)
+        self.assertEqual(reported("".join([*there, *missing])), " ".join(missing.values()).split())
+        for base, expected in (("img/x.html", ["img/c.png"]), ("?x", ["c.png", "a b.png"]), ("https://x/", []), ("/", [])):
+            self.assertEqual(reported(f'<img src=c.png><base href="{base}"><base href=no/><img src="a b.png">'), expected)
 
     def test_records_that_modules_link_to_are_not_removed_unasked(self):
         self.make_site("a.html")
@@ -568,14 +575,23 @@ class SiteTest(HostTest):
         shown, _ = self.on_disk("size=4m", 'mount -o remount,ro "$SITE"\n' + self.READING)
         self.assertIn("Globo", shown)
 
+    def test_packing_on_a_full_disk_leaves_what_was_there(self):
+        self.make_site()
+        self.file("in/a", bytes(5 << 20))
+        left, errors = self.on_disk("size=4m", """cd "$SITE"; echo old > data/old.dat
+            for name in old new; do ! "$QEL" archive pack --force data/$name.dat "$ORIGINAL/../in"; done
+            cat data/old.dat; ls -A data""")
+        self.assertEqual((left, errors.count("the disk is full")), ("old\nold.dat\n", 2))
+
     def test_names_that_would_do_harm_are_refused(self):
-        self.make_site("index.html")
+        self.make_site("index.html", "Año.html")
         for name in ("../x.html", "a/b.html", "..html", ".x.html", "a\\b.html", "a%3.html", "a#.html", "x.txt", "a\n.html",
-                     b"\xff.html", "INDEX.html", "x'.html"):
+                     b"\xff.html", "INDEX.html", "aÑO.html", "x'.html"):
             self.assertRegex(self.host("page", "add", self.site, "-", "--name", os.fsdecode(name), expect=1),
                              "cannot be the name|has a page")
         self.assertIn("save it as UTF-8", self.host("page", "add", self.site, "-", "--name", "w.html", expect=1, text=False,
                                                     stdin="\ufeff<p>".encode("utf-16")).decode())
+        (self.site / "data" / "Lista.txt").write_bytes(b"of a command that was killed")
         self.add_record("--kind", "file", "--file", self.file("Lista.txt", b"1"))
         for name in ("LISTA.TXT", "qelspr7.gif", "QELMID.mid", "module1.dat"):
             self.assertRegex(self.add_record("--kind", "picture", "--file", self.file(name), expect=1), "another name")
@@ -632,6 +648,8 @@ class SiteTest(HostTest):
         self.assertIn("\r\x1b[K[1/1] index.html", self.terminal("build", self.site))
         self.environment["NO_COLOR"] = "1"
         self.assertIn("Haga clic aquí para", self.terminal("module", "show", self.site, new))
+        untuned = self.add_module("index.html", script(playmidi="1"))
+        self.assertIn("no tune is chosen", self.host("module", "show", self.site, untuned, expect=1))
 
     def terminal(self, *arguments):
         """What the program shows on a terminal."""
@@ -648,6 +666,7 @@ class SiteTest(HostTest):
 
     def test_databases_that_are_none_of_its_own_are_refused(self):
         self.assertIn("run qelhost init", self.host("page", "list", self.folder, expect=1))
+        self.assertIn("an empty name", self.host("page", "list", "", expect=2))
         self.make_site()
         self.assertIn("is a site already", self.host("init", self.site, expect=1))
         database = self.site / "site.db"
@@ -679,7 +698,10 @@ class ArchiveTest(HostTest):
         unnameable = self.file("2/日.txt")
         pipe = self.folder / "pipe"
         os.mkfifo(pipe)
+        link = self.folder / "link.dat"
+        link.symlink_to(archive)
         for arguments, reason in ((["unpack", archive, out], "--force"), (["pack", archive, source], "--force"),
+                                  (["pack", link, source, "--force"], "is a link"),
                                   (["pack", archive, none], "no folder"),
                                   (["pack", none / "a.dat", source], "archive itself: its folder"),
                                   (["pack", self.folder / "c.dat", unnameable.parent], "日.txt: its name"),
@@ -727,7 +749,11 @@ class CommandLineTest(HostTest):
                     "record": [{"uid": 1, "kind": "mail", "leadsTo": "mailto:a@b.c", "title": ""}]}
         self.assertEqual({group: json.loads(self.host(group, "list", self.site, "--json")) for group in expected}, expected)
         self.assertEqual(json.loads(self.host("build", self.site, "--json")),
-                         {"pages": 1, "modules": 1, "failed": 0, "problems": 0, "folder": str(self.site.resolve() / "build")})
+                         {"pages": 1, "modules": 1, "failed": 0, "problems": 0, "failures": [],
+                          "folder": str(self.site.resolve() / "build")})
+        self.add_module("Año.html", script(image="no.gif"))
+        run = subprocess.run([STAGE / "qelhost", "build", self.site, "--json"], capture_output=True, env=self.environment)
+        self.assertEqual(json.loads(run.stdout)["failures"], [{"page": "Año.html", "module": 2, "error": "53"}])
 
     def test_nothing_is_printed_before_a_command_has_succeeded(self):
         self.make_site()
@@ -747,6 +773,8 @@ class CommandLineTest(HostTest):
                 pass
             self.assertEqual((opened.read_text(), Path(shown)), (shown, self.site.resolve() / "build" / page))
             opened.unlink()
+        opener.write_text("#!/bin/sh\nexit 3\n")
+        self.assertIn("open " + shown + " yourself", self.host("preview", self.site, "b.html", expect=1))
         self.environment["PATH"] = "/nowhere"
         self.assertIn("open " + shown + " yourself", self.host("preview", self.site, "b.html", expect=1))
 

@@ -477,8 +477,8 @@ TEST_F(Imaging, Load_IgnoresADamagedOrientation)
     // Markers without a length end what is read of the header.
     for (const uint8_t myMarker : std::initializer_list<uint8_t>{0x01, 0xD0, 0xD7})
     {
-        FileBytes myFile(mySound);
-        myFile.insert(myFile.begin() + 2, {0xFF, myMarker, 0, 2});
+        FileBytes myFile{mySound[0], mySound[1], 0xFF, myMarker, 0, 2};
+        myFile.insert(myFile.end(), mySound.begin() + 2, mySound.end());
         ExpectSize(myFile, 32, 16);
     }
 }

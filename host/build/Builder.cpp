@@ -113,8 +113,9 @@ void Builder::BuildPage(const Page& myPage, OutputFolder& theOutput)
         }
         else
         {
-            ReportModule(myModule, "the page has no place \"" + myModule.Place + "\" any more; move the module with " +
-                                       "qelhost module move, or put the place back");
+            ReportModule(myModule, "",
+                         "the page has no place \"" + myModule.Place + "\" any more; move the module with " +
+                             "qelhost module move, or put the place back");
         }
     }
     Interruption::ThrowIfRequested();
@@ -138,14 +139,15 @@ Text Builder::ModuleText(const Module& myModule)
             return theText;
         }
         const std::string myNumber = ErrorNumberOf(myReason, theText.empty());
-        ReportModule(myModule,
+        ReportModule(myModule, myNumber,
                      myReason + " (" + FailureDetails(mySite, myModule, myNumber, myComponent.LibraryFolder()) + ")");
         return myOptions.KeepsErrors ? theText : FailureComment(myModule.Id, myNumber);
     }
     catch (const CallFailure& myFailure)
     {
-        ReportModule(myModule, myFailure.what());
-        return FailureComment(myModule.Id, ErrorNumberOf(myFailure.Result));
+        const std::string myNumber = ErrorNumberOf(myFailure.Result);
+        ReportModule(myModule, myNumber, myFailure.what());
+        return FailureComment(myModule.Id, myNumber);
     }
 }
 
@@ -161,9 +163,9 @@ Text Builder::Menu(const std::string& myCurrentPage) const
     return FromUtf8(theMenu + "</ul>");
 }
 
-void Builder::ReportModule(const Module& myModule, const std::string& myReason)
+void Builder::ReportModule(const Module& myModule, const std::string& myErrorNumber, const std::string& myReason)
 {
-    ++myResult.Failures;
+    myResult.Failures.push_back({myModule.Page, myModule.Id, myErrorNumber});
     Say(myModule.Page + ", module " + std::to_string(myModule.Id) + ": " + myReason);
 }
 

@@ -10,6 +10,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace qel::host
 {
@@ -21,12 +22,19 @@ struct BuildOptions
     bool Refreshes = true;               ///< pages are taken from their files again where those have changed
 };
 
+struct ModuleFailure
+{
+    std::string Page;
+    int64_t Module;
+    std::string ErrorNumber; ///< as in the comment on the page; empty: the page has no place for the module
+};
+
 struct BuildResult
 {
     int Pages = 0;
     int Modules = 0;
-    int Failures = 0; ///< modules that are not on their page as their author wants them
-    int Problems = 0; ///< pages and static files that are not, or not newly, in the build
+    std::vector<ModuleFailure> Failures; ///< modules that are not on their page as their author wants them
+    int Problems = 0;                    ///< pages and static files that are not, or not newly, in the build
 };
 
 class Builder
@@ -50,7 +58,7 @@ private:
     void BuildPage(const Page& myPage, OutputFolder& theOutput);
     Text ModuleText(const Module& myModule);
     Text Menu(const std::string& myCurrentPage) const;
-    void ReportModule(const Module& myModule, const std::string& myReason);
+    void ReportModule(const Module& myModule, const std::string& myErrorNumber, const std::string& myReason);
     void ReportProblem(const std::string& myText);
     void Say(const std::string& myText);
     void ShowProgress(const std::string& myText);

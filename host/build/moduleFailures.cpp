@@ -114,6 +114,11 @@ std::vector<NamedFile> NeededFiles(const std::string& myScript)
     return theFiles;
 }
 
+std::string MissingChoice(const NamedFile& myFile)
+{
+    return "no " + myFile.Kind + " is chosen; choose one with qelhost module edit";
+}
+
 /// What is wrong with the files that a page needs, or else their names.
 std::string FileDetails(const std::vector<NamedFile>& myFiles, const fs::path& myLibrary)
 {
@@ -123,7 +128,7 @@ std::string FileDetails(const std::vector<NamedFile>& myFiles, const fs::path& m
     {
         if (myFile.Name.empty())
         {
-            return myImported + "no " + myFile.Kind + " is chosen; choose one with qelhost module edit";
+            return myImported + MissingChoice(myFile);
         }
         const std::string myText = "its " + myFile.Kind + " is " + myFile.Folder + "/" + myFile.Name;
         if (!IsImported(myFile) && !IsInLibrary(myLibrary, myFile))
@@ -137,6 +142,13 @@ std::string FileDetails(const std::vector<NamedFile>& myFiles, const fs::path& m
 }
 
 } // namespace
+
+std::string MissingChoice(const std::string& myScript)
+{
+    const std::vector<NamedFile> myFiles = NeededFiles(myScript);
+    const auto myMissing = std::ranges::find_if(myFiles, &std::string::empty, &NamedFile::Name);
+    return myMissing == myFiles.end() ? std::string() : MissingChoice(*myMissing);
+}
 
 std::string LinkProblem(Site& theSite, const Module& myModule)
 {

@@ -23,6 +23,10 @@ std::string ErrorNumberOf(HRESULT myResult);
 /// The comment that a page gets in the place of a failed module. It holds nothing but the two numbers.
 Text FailureComment(int64_t myModule, const std::string& myErrorNumber);
 
+/// What a page needs of a module and its author has not chosen, and what to do about it, such as "no tune is chosen;
+/// ..."; the empty text where nothing is missing.
+std::string MissingChoice(const std::string& myScript);
+
 /// What is wrong with the record that a module links to: it is missing, leads nowhere, or its file is missing; the
 /// empty text where nothing is. The component does not report a missing file.
 std::string LinkProblem(Site& theSite, const Module& myModule);

@@ -2,6 +2,7 @@
 
 #include "check/OutcomeFile.h"
 #include "check/system.h"
+#include "text/ScopeGuard.h"
 
 #include <algorithm>
 #include <chrono>
@@ -22,22 +23,6 @@ constexpr char WorkName[] = "work";
 
 /// The outcome of the check that this process runs; there is one.
 std::unique_ptr<OutcomeFile> TheOutcomeFile;
-
-/// A new folder that goes with all that is in it.
-class PrivateFolder
-{
-public:
-    PrivateFolder() : Path(MakeTemporaryFolder()) {}
-    PrivateFolder(const PrivateFolder&) = delete;
-    PrivateFolder& operator=(const PrivateFolder&) = delete;
-    ~PrivateFolder()
-    {
-        std::error_code myIgnored;
-        fs::remove_all(Path, myIgnored);
-    }
-
-    const fs::path Path;
-};
 
 Outcome RunHere(const Check& myCheck, const CheckContext& myContext)
 {
@@ -67,11 +52,17 @@ Outcome RunHere(const Check& myCheck, const CheckContext& myContext)
 Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeconds)
 {
     const ProgramRunner myRunner; // goes last, so that no signal ends the program before the folder has gone
-    const PrivateFolder myFolder;
+    const fs::path myFolder = MakeTemporaryFolder();
+    const ScopeGuard myRemoval(
+        [&]
+        {
+            std::error_code myIgnored;
+            fs::remove_all(myFolder, myIgnored);
+        });
     const auto myStart = Clock::now();
     const std::string myEnd =
-        myRunner.Run({RunCheckCommand, myCheck.Name, myFile.string(), myFolder.Path.string()}, mySeconds);
-    const OutcomeContent myContent = ReadOutcomeFile(myFolder.Path / OutcomeName);
+        myRunner.Run({RunCheckCommand, myCheck.Name, myFile.string(), myFolder.string()}, mySeconds);
+    const OutcomeContent myContent = ReadOutcomeFile(myFolder / OutcomeName);
     Outcome theOutcome = myContent.Result.value_or(
         Outcome{CheckResult::Failed, "the check comes to its end",
                 myEnd + (myContent.LastStep.empty() ? "" : "; the last that went well: " + myContent.LastStep)});

@@ -1,13 +1,17 @@
 #include "archive/classArchive.h"
 #include "commands/commands.h"
+#include "commands/logicalPaths.h"
+#include "commands/terminal.h"
 #include "common/Failure.h"
 #include "common/printable.h"
 #include "platform/codePage.h"
-#include "platform/linux/nativePath.h"
 #include "platform/ListView.h"
 #include "platform/shared/systemFiles.h"
+#include "site/siteFiles.h"
 #include "text/encodings.h"
 #include "text/errors.h"
+#include "text/ScopeGuard.h"
+#include "text/succeeds.h"
 
 #include <algorithm>
 #include <fstream>
@@ -16,8 +20,6 @@
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
-
-#include <unistd.h>
 
 namespace qel::host
 {
@@ -107,9 +109,9 @@ fs::path RealName(const fs::path& myPath)
     return fs::weakly_canonical(fs::absolute(myPath));
 }
 
-Text LogicalName(const fs::path& myPath)
+Text DemandedName(const fs::path& myPath)
 {
-    const std::optional<Text> theName = LogicalPath(RealName(myPath).string());
+    const std::optional<Text> theName = LogicalName(RealName(myPath));
     if (!theName)
     {
         throw UsageFailure(Printable(myPath.string()) +
@@ -122,7 +124,7 @@ Text LogicalName(const fs::path& myPath)
 class OpenArchive
 {
 public:
-    explicit OpenArchive(const fs::path& theFile) : myFile(theFile) { Archive.ArchiveFilename(LogicalName(myFile)); }
+    explicit OpenArchive(const fs::path& theFile) : myFile(theFile) { Archive.ArchiveFilename(DemandedName(myFile)); }
 
     ListedFiles Listed()
     {
@@ -145,7 +147,7 @@ public:
     bool IsAt(const Text& myFilename) const
     {
         std::error_code myIgnored; // a file that cannot be compared is another one
-        return fs::equivalent(NativePath(myFilename), NativePath(Archive.ArchiveFilename()), myIgnored);
+        return fs::equivalent(NativeName(myFilename), NativeName(Archive.ArchiveFilename()), myIgnored);
     }
 
     std::unique_ptr<Files> Disk = MakeSystemFiles();
@@ -173,7 +175,7 @@ public:
     }
 
 private:
-    bool myIsTerminal = isatty(STDERR_FILENO) != 0;
+    bool myIsTerminal = IsTerminal(Output::Errors);
 };
 
 /// What exists under exactly this name, where a file is to be written; nothing if the name is free. Fails if that is
@@ -190,7 +192,7 @@ std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
         {
             return std::nullopt;
         }
-        throw Failure(Printable(NativePath(myFilename)) + " cannot be written: " + ReasonOf(e.Number, {}));
+        throw Failure(Printable(NativeName(myFilename).string()) + " cannot be written: " + ReasonOf(e.Number, {}));
     }
 }
 
@@ -203,7 +205,7 @@ bool DemandPlace(const Text& myFilename, Files& theFiles, bool myMayReplace)
     {
         return myKind.has_value();
     }
-    const std::string myName = Printable(NativePath(myFilename));
+    const std::string myName = Printable(NativeName(myFilename).string());
     switch (*myKind)
     {
     case EntryKind::File:
@@ -240,22 +242,27 @@ void Pack(const Arguments& myArguments)
     {
         throw UsageFailure("an archive cannot be in the folder that it packs; choose another place for it");
     }
-    OpenArchive myArchive(myArguments.File);
-    DemandPlace(myArchive.Archive.ArchiveFilename(), *myArchive.Disk, myArguments.Force);
+    if (TypeOfEntry(myArguments.File) == fs::file_type::symlink)
+    {
+        throw Failure(myArguments.File.string() +
+                      " is a link, which an archive does not replace; give the file itself");
+    }
+    const fs::path myTarget = RealName(myArguments.File);
+    const fs::path myNewFile = UnfinishedName(myTarget); // so that a failure leaves an older archive as it was
+    OpenArchive myArchive(myNewFile);
+    DemandPlace(DemandedName(myTarget), *myArchive.Disk, myArguments.Force);
+    const ScopeGuard myRemoval([&] { Succeeds([&] { RemoveFile(myNewFile); }); });
     const ProgressLine myLine;
-    myArchive.Archive.BaseFolder(LogicalName(myArguments.Folder));
-    bool myHasBegun = false;
+    myArchive.Archive.BaseFolder(DemandedName(myArguments.Folder));
     myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
     {
-        myHasBegun = true;
         myLine.Show(std::to_string(myPercent) + " % " + Printable(ToUtf8(myName)));
     };
     if (!myArchive.Archive.PackArchive())
     {
-        const bool myIsLeft = myHasBegun && fs::is_regular_file(myArguments.File);
-        throw Failure("packing failed " + FailureOf(myArchive.Archive) +
-                      (myIsLeft ? ". An incomplete " + myArguments.File.string() + " is left" : ""));
+        throw Failure("packing failed " + FailureOf(myArchive.Archive));
     }
+    RenameFile(myNewFile, myTarget);
 }
 
 /// Makes sure, before anything is written, that every file of an archive may be unpacked to its place.
@@ -279,7 +286,7 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
         }
         if (myParent->second && DemandPlace(myTarget, theFiles, myMayReplace) && myArchive.IsAt(myTarget))
         {
-            throw Failure(Printable(NativePath(myTarget)) +
+            throw Failure(Printable(NativeName(myTarget).string()) +
                           " is the archive itself, which cannot replace itself; unpack it into another folder");
         }
         if (!myLowerNames.insert(LowerCase(myName)).second && !myMayReplace)
@@ -294,7 +301,7 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
 void Unpack(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
-    const Text myFolder = LogicalName(myArguments.Folder);
+    const Text myFolder = DemandedName(myArguments.Folder);
     const std::vector<Text> myNames = myArchive.Listed().Names;
     if (fs::exists(myArguments.Folder) && !fs::is_directory(myArguments.Folder))
     {

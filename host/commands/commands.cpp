@@ -4,6 +4,7 @@
 #include "build/Component.h"
 #include "build/Interruption.h"
 #include "commands/openInBrowser.h"
+#include "commands/terminal.h"
 #include "common/Failure.h"
 #include "common/printable.h"
 #include "common/programFiles.h"
@@ -15,8 +16,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iostream>
-
-#include <unistd.h>
 
 namespace qel::host
 {
@@ -37,14 +36,14 @@ BuildResult BuildPages(Site& theSite, const Arguments& myArguments)
     myComponent.Serve(theSite);
     const UserLock myLock = LockForWriting(theSite);
     const Interruption myInterruption;
-    return Builder(theSite, myComponent, std::cerr, isatty(STDERR_FILENO) != 0)
+    return Builder(theSite, myComponent, std::cerr, IsTerminal(Output::Errors))
         .Build({myArguments.OtherPage, myArguments.KeepErrors, !myArguments.NoRefresh});
 }
 
 /// Ends the program with 1 if something failed, which has been reported.
 void DemandSuccess(const BuildResult& myResult)
 {
-    if (myResult.Failures > 0 || myResult.Problems > 0)
+    if (!myResult.Failures.empty() || myResult.Problems > 0)
     {
         throw CLI::RuntimeError(1);
     }
@@ -64,6 +63,16 @@ void RunBuilding(void (*myCommand)(const Arguments&), const Arguments& myArgumen
     }
 }
 
+std::string FailuresAsJson(const std::vector<ModuleFailure>& myFailures)
+{
+    std::vector<JsonMembers> myObjects;
+    for (const ModuleFailure& myFailure : myFailures)
+    {
+        myObjects.push_back({{"page", myFailure.Page}, {"module", myFailure.Module}, {"error", myFailure.ErrorNumber}});
+    }
+    return JsonArray(myObjects);
+}
+
 void Build(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
@@ -73,15 +82,16 @@ void Build(const Arguments& myArguments)
     {
         std::cout << JsonObject({{"pages", int64_t{myResult.Pages}},
                                  {"modules", int64_t{myResult.Modules}},
-                                 {"failed", int64_t{myResult.Failures}},
+                                 {"failed", static_cast<int64_t>(myResult.Failures.size())},
                                  {"problems", int64_t{myResult.Problems}},
+                                 {"failures", Json{FailuresAsJson(myResult.Failures)}},
                                  {"folder", myFolder}})
                   << std::endl;
     }
     else
     {
         std::cout << "Pages: " << myResult.Pages << ", modules: " << myResult.Modules
-                  << ", failed: " << myResult.Failures
+                  << ", failed: " << myResult.Failures.size()
                   << (myResult.Problems > 0 ? ", other problems: " + std::to_string(myResult.Problems) : "")
                   << ". They are in " << myFolder << std::endl;
     }
@@ -140,7 +150,7 @@ void PrintInfo(const Arguments& myArguments)
 bool WantsEscapes()
 {
     const char* const myNoColor = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) != 0 && (myNoColor == nullptr || *myNoColor == '\0');
+    return IsTerminal(Output::Standard) && (myNoColor == nullptr || *myNoColor == '\0');
 }
 
 void PrintTable(const std::vector<std::vector<std::string>>& myRows)
@@ -170,7 +180,7 @@ void PrintList(const std::vector<std::vector<std::string>>& myRows, const std::v
 {
     if (myArguments.Json)
     {
-        std::cout << JsonArray(myObjects);
+        std::cout << JsonArray(myObjects) << "\n";
         return;
     }
     PrintTable(myRows);
@@ -219,10 +229,6 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
     myBuild->add_option("--only", theArguments.OtherPage, "Builds only this page; the others stay unchanged")
         ->type_name("PAGE");
     myBuild->add_flag("--json", theArguments.Json, "Writes the result as a JSON object");
-    myBuild->add_flag("--keep-errors", theArguments.KeepErrors,
-                      "Puts the component's text for a failed module into the page instead of a comment");
-    myBuild->add_flag("--no-refresh", theArguments.NoRefresh,
-                      "Builds the stored pages, even if the files from which they were read have changed");
     myBuild->footer("A page whose file has changed since it was added or set is read from that file again.\n"
                     "The files in SITE/static are copied into the build unchanged: styles, scripts, pictures.\n"
                     "A module that fails does not stop the build: a comment with its number takes its place, the\n"
@@ -232,6 +238,13 @@ void AddSiteCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myPreview =
         AddSiteCommand(theApplication, "preview", "Builds the pages and opens one in the browser", theArguments);
     myPreview->add_option("PAGE", theArguments.Page, "The page to open; without it the first one")->type_name("");
+    for (CLI::App* const myCommand : {myBuild, myPreview})
+    {
+        myCommand->add_flag("--keep-errors", theArguments.KeepErrors,
+                            "Puts the component's text for a failed module into the page instead of a comment");
+        myCommand->add_flag("--no-refresh", theArguments.NoRefresh,
+                            "Builds the stored pages, even if the files from which they were read have changed");
+    }
     myPreview->callback([&theArguments] { RunBuilding(Preview, theArguments); });
 
     CLI::App* const myGroup = AddGroup(theApplication, "site", "The site as a whole");

@@ -30,14 +30,25 @@ std::string JsonText(std::string_view myText)
     return theText + '"';
 }
 
+namespace
+{
+
+struct JsonWriter
+{
+    std::string operator()(int64_t myNumber) const { return std::to_string(myNumber); }
+    std::string operator()(const std::string& myText) const { return JsonText(myText); }
+    std::string operator()(const Json& myJson) const { return myJson.Text; }
+};
+
+} // namespace
+
 std::string JsonObject(const JsonMembers& myMembers)
 {
     std::string theText = "{";
     for (const auto& [myName, myValue] : myMembers)
     {
         theText += (theText.size() > 1 ? ", " : "") + JsonText(myName) + ": ";
-        const auto* const myNumber = std::get_if<int64_t>(&myValue);
-        theText += myNumber != nullptr ? std::to_string(*myNumber) : JsonText(std::get<std::string>(myValue));
+        theText += std::visit(JsonWriter(), myValue);
     }
     return theText + "}";
 }
@@ -49,7 +60,7 @@ std::string JsonArray(const std::vector<JsonMembers>& myObjects)
     {
         theText += (theText.size() > 1 ? ",\n" : "\n") + JsonObject(myObject);
     }
-    return theText + (myObjects.empty() ? "]\n" : "\n]\n");
+    return theText + (myObjects.empty() ? "]" : "\n]");
 }
 
 } // namespace qel::host

@@ -14,12 +14,18 @@ namespace qel::host
 /// A text in quotation marks, its special characters escaped. Bytes that are not UTF-8 become U+FFFD.
 std::string JsonText(std::string_view myText);
 
+/// A value that is JSON already.
+struct Json
+{
+    std::string Text;
+};
+
 /// The members of an object, in the order in which they are written.
-using JsonMembers = std::vector<std::pair<const char*, std::variant<int64_t, std::string>>>;
+using JsonMembers = std::vector<std::pair<const char*, std::variant<int64_t, std::string, Json>>>;
 
 std::string JsonObject(const JsonMembers& myMembers);
 
-/// An array of objects, one to a line, with a line end after it.
+/// An array of objects, one to a line.
 std::string JsonArray(const std::vector<JsonMembers>& myObjects);
 
 } // namespace qel::host

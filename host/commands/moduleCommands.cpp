@@ -1,7 +1,9 @@
 #include "build/Component.h"
+#include "build/moduleFailures.h"
 #include "commands/commands.h"
 #include "common/Failure.h"
 #include "site/markup.h"
+#include "site/scriptTags.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
@@ -116,6 +118,12 @@ void Show(const Arguments& myArguments)
     Component myComponent(myArguments.Plugin);
     myComponent.Serve(mySite);
     myComponent.PutInHand(myModule.Id, myModule.Script);
+    // The component has a summary of a module without a motif, but none of one that lacks only its tune.
+    if (const std::string myMissing = MissingChoice(myModule.Script);
+        !myMissing.empty() && !ScriptParam(myModule.Script, "image").empty())
+    {
+        throw Failure("module " + std::to_string(myModule.Id) + " cannot be built yet: " + myMissing);
+    }
     PrintSummary(myComponent);
 }
 

@@ -21,8 +21,8 @@ constexpr const char* myPlaces =
     "  <!-- qel:modules NAME -->  the modules of the place with that name\n"
     "  <!-- qel:title -->         the site's title\n"
     "  <!-- qel:menu -->          a list with links to all pages\n"
-    "What the page refers to in href, src, data, poster and background and the site does not have\n"
-    "is reported. References in srcset, in style sheets and in scripts are not looked at.";
+    "What the page refers to in href, src, srcset, data, poster, background and its own styles and\n"
+    "the site does not have is reported. Scripts and other files are not looked at.";
 
 /// True when a path below the folder of the pages is something that the site has or may have.
 bool IsInSite(Site& theSite, const std::string& myPath)

@@ -43,7 +43,7 @@ void List(const Arguments& myArguments)
     for (const Record& myRecord : Site(myArguments.Site).Records())
     {
         const std::string myKind(KindName(myRecord.Kind));
-        const std::string myTarget = HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord);
+        const std::string myTarget = RecordTarget(myRecord);
         myRows.push_back({std::to_string(myRecord.Uid), myKind, myTarget, myRecord.Title});
         myObjects.push_back(
             {{"uid", myRecord.Uid}, {"kind", myKind}, {"leadsTo", myTarget}, {"title", myRecord.Title}});

@@ -19,9 +19,8 @@ constexpr TextView RecordMark = u"UID:";
 LinkRow RowOf(const Record& myRecord)
 {
     const std::string myName = myRecord.Title.empty() ? "record " + std::to_string(myRecord.Uid) : myRecord.Title;
-    const std::string myAddress = HasFile(myRecord.Kind) ? myRecord.Filename : RecordAddress(myRecord);
     return {myRecord.Uid, FromUtf8(KindName(myRecord.Kind)), FromUtf8(Printable(myName)),
-            FromUtf8(Printable(myAddress))};
+            FromUtf8(Printable(RecordTarget(myRecord)))};
 }
 
 std::optional<std::size_t> FindRow(const std::vector<LinkRow>& myRows, TextView myUid)

@@ -82,6 +82,14 @@ void DemandPageName(std::string_view myName)
     }
 }
 
+void DemandFolderName(const fs::path& myFolder)
+{
+    if (myFolder.empty())
+    {
+        throw UsageFailure("an empty name is not a folder; give the site's folder, such as .");
+    }
+}
+
 void DemandTitle(std::string_view myTitle)
 {
     if (!IsUtf8(myTitle))
@@ -104,6 +112,7 @@ void DemandPosition(int64_t myPosition, int64_t myLast)
 void Site::Create(const fs::path& myFolder, std::string_view myTitle)
 {
     DemandTitle(myTitle);
+    DemandFolderName(myFolder);
     if (TypeOfEntry(myFolder / "site.db") != fs::file_type::not_found)
     {
         throw Failure(myFolder.string() + " is a site already; work on it, or give another folder");
@@ -128,6 +137,7 @@ namespace
 /// The folder of a site, absolute and with all links followed. Failure: it is none.
 fs::path RealFolder(const fs::path& myFolder)
 {
+    DemandFolderName(myFolder);
     if (TypeOfEntry(myFolder / "site.db") == fs::file_type::not_found)
     {
         throw Failure(myFolder.string() + " is not a site: run qelhost init " + myFolder.string());
@@ -136,7 +146,7 @@ fs::path RealFolder(const fs::path& myFolder)
     fs::path theFolder = fs::canonical(myFolder, myError);
     if (myError)
     {
-        FailWithSystemError("cannot open the site " + myFolder.string(), myError.value());
+        FailWithSystemError("cannot open the site " + myFolder.string(), myError);
     }
     return theFolder;
 }
@@ -202,9 +212,28 @@ void Site::SetTitle(std::string_view myTitle)
     myConnection.Run("UPDATE site SET title = ?", {myTitle});
 }
 
+int64_t Site::FindPage(std::string_view myName)
+{
+    if (const int64_t theId = myConnection.Number("SELECT id FROM page WHERE name = ?", {myName}); theId != 0)
+    {
+        return theId;
+    }
+    // The database tells case apart beyond ASCII.
+    const Text myWanted = FromUtf8(myName);
+    Statement myStatement(myConnection, "SELECT id, name FROM page");
+    while (myStatement.Next())
+    {
+        if (EqualInLowerCase(FromUtf8(myStatement.Text(1)), myWanted))
+        {
+            return myStatement.Number(0);
+        }
+    }
+    return 0;
+}
+
 int64_t Site::PageId(std::string_view myName)
 {
-    const int64_t theId = myConnection.Number("SELECT id FROM page WHERE name = ?", {myName});
+    const int64_t theId = FindPage(myName);
     if (theId == 0)
     {
         throw Failure("the site has no page \"" + std::string(myName) + "\"; qelhost page list shows those it has");
@@ -218,7 +247,7 @@ void Site::AddPage(std::string_view myName, std::string_view myTitle, const Page
     DemandTitle(myTitle);
     DemandPageContent(myInput.Content);
     Transaction myTransaction(myConnection, Transaction::Kind::Writing);
-    if (myConnection.Number("SELECT 1 FROM page WHERE name = ?", {myName}) != 0)
+    if (FindPage(myName) != 0)
     {
         throw Failure("the site has a page \"" + std::string(myName) +
                       "\" already; replace it with qelhost page set, or give another --name");
@@ -235,7 +264,7 @@ void Site::RenamePage(std::string_view myName, std::string_view myNewName)
     DemandPageName(myNewName);
     Transaction myTransaction(myConnection, Transaction::Kind::Writing);
     const int64_t myId = PageId(myName);
-    if (myConnection.Number("SELECT 1 FROM page WHERE name = ? AND id <> ?", {myNewName, myId}) != 0)
+    if (const int64_t myOther = FindPage(myNewName); myOther != 0 && myOther != myId)
     {
         throw Failure("the site has a page \"" + std::string(myNewName) + "\" already; give another name");
     }

@@ -145,6 +145,9 @@ public:
 
 private:
     void Migrate();
+    /// The page with a name that is alike without regard to case; 0 if there is none.
+    int64_t FindPage(std::string_view myName);
+    /// The same. Failure: there is none.
     int64_t PageId(std::string_view myName);
     void StoreContent(int64_t myPage, const PageInput& myInput);
     /// Remembers the file that a page came from, and the hash of its content.
@@ -157,8 +160,8 @@ private:
     /// Passes when the page has that place. Failure: it has not.
     void DemandPlace(int64_t myPage, std::string_view myPlace);
     Record RecordOf(int64_t myUid);
-    /// The name that a file gets below the data folder. Failure: another file than `myOwnName` has it.
-    std::string DataName(const std::filesystem::path& mySource, std::string_view myOwnName) const;
+    /// The name that a file gets below the data folder. Failure: the file of another record has it.
+    std::string DataName(const std::filesystem::path& mySource, std::string_view myOwnName);
     void RemoveDataFile(const std::string& myName) const;
     /// Removes the archive of a module that is gone, and the copy of an edit.
     void RemoveArchives(int64_t myModule) const;

@@ -29,7 +29,7 @@ const std::string mySelect = "SELECT uid, kind, record.title, coalesce(page.name
 
 } // namespace
 
-std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName) const
+std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName)
 {
     std::string theName = SafeFileName(mySource.filename().string());
     const Text myLowerName = LowerCase(FromUtf8(theName));
@@ -40,11 +40,12 @@ std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName)
                       "\": " + (myProblem.empty() ? "it is a name of the site's own" : myProblem) +
                       "; give the file another name");
     }
-    for (const std::string& myOther : NamesInFolder(DataFolder()))
+    // A file there that no record names is left from a command that was interrupted, and may be replaced.
+    for (const Record& myRecord : Records())
     {
-        if (myOther != myOwnName && LowerCase(FromUtf8(myOther)) == myLowerName)
+        if (myRecord.Filename != myOwnName && LowerCase(FromUtf8(myRecord.Filename)) == myLowerName)
         {
-            throw Failure("the site has a file \"" + myOther +
+            throw Failure("the site has a file \"" + myRecord.Filename +
                           "\" already; change its record with qelhost record set, or give the file another name");
         }
     }

@@ -2,8 +2,7 @@
 /// per user.
 #pragma once
 
-#include "platform/linux/Descriptor.h"
-
+#include <memory>
 #include <ostream>
 
 namespace qel::host
@@ -17,7 +16,7 @@ public:
     explicit UserLock(std::ostream& theMessages);
 
 private:
-    Descriptor myFile;
+    std::shared_ptr<const void> myFile; ///< the system's
 };
 
 } // namespace qel::host

@@ -1,6 +1,7 @@
 #include "site/records.h"
 
 #include "common/Failure.h"
+#include "site/PageText.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -99,7 +100,15 @@ std::string RecordAddress(const Record& myRecord)
     {
         return "mailto:" + myRecord.Address;
     }
-    return myRecord.Page + myRecord.Address;
+    return EncodedForAddress(myRecord.Page) + myRecord.Address;
+}
+
+std::string RecordTarget(const Record& myRecord)
+{
+    const bool myIsOnPage = !myRecord.Page.empty();
+    return HasFile(myRecord.Kind) ? myRecord.Filename
+           : myIsOnPage           ? myRecord.Page + myRecord.Address
+                                  : RecordAddress(myRecord);
 }
 
 } // namespace qel::host

@@ -55,7 +55,11 @@ void DemandSuited(RecordKind myKind, const RecordChange& myChange);
 /// Passes when the record has what its kind needs. UsageFailure: it has not.
 void DemandComplete(const Record& myRecord);
 
-/// Where a record leads, as a browser would show it; empty for a record that is a file or leads nowhere.
+/// The address of a link to a record, a page's name in it percent-encoded; empty for a record that is a file or leads
+/// nowhere.
 std::string RecordAddress(const Record& myRecord);
+
+/// Where a record leads, for a person to read: the name of its file, or its address without percent encoding.
+std::string RecordTarget(const Record& myRecord);
 
 } // namespace qel::host

@@ -1,21 +1,17 @@
 #include "site/siteFiles.h"
 
 #include "common/Failure.h"
-#include "platform/linux/Descriptor.h"
+#include "site/processes.h"
 #include "text/encodings.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <csignal>
 #include <cstdio>
-#include <cstring>
+#include <fstream>
 #include <optional>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace qel::host
 {
@@ -32,34 +28,30 @@ constexpr std::size_t myLongestName = 255;
 constexpr std::string_view myUnfinishedHead = ".qelhost-";
 constexpr std::string_view myUnfinishedEnd = ".new";
 
-std::string SystemReason(int myError)
+constexpr std::pair<std::errc, const char*> Reasons[] = {
+    {std::errc::no_space_on_device, "the disk is full; make room and try again"},
+    {std::errc::read_only_file_system, "the disk can only be read; copy the site to another one"},
+    {std::errc::permission_denied, "no permission; change the permissions of the file and its folder"},
+    {std::errc::operation_not_permitted, "no permission; change the permissions of the file and its folder"},
+    {std::errc::no_such_file_or_directory, "there is no such file or folder; check the path"},
+    {std::errc::not_a_directory, "a part of its path is not a folder; check the path"},
+    {std::errc::is_a_directory, "it is a folder; give a file"},
+    {std::errc::filename_too_long, "the name is too long; give a shorter one"},
+    {std::errc::not_supported, "it is not a plain file; give one"},
+    {std::errc::too_many_symbolic_link_levels, "it is a link, or leads through too many; give the file itself"},
+};
+
+std::string ReasonOf(std::error_code myError)
 {
-    switch (myError)
-    {
-    case ENOSPC:
-        return "the disk is full; make room and try again";
-    case EDQUOT:
-        return "your share of the disk is full; make room and try again";
-    case EROFS:
-        return "the disk can only be read; copy the site to another one";
-    case EACCES:
-    case EPERM:
-        return "no permission; change the permissions of the file and its folder";
-    case ENOENT:
-        return "there is no such file or folder; check the path";
-    case ENOTDIR:
-        return "a part of its path is not a folder; check the path";
-    case EISDIR:
-        return "it is a folder; give a file";
-    case ENAMETOOLONG:
-        return "the name is too long; give a shorter one";
-    case ENOTSUP:
-        return "it is not a plain file; give one";
-    case ELOOP:
-        return "it is a link, or leads through too many; give the file itself";
-    default:
-        return std::strerror(myError);
-    }
+    const auto* const myReason =
+        std::ranges::find_if(Reasons, [&](const auto& myEntry) { return myError == myEntry.first; });
+    return myReason == std::end(Reasons) ? myError.message() : myReason->second;
+}
+
+/// Why an operation of a stream has failed. The caller has set errno to 0 before it.
+std::error_code StreamError()
+{
+    return errno == 0 ? std::make_error_code(std::errc::io_error) : std::error_code(errno, std::generic_category());
 }
 
 bool IsForbidden(char myCharacter)
@@ -72,36 +64,28 @@ bool IsForbidden(char myCharacter)
 class NewFile
 {
 public:
-    explicit NewFile(const fs::path& theTarget)
-        : myTarget(theTarget.string()),
-          myName(myTarget.substr(0, myTarget.rfind('/') + 1) + std::string(myUnfinishedHead) +
-                 std::to_string(getpid()) + std::string(myUnfinishedEnd))
-    {
-    }
+    explicit NewFile(const fs::path& theTarget) : myTarget(theTarget), myName(UnfinishedName(theTarget)) {}
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile()
     {
         if (!myIsInPlace)
         {
-            unlink(myName.c_str());
+            std::error_code myIgnored;
+            fs::remove(myName, myIgnored);
         }
     }
 
     void Write(std::string_view myBytes) const
     {
-        Descriptor myFile(open(myName.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666));
-        int myError = myFile.IsOpen() ? 0 : errno;
-        while (!myBytes.empty() && myError == 0)
+        RemoveFile(myName); // a link of that name is not followed
+        errno = 0;
+        std::ofstream myFile(myName, std::ios::binary);
+        myFile.write(myBytes.data(), static_cast<std::streamsize>(myBytes.size()));
+        myFile.close();
+        if (!myFile)
         {
-            const ssize_t myCount = Retrying([&] { return write(myFile.Handle(), myBytes.data(), myBytes.size()); });
-            myBytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(myCount, 0)));
-            myError = myCount < 0 ? errno : 0;
-        }
-        const int myLateError = myFile.Close();
-        if (myError != 0 || myLateError != 0)
-        {
-            Fail(myError != 0 ? myError : myLateError);
+            Fail(StreamError());
         }
     }
 
@@ -111,48 +95,65 @@ public:
         fs::copy_file(mySource, myName, fs::copy_options::overwrite_existing, myError);
         if (myError)
         {
-            FailWithSystemError("cannot copy " + mySource.string() + " to " + myTarget, myError.value());
+            FailWithSystemError("cannot copy " + mySource.string() + " to " + myTarget.string(), myError);
         }
     }
 
     void TakePlace()
     {
-        if (rename(myName.c_str(), myTarget.c_str()) != 0)
+        std::error_code myError;
+        fs::rename(myName, myTarget, myError);
+        if (myError)
         {
-            Fail(errno);
+            Fail(myError);
         }
         myIsInPlace = true;
     }
 
 private:
-    [[noreturn]] void Fail(int myError) const { FailWithSystemError("cannot write " + myTarget, myError); }
+    [[noreturn]] void Fail(std::error_code myError) const
+    {
+        FailWithSystemError("cannot write " + myTarget.string(), myError);
+    }
 
-    std::string myTarget;
-    std::string myName;
+    fs::path myTarget;
+    fs::path myName;
     bool myIsInPlace = false;
 };
 
 } // namespace
 
-void FailWithSystemError(const std::string& myWhat, int myError)
+void FailWithSystemError(const std::string& myWhat, std::error_code myError)
 {
-    throw Failure(myWhat + ": " + SystemReason(myError));
+    throw Failure(myWhat + ": " + ReasonOf(myError));
 }
+
+namespace
+{
+
+/// A plain file, or another that can be read, open for that. Failure: it cannot be.
+std::ifstream OpenedForReading(const fs::path& mySource, const std::string& myWhat)
+{
+    std::error_code myIgnored; // opening it has the reason
+    if (fs::is_directory(mySource, myIgnored))
+    {
+        FailWithSystemError(myWhat, std::make_error_code(std::errc::is_a_directory));
+    }
+    errno = 0;
+    std::ifstream theFile(mySource, std::ios::binary);
+    if (!theFile)
+    {
+        FailWithSystemError(myWhat, StreamError());
+    }
+    return theFile;
+}
+
+} // namespace
 
 std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
 {
     const bool myIsInput = mySource == "-";
     const std::string myWhat = "cannot read " + (myIsInput ? "the standard input" : mySource.string());
-    Descriptor myFile(myIsInput ? -1 : open(mySource.c_str(), O_RDONLY | O_CLOEXEC));
-    const int myHandle = myIsInput ? STDIN_FILENO : myFile.Handle();
-    struct stat myFacts
-    {
-    };
-    if (myHandle == -1 || fstat(myHandle, &myFacts) != 0)
-    {
-        FailWithSystemError(myWhat, errno);
-    }
-    std::string theBytes;
     const auto DemandLength = [&](uint64_t myLength)
     {
         if (myLength > myLimit)
@@ -161,17 +162,25 @@ std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
                           " MB; move what it holds into several files");
         }
     };
-    DemandLength(S_ISREG(myFacts.st_mode) ? static_cast<uint64_t>(myFacts.st_size) : 0);
+    std::ifstream myFile = myIsInput ? std::ifstream() : OpenedForReading(mySource, myWhat);
+    std::error_code myIgnored; // what has no length is read up to the limit
+    const uint64_t myLength = fs::file_size(mySource, myIgnored);
+    DemandLength(myIsInput || myIgnored ? 0 : myLength);
+
+    std::string theBytes;
     std::array<char, 65536> myPart{};
-    for (ssize_t myCount = 1; myCount != 0;)
+    std::size_t myCount = 0;
+    do
     {
-        myCount = Retrying([&] { return read(myHandle, myPart.data(), myPart.size()); });
-        if (myCount < 0)
-        {
-            FailWithSystemError(myWhat, errno);
-        }
-        theBytes.append(myPart.data(), static_cast<std::size_t>(myCount));
+        errno = 0;
+        myCount = myIsInput ? std::fread(myPart.data(), 1, myPart.size(), stdin)
+                            : static_cast<std::size_t>(myFile.read(myPart.data(), myPart.size()).gcount());
+        theBytes.append(myPart.data(), myCount);
         DemandLength(theBytes.size());
+    } while (myCount != 0);
+    if (myFile.bad() || (myIsInput && std::ferror(stdin) != 0))
+    {
+        FailWithSystemError(myWhat, StreamError());
     }
     return theBytes;
 }
@@ -196,7 +205,7 @@ fs::file_type TypeOfEntry(const fs::path& myPath)
     const fs::file_type theType = fs::symlink_status(myPath, myError).type();
     if (theType == fs::file_type::none)
     {
-        FailWithSystemError("cannot look at " + myPath.string(), myError.value());
+        FailWithSystemError("cannot look at " + myPath.string(), myError);
     }
     return theType;
 }
@@ -214,23 +223,18 @@ bool HaveSameContent(const fs::path& myOne, const fs::path& myOther)
     {
         return false;
     }
-    const Descriptor myOneFile(open(myOne.c_str(), O_RDONLY | O_CLOEXEC));
-    const Descriptor myOtherFile(open(myOther.c_str(), O_RDONLY | O_CLOEXEC));
+    std::ifstream myOneFile(myOne, std::ios::binary);
+    std::ifstream myOtherFile(myOther, std::ios::binary);
     std::array<char, 65536> myOnePart{};
     std::array<char, 65536> myOtherPart{};
-    ssize_t myCount = 1;
-    while (myCount > 0)
+    bool myIsSame = myOneFile.is_open() && myOtherFile.is_open();
+    while (myIsSame && myOneFile)
     {
-        myCount = Retrying([&] { return read(myOneFile.Handle(), myOnePart.data(), myOnePart.size()); });
-        const ssize_t myOtherCount =
-            Retrying([&] { return read(myOtherFile.Handle(), myOtherPart.data(), myOtherPart.size()); });
-        if (myCount != myOtherCount ||
-            !std::equal(myOnePart.begin(), myOnePart.begin() + std::max<ssize_t>(myCount, 0), myOtherPart.begin()))
-        {
-            return false;
-        }
+        const auto myCount = myOneFile.read(myOnePart.data(), myOnePart.size()).gcount();
+        myIsSame = myCount == myOtherFile.read(myOtherPart.data(), myOtherPart.size()).gcount() &&
+                   std::equal(myOnePart.begin(), myOnePart.begin() + myCount, myOtherPart.begin());
     }
-    return myCount == 0;
+    return myIsSame && !myOneFile.bad() && !myOtherFile.bad();
 }
 
 void MakeFolder(const fs::path& myFolder)
@@ -239,33 +243,51 @@ void MakeFolder(const fs::path& myFolder)
     fs::create_directories(myFolder, myError);
     if (myError)
     {
-        FailWithSystemError("cannot make the folder " + myFolder.string(), myError.value());
+        FailWithSystemError("cannot make the folder " + myFolder.string(), myError);
     }
 }
 
 void RemoveFile(const fs::path& myFile)
 {
-    if (unlink(myFile.c_str()) != 0 && errno != ENOENT)
+    std::error_code myError;
+    if (TypeOfEntry(myFile) == fs::file_type::directory)
     {
-        FailWithSystemError("cannot remove " + myFile.string(), errno);
+        myError = std::make_error_code(std::errc::is_a_directory);
+    }
+    else
+    {
+        fs::remove(myFile, myError);
+    }
+    if (myError)
+    {
+        FailWithSystemError("cannot remove " + myFile.string(), myError);
     }
 }
 
 void RenameFile(const fs::path& myFile, const fs::path& myTarget)
 {
-    if (rename(myFile.c_str(), myTarget.c_str()) != 0)
+    std::error_code myError;
+    fs::rename(myFile, myTarget, myError);
+    if (myError)
     {
-        FailWithSystemError("cannot rename " + myFile.string(), errno);
+        FailWithSystemError("cannot rename " + myFile.string(), myError);
     }
+}
+
+fs::path UnfinishedName(const fs::path& myTarget)
+{
+    std::string theName(myUnfinishedHead);
+    theName += std::to_string(OwnProcess());
+    return myTarget.parent_path() / (theName += myUnfinishedEnd);
 }
 
 namespace
 {
 
 /// The number of the program that writes an unfinished file of that name; 0 for any other name.
-pid_t WriterOf(std::string_view myName)
+int64_t WriterOf(std::string_view myName)
 {
-    pid_t theWriter = 0;
+    int64_t theWriter = 0;
     if (myName.starts_with(myUnfinishedHead) && myName.ends_with(myUnfinishedEnd))
     {
         const char* const myEnd = myName.data() + myName.size() - myUnfinishedEnd.size();
@@ -275,18 +297,13 @@ pid_t WriterOf(std::string_view myName)
     return theWriter;
 }
 
-bool HasEnded(pid_t myProgram)
-{
-    return kill(myProgram, 0) != 0 && errno == ESRCH;
-}
-
 } // namespace
 
 void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind)
 {
     for (const std::string& myName : NamesInFolder(myFolder))
     {
-        const pid_t myWriter = WriterOf(myName);
+        const int64_t myWriter = WriterOf(myName);
         if (myWriter > 0 && (myKind == Unfinished::OfAllPrograms || HasEnded(myWriter)))
         {
             RemoveFile(myFolder / myName);
@@ -305,7 +322,7 @@ std::vector<std::string> NamesInFolder(const fs::path& myFolder)
     }
     if (myError && myError != std::errc::no_such_file_or_directory)
     {
-        FailWithSystemError("cannot read the folder " + myFolder.string(), myError.value());
+        FailWithSystemError("cannot read the folder " + myFolder.string(), myError);
     }
     std::ranges::sort(theNames);
     return theNames;

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 namespace qel::host
@@ -17,8 +18,8 @@ namespace fs = std::filesystem;
 /// The most bytes that a page or a script may have.
 constexpr uint64_t LongestText = 16ULL << 20;
 
-/// Fails with what could not be done and the reason of an errno value.
-[[noreturn]] void FailWithSystemError(const std::string& myWhat, int myError);
+/// Fails with what could not be done and the system's reason.
+[[noreturn]] void FailWithSystemError(const std::string& myWhat, std::error_code myError);
 
 /// The bytes of a plain file or a pipe; "-" is the standard input. Failure: it cannot be read, or is longer than
 /// `myLimit` bytes; a plain file that is too long is refused before it is read.
@@ -40,6 +41,10 @@ bool HaveSameContent(const fs::path& myOne, const fs::path& myOther);
 
 /// Makes a folder, and those that it is to be in. Failure: it cannot be made.
 void MakeFolder(const fs::path& myFolder);
+
+/// The name beside a target under which this program writes what gets the target's name once it is whole.
+/// RemoveUnfinishedFiles knows such names.
+fs::path UnfinishedName(const fs::path& myTarget);
 
 /// Removes a file or link; nothing happens when there is none. Failure: it cannot be removed.
 void RemoveFile(const fs::path& myFile);

@@ -12,7 +12,6 @@
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
-#include <QShortcut>
 #include <QToolButton>
 #include <string_view>
 #include <xcb/xcb.h>
@@ -188,8 +187,6 @@ FormDialog::FormDialog()
     SetBuddies();
     ApplyFormLook(*this);
     FitCaptions();
-    connect(new QShortcut(QKeySequence(Qt::Key_F1), this), &QShortcut::activated, this,
-            [this] { Control<QAbstractButton>(u"cmdHelp").click(); });
 }
 
 void FormDialog::ShowModally()
@@ -206,6 +203,12 @@ void FormDialog::keyPressEvent(QKeyEvent* myEvent)
     {
         // The toolkit would close the window without the click.
         Control<QAbstractButton>(u"cmdCancel").click();
+        return;
+    }
+    // Not by a shortcut, which the toolkit ignores while it does not hold the window for the active one.
+    if (myEvent->matches(QKeySequence::HelpContents))
+    {
+        Control<QAbstractButton>(u"cmdHelp").click();
         return;
     }
     QDialog::keyPressEvent(myEvent);

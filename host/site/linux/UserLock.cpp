@@ -1,6 +1,7 @@
 #include "site/UserLock.h"
 
 #include "common/Failure.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/temporaryPath.h"
 
 #include <cerrno>
@@ -20,18 +21,20 @@ UserLock::UserLock(std::ostream& theMessages)
         throw Failure("there is no temporary folder of this user alone; make one with mode 700 and set TMPDIR to it");
     }
     const std::string myName = myFolder + "/qelhost.lock";
-    myFile = Descriptor(open(myName.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
-    int myResult = myFile.IsOpen() ? flock(myFile.Handle(), LOCK_EX | LOCK_NB) : -1;
+    const auto theFile =
+        std::make_shared<Descriptor>(open(myName.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    int myResult = theFile->IsOpen() ? flock(theFile->Handle(), LOCK_EX | LOCK_NB) : -1;
     if (myResult != 0 && errno == EWOULDBLOCK)
     {
         theMessages << "Another qelhost of yours is building, or has a dialog open; waiting until it has finished."
                     << std::endl;
-        myResult = Retrying([&] { return flock(myFile.Handle(), LOCK_EX); });
+        myResult = Retrying([&] { return flock(theFile->Handle(), LOCK_EX); });
     }
     if (myResult != 0)
     {
         throw Failure("cannot lock " + myName + ": " + std::strerror(errno));
     }
+    myFile = theFile;
 }
 
 } // namespace qel::host
