@@ -382,7 +382,7 @@ TEST_F(Imaging, Resample_TransparentPixelsGiveNoColour)
     }
 }
 
-TEST_F(Imaging, ReduceToPalette_Quality)
+TEST_F(Imaging, ReduceToPalette_GoodEntriesAndOfThemTheNearest)
 {
     std::mt19937 myRandom(1);
     PixelPicture myNoise{64, 64, std::vector<uint8_t>(64 * 64 * 4)};
@@ -399,6 +399,18 @@ TEST_F(Imaging, ReduceToPalette_Quality)
         const auto myReduced = ReduceToPalette(myPicture, false);
         EXPECT_GT(Likeness(myPicture, myReduced->Pixels(myPicture.Width, myPicture.Height)), myLeast);
         EXPECT_EQ(myReduced->FirstImage().TransparentIndex, GifImage::NotTransparent);
+    }
+    const auto myReduced = ReduceToPalette(myNoise, false);
+    const GifImage& myImage = myReduced->FirstImage();
+    for (size_t i = 0; i < myNoise.Pixels.size() / 4; ++i)
+    {
+        const auto Distance = [&, p = &myNoise.Pixels[i * 4]](const GifColour& c)
+        {
+            return std::pow(c.Red - p[0], 2) + std::pow(c.Green - p[1], 2) + std::pow(c.Blue - p[2], 2);
+        };
+        const auto myEnd = myImage.Palette.end() - 1; // the last entry is kept for transparent pixels
+        const auto myNearest = std::ranges::min_element(myImage.Palette.begin(), myEnd, {}, Distance);
+        ASSERT_EQ(Distance(myImage.Palette[myImage.Indices[i]]), Distance(*myNearest)) << i;
     }
     const PixelPicture myFew =
         ReadGif(MakeGif({.Interlaced = true, .HasImageColours = true, .Transparent = 7}))->Pixels(20, 20);
