@@ -2,11 +2,9 @@
 
     python3 edit_test.py STAGE PLUGINS [TEST...]    PLUGINS is the folder with the toolkit's plug-in that presses the keys
 """
-import contextlib
 import fcntl
 import re
 import shutil
-import sqlite3
 import subprocess
 import sys
 import unittest
@@ -97,9 +95,8 @@ class EditTest(HostTest):
 
     def test_edit_whose_script_cannot_be_stored_keeps_the_archive(self):
         module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
-        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as connection, connection:
-            connection.execute("UPDATE module SET script = replace(script, '40001', '39999')")
-            connection.execute("CREATE TRIGGER no BEFORE UPDATE ON module BEGIN SELECT raise(FAIL, 'no room'); END")
+        self.sql("UPDATE module SET script = replace(script, '40001', '39999')")
+        self.sql("CREATE TRIGGER no BEFORE UPDATE ON module BEGIN SELECT raise(FAIL, 'no room'); END")
         self.assertIn("no room", self.edit(module, CONFIRM, expect=1))
         self.assertEqual(self.files(), {"module1.dat": packed})
 
@@ -114,8 +111,7 @@ class EditTest(HostTest):
             except FileNotFoundError:  # packing deletes the old archive first
                 return False
 
-        with subprocess.Popen([STAGE / "qelhost", "module", "edit", self.site, str(module)],
-                              env=self.environment) as editor:
+        with self.start("module", "edit", self.site, module) as editor:
             while not is_packed_again():
                 self.assertIsNone(editor.poll())
             editor.kill()
@@ -153,11 +149,10 @@ class EditTest(HostTest):
         self.file("steps", CONFIRM)
         with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
-            with subprocess.Popen([STAGE / "qelhost", "module", "edit", self.site, str(module)], text=True,
-                                  stderr=subprocess.PIPE, stdout=subprocess.PIPE, env=self.environment) as waiting:
+            with self.start("module", "edit", self.site, module, text=True, stderr=subprocess.PIPE,
+                            stdout=subprocess.PIPE) as waiting:
                 self.assertIn("waiting", waiting.stderr.readline())
-                with contextlib.closing(sqlite3.connect(self.site / "site.db")) as connection, connection:
-                    connection.execute("UPDATE module SET script = ?", [script(link="URL:changed")])
+                self.sql("UPDATE module SET script = ?", [[script(link="URL:changed")]])
                 fcntl.flock(lock, fcntl.LOCK_UN)
                 waiting.communicate(timeout=60)
         self.assertEqual(waiting.returncode, 0)

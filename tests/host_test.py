@@ -55,17 +55,28 @@ class HostTest(unittest.TestCase):
 
     def host(self, *arguments, expect=0, stdin="", program=STAGE / "qelhost", text=True, **options):
         """Runs the program and gives what it wrote to its standard output; with `expect` 1 or 2 to the error output."""
-        run = subprocess.run([program, *map(str, arguments)], input=stdin, capture_output=True, text=text, timeout=60,
-                             errors="replace" if text else None, env=self.environment, **options)
-        self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
-        return run.stderr if expect else run.stdout
+        said, errors = self.outputs(*arguments, expect=expect, input=stdin, program=program, text=text,
+                                    errors="replace" if text else None, **options)
+        return errors if expect else said
 
-    def errors_of(self, *arguments):
+    def outputs(self, *arguments, expect=0, program=STAGE / "qelhost", text=True, **options):
+        """Runs the program and gives what it wrote to its standard output and to the error output."""
+        run = subprocess.run([program, *map(str, arguments)], capture_output=True, timeout=60, env=self.environment, text=text,
+                             **options)
+        self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
+        return run.stdout, run.stderr
+
+    def errors_of(self, *arguments, **options):
         """What a command that succeeds writes to the standard error."""
-        run = subprocess.run([STAGE / "qelhost", *map(str, arguments)], capture_output=True, text=True, timeout=60,
-                             env=self.environment)
-        self.assertEqual(run.returncode, 0, run.stderr)
-        return run.stderr
+        return self.outputs(*arguments, **options)[1]
+
+    def start(self, *arguments, **options):
+        return subprocess.Popen([STAGE / "qelhost", *map(str, arguments)], env=self.environment, **options)
+
+    def sql(self, statement, rows=((),)):
+        """Changes the site's database past the program."""
+        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
+            database.executemany(statement, rows)
 
     def file(self, name, content=b""):
         path = self.folder / name
@@ -153,8 +164,7 @@ class BuildTest(HostTest):
         self.add_module("a.html", script(link=self.add_record("--kind", "file", "--file", self.file("lost.txt", b"x"))))
         (self.site / "data" / "lost.txt").unlink()
         self.assertIn("a.html, module 1: the file data/lost.txt of record 1 is missing", self.host("build", self.site, expect=1))
-        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
-            database.execute("UPDATE module SET script = ?", [script(**{"from": "1e300"})])
+        self.sql("UPDATE module SET script = ?", [[script(**{"from": "1e300"})]])
         self.assertIn("a.html, module 1: ", self.host("build", self.site, expect=1))
         self.assertIn("<!-- qelhost: module 1 is left out, error 6 -->", self.page("a.html"))
 
@@ -167,10 +177,10 @@ class BuildTest(HostTest):
             "<!-- qel:title -->|<!-- note --><!-- qel:modules a b --><!-- qel:x -->":
                 "R&#38;D &#60;1&#62;|<!-- note --><!-- qel:modules a b --><!-- qel:x -->12",
             "<!-- qel:menu --><!-- qel:modules": '<ul><li><a href="p.html" aria-current="page">&#34;P&#34;</a></li>'
-                                                 '<li><a href="q.html">q</a></li></ul><!-- qel:modules12',
+                                                 '<li><a href="q%20%26%C3%B1.html">q &#38;&#241;</a></li></ul><!-- qel:modules12',
         }
         self.host("init", self.site, "--title", "R&D <1>")
-        for name, content in {"p.html": "<!-- qel:modules a --><!-- qel:modules b -->", "q.html": PAGE}.items():
+        for name, content in {"p.html": "<!-- qel:modules a --><!-- qel:modules b -->", "q &ñ.html": PAGE}.items():
             self.add_page(name, content)
         self.host("page", "set", self.site, "p.html", "--title", '"P"')
         empty = script(showimage="0")
@@ -272,12 +282,6 @@ class BuildTest(HostTest):
             said = self.errors_of(*command).splitlines()
             self.assertEqual([re.sub(";.*", "", line[line.index("line"):]) for line in said], expected)
 
-    def test_menu_addresses_are_percent_encoded(self):
-        self.make_site("a b&ñ.html")
-        self.host("page", "set", self.site, "a b&ñ.html", self.file("page", "<!-- qel:menu -->"))
-        self.host("build", self.site)
-        self.assertIn('<a href="a%20b%26%C3%B1.html" aria-current="page">a b&#38;&#241;</a>', self.page("a b&ñ.html"))
-
     def test_static_files_come_into_the_build_and_leave_it(self):
         self.make_site("index.html")
         static, build = self.site / "static", self.site / "build"
@@ -375,8 +379,7 @@ class BuildTest(HostTest):
         self.add_page(longest)
         self.assertIn("longer than 255 bytes", self.host("page", "add", self.site, "-", "--name", longer, expect=1))
         self.add_page("a.html")
-        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
-            database.execute("UPDATE page SET name = ? WHERE name = 'a.html'", [longer])
+        self.sql("UPDATE page SET name = ? WHERE name = 'a.html'", [[longer]])
         self.host("build", self.site, expect=1)
         with open(self.site / "build/.qelhost", "a") as written:
             written.write(longer + "\n")
@@ -389,8 +392,7 @@ class BuildTest(HostTest):
         """Sends the signal to a build that cannot go on, since nobody reads what it says; returns how it ends."""
         reading, writing = os.pipe()
         fcntl.fcntl(writing, fcntl.F_SETPIPE_SZ, 4096)
-        with subprocess.Popen([STAGE / "qelhost", "build", self.site], stderr=writing, stdout=subprocess.DEVNULL,
-                              env=self.environment) as build, open(reading, encoding="utf-8") as messages:
+        with self.start("build", self.site, stderr=writing, stdout=subprocess.DEVNULL) as build, open(reading) as messages:
             os.close(writing)
             messages.readline()
             build.send_signal(number)
@@ -399,9 +401,8 @@ class BuildTest(HostTest):
 
     def site_whose_build_can_be_interrupted(self):
         self.make_site("a.html", "b.html")
-        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database, database:
-            database.executemany("INSERT INTO module (page, place, position, script) VALUES (1, '', ?, ?)",
-                                 [(position, script(image="x" * 200 + ".gif")) for position in range(1, 201)])
+        self.sql("INSERT INTO module (page, place, position, script) VALUES (1, '', ?, ?)",
+                 [(position, script(image="x" * 200 + ".gif")) for position in range(1, 201)])
 
     def test_build_that_is_interrupted_ends_cleanly(self):
         self.site_whose_build_can_be_interrupted()
@@ -429,15 +430,13 @@ class BuildTest(HostTest):
 
     def test_programs_at_the_same_time_wait_for_each_other(self):
         self.make_site("index.html")
-        adding = [subprocess.Popen([STAGE / "qelhost", "module", "add", self.site, "index.html"], env=self.environment,
-                                   stdout=subprocess.PIPE) for _ in range(8)]
+        adding = [self.start("module", "add", self.site, "index.html", stdout=subprocess.PIPE) for _ in range(8)]
         modules = sorted(run.communicate(timeout=60)[0].decode() for run in adding)
         self.assertEqual(modules, [f"module {number}\n" for number in range(1, 9)])
         self.assertEqual(sorted(row.split()[-1] for row in self.rows("module")), list("12345678"))
         with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
-            with subprocess.Popen([STAGE / "qelhost", "build", self.site], stderr=subprocess.PIPE, text=True,
-                                  stdout=subprocess.DEVNULL, env=self.environment) as waiting:
+            with self.start("build", self.site, stderr=subprocess.PIPE, text=True, stdout=subprocess.DEVNULL) as waiting:
                 self.assertIn("waiting", waiting.stderr.readline())
                 self.assertFalse((self.site / "build").exists())
                 fcntl.flock(lock, fcntl.LOCK_UN)
@@ -511,9 +510,8 @@ class SiteTest(HostTest):
                    '<p style="background: URL( &quot;4.png&quot; )">': "4.png",
                    "<style>@import '5.css'; @import url(6.css); p { background: url( 7.png ) }</style>": "5.css 6.css 7.png"}
         def reported(content):
-            run = subprocess.run([STAGE / "qelhost", "page", "set", self.site, "otra.html", "-"], text=True,
-                                 input=content, capture_output=True, env=self.environment)
-            return re.findall(r'otra\.html refers to "(.*?)", which', run.stderr)
+            said = self.errors_of("page", "set", self.site, "otra.html", "-", input=content)
+            return re.findall(r'otra\.html refers to "(.*?)", which', said)
         self.assertEqual(reported("".join([*there, *missing])), " ".join(missing.values()).split())
         for base, expected in (("img/x.html", ["img/c.png"]), ("?x", ["c.png", "a b.png"]), ("https://x/", []), ("/", [])):
             self.assertEqual(reported(f'<img src=c.png><base href="{base}"><base href=no/><img src="a b.png">'), expected)
@@ -569,9 +567,9 @@ class SiteTest(HostTest):
     def test_site_of_an_older_format_is_shown_where_it_cannot_be_brought_up_to_date(self):
         self.make_site("a.html")
         self.add_module("a.html", script())
-        with contextlib.closing(sqlite3.connect(self.site / "site.db")) as database:
-            database.executescript("DROP TABLE edit; ALTER TABLE page DROP COLUMN source; ALTER TABLE page DROP COLUMN"
-                                   " source_hash; PRAGMA user_version = 1")
+        for statement in ("DROP TABLE edit", "ALTER TABLE page DROP COLUMN source", "ALTER TABLE page DROP COLUMN source_hash",
+                          "PRAGMA user_version = 1"):
+            self.sql(statement)
         shown, _ = self.on_disk("size=4m", 'mount -o remount,ro "$SITE"\n' + self.READING)
         self.assertIn("Globo", shown)
 
@@ -603,7 +601,8 @@ class SiteTest(HostTest):
                         ["--kind", "file", "--address", "x"], ["--kind", "3", "--page", "index.html"], ["--title", "x"]):
             self.add_record(*options, expect=2)
         self.add_record("--kind", "page", "--page", "none.html", expect=1)
-        self.add_record("--kind", "file", "--file", self.folder / "missing", expect=1)
+        said, _ = self.outputs("record", "add", self.site, "--kind", "file", "--file", self.folder / "missing", expect=1)
+        self.assertEqual(said, "", "no UID is printed before the record is stored")
         self.assertEqual(self.add_record("--kind", "2", "--address", "#x", "--title", "Sección"), "UID:1")
         self.host("record", "set", self.site, 1, "--page", "index.html")
         self.host("record", "set", self.site, 1, "--file", self.file("x"), expect=2)
@@ -654,8 +653,7 @@ class SiteTest(HostTest):
     def terminal(self, *arguments):
         """What the program shows on a terminal."""
         controller, terminal = pty.openpty()
-        with subprocess.Popen([STAGE / "qelhost", *map(str, arguments)], stdout=terminal, stderr=terminal,
-                              env=self.environment):
+        with self.start(*arguments, stdout=terminal, stderr=terminal):
             os.close(terminal)
             shown = b""
             with contextlib.suppress(OSError):  # the terminal is gone
@@ -671,8 +669,7 @@ class SiteTest(HostTest):
         self.assertIn("is a site already", self.host("init", self.site, expect=1))
         database = self.site / "site.db"
         for statement, reason in (("PRAGMA user_version = 99", "newer"), ("CREATE TABLE page (name)", "was not made by qelhost")):
-            with contextlib.closing(sqlite3.connect(database)) as connection:
-                connection.execute(statement)
+            self.sql(statement)
             self.assertIn(reason, self.host("build", self.site, expect=1))
             database.unlink()
         database.write_bytes(b"no database at all" * 100)
@@ -752,14 +749,8 @@ class CommandLineTest(HostTest):
                          {"pages": 1, "modules": 1, "failed": 0, "problems": 0, "failures": [],
                           "folder": str(self.site.resolve() / "build")})
         self.add_module("Año.html", script(image="no.gif"))
-        run = subprocess.run([STAGE / "qelhost", "build", self.site, "--json"], capture_output=True, env=self.environment)
-        self.assertEqual(json.loads(run.stdout)["failures"], [{"page": "Año.html", "module": 2, "error": "53"}])
-
-    def test_nothing_is_printed_before_a_command_has_succeeded(self):
-        self.make_site()
-        run = subprocess.run([STAGE / "qelhost", "record", "add", self.site, "--kind", "file", "--file", "none"],
-                             capture_output=True, env=self.environment)
-        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        failures = json.loads(self.outputs("build", self.site, "--json", expect=1)[0])["failures"]
+        self.assertEqual(failures, [{"page": "Año.html", "module": 2, "error": "53"}])
 
     def test_preview_builds_and_opens_a_page(self):
         self.make_site("a.html", "b.html")
