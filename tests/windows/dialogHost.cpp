@@ -1,0 +1,154 @@
+/// A host that opens the settings dialog for a driver in another process, which works in its windows.
+///
+/// Usage: dialog_host FOLDER MODE
+/// FOLDER contains the script of the module in script.txt, the folders library, data and tmp, and takes what the host
+/// saw in result.txt. MODE is empty, or a word of Run below.
+#include "dialog/FormMainDialog.h"
+#include "platform/shared/SystemPlatform.h"
+#include "platform/windows/wideText.h"
+#include "platform/windows/windowsHeaders.h"
+#include "TestHost.h"
+#include "text/encodings.h"
+#include "text/errors.h"
+#include <objbase.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace qel
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+std::string ReadFile(const fs::path& myPath)
+{
+    std::ifstream myFile(myPath, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myFile), {}};
+}
+
+/// A window of the host's own.
+HWND MakeHostWindow()
+{
+    return CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 300, 200, nullptr, nullptr,
+                           nullptr, nullptr);
+}
+
+/// Opens the dialog once, and returns how it ended and the script after it.
+std::string Open(const fs::path& myFolder)
+{
+    const auto mySystem = MakeSystemPlatform();
+    TestHost myHost;
+    myHost.ArchiveName = u"m7.dat";
+    myHost.DataFolder = (myFolder / "data").u16string() + u"\\";
+    myHost.Link = u"URL:http://example.org/";
+    const auto myServices = std::make_shared<TestHostServices>(myHost);
+    const localConstants myConstants{(myFolder / "library").u16string() + u"\\", (myFolder / "help.chm").u16string()};
+    FormLead myLead(mySystem->Ports());
+    FormMain theForm(mySystem->Ports(), myConstants, myLead);
+    theForm.myBuildHelper = myServices;
+    theForm.myDatabase = myServices;
+    theForm.Script(FromUtf8(ReadFile(myFolder / "script.txt")));
+    mySystem->FormWindows().DemandDisplay();
+    const auto myWindow = mySystem->FormWindows().MakeFormMain();
+    FormMainDialog(mySystem->Ports(), myConstants, myLead, theForm, *myWindow).Show();
+    return std::to_string(theForm.ExitButton) + "\n" + ToUtf8(theForm.Script()) + "\n";
+}
+
+/// Opens the dialog over one of two windows, and adds what became of them.
+std::string OpenOverAWindow(const fs::path& myFolder)
+{
+    HWND const myOther = MakeHostWindow();
+    HWND const myOwner = MakeHostWindow();
+    SetActiveWindow(myOwner);
+    std::string theResult = Open(myFolder);
+    theResult += IsWindowEnabled(myOwner) != 0 && IsWindowEnabled(myOther) != 0 ? "enabled\n" : "disabled\n";
+    return theResult + (GetActiveWindow() == myOwner ? "owner\n" : "other\n");
+}
+
+/// Opens a dialog in each of two threads.
+std::string OpenInTwoThreads(const fs::path& myFolder)
+{
+    std::thread myOther([&] { Open(myFolder); });
+    std::string theResult = Open(myFolder);
+    myOther.join();
+    return theResult;
+}
+
+/// Takes the place of mciSendStringA: writes the command down.
+DWORD WINAPI RecordCommand(const char* myCommand, char* theAnswer, UINT mySize, HANDLE myWindow)
+{
+    const bool myIsPlain = theAnswer == nullptr && mySize == 0 && myWindow == nullptr;
+    std::ofstream("commands.txt", std::ios::binary | std::ios::app) << (myIsPlain ? myCommand : "?") << "|";
+    return 0;
+}
+
+/// Opens the dialog with a multimedia service that only writes down what it is sent.
+std::string OpenWithRecordedTunes(const fs::path& myFolder)
+{
+    fs::current_path(myFolder);
+    HMODULE const myService = LoadLibraryW(L"winmm.dll");
+    auto* const thePlace =
+        reinterpret_cast<uint8_t*>(reinterpret_cast<void*>(GetProcAddress(myService, "mciSendStringA")));
+    DWORD myProtection = 0;
+    VirtualProtect(thePlace, 16, PAGE_EXECUTE_READWRITE, &myProtection);
+    // A jump to the recorder: its address into the accumulator, and on to there.
+    const auto myTarget = reinterpret_cast<uintptr_t>(&RecordCommand);
+    std::vector<uint8_t> myJump = {0x48, 0xB8};
+    myJump.erase(myJump.begin(), myJump.begin() + (sizeof(myTarget) == 8 ? 0 : 1));
+    for (size_t i = 0; i < sizeof(myTarget); ++i)
+    {
+        myJump.push_back(static_cast<uint8_t>(myTarget >> 8 * i));
+    }
+    myJump.insert(myJump.end(), {0xFF, 0xE0});
+    std::ranges::copy(myJump, thePlace);
+    return Open(myFolder);
+}
+
+std::string Run(const fs::path& myFolder, const std::string& myMode)
+{
+    if (myMode == "about")
+    {
+        return std::to_string(MakeSystemPlatform()->Ports().messageBox.MsgBox(u"uno\r\ndos", InformationStyle)) + "\n";
+    }
+    const fs::path myCurrentFolder = fs::current_path();
+    std::string theResult = myMode == "owned"     ? OpenOverAWindow(myFolder)
+                            : myMode == "threads" ? OpenInTwoThreads(myFolder)
+                            : myMode == "tunes"   ? OpenWithRecordedTunes(myFolder)
+                                                  : Open(myFolder);
+    theResult += fs::current_path() == myCurrentFolder ? "same folder\n" : "another folder\n";
+    MSG myMessage = {};
+    if (PeekMessageW(&myMessage, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != 0)
+    {
+        theResult += "quit " + std::to_string(myMessage.wParam) + "\n";
+    }
+    return theResult;
+}
+
+} // namespace
+} // namespace qel
+
+int main(int myCount, char** myArguments)
+{
+    using namespace qel;
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const fs::path myFolder = myArguments[1];
+    std::string theResult;
+    try
+    {
+        theResult = Run(myFolder, myCount > 2 ? myArguments[2] : "");
+    }
+    catch (const Error& e)
+    {
+        theResult = "error " + std::to_string(e.Number) + " " + ToUtf8(e.Description) + "\n";
+    }
+    std::ofstream(myFolder / "result.txt", std::ios::binary) << theResult;
+    CoUninitialize();
+    return 0;
+}
