@@ -1,13 +1,12 @@
 /// A host that opens the settings dialog for a driver in another process, which works in its windows.
 ///
 /// Usage: dialog_host FOLDER MODE
-/// FOLDER contains the script of the module in script.txt, the folders library, data and tmp, and takes what the host
-/// saw in result.txt. MODE is empty, or a word of Run below.
-#include "dialog/FormMainDialog.h"
-#include "platform/shared/SystemPlatform.h"
-#include "platform/windows/wideText.h"
-#include "platform/windows/windowsHeaders.h"
-#include "TestHost.h"
+/// FOLDER contains the component, its library, the script of the module in script.txt, and the folder data. It takes
+/// what the host saw in result.txt. MODE is empty, or a word of Run below.
+#include "com/Bstr.h"
+#include "com/ComPtr.h"
+#include "comTestHost.h"
+#include "Library.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 #include <objbase.h>
@@ -22,6 +21,9 @@
 
 namespace qel
 {
+
+const char16_t* const ErrorSource = u"dialog_host";
+
 namespace
 {
 
@@ -40,25 +42,69 @@ HWND MakeHostWindow()
                            nullptr, nullptr);
 }
 
-/// Opens the dialog once, and returns how it ended and the script after it.
+/// The error information of a failed call.
+std::string Failure(HRESULT myResult)
+{
+    ComPtr<IErrorInfo> myInfo;
+    Bstr theText;
+    if (GetErrorInfo(0, myInfo.Receive()) == S_OK)
+    {
+        myInfo->GetDescription(theText.Pointer());
+    }
+    return "error " + std::to_string(myResult & 0xFFFF) + " " + ToUtf8(theText.Value()) + "\n";
+}
+
+/// A plug-in object of the component.
+ComPtr<QelPlugin> MakePlugin(const Library& myComponent)
+{
+    const auto myClassObject = myComponent.EntryPoint<decltype(&DllGetClassObject)>("DllGetClassObject");
+    ComPtr<IClassFactory> myFactory;
+    ComPtr<QelPlugin> thePlugin;
+    CheckHostCall(myClassObject(CLSID_Main, IID_IClassFactory, reinterpret_cast<void**>(myFactory.Receive())));
+    CheckHostCall(myFactory->CreateInstance(nullptr, IID_QelPlugin, reinterpret_cast<void**>(thePlugin.Receive())));
+    return thePlugin;
+}
+
+void HandIn(QelPlugin& thePlugin, QelBuildHelper* myHelper, QelDatabase* myDatabase)
+{
+    CheckHostCall(thePlugin.putref_QelBuildHelper(&myHelper));
+    CheckHostCall(thePlugin.putref_QelDatabase(&myDatabase));
+}
+
+/// Opens the dialog once, and returns whether it was confirmed and the script after it, or how it failed.
 std::string Open(const fs::path& myFolder)
 {
-    const auto mySystem = MakeSystemPlatform();
+    const Library myComponent((myFolder / "QelPluginAnimation.dll").string());
+    const ComPtr<QelPlugin> myPlugin = MakePlugin(myComponent);
     TestHost myHost;
     myHost.ArchiveName = u"m7.dat";
     myHost.DataFolder = (myFolder / "data").u16string() + u"\\";
     myHost.Link = u"URL:http://example.org/";
-    const auto myServices = std::make_shared<TestHostServices>(myHost);
-    const localConstants myConstants{(myFolder / "library").u16string() + u"\\", (myFolder / "help.chm").u16string()};
-    FormLead myLead(mySystem->Ports());
-    FormMain theForm(mySystem->Ports(), myConstants, myLead);
-    theForm.myBuildHelper = myServices;
-    theForm.myDatabase = myServices;
-    theForm.Script(FromUtf8(ReadFile(myFolder / "script.txt")));
-    mySystem->FormWindows().DemandDisplay();
-    const auto myWindow = mySystem->FormWindows().MakeFormMain();
-    FormMainDialog(mySystem->Ports(), myConstants, myLead, theForm, *myWindow).Show();
-    return std::to_string(theForm.ExitButton) + "\n" + ToUtf8(theForm.Script()) + "\n";
+    const auto myHelper = MakeCounted<ComTestBuildHelper>(myHost);
+    const auto myDatabase = MakeCounted<ComTestDatabase>(myHost);
+    HandIn(*myPlugin.Get(), myHelper.Get(), myDatabase.Get());
+    Bstr myScript(FromUtf8(ReadFile(myFolder / "script.txt")));
+    CheckHostCall(myPlugin->put_Script(myScript.Pointer()));
+    int32_t myLink = 0;
+    VARIANT_BOOL myAnswer = VARIANT_FALSE;
+    const HRESULT myResult = myPlugin->CallBack(&myLink, &myAnswer);
+    std::string theResult =
+        myResult == S_OK ? std::string(myAnswer == VARIANT_TRUE ? "True\n" : "False\n") : Failure(myResult);
+    CheckHostCall(myPlugin->get_Script(myScript.Pointer()));
+    theResult += ToUtf8(myScript.Value()) + "\n";
+    HandIn(*myPlugin.Get(), nullptr, nullptr);
+    return theResult;
+}
+
+/// Shows the box about the component.
+std::string ShowAbout(const fs::path& myFolder)
+{
+    const Library myComponent((myFolder / "QelPluginAnimation.dll").string());
+    const ComPtr<QelPlugin> myPlugin = MakePlugin(myComponent);
+    ComPtr<QelInfo> myInfo;
+    CheckHostCall(myPlugin->QueryInterface(IID_QelInfo, reinterpret_cast<void**>(myInfo.Receive())));
+    const HRESULT myResult = myInfo->About();
+    return myResult == S_OK ? "shown\n" : Failure(myResult);
 }
 
 /// Opens the dialog over one of two windows, and adds what became of them.
@@ -113,16 +159,14 @@ std::string OpenWithRecordedTunes(const fs::path& myFolder)
 
 std::string Run(const fs::path& myFolder, const std::string& myMode)
 {
-    if (myMode == "about")
-    {
-        return std::to_string(MakeSystemPlatform()->Ports().messageBox.MsgBox(u"uno\r\ndos", InformationStyle)) + "\n";
-    }
     const fs::path myCurrentFolder = fs::current_path();
     std::string theResult = myMode == "owned"     ? OpenOverAWindow(myFolder)
                             : myMode == "threads" ? OpenInTwoThreads(myFolder)
                             : myMode == "tunes"   ? OpenWithRecordedTunes(myFolder)
+                            : myMode == "about"   ? ShowAbout(myFolder)
                                                   : Open(myFolder);
     theResult += fs::current_path() == myCurrentFolder ? "same folder\n" : "another folder\n";
+    theResult += GetModuleHandleW(L"QelPluginAnimation.dll") == nullptr ? "unloaded\n" : "still loaded\n";
     MSG myMessage = {};
     if (PeekMessageW(&myMessage, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != 0)
     {

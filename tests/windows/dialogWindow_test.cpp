@@ -1,6 +1,5 @@
 /// The settings dialog on Windows: the real window in another process, worked by clicks and keys.
 #include "DialogDriver.h"
-#include "formTable.h"
 #include "madePictures.h"
 #include "platform/windows/window/controls.h"
 #include "resources/stringTable.h"
@@ -21,10 +20,11 @@ protected:
         for (const char* const myFile : {"Fiestas/perla.GIF", "Fiestas/nota.txt", "Fiestas/Vals.mid",
                                          "Solo tonos/Minueto.mid", "animales/perro.gif", "leame.txt"})
         {
-            myFolder.Write(std::string("library/") + myFile, "tune");
+            myFolder.Write(std::string("QelPluginAnimationDesigns/") + myFile, "tune");
         }
-        myFolder.Write("library/Fiestas/Globo.gif", Gif(40, 30));
-        myFolder.Write("library/Fiestas/Vela.azul.gif", Gif(350, 250, {0, 0, 255}, true));
+        myFolder.Write("QelPluginAnimationDesigns/Fiestas/Globo.gif", Gif(40, 30));
+        myFolder.Write("QelPluginAnimationDesigns/Fiestas/Vela.azul.gif", Gif(350, 250, {0, 0, 255}, true));
+        std::filesystem::copy_file(QEL_STAGE "/QelPluginAnimation.dll", myFolder.Native("QelPluginAnimation.dll"));
         myFolder.MakeFolder("data");
         myFolder.MakeFolder("tmp");
     }
@@ -65,6 +65,24 @@ protected:
     const Environment myEnvironment{{"TMP", myFolder.Native("tmp")}};
 };
 
+/// The rows of tests/data/form.csv, which describes the form apart from the code, each with its fields.
+std::vector<std::vector<std::string>> FormTable()
+{
+    std::vector<std::vector<std::string>> theRows;
+    std::ifstream myFile(QEL_TEST_DATA "/form.csv", std::ios::binary);
+    std::string myLine;
+    for (std::getline(myFile, myLine); std::getline(myFile, myLine);)
+    {
+        std::istringstream myRest(myLine + ";");
+        theRows.emplace_back();
+        for (std::string myField; std::getline(myRest, myField, ';');)
+        {
+            theRows.back().push_back(myField);
+        }
+    }
+    return theRows;
+}
+
 /// A rectangle as text: left, top, width, height.
 std::string RectText(int myLeft, int myTop, int myWidth, int myHeight)
 {
@@ -74,33 +92,47 @@ std::string RectText(int myLeft, int myTop, int myWidth, int myHeight)
 
 TEST_F(DialogWindow, Form_IsTheOneOfTheTable)
 {
+    enum Column
+    {
+        Tab,
+        Name,
+        Kind,
+        Caption,
+        AccessKey,
+        Left,
+        Top,
+        Width,
+        Height,
+        Parent
+    };
     DialogDriver myUser(myFolder);
     HWND const myForm = myUser.Form();
     std::map<int, std::string> myNames;
-    for (const FormTableRow& myRow : FormTable())
+    for (const std::vector<std::string>& myRow : FormTable())
     {
-        SCOPED_TRACE(myRow.Name);
-        HWND const myControl = myUser.Control(FromUtf8(myRow.Name));
+        SCOPED_TRACE(myRow[Name]);
+        HWND const myControl = myUser.Control(FromUtf8(myRow[Name]));
         RECT myPlace = {};
         GetWindowRect(myControl, &myPlace);
         POINT myOrigin = {0, 0};
         RECT myBox = {};
         ClientToScreen(myForm, &myOrigin);
-        if (!myRow.Parent.empty())
+        if (!myRow[Parent].empty())
         {
-            GetWindowRect(myUser.Control(FromUtf8(myRow.Parent)), &myBox);
+            GetWindowRect(myUser.Control(FromUtf8(myRow[Parent])), &myBox);
             myOrigin = {myBox.left, myBox.top};
         }
         EXPECT_EQ(RectText(myPlace.left - myOrigin.x, myPlace.top - myOrigin.y, myPlace.right - myPlace.left,
                            myPlace.bottom - myPlace.top),
-                  RectText(myRow.Left / 15, myRow.Top / 15, myRow.Width / 15, myRow.Height / 15));
-        if (!myRow.Caption.empty() && myRow.Caption != u"**") // which an import box replaces
+                  RectText(std::stoi(myRow[Left]) / 15, std::stoi(myRow[Top]) / 15, std::stoi(myRow[Width]) / 15,
+                           std::stoi(myRow[Height]) / 15));
+        if (!myRow[Caption].empty() && myRow[Caption] != "**") // which an import box replaces
         {
-            EXPECT_EQ(DialogDriver::TextOf(myControl), ToUtf8(myRow.Caption));
+            EXPECT_EQ(DialogDriver::TextOf(myControl), myRow[Caption]);
         }
-        const bool myHasFocus = (myRow.Kind != "label" && myRow.Kind != "picture box" && myRow.Kind != "image") ||
-                                (myRow.Caption == u"**" && IsWindowVisible(myControl) != 0);
-        myHasFocus&& IsWindowEnabled(myControl) != 0 ? void(myNames[myRow.TabIndex] = myRow.Name) : void();
+        const bool myHasFocus = (myRow[Kind] != "label" && myRow[Kind] != "picture box" && myRow[Kind] != "image") ||
+                                (myRow[Caption] == "**" && IsWindowVisible(myControl) != 0);
+        myHasFocus&& IsWindowEnabled(myControl) != 0 ? void(myNames[std::stoi(myRow[Tab])] = myRow[Name]) : void();
     }
     for (const auto& [myIndex, myName] : myNames)
     {
@@ -120,7 +152,7 @@ TEST_F(DialogWindow, Form_IsTheOneOfTheTable)
     EXPECT_NEAR(myFrame.left + myFrame.right, GetSystemMetrics(SM_CXSCREEN), 1);
     EXPECT_NEAR(myFrame.top + myFrame.bottom, GetSystemMetrics(SM_CYSCREEN), 1);
     PostMessageW(myForm, WM_CLOSE, 0, 0);
-    EXPECT_EQ(Stored(myUser.Result(), "image"), "2|");
+    EXPECT_EQ(Stored(myUser.Result(), "image"), "False|");
 }
 
 TEST_F(DialogWindow, Confirm_NewModule_HasTheFirstMotifAndTune)
@@ -133,8 +165,10 @@ TEST_F(DialogWindow, Confirm_NewModule_HasTheFirstMotifAndTune)
     EXPECT_EQ(myUser.Entries(u"lstMIDI"), "Vals");
     EXPECT_EQ(IsWindowEnabled(myUser.Control(u"cmdUnsetLink")), FALSE);
     myUser.Key(VK_RETURN);
-    EXPECT_EQ(Stored(myUser.Result(), "image|imagefolder|midi|midifolder|imagemode|from|to|file|link"),
-              "1|Globo.gif|Fiestas|Vals.mid|Fiestas|none|0|0||");
+    const std::string myResult = myUser.Result();
+    EXPECT_NE(myResult.find("unloaded\n"), std::string::npos);
+    EXPECT_EQ(Stored(myResult, "image|imagefolder|midi|midifolder|imagemode|from|to|file|link"),
+              "True|Globo.gif|Fiestas|Vals.mid|Fiestas|none|0|0||");
 }
 
 TEST_F(DialogWindow, Browse_ShowsListsAndBoxes)
@@ -151,7 +185,7 @@ TEST_F(DialogWindow, Browse_ShowsListsAndBoxes)
     myUser.Pick(u"cmbImageFolder", "leame.txt");
     myUser.Pick(u"cmbMIDIFolder", "animales");
     myUser.Click(u"cmdOK");
-    EXPECT_EQ(Stored(myUser.Result(), "image|imagefolder|midi|midifolder"), "1|.gif|leame.txt|.mid|animales");
+    EXPECT_EQ(Stored(myUser.Result(), "image|imagefolder|midi|midifolder"), "True|.gif|leame.txt|.mid|animales");
 }
 
 TEST_F(DialogWindow, Import_ByTheFileDialog_IsPackedAtTheCommit)
@@ -189,7 +223,7 @@ TEST_F(DialogWindow, Import_ByTheFileDialog_IsPackedAtTheCommit)
     myUser.Key(VK_RETURN);
     EXPECT_EQ(
         Stored(myUser.Result(), "image|imagefolder|midi|midifolder|imagemode|midimode|showimage|playmidi|file|link"),
-        "1|qelspr.jpg|(USER)|qelmid.mid|(USER)|jpg|1|1|0|m7.dat|");
+        "True|qelspr.jpg|(USER)|qelmid.mid|(USER)|jpg|1|1|0|m7.dat|");
     const std::string myArchive = myFolder.Read("data/m7.dat");
     EXPECT_NE(myArchive.find("qelspr.jpg"), std::string::npos);
     EXPECT_NE(myArchive.find("my tune"), std::string::npos);
@@ -214,14 +248,15 @@ TEST_F(DialogWindow, LinkAndPeriod_TakeEffectInTheirTime)
     myUser.Key(VK_UP);
     EXPECT_EQ(DialogDriver::TextOf(myUser.Control(u"DateTo")), "06/07/2009");
     myUser.Click(u"cmdOK");
-    EXPECT_EQ(Stored(myUser.Result(), "link|from|to"), "1|URL:http://example.org/|40000|40000");
+    EXPECT_EQ(Stored(myUser.Result(), "link|from|to"), "True|URL:http://example.org/|40000|40000");
 }
 
 TEST_F(DialogWindow, Open_ADayBeforeTheSystemsCalendar_IsNamed)
 {
-    Script("from=-55000"); // 1749
-    EXPECT_EQ(DialogDriver(myFolder).Result(),
-              "error 5 " + ToUtf8(ReplaceAll(LoadResString(StringId::DateNotShown), u"%1", u"30/05/1749")) + "\n");
+    Script("from=-55000"); // in 1749
+    const Text myReason = ReplaceAll(LoadResString(StringId::DateNotShown), u"%1", u"30/05/1749");
+    const std::string myResult = DialogDriver(myFolder).Result();
+    EXPECT_EQ(myResult.substr(0, myResult.find('\n')), "error 5 " + ToUtf8(myReason));
 }
 
 TEST_F(DialogWindow, Enter_ConfirmsExceptOnAnotherButton)
@@ -238,7 +273,7 @@ TEST_F(DialogWindow, Enter_ConfirmsExceptOnAnotherButton)
         const bool myCloses = myPlace.starts_with(u"cmb") || myPlace.starts_with(u"lst") ||
                               myPlace.starts_with(u"chk") || myPlace.starts_with(u"Date");
         myCloses || myPlace == u"cmdCancel" ? void() : myUser.Key(VK_ESCAPE);
-        EXPECT_EQ(myUser.Result().substr(0, 1), myCloses ? "1" : "2");
+        EXPECT_EQ(myUser.Result().substr(0, 4), myCloses ? "True" : "Fals");
     }
 }
 
@@ -276,7 +311,7 @@ TEST_F(DialogWindow, ScreenReader_EveryControlWithFocusHasAName)
         myDescription->Release();
     }
     myUser.Key(VK_ESCAPE);
-    EXPECT_EQ(Stored(myUser.Result(), "imagemode"), "2|gif");
+    EXPECT_EQ(Stored(myUser.Result(), "imagemode"), "False|gif");
     CoUninitialize();
 }
 
@@ -305,7 +340,7 @@ TEST_F(DialogWindow, Quit_ClosesItAndStaysForTheHost)
     myUser.Form();
     PostThreadMessageW(myUser.Thread(), WM_QUIT, 7, 0);
     const std::string myResult = myUser.Result();
-    EXPECT_EQ(Stored(myResult, "image"), "2|");
+    EXPECT_EQ(Stored(myResult, "image"), "False|");
     EXPECT_NE(myResult.find("quit 7\n"), std::string::npos);
 }
 
@@ -317,7 +352,7 @@ TEST_F(DialogWindow, Threads_EachShowsItsOwn)
     {
         PostMessageW(GetDlgItem(myForm, IDOK), BM_CLICK, 0, 0);
     }
-    EXPECT_EQ(Stored(myUser.Result(), "image"), "1|Globo.gif");
+    EXPECT_EQ(Stored(myUser.Result(), "image"), "True|Globo.gif");
 }
 
 TEST_F(DialogWindow, Play_SendsTheCommandsToTheByte)
@@ -342,11 +377,12 @@ TEST_F(DialogWindow, Play_SendsTheCommandsToTheByte)
               myPlaying + myStopping + myStopping + myPlaying + myStopping + myPlaying + myStopping);
 }
 
-TEST_F(DialogWindow, About_ShowsItsLines)
+TEST_F(DialogWindow, About_ShowsTheComponentAndUnloads)
 {
     DialogDriver myUser(myFolder, "about");
-    myUser.AnswerMessage(u"uno\r\ndos");
-    EXPECT_EQ(myUser.Result(), "1\n");
+    myUser.AnswerMessage(JoinTexts(
+        {u"Tesselwind 1.0.19\r\n\r\n", ComponentVersion.FileDescription, u"\r\n\r\n", ComponentVersion.Copyright}));
+    EXPECT_EQ(myUser.Result(), "shown\nsame folder\nunloaded\n");
 }
 
 /// A colour of the preview as it shows at a scale in percent.
