@@ -1,6 +1,7 @@
 #include "platform/windows/window/FormDialog.h"
 
 #include "platform/windows/wideText.h"
+#include "platform/windows/window/ComponentStyle.h"
 #include "resources/pictures.h"
 #include "text/errors.h"
 
@@ -115,6 +116,7 @@ UINT DialogId(const ControlLayout& myLayout)
 
 FormDialog::FormDialog() : myFont(FormFont(Scale(), Regular))
 {
+    const ComponentStyle myStyle;
     const INITCOMMONCONTROLSEX myClasses = {sizeof(myClasses), ICC_BAR_CLASSES | ICC_DATE_CLASSES};
     InitCommonControlsEx(&myClasses);
     myForm.reset(MakeBox(myOwner.Window(), WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME, 0));

@@ -1,6 +1,7 @@
 #include "platform/windows/window/dialogs.h"
 
 #include "platform/windows/wideText.h"
+#include "platform/windows/window/ComponentStyle.h"
 #include "resources/stringTable.h"
 #include "text/errors.h"
 
@@ -24,6 +25,7 @@ std::wstring CurrentFolder()
 
 int32_t ShowMessage(HWND myOwner, TextView myText, int32_t myStyle)
 {
+    const ComponentStyle myLook;
     const int theAnswer = MessageBoxW(myOwner, WideText(myText).c_str(), WideText(ComponentVersion.Title).c_str(),
                                       static_cast<UINT>(myStyle));
     if (theAnswer == 0)
@@ -52,6 +54,7 @@ std::optional<Text> ShowOpenDialog(HWND myOwner, const FileDialogSettings& mySet
     mySetting.lpstrInitialDir = myStart.empty() ? nullptr : myStart.c_str();
     mySetting.lpstrTitle = myTitle.c_str();
     mySetting.Flags = mySettings.Flags;
+    const ComponentStyle myLook;
     const bool myIsChosen = GetOpenFileNameW(&mySetting) != 0;
     SetCurrentDirectoryW(myCurrentFolder.c_str());
     if (!myIsChosen)
