@@ -1,7 +1,8 @@
 #include "platform/shared/SystemPlatform.h"
 #include "platform/windows/componentFile.h"
-#include "platform/windows/MissingWindow.h"
 #include "platform/windows/wideText.h"
+#include "platform/windows/window/MultimediaService.h"
+#include "platform/windows/window/WindowService.h"
 #include "platform/windows/WindowsFiles.h"
 #include "platform/windows/WindowsHelpViewer.h"
 #include "platform/windows/WindowsMessageQueue.h"
@@ -15,17 +16,18 @@ class WindowsPlatform final : public SystemPlatform
 {
 public:
     const Platform& Ports() const override { return myPorts; }
-    FormMainWindowMaker& FormWindows() override { return myWindow; }
+    FormMainWindowMaker& FormWindows() override { return myWindows; }
     std::filesystem::path ComponentFile() const override { return myComponentFile; }
 
 private:
     WindowsFiles myFiles;
     WindowsMessageQueue myMessages;
     WindowsHelpViewer myHelp;
-    MissingWindow myWindow;
+    WindowService myWindows;
+    MultimediaService mySound;
     std::wstring myComponentFile = NativeComponentFile();
     Platform myPorts{
-        myFiles, myMessages, myHelp, myWindow, myWindow, MakeImagingControl, TextOfWide(RealFolderOf(myComponentFile))};
+        myFiles, myMessages, myHelp, myWindows, mySound, MakeImagingControl, TextOfWide(RealFolderOf(myComponentFile))};
 };
 
 } // namespace

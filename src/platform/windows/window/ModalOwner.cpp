@@ -1,0 +1,61 @@
+#include "platform/windows/window/ModalOwner.h"
+
+namespace qel
+{
+
+ModalOwner::ModalOwner() : myActive(GetActiveWindow())
+{
+    if (myActive != nullptr)
+    {
+        myOldScaling = SetThreadDpiAwarenessContext(GetWindowDpiAwarenessContext(myActive));
+    }
+    else
+    {
+        // A class of the system: one of our own would have to go before the component is unloaded.
+        myHidden = CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", nullptr, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                   nullptr, nullptr);
+    }
+}
+
+ModalOwner::~ModalOwner()
+{
+    if (myHidden != nullptr)
+    {
+        DestroyWindow(myHidden);
+    }
+    if (myOldScaling != nullptr)
+    {
+        SetThreadDpiAwarenessContext(myOldScaling);
+    }
+}
+
+DisabledWindows::DisabledWindows(HWND myException)
+{
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND myWindow, LPARAM theList) -> BOOL
+        {
+            if (IsWindowEnabled(myWindow) != 0)
+            {
+                reinterpret_cast<std::vector<HWND>*>(theList)->push_back(myWindow);
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&myWindows));
+    std::erase_if(myWindows, [&](HWND w) { return w == myException || GetWindow(w, GW_OWNER) == myException; });
+    for (HWND const myWindow : myWindows)
+    {
+        SendMessageW(myWindow, WM_CANCELMODE, 0, 0); // a menu or a drag of the host ends
+        EnableWindow(myWindow, FALSE);
+    }
+}
+
+DisabledWindows::~DisabledWindows()
+{
+    for (HWND const myWindow : myWindows)
+    {
+        EnableWindow(myWindow, TRUE); // does nothing with a window that has gone
+    }
+}
+
+} // namespace qel

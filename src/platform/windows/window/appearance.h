@@ -1,0 +1,68 @@
+/// Lengths, fonts, colours and pictures of the dialog, at the scale of its window.
+#pragma once
+
+#include "platform/windows/window/controlHeaders.h"
+#include "resources/formLayout.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <type_traits>
+
+namespace qel
+{
+
+/// Owns an object of the system until the end of its life.
+template <class SystemHandle, auto Delete>
+struct SystemDeleter
+{
+    using pointer = SystemHandle;
+    void operator()(SystemHandle myHandle) const { Delete(myHandle); }
+};
+template <class SystemHandle, auto Delete>
+using Owned = std::unique_ptr<std::remove_pointer_t<SystemHandle>, SystemDeleter<SystemHandle, Delete>>;
+
+using Bitmap = Owned<HBITMAP, &DeleteObject>;
+using Font = Owned<HFONT, &DeleteObject>;
+using Icon = Owned<HICON, &DestroyIcon>;
+using Cursor = Owned<HCURSOR, &DestroyCursor>;
+using ImageList = Owned<HIMAGELIST, &ImageList_Destroy>;
+
+/// Turns lengths of the form into pixels of the screen.
+class Scale
+{
+public:
+    static constexpr int PlainDpi = 96;
+
+    explicit Scale(UINT myDotsPerInch = PlainDpi) : myDpi(static_cast<int>(myDotsPerInch)) {}
+
+    UINT Dpi() const { return static_cast<UINT>(myDpi); }
+    int Twips(int32_t myLength) const { return MulDiv(myLength, myDpi, PlainDpi * TwipsPerPixel); }
+    /// `myLength` is in pixels of 96 to the inch.
+    int Pixels(int32_t myLength) const { return MulDiv(myLength, myDpi, PlainDpi); }
+
+private:
+    int myDpi;
+};
+
+/// The font of the form. A width of 0 is the font's own; another one is that of an average character, in pixels.
+Font FormFont(Scale myScale, int32_t myWeight, int myWidth = 0);
+
+/// The font in which a text fits into a room: the form's, or a narrower one if the text needs more room. Of a text in
+/// several lines only the height is limited.
+Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SIZE myRoom, bool myHasLines);
+
+/// The colours of a control on a white background, or those that the user has chosen for windows if that is to be rich
+/// in contrast.
+COLORREF BackColourOf(const ControlLayout& myLayout);
+COLORREF TextColourOf(const ControlLayout& myLayout);
+
+/// A picture of resources/pictures.h, enlarged to a side of `mySide` pixels.
+Icon IconOf(std::span<const std::string_view> myRows, int mySide);
+/// The pointing hand with its hot spot.
+Cursor HandCursor(Scale myScale);
+/// The images of the tool bar, transparent where they have the mask colour.
+ImageList ToolImages(Scale myScale);
+
+} // namespace qel
