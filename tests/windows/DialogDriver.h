@@ -48,24 +48,12 @@ public:
         return myFolder.Read("result.txt");
     }
 
-    /// All visible windows of the host that a user can work in, with the form first.
+    /// The visible windows of the host that a user can work in.
     std::vector<HWND> Windows() const
     {
-        std::pair<DWORD, std::vector<HWND>> theFound{myHost.dwProcessId, {}};
-        EnumWindows(
-            [](HWND myWindow, LPARAM mySearch) -> BOOL
-            {
-                auto& [myProcess, theList] = *reinterpret_cast<decltype(theFound)*>(mySearch);
-                DWORD myOwner = 0;
-                GetWindowThreadProcessId(myWindow, &myOwner);
-                if (myOwner == myProcess && IsWindowVisible(myWindow) != 0 && IsWindowEnabled(myWindow) != 0)
-                {
-                    theList.push_back(myWindow);
-                }
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&theFound));
-        return theFound.second;
+        WindowSearch theSearch{myHost.dwProcessId, {}};
+        EnumWindows(&WindowSearch::Take, reinterpret_cast<LPARAM>(&theSearch));
+        return theSearch.Found;
     }
 
     /// The form, as soon as the user can work in it.
@@ -250,6 +238,24 @@ public:
     DWORD Thread() const { return myHost.dwThreadId; }
 
 private:
+    struct WindowSearch
+    {
+        DWORD Process;
+        std::vector<HWND> Found;
+
+        static BOOL CALLBACK Take(HWND myWindow, LPARAM theSearch)
+        {
+            auto& theResult = *reinterpret_cast<WindowSearch*>(theSearch);
+            DWORD myProcess = 0;
+            GetWindowThreadProcessId(myWindow, &myProcess);
+            if (myProcess == theResult.Process && IsWindowVisible(myWindow) != 0 && IsWindowEnabled(myWindow) != 0)
+            {
+                theResult.Found.push_back(myWindow);
+            }
+            return TRUE;
+        }
+    };
+
     static std::string Entry(HWND myControl, bool myIsCombo, LRESULT myIndex)
     {
         std::wstring theText(300, L'\0');

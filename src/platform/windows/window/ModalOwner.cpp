@@ -2,6 +2,20 @@
 
 namespace qel
 {
+namespace
+{
+
+/// Adds a window to a list, for EnumThreadWindows.
+BOOL CALLBACK AddIfEnabled(HWND myWindow, LPARAM theList)
+{
+    if (IsWindowEnabled(myWindow) != 0)
+    {
+        reinterpret_cast<std::vector<HWND>*>(theList)->push_back(myWindow);
+    }
+    return TRUE;
+}
+
+} // namespace
 
 ModalOwner::ModalOwner() : myActive(GetActiveWindow())
 {
@@ -31,17 +45,7 @@ ModalOwner::~ModalOwner()
 
 DisabledWindows::DisabledWindows(HWND myException)
 {
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND myWindow, LPARAM theList) -> BOOL
-        {
-            if (IsWindowEnabled(myWindow) != 0)
-            {
-                reinterpret_cast<std::vector<HWND>*>(theList)->push_back(myWindow);
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&myWindows));
+    EnumThreadWindows(GetCurrentThreadId(), &AddIfEnabled, reinterpret_cast<LPARAM>(&myWindows));
     std::erase_if(myWindows, [&](HWND w) { return w == myException || GetWindow(w, GW_OWNER) == myException; });
     for (HWND const myWindow : myWindows)
     {
