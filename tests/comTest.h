@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <tuple>
@@ -23,7 +22,7 @@ namespace qel
 /// A variant that frees what it holds.
 struct Value : VARIANT
 {
-    Value() : VARIANT{} { VariantInit(this); }
+    Value() : VARIANT{} {}
     Value(VARTYPE myType, void* myReference) : VARIANT{}
     {
         vt = myType;
@@ -37,22 +36,6 @@ struct Value : VARIANT
     Value& operator=(const Value&) = delete;
     ~Value() { VariantClear(this); }
 };
-
-inline std::string Show(HRESULT myResult)
-{
-    static const std::map<HRESULT, std::string> myNames = {
-        {S_OK, "ok"},
-        {E_POINTER, "pointer"},
-        {DISP_E_TYPEMISMATCH, "type"},
-        {DISP_E_OVERFLOW, "overflow"},
-        {DISP_E_BADVARTYPE, "badtype"},
-        {DISP_E_NONAMEDARGS, "named"},
-        {DISP_E_PARAMNOTOPTIONAL, "unnamed"},
-        {DISP_E_EXCEPTION, "exception"},
-    };
-    const auto myName = myNames.find(myResult);
-    return myName == myNames.end() ? std::to_string(myResult) : myName->second;
-}
 
 inline std::string Show(const VARIANT& myValue)
 {
@@ -111,31 +94,32 @@ private:
     const std::shared_ptr<int> myLife; ///< shared with who wants to know whether the object lives
 };
 
-/// A call as a script client makes it, the arguments in its order. The outcome is the result, then the value or the
-/// place of a wrong argument.
+/// A call as a script client makes it, the arguments in its order.
 struct LateCall
 {
-    DISPID Member;
-    uint16_t Flags;
+    DISPID Member = DISPID_UNKNOWN;
+    uint16_t Flags = 0;
     std::vector<VARIANT> Arguments; ///< not freed
     std::vector<DISPID> Names;
-    std::string Outcome;
+    HRESULT Result = S_OK;
+    std::string Outcome = "empty";
+    uint32_t Place = 99; ///< of a wrong argument
 };
 
 inline void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
 {
-    for (LateCall& myCall : myCalls)
+    for (int i = 0; LateCall & myCall : myCalls)
     {
+        SCOPED_TRACE("call " + std::to_string(i++));
         std::ranges::reverse(myCall.Arguments);
         DISPPARAMS myParams{myCall.Arguments.data(), myCall.Names.data(),
                             static_cast<uint32_t>(myCall.Arguments.size()), static_cast<uint32_t>(myCall.Names.size())};
         Value theResult;
-        uint32_t theArgument = 99;
-        const HRESULT myResult =
-            myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &theArgument);
-        const std::string myPlace = theArgument == 99 ? "" : ", argument " + std::to_string(theArgument);
-        EXPECT_EQ(Show(myResult) + (myResult == S_OK ? ", " + Show(theResult) : myPlace), myCall.Outcome)
-            << "member " << myCall.Member << ", " << myCall.Arguments.size() << " arguments";
+        uint32_t thePlace = LateCall().Place;
+        EXPECT_EQ(myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &thePlace),
+                  myCall.Result);
+        EXPECT_EQ(Show(theResult), myCall.Outcome);
+        EXPECT_EQ(thePlace, myCall.Place);
     }
 }
 
@@ -169,7 +153,7 @@ inline std::string TakenDescription()
 struct FailingCall
 {
     std::function<HRESULT()> Call;
-    HRESULT Result;
+    HRESULT Result = S_OK;
     std::string Description;
 };
 
