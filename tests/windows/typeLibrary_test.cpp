@@ -1,15 +1,11 @@
 // The type library inside the built component describes what the component does: it agrees with the tables of late
 // binding, whose slots are those of the C++ declarations.
-#include "com/Bstr.h"
 #include "com/DispatchImplementation.h"
-#include "com/interfaceTables.h"
-#include "Library.h"
-#include "text/encodings.h"
-
-#include <gtest/gtest.h>
+#include "componentTest.h"
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace qel
@@ -20,17 +16,16 @@ const char16_t* const ErrorSource = u"typeLibrary_test";
 namespace
 {
 
-const std::string ComponentPath = QEL_STAGE "/QelPluginAnimation.dll";
-
 constexpr size_t DispatchSlots = 7;
 
 /// One member in words: slot, number, kind, name, types.
 using Members = std::vector<std::string>;
 
-std::string Words(const std::string& mySlot, DISPID myNumber, const std::string& myKind, const std::string& myName,
+std::string Words(const std::string& mySlot, DISPID myNumber, INVOKEKIND myKind, const std::string& myName,
                   const std::vector<VARTYPE>& myTypes)
 {
-    std::string theWords = mySlot + " id " + std::to_string(myNumber) + " " + myKind + " " + myName;
+    std::string theWords =
+        mySlot + " id " + std::to_string(myNumber) + " kind " + std::to_string(myKind) + " " + myName;
     for (const VARTYPE myType : myTypes)
     {
         theWords += " " + std::to_string(myType);
@@ -40,15 +35,15 @@ std::string Words(const std::string& mySlot, DISPID myNumber, const std::string&
 
 Members MembersOfTable(const IID& myInterface, bool mySlots)
 {
-    const auto myRows = MembersOf(myInterface);
     Members theMembers;
-    for (size_t i = 0; i < myRows.size(); ++i)
+    const auto myRows = MembersOf(myInterface);
+    for (size_t mySlot = DispatchSlots; const DispatchMember& myRow : myRows)
     {
-        const DispatchMember& myRow = myRows[i];
         // A property has one number in the library, that of its first slot; the table answers both.
         const DISPID myNumber = std::ranges::find(myRows, myRow.Name, &DispatchMember::Name)->Number;
-        constexpr const char* Kinds[] = {"method", "method", "get", "put", "putref"};
-        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(DispatchSlots + i) : "late", myNumber,
+        constexpr INVOKEKIND Kinds[] = {INVOKE_FUNC, INVOKE_FUNC, INVOKE_PROPERTYGET, INVOKE_PROPERTYPUT,
+                                        INVOKE_PROPERTYPUTREF};
+        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot++) : "late", myNumber,
                                    Kinds[static_cast<size_t>(myRow.Kind)], ToUtf8(myRow.Name),
                                    {myRow.Types.begin(), myRow.Types.end()}));
     }
@@ -64,21 +59,6 @@ VARTYPE TypeOf(const TYPEDESC& myType)
     }
     const VARTYPE theTarget = myType.lptdesc->vt;
     return theTarget == VT_PTR && myType.lptdesc->lptdesc->vt == VT_USERDEFINED ? VARTYPE{VT_DISPATCH} : theTarget;
-}
-
-std::string KindOf(INVOKEKIND myKind)
-{
-    switch (myKind)
-    {
-    case INVOKE_FUNC:
-        return "method";
-    case INVOKE_PROPERTYGET:
-        return "get";
-    case INVOKE_PROPERTYPUT:
-        return "put";
-    default:
-        return "putref";
-    }
 }
 
 Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
@@ -104,7 +84,7 @@ Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
         EXPECT_EQ(mySlots, myResult == VT_HRESULT) << i;
         const size_t mySlot = static_cast<size_t>(myFunction->oVft) / sizeof(void*);
         theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot) : "late", myFunction->memid,
-                                   KindOf(myFunction->invkind), ToUtf8(myName.Value()), myTypes));
+                                   myFunction->invkind, ToUtf8(myName.Value()), myTypes));
         myInfo.ReleaseFuncDesc(myFunction);
     }
     return theMembers;
@@ -125,7 +105,7 @@ class TypeLibrary : public testing::Test
 protected:
     TypeLibrary()
     {
-        const std::wstring myPath(ComponentPath.begin(), ComponentPath.end());
+        const auto myPath = PathOfUtf8(QEL_STAGE "/QelPluginAnimation.dll");
         EXPECT_EQ(LoadTypeLibEx(myPath.c_str(), REGKIND_NONE, myLibrary.Receive()), S_OK);
     }
 
@@ -133,6 +113,16 @@ protected:
     {
         ComPtr<ITypeInfo> theInfo;
         EXPECT_EQ(myLibrary->GetTypeInfoOfGuid(myId, theInfo.Receive()), S_OK);
+        return theInfo;
+    }
+
+    /// What an interface or a class refers to: the default interface of a class, at -1 the slots of a dual interface.
+    static ComPtr<ITypeInfo> Referred(ITypeInfo& myInfo, UINT myIndex)
+    {
+        HREFTYPE myReference = 0;
+        ComPtr<ITypeInfo> theInfo;
+        EXPECT_EQ(myInfo.GetRefTypeOfImplType(myIndex, &myReference), S_OK);
+        EXPECT_EQ(myInfo.GetRefTypeInfo(myReference, theInfo.Receive()), S_OK);
         return theInfo;
     }
 
@@ -155,11 +145,7 @@ TEST_F(TypeLibrary, DualInterfaces_HaveTheSlotsOfTheTables)
                                      &IID_QelTopic,  &IID_QelThumbnails, &IID_QelStringSort};
     for (const IID* myId : Interfaces)
     {
-        const auto myLate = Info(*myId);
-        HREFTYPE myReference = 0;
-        ComPtr<ITypeInfo> myInfo;
-        ASSERT_EQ(myLate->GetRefTypeOfImplType(static_cast<UINT>(-1), &myReference), S_OK);
-        ASSERT_EQ(myLate->GetRefTypeInfo(myReference, myInfo.Receive()), S_OK);
+        const auto myInfo = Referred(*Info(*myId).Get(), static_cast<UINT>(-1));
         const TYPEATTR myAttributes = AttributesOf(*myInfo.Get());
         constexpr WORD Flags = TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION;
         EXPECT_EQ(myAttributes.wTypeFlags & Flags, Flags);
@@ -170,47 +156,36 @@ TEST_F(TypeLibrary, DualInterfaces_HaveTheSlotsOfTheTables)
 TEST_F(TypeLibrary, DefaultInterfaceOfMain_HasTheNamesOfBothInterfaces)
 {
     const auto myInfo = Info(IID_QelPluginAnimationMain);
-    const TYPEATTR myAttributes = AttributesOf(*myInfo.Get());
-    EXPECT_EQ(MembersOfInfo(*myInfo.Get(), myAttributes.cFuncs, false),
+    EXPECT_EQ(MembersOfInfo(*myInfo.Get(), AttributesOf(*myInfo.Get()).cFuncs, false),
               MembersOfTable(IID_QelPluginAnimationMain, false));
 }
 
 TEST_F(TypeLibrary, Classes_HaveTheirDefaultInterfaces)
 {
-    const struct
+    const std::tuple<CLSID, std::string, IID> myCases[] = {
+        {CLSID_Main, "Main", IID_QelPluginAnimationMain},
+        {CLSID_classStringSort, "classStringSort", IID_QelStringSort},
+    };
+    for (const auto& [myId, myName, myDefault] : myCases)
     {
-        const CLSID& Class;
-        const char* Name;
-        const IID& Default;
-    } myCases[] = {{CLSID_Main, "Main", IID_QelPluginAnimationMain},
-                   {CLSID_classStringSort, "classStringSort", IID_QelStringSort}};
-    for (const auto& myCase : myCases)
-    {
-        const auto myClass = Info(myCase.Class);
-        Bstr myName;
-        EXPECT_EQ(myClass->GetDocumentation(MEMBERID_NIL, myName.Pointer(), nullptr, nullptr, nullptr), S_OK);
-        EXPECT_EQ(ToUtf8(myName.Value()), myCase.Name);
-        HREFTYPE myReference = 0;
+        const auto myClass = Info(myId);
+        Bstr theName;
+        EXPECT_EQ(myClass->GetDocumentation(MEMBERID_NIL, theName.Pointer(), nullptr, nullptr, nullptr), S_OK);
+        EXPECT_EQ(ToUtf8(theName.Value()), myName);
         INT myFlags = 0;
-        ComPtr<ITypeInfo> myDefault;
-        ASSERT_EQ(myClass->GetRefTypeOfImplType(0, &myReference), S_OK);
-        ASSERT_EQ(myClass->GetRefTypeInfo(myReference, myDefault.Receive()), S_OK);
         EXPECT_EQ(myClass->GetImplTypeFlags(0, &myFlags), S_OK);
         EXPECT_EQ(myFlags, IMPLTYPEFLAG_FDEFAULT);
-        EXPECT_TRUE(SameId(AttributesOf(*myDefault.Get()).guid, myCase.Default));
+        EXPECT_TRUE(SameId(AttributesOf(*Referred(*myClass.Get(), 0).Get()).guid, myDefault));
     }
 }
 
 TEST_F(TypeLibrary, GetTypeInfo_DescribesTheInterfaceThatIsAsked)
 {
-    const Library myComponent(ComponentPath);
-    const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
-    for (const IID* myId : {&IID_QelPluginAnimationMain, &IID_QelPlugin, &IID_QelInfo})
+    const LoadedComponent myComponent;
+    for (const IID* const myId : {&IID_QelPluginAnimationMain, &IID_QelPlugin, &IID_QelInfo})
     {
         void* myPointer = nullptr;
-        ASSERT_EQ(myClassObject(CLSID_Main, IID_IClassFactory, &myPointer), S_OK);
-        const auto myFactory = ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(myPointer));
-        ASSERT_EQ(myFactory->CreateInstance(nullptr, *myId, &myPointer), S_OK);
+        ASSERT_EQ(myComponent.Factory()->CreateInstance(nullptr, *myId, &myPointer), S_OK);
         const auto myObject = ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(myPointer));
         UINT myCount = 0;
         ComPtr<ITypeInfo> myInfo;
