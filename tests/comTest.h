@@ -22,8 +22,8 @@ namespace qel
 /// A variant that frees what it holds.
 struct Value : VARIANT
 {
-    Value() : VARIANT{} {}
-    Value(VARTYPE myType, void* myReference) : VARIANT{}
+    Value() : VARIANT{} { VariantInit(this); }
+    Value(VARTYPE myType, void* myReference) : Value()
     {
         vt = myType;
         byref = myReference;

@@ -101,10 +101,9 @@ Text Read(QelPlugin& myPlugin, HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(
     return theText.Value();
 }
 
-void Pack(const fs::path& myImports, const fs::path& myArchive)
+void Pack(Files& myFiles, const fs::path& myImports, const fs::path& myArchive)
 {
-    const auto myFiles = MakeSystemFiles();
-    classArchive myPacker(*myFiles);
+    classArchive myPacker(myFiles);
     myPacker.BaseFolder(Logical(myImports));
     myPacker.ArchiveFilename(Logical(myArchive));
     if (!myPacker.PackArchive())
@@ -114,33 +113,26 @@ void Pack(const fs::path& myImports, const fs::path& myArchive)
 }
 
 /// Writes the picture at half its size as a JPEG and as a GIF, and the pixels of both.
-void Shrink(const fs::path& myPhoto, const fs::path& myFolder)
+void Shrink(Files& myFiles, const fs::path& myPhoto, const fs::path& myFolder)
 {
-    const auto myFiles = MakeSystemFiles();
-    const auto myControl = MakeImagingControl(*myFiles);
-    const auto Load = [&](const fs::path& myPicture)
+    using namespace ImagingSettings;
+    const auto myControl = MakeImagingControl(myFiles);
+    for (const fs::path& myPicture : {myFolder / "photo.jpg", myFolder / "drawing.gif"})
     {
-        myControl->Load(Logical(myPicture), ImagingSettings::LoadBitsPerPixel, ImagingSettings::FirstPage,
-                        ImagingSettings::PageCount);
-    };
-    const auto SavePixels = [&](const fs::path& myPicture)
-    {
-        Load(myPicture);
+        const bool myIsGif = myPicture.extension() == ".gif";
+        myControl->Load(Logical(myPhoto), LoadBitsPerPixel, FirstPage, PageCount);
+        myControl->Resize(myControl->BitmapWidth() / 2, myControl->BitmapHeight() / 2, ResizeMode);
+        if (myIsGif)
+        {
+            myControl->ReduceColors(ReducedBitsPerPixel, PaletteOption, DitherOption, ColourCount);
+        }
+        myControl->Save(Logical(myPicture), myIsGif ? GifFormat : JpegFormat,
+                        myIsGif ? GifBitsPerPixel : JpegBitsPerPixel, myIsGif ? GifQuality : JpegQuality,
+                        MultiplePages);
+        myControl->Load(Logical(myPicture), LoadBitsPerPixel, FirstPage, PageCount);
         const PixelPicture myPixels = myControl->CurrentPicture();
         WriteFile(fs::path(myPicture).replace_extension(".pixels"), myPixels.Pixels.data(), myPixels.Pixels.size());
-    };
-    Load(myPhoto);
-    myControl->Resize(myControl->BitmapWidth() / 2, myControl->BitmapHeight() / 2, ImagingSettings::ResizeMode);
-    myControl->Save(Logical(myFolder / "photo.jpg"), ImagingSettings::JpegFormat, ImagingSettings::JpegBitsPerPixel,
-                    ImagingSettings::JpegQuality, ImagingSettings::MultiplePages);
-    SavePixels(myFolder / "photo.jpg");
-    Load(myPhoto);
-    myControl->Resize(myControl->BitmapWidth() / 2, myControl->BitmapHeight() / 2, ImagingSettings::ResizeMode);
-    myControl->ReduceColors(ImagingSettings::ReducedBitsPerPixel, ImagingSettings::PaletteOption,
-                            ImagingSettings::DitherOption, ImagingSettings::ColourCount);
-    myControl->Save(Logical(myFolder / "drawing.gif"), ImagingSettings::GifFormat, ImagingSettings::GifBitsPerPixel,
-                    ImagingSettings::GifQuality, ImagingSettings::MultiplePages);
-    SavePixels(myFolder / "drawing.gif");
+    }
 }
 
 /// Builds one module and writes what the component says about it.
@@ -180,18 +172,17 @@ void BuildSite(const Library& myComponent, const fs::path& myOutput)
     myHost.RecordURL = u"p\u00E1gina.html?a=1&b=%20";
     const auto myHelper = MakeCounted<ComTestBuildHelper>(myHost);
     const auto myDatabase = MakeCounted<ComTestDatabase>(myHost);
-    QelBuildHelper* theHelper = myHelper.Get();
-    QelDatabase* theDatabase = myDatabase.Get();
-    CheckHostCall(myPlugin->putref_QelBuildHelper(&theHelper));
-    CheckHostCall(myPlugin->putref_QelDatabase(&theDatabase));
+    const auto Serve = [&](QelBuildHelper* theHelper, QelDatabase* theDatabase)
+    {
+        CheckHostCall(myPlugin->putref_QelBuildHelper(&theHelper));
+        CheckHostCall(myPlugin->putref_QelDatabase(&theDatabase));
+    };
+    Serve(myHelper.Get(), myDatabase.Get());
     for (int32_t myNumber = 1; const Module& myModule : Modules)
     {
         Build(*myPlugin.Get(), myHost, myNumber++, myModule, myOutput / "pages");
     }
-    theHelper = nullptr;
-    theDatabase = nullptr;
-    CheckHostCall(myPlugin->putref_QelBuildHelper(&theHelper));
-    CheckHostCall(myPlugin->putref_QelDatabase(&theDatabase));
+    Serve(nullptr, nullptr);
 }
 
 } // namespace
@@ -209,8 +200,9 @@ int main(int myCount, char** myArguments)
             throw std::runtime_error("the component cannot be loaded");
         }
         const fs::path& myOutput = myPaths.at(3);
-        Pack(myPaths.at(1), myOutput / "data" / fs::path(u"archivo \u00F1.dat"));
-        Shrink(myPaths.at(2), myOutput / "shrunk");
+        const auto myFiles = MakeSystemFiles();
+        Pack(*myFiles, myPaths.at(1), myOutput / "data" / fs::path(u"archivo \u00F1.dat"));
+        Shrink(*myFiles, myPaths.at(2), myOutput / "shrunk");
         BuildSite(myComponent, myOutput);
         return EXIT_SUCCESS;
     }

@@ -71,15 +71,14 @@ public:
 
     void Write(const std::wstring& myPath, const std::wstring& myText) const
     {
-        RegSetKeyValueW(myClasses, myPath.c_str(), nullptr, REG_SZ, myText.c_str(),
-                        static_cast<DWORD>((myText.size() + 1) * sizeof(wchar_t)));
+        RegSetValueW(myClasses, myPath.c_str(), REG_SZ, myText.c_str(), 0);
     }
 
     std::wstring Read(const std::wstring& myPath) const
     {
         wchar_t theText[300] = {};
-        DWORD mySize = sizeof theText;
-        RegGetValueW(myClasses, myPath.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, theText, &mySize);
+        LONG mySize = sizeof theText;
+        RegQueryValueW(myClasses, myPath.c_str(), theText, &mySize);
         return theText;
     }
 
@@ -110,18 +109,21 @@ protected:
     const ReplacedPart myUser{HKEY_CURRENT_USER, L"user"};
 };
 
-TEST_F(Registration, Register_WritesForAllUsers_UnregisterLeavesNothing)
+TEST_F(Registration, Register_WritesForAllUsersOrForTheUser_UnregisterLeavesNothing)
 {
-    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
-    for (const std::wstring& myKey : {MainKey, SortKey, LibraryKey, PluginKey, DatabaseKey})
+    for (const bool myHasTheRight : {false, true})
     {
-        EXPECT_TRUE(myAllUsers.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
-        EXPECT_FALSE(myUser.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
-    }
-    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
-    for (const std::wstring& myKey : {MainKey, SortKey, LibraryKey, PluginKey, DatabaseKey})
-    {
-        EXPECT_FALSE(myAllUsers.Has(myKey)) << ToUtf8(std::u16string(myKey.begin(), myKey.end()));
+        myAllUsers.Protect(!myHasTheRight);
+        for (const bool myRegisters : {true, false})
+        {
+            EXPECT_EQ(Call(myRegisters ? "DllRegisterServer" : "DllUnregisterServer"), S_OK);
+            for (const std::wstring& myKey : {MainKey, SortKey, LibraryKey, PluginKey, DatabaseKey})
+            {
+                SCOPED_TRACE(std::string(myKey.begin(), myKey.end()));
+                EXPECT_EQ(myAllUsers.Has(myKey), myRegisters && myHasTheRight);
+                EXPECT_EQ(myUser.Has(myKey), myRegisters && !myHasTheRight);
+            }
+        }
     }
     EXPECT_EQ(Call("DllUnregisterServer"), S_OK) << "what is not there is no failure";
 }
@@ -146,16 +148,6 @@ TEST_F(Registration, Register_LeavesTheInterfacesOfTheHost)
     EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(myUser.Read(DatabaseKey + L"\\TypeLib"), OtherLibrary);
     EXPECT_EQ(myAllUsers.Read(PluginKey + L"\\TypeLib"), OtherLibrary);
-}
-
-TEST_F(Registration, Register_WithoutTheRight_WritesForTheUser)
-{
-    myAllUsers.Protect(true);
-    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
-    EXPECT_FALSE(myAllUsers.Has(MainKey));
-    EXPECT_TRUE(myUser.Has(MainKey));
-    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
-    EXPECT_FALSE(myUser.Has(MainKey));
 }
 
 TEST_F(Registration, Register_WithoutAnyRight_Fails)

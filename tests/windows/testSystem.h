@@ -4,14 +4,10 @@
 #include "platform/windows/windowsHeaders.h"
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <utility>
-#include <vector>
-
-#include <winioctl.h>
 
 namespace qel
 {
@@ -26,35 +22,6 @@ inline std::filesystem::path PathOfUtf8(std::string_view myText)
 inline void SetVariable(const char* myName, const char* myValue)
 {
     _wputenv_s(PathOfUtf8(myName).c_str(), PathOfUtf8(myValue == nullptr ? "" : myValue).c_str());
-}
-
-/// The data of a junction, which leads to a folder.
-inline std::vector<std::byte> JunctionData(const std::wstring& myFolder)
-{
-    const std::wstring myTarget = L"\\??\\" + myFolder;
-    const auto myLength = static_cast<WORD>(myTarget.size() * sizeof(wchar_t));
-    // After the tag: the length of the rest; then where the target and the name that is shown are, each with a 0.
-    const WORD myNumbers[] = {static_cast<WORD>(myLength + 12), 0, 0, myLength, static_cast<WORD>(myLength + 2), 0};
-    constexpr DWORD Tag = IO_REPARSE_TAG_MOUNT_POINT;
-    std::vector<std::byte> theData(sizeof(Tag) + sizeof(myNumbers) + myLength + 4);
-    std::memcpy(theData.data(), &Tag, sizeof(Tag));
-    std::memcpy(&theData[sizeof(Tag)], myNumbers, sizeof(myNumbers));
-    std::memcpy(&theData[sizeof(Tag) + sizeof(myNumbers)], myTarget.data(), myLength);
-    return theData;
-}
-
-/// Makes a junction; false where the system cannot. It needs no special right.
-inline bool MakeJunction(const std::filesystem::path& myFolder, const std::filesystem::path& myLink)
-{
-    CreateDirectoryW(myLink.c_str(), nullptr);
-    const HANDLE myHandle = CreateFileW(myLink.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                        FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    std::vector<std::byte> myData = JunctionData(std::filesystem::absolute(myFolder).make_preferred().wstring());
-    DWORD myCount = 0;
-    const bool theResult = DeviceIoControl(myHandle, FSCTL_SET_REPARSE_POINT, myData.data(),
-                                           static_cast<DWORD>(myData.size()), nullptr, 0, &myCount, nullptr) != 0;
-    CloseHandle(myHandle);
-    return theResult;
 }
 
 /// The name of a file as the system below Wine has it; empty on Windows itself.
@@ -96,15 +63,17 @@ inline void WaitUntil(bool myIsThere, const std::filesystem::path& myEntry)
     }
 }
 
-/// Makes a link to a folder. It needs no special right. Wine makes no junctions; there a link of the system below it
-/// looks like one as long as the folder exists.
+/// Makes a link to a folder: a junction, which needs no special right. Wine makes none; there a link of the system
+/// below it looks like one as long as the folder exists.
 inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesystem::path& myLink)
 {
-    if (MakeJunction(myFolder, myLink))
+    if (UnixName(L"C:\\").empty())
     {
+        const std::wstring myTarget = std::filesystem::absolute(myFolder).make_preferred().wstring();
+        const std::wstring myName = std::filesystem::path(myLink).make_preferred().wstring();
+        _wsystem((L"mklink /J \"" + myName + L"\" \"" + myTarget + L"\" >NUL").c_str());
         return;
     }
-    std::filesystem::remove(myLink);
     const bool myFolderIsNew = std::filesystem::create_directories(myFolder);
     StartUnixProgram(L"/bin/ln", L"-s \"" + UnixName(myFolder) + L"\" \"" + UnixName(myLink.parent_path()) + L"/" +
                                      myLink.filename().wstring() + L"\"");
