@@ -43,10 +43,11 @@ TEST_F(Component, Members_MakeTheRecordOnlyWhereTheyNeedIt)
         {"CallBack 0", [](Plug& p) { EXPECT_TRUE(FAILED(CallBack(p, 0))); }, true},
     };
     const LoadedComponent myComponent;
-    for (const auto& [myName, myMember, myMakesIt] : myCases)
+    for (const auto& [myName, myCall, myMakesIt] : myCases)
     {
         SCOPED_TRACE(myName);
-        std::thread([&] { myMember(*myComponent.Plugin().Get()); }).join(); // each has its own record
+        std::thread([&, &myMember = myCall] { myMember(*myComponent.Plugin().Get()); })
+            .join(); // each has its own record
         EXPECT_EQ(myFolder.Exists("qelpluginanimtemp"), myMakesIt);
         fs::remove_all(myFolder / "qelpluginanimtemp");
     }

@@ -33,10 +33,10 @@ namespace fs = std::filesystem;
 struct Module
 {
     TextView Params;
-    TextView Link = u"";
+    TextView Link = {};
     int32_t RecordType = 0;
-    TextView RecordFilename = u"";
     bool IsUnknown = false; ///< the database finds no record
+    TextView RecordFilename = {};
 };
 
 constexpr TextView Balloon = u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>";
@@ -61,11 +61,11 @@ const Module Modules[] = {
     {u"", u"URL:http://example.org/a&amp;b?c=%33\u00F1"},
     {u"", u"UID:1", 1},
     {u"", u"UID:6", 6},
-    {u"", u"UID:4", 4, u"Fotograf\u00EDa.JPG"},
-    {u"", u"UID:5", 5, u"PROGRAMA.txt"},
-    {u"", u"UID:5", 5, u"no hay.txt"},
+    {u"", u"UID:4", 4, false, u"Fotograf\u00EDa.JPG"},
+    {u"", u"UID:5", 5, false, u"PROGRAMA.txt"},
+    {u"", u"UID:5", 5, false, u"no hay.txt"},
     {u"", u"UID:0", 0},
-    {u"", u"UID:9", 1, u"", true},
+    {u"", u"UID:9", 1, true},
     // the archive
     {u"<pg.file filename=\"archivo \u00F1.dat\"><pg.param name=playmidi value=1>"},
     // what is missing

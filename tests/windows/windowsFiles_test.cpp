@@ -106,27 +106,22 @@ TEST(SystemErrors, RareOnesHaveTheirNumbers)
 TEST_F(WindowsFilesTest, Open_ShareModesAreTheLocks)
 {
     myFolder.Write("a", "content");
-    {
-        const Handle myReader = Open(u"a", GENERIC_READ);
-        EXPECT_EQ(Try(&Files::OpenForReading, u"a"), PermissionDenied);
-        EXPECT_EQ(Try(&Files::OpenForWriting, u"a"), PermissionDenied);
-        EXPECT_EQ(Try(&Files::OpenShared, u"a"), 0);
-    }
-    {
-        const Handle myWriter = Open(u"a", GENERIC_WRITE);
-        EXPECT_EQ(Try(&Files::OpenShared, u"a"), PermissionDenied);
-        EXPECT_EQ(Try(&Files::Copy, u"a", u"b"), PermissionDenied);
-    }
-    {
-        const auto myShared = myFiles.OpenShared(In(u"A"));
-        EXPECT_TRUE(Open(u"a", GENERIC_READ).IsOpen());
-        EXPECT_FALSE(Open(u"a", GENERIC_WRITE).IsOpen());
-        EXPECT_EQ(Try(&Files::Delete, u"a"), PermissionDenied);
-    }
-    {
-        const auto myExclusive = myFiles.OpenForReading(In(u"a"));
-        EXPECT_FALSE(Open(u"a", GENERIC_READ).IsOpen());
-    }
+    auto myOther = std::make_unique<Handle>(Open(u"a", GENERIC_READ));
+    EXPECT_EQ(Try(&Files::OpenForReading, u"a"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::OpenForWriting, u"a"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::OpenShared, u"a"), 0);
+    myOther = std::make_unique<Handle>(Open(u"a", GENERIC_WRITE));
+    EXPECT_EQ(Try(&Files::OpenShared, u"a"), PermissionDenied);
+    EXPECT_EQ(Try(&Files::Copy, u"a", u"b"), PermissionDenied);
+    myOther.reset();
+    auto myFile = myFiles.OpenShared(In(u"A"));
+    EXPECT_TRUE(Open(u"a", GENERIC_READ).IsOpen());
+    EXPECT_FALSE(Open(u"a", GENERIC_WRITE).IsOpen());
+    EXPECT_EQ(Try(&Files::Delete, u"a"), PermissionDenied);
+    myFile.reset();
+    myFile = myFiles.OpenForReading(In(u"a"));
+    EXPECT_FALSE(Open(u"a", GENERIC_READ).IsOpen());
+    myFile.reset();
     EXPECT_EQ(myFolder.Read("a"), "content");
 }
 
