@@ -1,4 +1,4 @@
-/// What is left of an operation that fails at any of its steps: its files, its locks, its settings, its word for it.
+/// What an operation that fails at any of its steps leaves: its files, locks and settings, and the result it reports.
 #include "archive/classArchive.h"
 #include "com/Bstr.h"
 #include "com/QelHelperInterfaces.h"
@@ -27,8 +27,8 @@ namespace fs = std::filesystem;
 
 using Outcomes = std::set<std::string>;
 
-/// A module with an imported picture and tune in its archive, and what can be done with it. Each operation lets the
-/// trouble begin in front of what it is to hit, and tells in a few words how it came out.
+/// A module with an imported picture and tune in its archive, and what can be done with it. Each operation
+/// starts the failures just before the step under test, and returns its outcome in a few words.
 class Faults : public testing::Test
 {
 protected:
@@ -159,10 +159,10 @@ protected:
     struct Operation
     {
         std::string (Faults::*Call)();
-        Outcomes All; ///< that come of files that fail
+        Outcomes All; ///< that failing files lead to
     };
 
-    /// Files alone: what the system tells of folders comes through a descriptor that stays.
+    /// Counts open files and folders, but no pipes or sockets.
     static auto OpenFiles()
     {
         return std::count_if(fs::directory_iterator("/proc/self/fd"), {},

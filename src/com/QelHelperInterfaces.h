@@ -141,7 +141,7 @@ QEL_INTERFACE(QelPlugin, IDispatch)
     QEL_MEMBER(CallBack, int32_t* myLink, VARIANT_BOOL* theAnswer)
     /* Puts a stored module in hand: resets all settings but the link, then reads the script. A script without a link
      * param keeps the link of the module before it. Malformed text has a defined reading and is no failure; a script of
-     * another format version gives a module with nothing chosen, and ErrorText has the reason. Window messages may run
+     * another format version results in a module with nothing chosen, and ErrorText has the reason. Window messages may run
      * meanwhile. Error 6: a date is out of range, and the settings before it are in force. */
     QEL_MEMBER(put_Script, BSTR* myScript)
     /* The settings of the module in hand, to store. Lines end in CR LF. */

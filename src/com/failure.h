@@ -20,7 +20,7 @@ namespace qel
 extern const char16_t* const ErrorSource;
 
 /// For a catch clause: turns the current exception into a result, and into the thread's error information.
-/// An Error gives 0x800A0000 and its number, or its number itself if that is negative, which is a host's failure.
+/// An Error becomes 0x800A0000 and its number, or its number itself if that is negative, which is a host's failure.
 /// Running out of memory is error 7; any other exception is error 5.
 HRESULT ReportFailure() noexcept;
 

@@ -224,7 +224,7 @@ typedef struct VARIANT
         struct IDispatch** ppdispVal;
         struct VARIANT* pvarVal;
         void* byref;
-        void* record[2]; /* not used; gives the record its size */
+        void* record[2]; /* not used; sets the size of the record */
     };
 } VARIANT;
 
@@ -271,8 +271,8 @@ struct ITypeInfo;
 
 #define QEL_THIS IUnknown
 QEL_ROOT_INTERFACE(IUnknown)
-    /* Gives the object's pointer for an interface, with a reference that the caller releases. For IID_IUnknown an
-     * object always gives the same pointer, whichever interface is asked. On any thread.
+    /* Returns the object's pointer for an interface, with a reference that the caller releases. For IID_IUnknown an
+     * object always returns the same pointer, whichever interface is asked. On any thread.
      * E_NOINTERFACE: the object has no such interface, and the pointer is null. E_POINTER: `theObject` is null. */
 #ifdef __cplusplus
     QEL_MEMBER(QueryInterface, REFIID myInterface, void** theObject)
@@ -290,11 +290,11 @@ QEL_END_INTERFACE(IUnknown)
 #define QEL_THIS IDispatch
 QEL_INTERFACE(IDispatch, IUnknown)
 #ifdef __cplusplus
-    /* Gives 0: there are no type descriptions. E_POINTER. */
+    /* Returns 0: there are no type descriptions. E_POINTER. */
     QEL_MEMBER(GetTypeInfoCount, UINT* theCount)
     /* Always fails, with null. DISP_E_BADINDEX: there are no type descriptions. E_POINTER. */
     QEL_MEMBER(GetTypeInfo, UINT myIndex, LCID myLocale, struct ITypeInfo** theInfo)
-    /* Gives the number of a member, by its name without regard to case. `myNames` and `theNumbers` have `myNameCount`
+    /* Returns the number of a member, by its name without regard to case. `myNames` and `theNumbers` have `myNameCount`
      * entries; only the first name is a member's, because parameters have no names. `myReserved` is GUID_NULL;
      * `myLocale` is ignored.
      * DISP_E_UNKNOWNNAME: a name is unknown, and its number is DISPID_UNKNOWN. DISP_E_UNKNOWNINTERFACE: `myReserved` is
@@ -327,7 +327,7 @@ QEL_END_INTERFACE(IDispatch)
 #define QEL_THIS IClassFactory
 QEL_INTERFACE(IClassFactory, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
-    /* Creates an object and gives one of its interfaces. `myOuter` is null. On failure `theObject` is null and nothing
+    /* Creates an object and returns one of its interfaces. `myOuter` is null. On failure `theObject` is null and nothing
      * has changed for other objects. CLASS_E_NOAGGREGATION: there is an outer object. E_NOINTERFACE. E_POINTER.
      * 0x800A0007: there is no memory. */
     QEL_MEMBER(CreateInstance, IUnknown* myOuter, REFIID myInterface, void** theObject)
@@ -338,7 +338,7 @@ QEL_END_INTERFACE(IClassFactory)
 #undef QEL_THIS
 
 /* The reason of the last failure on a thread. The caller frees the texts; one that was not set is null. Each member:
- * E_POINTER; those that give a text: E_OUTOFMEMORY. On any thread. */
+ * E_POINTER; those that return a text: E_OUTOFMEMORY. On any thread. */
 #define QEL_THIS IErrorInfo
 QEL_INTERFACE(IErrorInfo, IUnknown)
     QEL_C_UNKNOWN_MEMBERS
@@ -454,15 +454,15 @@ QEL_EXTERN_C QEL_EXPORT HRESULT QelUnregisterClass(REFCLSID myClass);
 /* The class of a program name, such as QelPluginAnimation.Main, without regard to case.
  * CO_E_CLASSSTRING: it is not registered, and `theClass` is GUID_NULL. E_POINTER. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CLSIDFromProgID(LPCOLESTR myProgID, CLSID* theClass);
-/* Creates an object of a registered class and gives one of its interfaces; loads its component if need be. `myOuter` is
- * null, and `myContext` is CLSCTX_INPROC_SERVER. On failure `theObject` is null and what was there before is unchanged.
- * REGDB_E_CLASSNOTREG: the class is not registered, or `myContext` is something else. CO_E_DLLNOTFOUND: its component
- * cannot be loaded, and the error information says why. CLASS_E_NOAGGREGATION: there is an outer object. E_POINTER.
- * Otherwise what DllGetClassObject and CreateInstance of the component return. */
+/* Creates an object of a registered class and returns one of its interfaces; loads its component if need be. `myOuter`
+ * is null, and `myContext` is CLSCTX_INPROC_SERVER. On failure `theObject` is null and what was there before is
+ * unchanged. REGDB_E_CLASSNOTREG: the class is not registered, or `myContext` is something else. CO_E_DLLNOTFOUND: its
+ * component cannot be loaded, and the error information says why. CLASS_E_NOAGGREGATION: there is an outer object.
+ * E_POINTER. Otherwise what DllGetClassObject and CreateInstance of the component return. */
 QEL_EXTERN_C QEL_EXPORT HRESULT CoCreateInstance(REFCLSID myClass, IUnknown* myOuter, DWORD myContext,
                                                  REFIID myInterface, void** theObject);
 /* Unloads the components loaded by CoCreateInstance whose DllCanUnloadNow returns S_OK. All that such a component keeps
- * for its threads goes with it. To be called while no other thread is inside a component, not even in its last
+ * for its threads is freed with it. To be called while no other thread is inside a component, not even in its last
  * Release. */
 QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
 
@@ -476,7 +476,7 @@ QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
  * SELFREG_E_CLASS or SELFREG_E_TYPELIB when the registry cannot be written.
  * DllUnregisterServer removes them; classes that are not there are no failure, nor are those that on Windows another
  * file is registered for, which stay. E_ACCESSDENIED; on Windows the results of DllRegisterServer.
- * DllGetClassObject gives the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
+ * DllGetClassObject returns the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.
  * E_NOINTERFACE, E_POINTER; 0x800A0007: there is no memory.
  * DllCanUnloadNow returns S_OK when no object and no lock is left, else S_FALSE. */
 typedef HRESULT(STDAPICALLTYPE* DllRegisterServerFunction)(void);

@@ -10,7 +10,7 @@ namespace qel
 /// 0.
 UINT TypeInfoCount(const IID& myInterface) noexcept;
 
-/// Gives the description of an interface, which the caller releases. DISP_E_BADINDEX: there is none.
+/// Returns the description of an interface, which the caller releases. DISP_E_BADINDEX: there is none.
 HRESULT FindTypeInfo(const IID& myInterface, ITypeInfo** theInfo) noexcept;
 
 } // namespace qel

@@ -119,7 +119,7 @@ DecodedCharacter DecodeCharacter(std::string_view myBytes)
     return {myCharacter, myLength};
 }
 
-/// Decodes UTF-8; false when a byte is not part of a valid sequence, which gives U+FFFD.
+/// Decodes UTF-8; false when a byte is not part of a valid sequence; such a byte becomes U+FFFD.
 bool DecodeUtf8(std::string_view myBytes, Text& theText)
 {
     bool theResult = true;

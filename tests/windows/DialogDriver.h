@@ -108,7 +108,7 @@ public:
         PostMessageW(myThread.hwndFocus, myWithAlt ? WM_SYSKEYDOWN : WM_KEYDOWN, myKey, myWithAlt ? 0x20000001 : 1);
         PostMessageW(myThread.hwndFocus, myWithAlt ? WM_SYSKEYUP : WM_KEYUP, myKey,
                      static_cast<LPARAM>(myWithAlt ? 0xE0000001 : 0xC0000001));
-        // The widths that the box cannot have otherwise tell that the queue has been worked off up to here.
+        // The box has this width only after it has handled all messages that were posted before.
         HWND const myCombo = GetDlgItem(myForm, FirstControlId);
         myFence = 400 + (myFence + 1) % 100;
         PostMessageW(myCombo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(myFence), 0);

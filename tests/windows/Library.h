@@ -14,7 +14,7 @@ inline std::string LibraryFile(const std::string& myName)
     return myName + ".dll";
 }
 
-/// It is closed when the object goes.
+/// A loaded library, which the destructor unloads.
 class Library
 {
 public:

@@ -48,7 +48,7 @@ public:
 
     void Replace(bool myChoice) const { RegOverridePredefKey(myPart, myChoice ? myKey : nullptr); }
 
-    /// Takes away everybody's right to write, or gives it back.
+    /// Removes everybody's right to write, or restores it.
     void Protect(bool myChoice) const
     {
         EXPLICIT_ACCESSW myEntry{};

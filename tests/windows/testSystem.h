@@ -87,8 +87,8 @@ inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesys
 /// True where a link to a folder can be deleted, as Wine cannot.
 inline const bool LinksCanBeDeleted = UnixName(L"C:\\").empty();
 
-/// Removes a folder with its content, whatever the names and attributes in it, as far as possible. A link goes, but not
-/// what it leads to.
+/// Removes a folder with its content, whatever the names and attributes in it, as far as possible. A link is
+/// removed, but not its target.
 inline void RemoveTree(const std::filesystem::path& myFolder)
 {
     std::wstring myPath = std::filesystem::path(myFolder).make_preferred().wstring();

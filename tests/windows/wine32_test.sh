@@ -1,7 +1,7 @@
 #!/bin/bash
 # The tests of the preset windows32 under a 32-bit Wine, which cannot be installed beside the 64-bit one: it is in a small
-# system of its own, which goes at the end. Only Wine runs there. It needs root's rights, the network, and 2 GB in the
-# folder for temporary files.
+# system of its own, which is deleted at the end. Only Wine runs there. It needs root's rights, the network, and 2 GB in
+# the folder for temporary files.
 set -euo pipefail
 fail() { echo "$1" >&2 && exit 1; }
 cd "$(dirname "$0")/../.."

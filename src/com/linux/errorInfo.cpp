@@ -86,7 +86,7 @@ const ThreadSlot& Slot()
     return theSlot;
 }
 
-/// Replaces the thread's error information. The old one goes to `theOld`.
+/// Replaces the thread's error information. The old one is moved to `theOld`.
 HRESULT ExchangeErrorInfo(ComPtr<IErrorInfo> myNew, ComPtr<IErrorInfo>& theOld)
 {
     const ThreadSlot& mySlot = Slot();

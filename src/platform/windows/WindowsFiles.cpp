@@ -176,7 +176,7 @@ bool WindowsFiles::Delete(TextView myFilename)
     {
         return false;
     }
-    // A link to a folder goes as a folder does.
+    // A link to a folder is removed as a folder is.
     if (HasAttribute(GetFileAttributesW(myPath.c_str()), FILE_ATTRIBUTE_DIRECTORY))
     {
         if (KindOf(FactsOf(myPath)) != EntryKind::Link)

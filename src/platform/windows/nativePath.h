@@ -9,7 +9,7 @@
 namespace qel
 {
 
-/// The form of a path that the system takes as it stands: absolute, with "\\?\" or "\\?\UNC\" in front, without "/",
+/// The form of a path that the system uses unchanged: absolute, with "\\?\" or "\\?\UNC\" in front, without "/",
 /// "." and "..", and without a closing "\" unless it is a root. So a long path, a name such as "NUL.gif" and a name
 /// with a dot or a blank at its end are plain names. A relative path is completed from the current folder; ".." does
 /// not lead above the root. Error 52: a name that no file can have: longer than 255 units, or with a control character,

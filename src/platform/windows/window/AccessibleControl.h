@@ -1,4 +1,4 @@
-/// What a screen reader is told about a control.
+/// The description of a control for screen readers.
 #pragma once
 
 #include "platform/windows/window/controlHeaders.h"
@@ -22,7 +22,8 @@ public:
     /// The answer to WM_GETOBJECT for the inside of a control; 0: the system's own description applies.
     LRESULT Describe(HWND myControl, TextView myName, WPARAM myFlags);
 
-    /// Cuts off every screen reader that still holds the description. Before the control goes.
+    /// Invalidates the description for every screen reader that still holds it. To be called before the control is
+    /// destroyed.
     void Disconnect();
 
 private:

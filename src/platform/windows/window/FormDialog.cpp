@@ -80,7 +80,7 @@ std::wstring WindowText(HWND myWindow)
     return theText;
 }
 
-/// Tells the system not to enlarge a dialog by itself on a screen with another scale. Its first editions without this
+/// Stops the system from enlarging a dialog by itself on a screen with another scale. The older versions that lack this
 /// function do not enlarge dialogs.
 void KeepLayout(HWND myDialog)
 {
@@ -223,7 +223,7 @@ void FormDialog::FillToolBar(HWND myToolBar)
     }
 }
 
-/// Gives everything the size of a scale: the window, its controls, their fonts and pictures.
+/// Scales everything: the window, its controls, their fonts and pictures.
 void FormDialog::Scaled(Scale myNewScale)
 {
     myScale = myNewScale;
@@ -282,8 +282,8 @@ void FormDialog::Place(Part& thePart)
     }
 }
 
-/// Gives a combo box the height of the form while it is closed, and opens it for some rows. The system derives the
-/// closed height from that of an entry.
+/// Sets the height of a closed combo box to that of the form, and the number of rows that it shows when open. The
+/// system derives the closed height from that of an entry.
 void FormDialog::SetCombosHeight(HWND myCombo) const
 {
     const ControlLayout& myLayout = *PartOf(myCombo)->Layout;
@@ -305,7 +305,7 @@ void FormDialog::SetCombosHeight(HWND myCombo) const
     }
 }
 
-/// Gives a control a font in which its caption fits.
+/// Sets a font in which the caption of a control fits.
 void FormDialog::Fit(Part& thePart)
 {
     RECT myInside = {};

@@ -97,7 +97,7 @@ private:
     HCURSOR myPointer = nullptr;
     bool myIsClosed = false;
     bool myHasDoubleClick = false;      ///< a list has reported one since this was reset
-    Owned<HWND, &DestroyWindow> myForm; ///< the last member: while it goes, it uses the others
+    Owned<HWND, &DestroyWindow> myForm; ///< the last member: its destruction uses the others
 };
 
 /// The identifier of a control: that of the system for OK and Cancel, else its place in the table from FirstControlId.

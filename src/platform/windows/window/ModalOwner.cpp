@@ -25,7 +25,7 @@ ModalOwner::ModalOwner() : myActive(GetActiveWindow())
     }
     else
     {
-        // A class of the system: one of our own would have to go before the component is unloaded.
+        // A class of the system: a class of the component would have to be removed before the component is unloaded.
         myHidden = CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", nullptr, WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
                                    nullptr, nullptr);
     }
@@ -58,7 +58,7 @@ DisabledWindows::~DisabledWindows()
 {
     for (HWND const myWindow : myWindows)
     {
-        EnableWindow(myWindow, TRUE); // does nothing with a window that has gone
+        EnableWindow(myWindow, TRUE); // has no effect on a window that no longer exists
     }
 }
 
