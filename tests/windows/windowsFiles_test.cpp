@@ -229,10 +229,12 @@ TEST_F(WindowsFilesTest, DemandOwnFolder_RefusesTheFolderOfAnotherOwner)
     {
         myFolder.MakeFolder("others");
         myOthers = In(u"others");
-        StartUnixProgram(L"/bin/chown", L"65534 \"" + myUnixName + L"/others\"");
-        for (int i = 0; i < 1000 && Try(&Files::DemandOwnFolder, u"others") == 0; ++i)
+        StartUnixProgram(L"/bin/sh",
+                         L"-c \"cd '" + myUnixName + L"' && { chown 65534 others && touch given; touch tried; }\"");
+        WaitUntil(true, myFolder / "tried");
+        if (!myFolder.Exists("given"))
         {
-            Sleep(10);
+            GTEST_SKIP() << "giving a folder away needs the rights of root";
         }
     }
     EXPECT_EQ(ErrorOf([&] { myFiles.DemandOwnFolder(myOthers); }), PathAccess);
