@@ -213,13 +213,17 @@ void RemoveClass(const ClassesKey& theClasses, const RegisteredClass& myClass, c
 {
     const std::wstring myId = TextOfId(*myClass.Identifier);
     const std::wstring myName = WideText(myClass.ProgramName);
-    if (NamesFile(theClasses, L"CLSID\\" + myId + L"\\InprocServer32", myFile))
+    const std::wstring myKey = L"CLSID\\" + myId;
+    const std::wstring myFileKey = myKey + L"\\InprocServer32";
+    if (!NamesFile(theClasses, myFileKey, myFile))
     {
-        if (theClasses.Read(myName + L"\\CLSID") == myId)
-        {
-            theClasses.Delete(myName);
-        }
-        theClasses.Delete(L"CLSID\\" + myId);
+        return;
+    }
+    theClasses.Delete(myKey);
+    // After the class, for a system with only one word length has only one key for it.
+    if (theClasses.Read(myName + L"\\CLSID") == myId && !theClasses.ContainsForOtherWordLength(myFileKey))
+    {
+        theClasses.Delete(myName);
     }
 }
 
