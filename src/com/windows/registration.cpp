@@ -171,10 +171,14 @@ LSTATUS WriteAll(const ClassesKey& theClasses, const RegistryValues& myValues)
     return theResult;
 }
 
-bool IsDescribed(const DescribedInterface& myInterface)
+/// True when an interface is described for all users, or for this user by another library. Our own description for this
+/// user does not serve the other users.
+bool IsDescribed(const DescribedInterface& myInterface, const DescribedLibrary& myLibrary)
 {
     const std::wstring myKey = L"Interface\\" + myInterface.Id;
-    return ClassesKey(HKEY_LOCAL_MACHINE).Contains(myKey) || ClassesKey(HKEY_CURRENT_USER).Contains(myKey);
+    const ClassesKey myUsers(HKEY_CURRENT_USER);
+    return ClassesKey(HKEY_LOCAL_MACHINE).Contains(myKey) ||
+           (myUsers.Contains(myKey) && myUsers.Read(myKey + L"\\TypeLib") != myLibrary.Id);
 }
 
 /// Writes everything into one part of the registry.
@@ -192,7 +196,7 @@ HRESULT Register(const ClassesKey& theClasses, std::span<const RegisteredClass> 
     theReason = WriteAll(theClasses, ValuesOfLibrary(myLibrary, myFile));
     for (const DescribedInterface& myInterface : myLibrary.Interfaces)
     {
-        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface))
+        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface, myLibrary))
         {
             theReason = WriteAll(theClasses, ValuesOfInterface(myInterface, myLibrary));
         }
