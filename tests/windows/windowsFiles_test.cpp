@@ -81,6 +81,12 @@ TEST(NativePath, NameThatNoFileCanHave)
     }
 }
 
+TEST(PathInFolder, OneSeparatorAlsoAfterARoot)
+{
+    EXPECT_EQ(PathInFolder(L"\\\\?\\C:\\", L"a"), L"\\\\?\\C:\\a");
+    EXPECT_EQ(PathInFolder(L"\\\\?\\C:\\a", L"b"), L"\\\\?\\C:\\a\\b");
+}
+
 TEST(PlainPath, WithoutWhatTheSystemPutsInFront)
 {
     EXPECT_EQ(PlainPath(L"\\\\?\\C:\\a"), L"C:\\a");

@@ -97,7 +97,7 @@ bool IsListed(const std::wstring& myNativeFolder, const WIN32_FIND_DATAW& myEntr
     EntryKind myKind = KindOf(myEntry);
     if (myKind == EntryKind::Link)
     {
-        myKind = KindOfTarget(std::wstring(myNativeFolder).append(L"\\").append(myName));
+        myKind = KindOfTarget(PathInFolder(myNativeFolder, myName));
     }
     return myKind == EntryKind::File || (myKind == EntryKind::Folder && myListsFolders);
 }

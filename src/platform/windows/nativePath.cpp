@@ -141,7 +141,7 @@ std::wstring NativePath(TextView myPath)
     std::wstring thePath = myRoot;
     for (const std::wstring_view myName : myNames)
     {
-        thePath.append(thePath.ends_with(L'\\') ? L"" : L"\\").append(myName);
+        thePath = PathInFolder(thePath, myName);
     }
     if (thePath.size() > LongestPath)
     {
@@ -163,6 +163,11 @@ std::wstring PlainPath(std::wstring_view myNativePath)
 bool IsRoot(std::wstring_view myNativePath)
 {
     return myNativePath.ends_with(L'\\');
+}
+
+std::wstring PathInFolder(std::wstring_view myNativeFolder, std::wstring_view myName)
+{
+    return std::wstring(myNativeFolder).append(IsRoot(myNativeFolder) ? L"" : L"\\").append(myName);
 }
 
 bool HasUnpairedSurrogate(std::wstring_view myName)

@@ -24,6 +24,9 @@ std::wstring PlainPath(std::wstring_view myNativePath);
 /// True when nothing but the root is left of a path of NativePath: a drive or a share, with its closing "\".
 bool IsRoot(std::wstring_view myNativePath);
 
+/// The path of a name in a folder, both in the form of NativePath. Only a root ends in "\" already.
+std::wstring PathInFolder(std::wstring_view myNativeFolder, std::wstring_view myName);
+
 /// True when a text has a surrogate without its partner, which no name may contain.
 bool HasUnpairedSurrogate(std::wstring_view myName);
 
