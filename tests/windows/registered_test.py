@@ -49,6 +49,21 @@ def registry():
     return values
 
 
+def check_other_word_length(windows_path):
+    """The program name remains as long as the class is registered for programs of the other word length."""
+    identifier, name = next(iter(CLASSES.items()))
+    classes = "HKEY_LOCAL_MACHINE\\Software\\Classes"
+    key = f"{classes}\\CLSID\\{identifier}"
+    other = "/reg:32"  # the component of this test has 64 bits
+    wine("reg", "add", f"{key}\\InprocServer32", "/ve", "/d", "C:\\other.dll", "/f", other)
+    wine("regsvr32", "/s", windows_path)
+    wine("regsvr32", "/s", "/u", windows_path)
+    wine("reg", "query", key, "/ve", code=1)
+    wine("reg", "query", f"{classes}\\{name}\\CLSID", "/ve")
+    wine("reg", "delete", key, "/f", other)
+    wine("reg", "delete", f"{classes}\\{name}", "/f")
+
+
 def main(component, client):
     windows_path = "Z:" + component.replace("/", "\\")
     host_key = f"HKEY_LOCAL_MACHINE\\Software\\Classes\\Interface\\{HOST_INTERFACE}\\TypeLib"
@@ -78,6 +93,7 @@ def main(component, client):
         after = registry()
         wine("reg", "delete", host_key, "/f")
     check(f"left or changed: {sorted(after ^ before)}", after == before)
+    check_other_word_length(windows_path)
     sys.exit("\n".join(problems) or None)
 
 

@@ -150,6 +150,18 @@ TEST_F(Registration, Register_LeavesTheInterfacesOfTheHost)
     EXPECT_EQ(myAllUsers.Read(PluginKey + L"\\TypeLib"), OtherLibrary);
 }
 
+TEST_F(Registration, Register_ForAllUsersAfterTheUser_DescribesTheInterfacesForAll)
+{
+    myAllUsers.Protect(true);
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    myAllUsers.Protect(false);
+    EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+    EXPECT_TRUE(myAllUsers.Has(PluginKey));
+    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+    EXPECT_FALSE(myAllUsers.Has(PluginKey));
+    EXPECT_FALSE(myUser.Has(PluginKey));
+}
+
 TEST_F(Registration, Register_WithoutAnyRight_Fails)
 {
     myAllUsers.Protect(true);

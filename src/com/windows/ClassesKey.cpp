@@ -7,6 +7,8 @@ namespace qel
 namespace
 {
 
+constexpr REGSAM OtherView = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+
 std::wstring Path(const std::wstring& myKey)
 {
     return L"Software\\Classes\\" + myKey;
@@ -37,8 +39,18 @@ std::optional<std::wstring> ClassesKey::Read(const std::wstring& myKey) const
 
 bool ClassesKey::Contains(const std::wstring& myKey) const
 {
+    return Contains(myKey, 0);
+}
+
+bool ClassesKey::ContainsForOtherWordLength(const std::wstring& myKey) const
+{
+    return Contains(myKey, OtherView);
+}
+
+bool ClassesKey::Contains(const std::wstring& myKey, REGSAM myView) const
+{
     HKEY myOpenKey = nullptr;
-    if (RegOpenKeyExW(myRoot, Path(myKey).c_str(), 0, KEY_READ, &myOpenKey) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(myRoot, Path(myKey).c_str(), 0, KEY_READ | myView, &myOpenKey) != ERROR_SUCCESS)
     {
         return false;
     }

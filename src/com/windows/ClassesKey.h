@@ -30,6 +30,10 @@ public:
 
     bool Contains(const std::wstring& myKey) const;
 
+    /// True when programs of the other word length see a key. Both see the same program names and type libraries, but
+    /// each its own classes and interfaces.
+    bool ContainsForOtherWordLength(const std::wstring& myKey) const;
+
     /// Deletes a key with all that it contains. RegistryFailure.
     void Delete(const std::wstring& myKey) const;
 
@@ -37,6 +41,8 @@ public:
     bool DeleteIfEmpty(const std::wstring& myKey) const;
 
 private:
+    bool Contains(const std::wstring& myKey, REGSAM myView) const;
+
     HKEY myRoot;
 };
 

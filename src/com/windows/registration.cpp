@@ -171,10 +171,14 @@ LSTATUS WriteAll(const ClassesKey& theClasses, const RegistryValues& myValues)
     return theResult;
 }
 
-bool IsDescribed(const DescribedInterface& myInterface)
+/// True when an interface is described for all users, or for this user by another library. Our own description for this
+/// user does not serve the other users.
+bool IsDescribed(const DescribedInterface& myInterface, const DescribedLibrary& myLibrary)
 {
     const std::wstring myKey = L"Interface\\" + myInterface.Id;
-    return ClassesKey(HKEY_LOCAL_MACHINE).Contains(myKey) || ClassesKey(HKEY_CURRENT_USER).Contains(myKey);
+    const ClassesKey myUsers(HKEY_CURRENT_USER);
+    return ClassesKey(HKEY_LOCAL_MACHINE).Contains(myKey) ||
+           (myUsers.Contains(myKey) && myUsers.Read(myKey + L"\\TypeLib") != myLibrary.Id);
 }
 
 /// Writes everything into one part of the registry.
@@ -192,7 +196,7 @@ HRESULT Register(const ClassesKey& theClasses, std::span<const RegisteredClass> 
     theReason = WriteAll(theClasses, ValuesOfLibrary(myLibrary, myFile));
     for (const DescribedInterface& myInterface : myLibrary.Interfaces)
     {
-        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface))
+        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface, myLibrary))
         {
             theReason = WriteAll(theClasses, ValuesOfInterface(myInterface, myLibrary));
         }
@@ -213,13 +217,17 @@ void RemoveClass(const ClassesKey& theClasses, const RegisteredClass& myClass, c
 {
     const std::wstring myId = TextOfId(*myClass.Identifier);
     const std::wstring myName = WideText(myClass.ProgramName);
-    if (NamesFile(theClasses, L"CLSID\\" + myId + L"\\InprocServer32", myFile))
+    const std::wstring myKey = L"CLSID\\" + myId;
+    const std::wstring myFileKey = myKey + L"\\InprocServer32";
+    if (!NamesFile(theClasses, myFileKey, myFile))
     {
-        if (theClasses.Read(myName + L"\\CLSID") == myId)
-        {
-            theClasses.Delete(myName);
-        }
-        theClasses.Delete(L"CLSID\\" + myId);
+        return;
+    }
+    theClasses.Delete(myKey);
+    // After the class, for a system with only one word length has only one key for it.
+    if (theClasses.Read(myName + L"\\CLSID") == myId && !theClasses.ContainsForOtherWordLength(myFileKey))
+    {
+        theClasses.Delete(myName);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "platform/windows/Handle.h"
 #include "platform/windows/nativePath.h"
-#include "platform/windows/systemErrors.h"
+#include "text/errors.h"
 
 namespace qel
 {
@@ -12,12 +12,6 @@ namespace
 EntryKind KindOfAttributes(DWORD myAttributes)
 {
     return (myAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? EntryKind::Folder : EntryKind::File;
-}
-
-/// The pattern that every name matches. The system's own patterns also match the short names of files.
-std::wstring PatternOfAll(const std::wstring& myNativeFolder)
-{
-    return myNativeFolder + (IsRoot(myNativeFolder) ? L"*" : L"\\*");
 }
 
 } // namespace
@@ -45,8 +39,9 @@ EntryKind KindOfTarget(const std::wstring& myNativePath)
 }
 
 FolderReader::FolderReader(const std::wstring& myNativeFolder)
-    : mySearch(FindFirstFileExW(PatternOfAll(myNativeFolder).c_str(), FindExInfoBasic, &myEntry, FindExSearchNameMatch,
-                                nullptr, FIND_FIRST_EX_LARGE_FETCH)),
+    // Every name: the system's own patterns also match the short names of files.
+    : mySearch(FindFirstFileExW(PathInFolder(myNativeFolder, L"*").c_str(), FindExInfoBasic, &myEntry,
+                                FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH)),
       myOpeningError(IsOpen() ? 0 : GetLastError())
 {
 }
@@ -70,9 +65,9 @@ const WIN32_FIND_DATAW* FolderReader::Next()
     {
         return &myEntry;
     }
-    if (const DWORD mySystemError = GetLastError(); mySystemError != ERROR_NO_MORE_FILES)
+    if (GetLastError() != ERROR_NO_MORE_FILES)
     {
-        RaiseSystemError(mySystemError);
+        Raise(ErrorNumber::PathAccess);
     }
     return nullptr;
 }

@@ -12,6 +12,8 @@
 #include "platform/windows/wideText.h"
 #include "text/errors.h"
 
+#include <optional>
+
 namespace qel
 {
 namespace
@@ -97,7 +99,7 @@ bool IsListed(const std::wstring& myNativeFolder, const WIN32_FIND_DATAW& myEntr
     EntryKind myKind = KindOf(myEntry);
     if (myKind == EntryKind::Link)
     {
-        myKind = KindOfTarget(std::wstring(myNativeFolder).append(L"\\").append(myName));
+        myKind = KindOfTarget(PathInFolder(myNativeFolder, myName));
     }
     return myKind == EntryKind::File || (myKind == EntryKind::Folder && myListsFolders);
 }
@@ -108,6 +110,23 @@ bool IsMissing(DWORD mySystemError)
     const int32_t myNumber = NumberOfSystemError(mySystemError);
     return myNumber == ErrorNumber::FileNotFound || myNumber == ErrorNumber::PathNotFound ||
            myNumber == ErrorNumber::BadFileName;
+}
+
+/// The native path of a folder to list, empty for the current one; nothing if no folder can have that name.
+std::optional<std::wstring> PathOfListed(TextView myFolder)
+{
+    try
+    {
+        return NativePath(myFolder.empty() ? TextView(u".") : myFolder);
+    }
+    catch (const Error& myFailure)
+    {
+        if (myFailure.Number != ErrorNumber::BadFileName)
+        {
+            throw;
+        }
+        return std::nullopt;
+    }
 }
 
 std::unique_ptr<InputFile> OpenInput(TextView myFilename, Sharing mySharing)
@@ -166,6 +185,10 @@ void WindowsFiles::Copy(TextView mySource, TextView myTarget)
 
 bool WindowsFiles::Delete(TextView myFilename)
 {
+    if (myFilename.empty())
+    {
+        return false;
+    }
     const std::wstring myPath = PathOfFile(myFilename);
     if (DeleteFileW(myPath.c_str()) != 0)
     {
@@ -193,6 +216,10 @@ bool WindowsFiles::Delete(TextView myFilename)
 
 void WindowsFiles::MakeFolder(TextView myFolder)
 {
+    if (myFolder.empty())
+    {
+        Raise(ErrorNumber::PathNotFound);
+    }
     const std::wstring myPath = NativePath(myFolder);
     if (CreateDirectoryW(myPath.c_str(), nullptr) != 0)
     {
@@ -241,9 +268,13 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
     const Text myLowered = LoweredPattern(myPattern.substr(myStart));
-    const std::wstring myFolder = NativePath(myPattern.substr(0, myStart));
-    FolderReader myReader(myFolder);
+    const std::optional<std::wstring> myFolder = PathOfListed(myPattern.substr(0, myStart));
     std::vector<Text> theNames;
+    if (!myFolder)
+    {
+        return theNames;
+    }
+    FolderReader myReader(*myFolder);
     if (!myReader.IsOpen())
     {
         if (!IsMissing(myReader.OpeningError()))
@@ -255,7 +286,7 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
     while (const WIN32_FIND_DATAW* const myEntry = myReader.Next())
     {
         Text myName = TextOfWide(myEntry->cFileName);
-        if (MatchesPattern(LowerCase(myName), myLowered) && IsListed(myFolder, *myEntry, myListing))
+        if (MatchesPattern(LowerCase(myName), myLowered) && IsListed(*myFolder, *myEntry, myListing))
         {
             theNames.push_back(std::move(myName));
         }
