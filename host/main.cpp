@@ -4,8 +4,10 @@
 
 #include "commands/commandNames.h"
 #include "commands/commands.h"
+#include "commands/misuse.h"
 #include "common/Failure.h"
 #include "common/printable.h"
+#include "common/systemReasons.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 
@@ -14,34 +16,14 @@
 #include <iostream>
 #include <new>
 #include <string>
-#include <system_error>
 
 namespace
 {
 
 using namespace qel::host;
 
-constexpr int myFailed = 1;
-constexpr int myMisused = 2;
-
-/// What the command line's own errors say: the reason, and where help is.
-std::string MisuseMessage(const CLI::App* myApplication, const CLI::Error& myError)
-{
-    const CLI::App* myCommand = myApplication;
-    std::string myName = "qelhost";
-    for (auto myParsed = myCommand->get_subcommands(); !myParsed.empty(); myParsed = myCommand->get_subcommands())
-    {
-        myCommand = myParsed.front();
-        myName += " " + myCommand->get_name();
-    }
-    return "qelhost: " + Printable(myError.what()) + "; " + myName + " --help explains the command.\n";
-}
-
-/// Why a file cannot be used, in words for the user.
-std::string ReasonOf(const std::error_code& myError)
-{
-    return myError == std::errc::filename_too_long ? "the name is too long; give a shorter one" : myError.message();
-}
+constexpr int Failed = 1;
+constexpr int Misused = 2;
 
 int Run(int myCount, char** myTexts)
 {
@@ -83,7 +65,7 @@ int Run(int myCount, char** myTexts)
     }
     catch (const CLI::ParseError& myError)
     {
-        return myApplication.exit(myError) == 0 ? 0 : myMisused;
+        return myApplication.exit(myError) == 0 ? 0 : Misused;
     }
 }
 
@@ -103,22 +85,22 @@ int main(int myCount, char** myTexts)
     }
     catch (const UsageFailure& myFailure)
     {
-        return Fail(myFailure.what(), myMisused);
+        return Fail(myFailure.what(), Misused);
     }
     catch (const qel::Error& myError)
     {
-        return Fail(qel::ToUtf8(myError.Description), myFailed);
+        return Fail(qel::ToUtf8(myError.Description), Failed);
     }
     catch (const std::filesystem::filesystem_error& myError)
     {
-        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + ReasonOf(myError.code()), myFailed);
+        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + ReasonOf(myError.code()), Failed);
     }
     catch (const std::bad_alloc&)
     {
-        return Fail("there is not enough memory", myFailed);
+        return Fail("there is not enough memory", Failed);
     }
     catch (const std::exception& myError)
     {
-        return Fail(myError.what(), myFailed);
+        return Fail(myError.what(), Failed);
     }
 }

@@ -117,13 +117,14 @@ class CheckTest(unittest.TestCase):
         self.assertIn("no end within 0.5 seconds", found["script.initial"]["got"])
 
     def test_a_component_that_cannot_be_opened_is_one_failure(self):
-        for fault, got in (("dies-in-opening", "signal 11"), ("exits-in-opening", "the process ended by itself with 0"),
-                           ("hangs-in-opening", "no end within 0.5 seconds")):
+        for fault, got, options in (("dies-in-opening", "signal 11", []),
+                                    ("exits-in-opening", "the process ended by itself with 0", []),
+                                    ("hangs-in-opening", "no end within 0.5 seconds", ["--timeout", "0.5"])):
             with self.subTest(fault=fault):
-                found = self.check(self.broken(), "--timeout", "0.5", fault=fault, expect=1)
+                found = self.check(self.broken(), *options, fault=fault, expect=1)
                 self.assertIn(got, found["entry.opening"]["got"])
                 self.assertEqual(self.results(found), {name: "skipped" for name in FAULTS} | {"entry.opening": "failed"})
-                found = self.check(self.broken(), "--only", "late.names", "--timeout", "0.5", fault=fault, expect=1)
+                found = self.check(self.broken(), "--only", "late.names", *options, fault=fault, expect=1)
                 self.assertEqual(self.results(found), {"entry.opening": "failed", "late.names": "skipped"})
 
     def test_no_help_names_the_command_that_runs_one_check(self):
@@ -165,11 +166,13 @@ class CheckTest(unittest.TestCase):
 
     def test_wrong_use_is_told(self):
         self.assertIn("qelhost check --list", self.run_host("check", "--only", "entry.nothing", expect=2))
-        self.run_host("check", "--timeout", "0", expect=2)
+        for seconds in ("0", "86401", "1s", "nan"):
+            self.assertIn(f'"{seconds}" is not a number of seconds from 0.01', self.run_host("check", "--timeout", seconds, expect=2))
+        self.assertIn("--timeout SECONDS ", self.run_host("check", "--help"))
         text = self.folder / "text.so"
         text.write_text("text")
         (self.folder / "a\\b").mkdir()
-        for file, place, reason in (("", "", 'no file ""'), ("none.so", "", "no file"), (text, "", "too short"),
+        for file, place, reason in (("", "", 'no file ""'), ("none.so", "", "no file"), (text, "", "text.so is not a shared library;"),
                                     (REAL, "none", "set TMPDIR"), (REAL, "a\\b", "set TMPDIR")):
             self.environment["TMPDIR"] = str(self.folder / place)
             self.assertIn(reason, self.run_host("check", file, expect=1))

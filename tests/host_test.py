@@ -217,6 +217,9 @@ class BuildTest(HostTest):
         self.add_module("index.html", script(**imported, archive="module2.dat"))
         self.assertIn("module 2:", self.host("build", self.site, expect=1))
         self.host("module", "archive", self.site, 2, self.file("b", archive_of("qelspr.gif", other)))
+        no_archive = self.file("zeros", bytes(100))
+        for command in (["archive", self.site, 2], ["add", self.site, "index.html", "--archive"]):
+            self.assertIn("another kind of file", self.host("module", *command, no_archive, expect=1))
         self.host("build", self.site)
         self.assertEqual(tree(self.site / "build/images"), {"qelspr1.gif": GLOBO, "qelspr2.gif": other})
         self.host("module", "remove", self.site, 1)
@@ -622,6 +625,7 @@ class SiteTest(HostTest):
             self.host("module", "script", self.site, 1, "-", stdin=wrong, text=False, expect=1)
             self.assertEqual(self.host("module", "script", self.site, 1, text=False), odd)
         self.assertIn("has no module 2", self.host("module", "script", self.site, 2, expect=1))
+        self.assertIn("the script on the standard input has no tag", self.host("module", "add", self.site, "index.html", "--script", "-", expect=1))
 
     def test_scripts_without_a_link_get_an_empty_one(self):
         self.make_site("index.html")
@@ -664,7 +668,7 @@ class SiteTest(HostTest):
 
     def test_databases_that_are_none_of_its_own_are_refused(self):
         self.assertIn("run qelhost init", self.host("page", "list", self.folder, expect=1))
-        self.assertIn("an empty name", self.host("page", "list", "", expect=2))
+        self.assertIn('folder, such as "." for this one.\n', self.host("page", "list", "", expect=2))
         self.make_site()
         self.assertIn("is a site already", self.host("init", self.site, expect=1))
         database = self.site / "site.db"
@@ -697,6 +701,8 @@ class ArchiveTest(HostTest):
         os.mkfifo(pipe)
         link = self.folder / "link.dat"
         link.symlink_to(archive)
+        loop = self.folder / "loop"
+        loop.symlink_to(loop)
         for arguments, reason in ((["unpack", archive, out], "--force"), (["pack", archive, source], "--force"),
                                   (["pack", link, source, "--force"], "is a link"),
                                   (["pack", archive, none], "no folder"),
@@ -704,7 +710,7 @@ class ArchiveTest(HostTest):
                                   (["pack", self.folder / "c.dat", unnameable.parent], "日.txt: its name"),
                                   (["list", self.file("b.dat", before[:-1])], "it is damaged"),
                                   (["list", self.file("h.dat", b"qelarchive1.1")], "another kind of file"),
-                                  (["list", source], "not a file"),
+                                  (["list", source], "not a file"), (["list", loop], "leads through too many"),
                                   (["unpack", archive, self.file("file", b"x")], "file is a file"),
                                   (["unpack", self.file("d.dat", twins), none], "more than once"),
                                   (["unpack", self.file("e.dat", archive_of("..\\evil", b"x")), none], "leads out"),
@@ -732,6 +738,9 @@ class CommandLineTest(HostTest):
     def test_unknown_commands_are_named_and_the_nearest_suggested(self):
         for arguments, text in ((["biuld", "x"], '"biuld"; did you mean "build"? qelhost --help'),
                                 (["--plugin", "x", "page", "lsit"], '"page lsit"; did you mean "page list"? qelhost page --help'),
+                                (["edit", "x"], '"edit"; did you mean "module edit"? qelhost --help'),
+                                (["set"], '"set"; did you mean "site set", "page set" or "record set"? qelhost --help'),
+                                (["inxx"], '"inxx"; qelhost --help'),  # at most a third of the letters is changed
                                 (["zzzzzzzz"], '"zzzzzzzz"; qelhost --help')):
             self.assertIn(f"there is no command {text}", self.host(*arguments, expect=2))
 
@@ -770,14 +779,28 @@ class CommandLineTest(HostTest):
         self.assertIn("open " + shown + " yourself", self.host("preview", self.site, "b.html", expect=1))
 
     def test_misuse_ends_with_2_and_points_to_the_help(self):
-        for arguments in ([], ["nonsense"], ["page"], ["page", "nonsense"], ["page", "add"], ["build"], ["--nonsense"],
-                          ["module", "move", "site", "one", "1"]):
-            self.assertRegex(self.host(*arguments, expect=2), r"\Aqelhost: .*qelhost .*--help.*\.\n\Z")
+        for arguments, reason in (([], "no command is given;"), (["nonsense"], "there is no command"),
+                                  (["page"], "no command is given; qelhost page --help"),
+                                  (["page", "add", "s"], "FILE is required;"), (["info", "--nonsense"], "no option --nonsense here;"),
+                                  (["page", "list", "s", "s2"], '"s2" is one argument too many;'),
+                                  (["build", "s", "--only"], "--only needs a value after it;"),
+                                  (["init", "s", "--title", "a", "--title", "b"], "--title is given more than once;"),
+                                  (["--plugin"], "--plugin needs a value after it;"),
+                                  (["record", "remove", "s", "xx"], 'UID: "xx" is not a whole number, such as 1;'),
+                                  (["module", "show", "s", "9" * 20], f'ID: "{"9" * 20}" is too large a number;'),
+                                  (["module", "move", "s", "1", "1x"], 'POSITION: "1x" is not a whole number')):
+            with self.subTest(arguments):
+                said = self.host(*arguments, expect=2)
+                self.assertIn(reason, said)
+                self.assertRegex(said, r"\Aqelhost: .*qelhost .*--help.*\.\n\Z")
 
     def test_the_component_is_the_one_registered_or_named(self):
         for name in ("qelhost", "libqelcom.so.1"):
             shutil.copy(STAGE / name, self.folder)
-        for options, reason in ([], "--plugin"), (["--plugin", "libqelcom.so.1"], "not a component"):
+        for options, reason in (([], "--plugin"), (["--plugin", "libqelcom.so.1"], "not a component"),
+                                (["--plugin", self.folder], f"opened: {self.folder} is a folder"),
+                                (["--plugin", "none"], "opened: there is no file none;"),
+                                (["--plugin", self.file("text", b"text" * 99)], "text is not a shared library;")):
             self.assertIn(reason, self.host("info", *options, program=self.folder / "qelhost", expect=1, cwd=self.folder))
         component = STAGE / "QelPluginAnimation.so"
         self.host("register", component)

@@ -14,7 +14,7 @@ namespace qel::host
 {
 
 Builder::Builder(Site& theSite, Component& theComponent, std::ostream& theMessages, bool theShowsProgress)
-    : mySite(theSite), myComponent(theComponent), myMessages(theMessages), myShowsProgress(theShowsProgress)
+    : mySite(theSite), myComponent(theComponent), myMessages(theMessages), myProgress(theMessages, theShowsProgress)
 {
 }
 
@@ -90,7 +90,8 @@ void Builder::CopyStaticFiles(OutputFolder& theOutput)
 
 void Builder::BuildPage(const Page& myPage, OutputFolder& theOutput)
 {
-    ShowProgress("[" + std::to_string(myResult.Pages + 1) + "/" + std::to_string(myPages.size()) + "] " + myPage.Name);
+    myProgress.Show("[" + std::to_string(myResult.Pages + 1) + "/" + std::to_string(myPages.size()) + "] " +
+                    myPage.Name);
     if (const std::string myProblem = NameProblem(myPage.Name); !myProblem.empty())
     {
         ReportProblem(myPage.Name + ": the page is not built: its name cannot be that of a file, " + myProblem +
@@ -177,16 +178,8 @@ void Builder::ReportProblem(const std::string& myText)
 
 void Builder::Say(const std::string& myText)
 {
-    ShowProgress("");
+    myProgress.Show("");
     myMessages << Printable(myText) << std::endl;
-}
-
-void Builder::ShowProgress(const std::string& myText)
-{
-    if (myShowsProgress)
-    {
-        myMessages << "\r\033[K" << myText << std::flush;
-    }
 }
 
 } // namespace qel::host

@@ -4,6 +4,7 @@
 #include "build/Component.h"
 #include "build/moduleFailures.h"
 #include "build/OutputFolder.h"
+#include "common/ProgressLine.h"
 #include "site/PageText.h"
 #include "site/Site.h"
 
@@ -40,12 +41,12 @@ struct BuildResult
 class Builder
 {
 public:
-    /// `myMessages` takes a line for everything that the author is to know, and with `myShowsProgress` a line that is
-    /// written over and over. All of them outlive the builder, and the component serves this site.
+    /// `theMessages` takes a line for everything that the author is to know, and with `theShowsProgress` one that shows
+    /// the progress. All of them outlive the builder, and the component serves this site.
     Builder(Site& theSite, Component& theComponent, std::ostream& theMessages, bool theShowsProgress);
     Builder(const Builder&) = delete;
     Builder& operator=(const Builder&) = delete;
-    ~Builder() { ShowProgress(""); }
+    ~Builder() = default;
 
     /// Builds the pages. A failed module does not end it: a comment that names the module and its error number is put
     /// into the page. A build from the same site returns the same bytes. Where the last build was interrupted all pages
@@ -61,12 +62,11 @@ private:
     void ReportModule(const Module& myModule, const std::string& myErrorNumber, const std::string& myReason);
     void ReportProblem(const std::string& myText);
     void Say(const std::string& myText);
-    void ShowProgress(const std::string& myText);
 
     Site& mySite;
     Component& myComponent;
     std::ostream& myMessages;
-    bool myShowsProgress;
+    ProgressLine myProgress;
     BuildOptions myOptions;
     std::vector<Page> myPages;
     Text myTitle;

@@ -14,7 +14,7 @@ namespace qel::host
 namespace
 {
 
-constexpr const char16_t* myProgramName = u"QelPluginAnimation.Main";
+constexpr const char16_t* ProgramName = u"QelPluginAnimation.Main";
 
 std::string ReasonOf(HRESULT myResult)
 {
@@ -81,7 +81,7 @@ bool CanUnload(const SharedLibrary& myLibrary)
 Component::Component(const std::optional<std::filesystem::path>& myFile)
 {
     CLSID myClass{};
-    if (!myFile && SUCCEEDED(CLSIDFromProgID(myProgramName, &myClass)))
+    if (!myFile && SUCCEEDED(CLSIDFromProgID(ProgramName, &myClass)))
     {
         void* myObject = nullptr;
         Check(CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_QelPlugin, &myObject),

@@ -12,8 +12,8 @@ namespace qel::host
 namespace
 {
 
-constexpr const char* myListName = ".qelhost";
-constexpr const char* myUnfinishedLine = ":unfinished";
+constexpr const char* ListName = ".qelhost";
+constexpr const char* UnfinishedLine = ":unfinished";
 
 [[noreturn]] void FailForeign(const fs::path& myPath, const char* myReason)
 {
@@ -71,7 +71,7 @@ OutputFolder::OutputFolder(const fs::path& theFolder) : myFolder(theFolder)
 
 void OutputFolder::ReadList()
 {
-    if (TypeOfEntry(myFolder / myListName) == fs::file_type::not_found)
+    if (TypeOfEntry(myFolder / ListName) == fs::file_type::not_found)
     {
         // A program that was killed may have left the unfinished list, and nothing else.
         RemoveUnfinishedFiles(myFolder, Unfinished::OfAllPrograms);
@@ -81,12 +81,12 @@ void OutputFolder::ReadList()
         }
         return;
     }
-    std::istringstream myLines(ReadWholeFile(myFolder / myListName));
+    std::istringstream myLines(ReadWholeFile(myFolder / ListName));
     for (std::string myLine; std::getline(myLines, myLine);)
     {
         myWritten.insert(myLine);
     }
-    myWasInterrupted = myWritten.erase(myUnfinishedLine) > 0;
+    myWasInterrupted = myWritten.erase(UnfinishedLine) > 0;
 }
 
 void OutputFolder::RemoveUnfinished() const
@@ -272,12 +272,12 @@ void OutputFolder::Finish()
 
 void OutputFolder::StoreList() const
 {
-    std::string myLines = myIsFinished ? "" : std::string(myUnfinishedLine) + "\n";
+    std::string myLines = myIsFinished ? "" : std::string(UnfinishedLine) + "\n";
     for (const std::string& myLine : myWritten)
     {
         myLines += myLine + "\n";
     }
-    WriteWholeFile(myFolder / myListName, myLines);
+    WriteWholeFile(myFolder / ListName, myLines);
 }
 
 } // namespace qel::host

@@ -4,6 +4,8 @@
 #include "commands/terminal.h"
 #include "common/Failure.h"
 #include "common/printable.h"
+#include "common/ProgressLine.h"
+#include "common/systemReasons.h"
 #include "platform/codePage.h"
 #include "platform/ListView.h"
 #include "platform/shared/systemFiles.h"
@@ -51,7 +53,7 @@ constexpr std::pair<int32_t, const char*> Reasons[] = {
     {ErrorNumber::BadFileName, "its name is too long, or has characters that the disk cannot hold"},
     {ErrorNumber::FileNotFound, "it does not exist any more"},
     {ErrorNumber::FileAlreadyExists, "its folder has another name that differs only in case"},
-    {ErrorNumber::DiskFull, "the disk is full"},
+    {ErrorNumber::DiskFull, DiskIsFull},
     {ErrorNumber::InputPastEnd, "it has become shorter in the meantime"},
     {ErrorNumber::PermissionDenied, "there is no permission, or someone else has it open"},
     {ErrorNumber::PathAccess, "a folder, a link or something else is in the way, or a folder cannot be read"},
@@ -157,27 +159,6 @@ private:
     fs::path myFile;
 };
 
-/// Rewrites one line of the terminal, if there is one, and clears it at the end of its life.
-class ProgressLine
-{
-public:
-    ProgressLine() = default;
-    ProgressLine(const ProgressLine&) = delete;
-    ProgressLine& operator=(const ProgressLine&) = delete;
-    ~ProgressLine() { Show(""); }
-
-    void Show(const std::string& myText) const
-    {
-        if (myIsTerminal)
-        {
-            std::cerr << "\r\033[K" << myText << std::flush;
-        }
-    }
-
-private:
-    bool myIsTerminal = IsTerminal(Output::Errors);
-};
-
 /// What exists under exactly this name, where a file is to be written; nothing if the name is free. Fails if that is
 /// unknown.
 std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
@@ -252,7 +233,7 @@ void Pack(const Arguments& myArguments)
     OpenArchive myArchive(myNewFile);
     DemandPlace(DemandedName(myTarget), *myArchive.Disk, myArguments.Force);
     const ScopeGuard myRemoval([&] { Succeeds([&] { RemoveFile(myNewFile); }); });
-    const ProgressLine myLine;
+    const ProgressLine myLine(std::cerr, IsTerminal(Output::Errors));
     myArchive.Archive.BaseFolder(DemandedName(myArguments.Folder));
     myArchive.Archive.ProgessCreate = [&](const Text& myName, int32_t& myPercent, bool& /*myCancel*/)
     {
@@ -308,7 +289,7 @@ void Unpack(const Arguments& myArguments)
         throw Failure(Printable(myArguments.Folder.string()) + " is a file; give a folder to unpack into");
     }
     DemandPlaces(myArchive, myNames, myFolder, myArguments.Force);
-    const ProgressLine myLine;
+    const ProgressLine myLine(std::cerr, IsTerminal(Output::Errors));
     size_t myCount = 0;
     myArchive.Archive.BaseFolder(myFolder);
     myArchive.Archive.ProgessUnpack = [&](const Text& myName, bool& /*myCancel*/)
@@ -331,6 +312,11 @@ CLI::App* AddArchiveCommand(CLI::App& theGroup, const char* myName, const char* 
 }
 
 } // namespace
+
+void DemandArchive(const fs::path& myFile)
+{
+    OpenArchive(myFile).Listed();
+}
 
 void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
 {

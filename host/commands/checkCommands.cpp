@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <iostream>
 #include <vector>
@@ -71,8 +72,7 @@ Outcome OpenFirst(const Check& myOpening, const fs::path& myFile, double mySecon
     Outcome theOutcome = RunInProcess(myOpening, myFile, mySeconds);
     if (theOutcome.Expected == OpenedComponent::Opens)
     {
-        throw Failure(Printable(myFile.string()) +
-                      " is not a shared library that can be opened: " + Printable(theOutcome.Got));
+        throw Failure("the component cannot be opened: " + Printable(theOutcome.Got) + "; name another file");
     }
     return theOutcome;
 }
@@ -151,6 +151,16 @@ void List(const std::vector<Check>& myChecks, bool myIsJson)
     PrintTable(myRows);
 }
 
+/// Why a text cannot be the time for one check; empty if it can.
+std::string SecondsProblem(const std::string& myText)
+{
+    double mySeconds = 0;
+    const char* const myEnd = myText.data() + myText.size();
+    const auto [myRest, myError] = std::from_chars(myText.data(), myEnd, mySeconds);
+    const bool myIsTime = myError == std::errc() && myRest == myEnd && mySeconds >= 0.01 && mySeconds <= 86400;
+    return myIsTime ? "" : "\"" + Printable(myText) + "\" is not a number of seconds from 0.01 to 86400";
+}
+
 void Run(const Arguments& myArguments)
 {
     const std::vector<Check> myChecks = ChosenChecks(myArguments.Checks);
@@ -197,7 +207,7 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
     myCheck->add_flag("--json", theArguments.Json, "Writes one JSON document");
     myCheck->add_option("--timeout", theArguments.Seconds, "The time for one check; without it 10")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.01, 86400.0));
+        ->check(SecondsProblem);
     myCheck->footer("Each check runs in a process of its own, with private folders, so that a crash is one failed "
                     "check.\nThe program ends with 0 if none failed, else with 1.");
     myCheck->callback([&theArguments] { Run(theArguments); });

@@ -47,7 +47,7 @@ std::vector<const CLI::App*> CommandsOf(const CLI::App& myGroup)
 std::string NearestName(const CLI::App& myGroup, const std::string& myName)
 {
     std::string theNearest;
-    std::size_t myLeast = myName.size() / 2 + 1; // a name with more than half of it changed is not similar
+    std::size_t myLeast = myName.size() / 3 + 1; // a name with more than a third of it changed is not similar
     for (const CLI::App* const myCommand : CommandsOf(myGroup))
     {
         const std::size_t myDistance = EditDistance(myName, myCommand->get_name());
@@ -60,13 +60,45 @@ std::string NearestName(const CLI::App& myGroup, const std::string& myName)
     return theNearest;
 }
 
+/// The commands with exactly this name in the groups below, such as "page list" and "module list".
+std::vector<std::string> SameNames(const CLI::App& myGroup, const std::string& myName)
+{
+    std::vector<std::string> theNames;
+    for (const CLI::App* const mySubgroup : CommandsOf(myGroup))
+    {
+        for (const CLI::App* const myCommand : CommandsOf(*mySubgroup))
+        {
+            if (myCommand->get_name() == myName)
+            {
+                theNames.push_back(mySubgroup->get_name() + " " + myName);
+            }
+        }
+    }
+    return theNames;
+}
+
+/// The question whether one of the commands was meant; empty without any.
+std::string Question(const std::string& myPath, const std::vector<std::string>& myNames)
+{
+    std::string theQuestion;
+    for (std::size_t i = 0; i < myNames.size(); ++i)
+    {
+        theQuestion += i == 0 ? "; did you mean " : i + 1 < myNames.size() ? ", " : " or ";
+        theQuestion += "\"" + myPath + myNames[i] + "\"";
+    }
+    return theQuestion + (myNames.empty() ? "" : "?");
+}
+
 /// `myPath` holds the names up to the group, each followed by a blank.
 [[noreturn]] void FailFor(const CLI::App& myGroup, const std::string& myPath, const std::string& myName)
 {
-    const std::string myNearest = NearestName(myGroup, myName);
-    throw UsageFailure("there is no command \"" + myPath + Printable(myName) + "\"" +
-                       (myNearest.empty() ? "" : "; did you mean \"" + myPath + myNearest + "\"?") +
-                       (myNearest.empty() ? "; " : " ") + "qelhost " + myPath + "--help lists the commands");
+    std::vector<std::string> myMeant = SameNames(myGroup, myName);
+    if (const std::string myNearest = NearestName(myGroup, myName); myMeant.empty() && !myNearest.empty())
+    {
+        myMeant.push_back(myNearest);
+    }
+    throw UsageFailure("there is no command \"" + myPath + Printable(myName) + "\"" + Question(myPath, myMeant) +
+                       (myMeant.empty() ? "; " : " ") + "qelhost " + myPath + "--help lists the commands");
 }
 
 } // namespace

@@ -14,6 +14,7 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <iostream>
 
@@ -61,6 +62,20 @@ void RunBuilding(void (*myCommand)(const Arguments&), const Arguments& myArgumen
         std::cerr << "qelhost: " << myEnd.what() << "." << std::endl;
         Interrupted::EndProgram();
     }
+}
+
+/// Why a text is not a whole number that the site can store; empty if it is one.
+std::string NumberProblem(const std::string& myText)
+{
+    int64_t myNumber = 0;
+    const char* const myEnd = myText.data() + myText.size();
+    const auto [myRest, myError] = std::from_chars(myText.data(), myEnd, myNumber);
+    const std::string myShown = "\"" + Printable(myText) + "\"";
+    if (myError == std::errc::result_out_of_range)
+    {
+        return myShown + " is too large a number";
+    }
+    return myError == std::errc() && myRest == myEnd ? "" : myShown + " is not a whole number, such as 1";
 }
 
 std::string FailuresAsJson(const std::vector<ModuleFailure>& myFailures)
@@ -206,6 +221,11 @@ CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const st
     CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
     theCommand->add_option("SITE", theArguments.Site, "The site's folder")->required()->type_name("");
     return theCommand;
+}
+
+CLI::Option* AddNumber(CLI::App& theCommand, const std::string& myName, int64_t& theNumber, const std::string& myHelp)
+{
+    return theCommand.add_option(myName, theNumber, myHelp)->required()->type_name("")->check(NumberProblem);
 }
 
 UserLock LockForWriting(Site& theSite)

@@ -59,8 +59,14 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments);
 CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,
                          Arguments& theArguments);
 
+/// Adds a required argument that is a whole number, such as an id or a position.
+CLI::Option* AddNumber(CLI::App& theCommand, const std::string& myName, int64_t& theNumber, const std::string& myHelp);
+
 /// Adds a group of commands, one of which is required.
 CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const std::string& myHelp);
+
+/// Makes sure that a file can be read as a design archive. Failure: it cannot.
+void DemandArchive(const std::filesystem::path& myFile);
 
 /// Takes the user's lock for a command that changes modules or builds, and undoes the changes of a program that ended
 /// while a dialog was open, which is reported on the standard error.

@@ -18,7 +18,7 @@ namespace qel::host
 namespace
 {
 
-constexpr const char* myArchiveHelp =
+constexpr const char* ArchiveHelp =
     "An archive holds the files that a module's author imported. The site stores it as module, the module's id and\n"
     ".dat, such as module3.dat, and the module's script has to contain that name: <pg.file filename=\"module3.dat\">";
 
@@ -26,7 +26,8 @@ std::string ReadScript(const std::filesystem::path& myFile)
 {
     const auto myProblem = [&](const char* myReason)
     {
-        return Failure("the script " + myFile.string() + " " + myReason);
+        return Failure((myFile == "-" ? "the script on the standard input " : "the script " + myFile.string() + " ") +
+                       myReason);
     };
     std::string theScript = ReadWholeFile(myFile, LongestText);
     if (!IsUtf8(theScript))
@@ -76,6 +77,10 @@ void Add(const Arguments& myArguments)
     myComponent.Serve(mySite);
     const std::string myScript = myArguments.OptionalFile ? ReadScript(*myArguments.OptionalFile)
                                                           : ToUtf8(myComponent.Read(&QelPlugin::get_InitialScript));
+    if (myArguments.Archive)
+    {
+        DemandArchive(*myArguments.Archive);
+    }
     const std::string myStored = WithLink(myComponent, myScript);
     TryScript(myComponent, 0, myStored);
     const int64_t myId =
@@ -136,22 +141,22 @@ void Edit(const Arguments& myArguments)
     // Read only now: another program may have changed it before the lock was taken.
     TryScript(myComponent, myArguments.Id, mySite.ModuleOf(myArguments.Id).Script);
     mySite.BeginEdit(myArguments.Id);
-    bool myIsStored = false;
+    bool myIsEnded = false;
+    // After a failure the module stays unchanged. If the undoing fails too, the first failure is reported, and the next
+    // command that writes undoes the edit.
+    const ScopeGuard myUndo([&] { myIsEnded || Succeeds([&] { mySite.UndoEdit(myArguments.Id); }); });
+    if (myComponent.Edit())
     {
-        // Unless a script is stored, the module stays unchanged.
-        const ScopeGuard myUndo([&] { myIsStored || Succeeds([&] { mySite.UndoEdit(myArguments.Id); }); });
-        if (myComponent.Edit())
-        {
-            mySite.EndEdit(myArguments.Id, ToUtf8(myComponent.Script()));
-            myIsStored = true;
-        }
+        mySite.EndEdit(myArguments.Id, ToUtf8(myComponent.Script()));
+        myIsEnded = true;
+        PrintSummary(myComponent);
     }
-    if (!myIsStored)
+    else
     {
+        myIsEnded = true;
+        mySite.UndoEdit(myArguments.Id);
         std::cout << "module " << myArguments.Id << " is unchanged: the dialog was cancelled" << std::endl;
-        return;
     }
-    PrintSummary(myComponent);
 }
 
 void List(const Arguments& myArguments)
@@ -174,7 +179,7 @@ void List(const Arguments& myArguments)
 CLI::App* AddModuleCommand(CLI::App& theGroup, const char* myName, const char* myHelp, Arguments& theArguments)
 {
     CLI::App* const theCommand = AddSiteCommand(theGroup, myName, myHelp, theArguments);
-    theCommand->add_option("ID", theArguments.Id, "The module's id")->required()->type_name("");
+    AddNumber(*theCommand, "ID", theArguments.Id, "The module's id");
     return theCommand;
 }
 
@@ -186,17 +191,19 @@ void AddContentCommands(CLI::App& theGroup, Arguments& theArguments)
     myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
         ->type_name("");
     myScript->footer("A new script is stored unchanged, once the component has accepted it. If it names no link,\n"
-                     "an empty one is added: without it a build would use the link of the previous module.");
+                     "an empty one is added as its last line (as its first, if it ends within a tag):\n"
+                     "without it a build would use the link of the previous module.");
     myScript->callback([&theArguments] { PrintOrSetScript(theArguments); });
 
     CLI::App* const myArchive =
         AddModuleCommand(theGroup, "archive", "Stores a module's archive of imported files", theArguments);
     myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
-    myArchive->footer(myArchiveHelp);
+    myArchive->footer(ArchiveHelp);
     myArchive->callback(
         [&theArguments]
         {
             Site mySite(theArguments.Site);
+            DemandArchive(*theArguments.Archive);
             const UserLock myLock = LockForWriting(mySite);
             mySite.SetArchive(theArguments.Id, *theArguments.Archive);
         });
@@ -215,14 +222,12 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
                      "Its script, if not that of a new module; - reads the standard input")
         ->type_name("FILE");
     myAdd->add_option("--archive", theArguments.Archive, "Its archive of imported files")->type_name("FILE");
-    myAdd->footer(myArchiveHelp);
+    myAdd->footer(ArchiveHelp);
     myAdd->callback([&theArguments] { Add(theArguments); });
 
     CLI::App* const myMove =
         AddModuleCommand(*myGroup, "move", "Moves a module to another position, place or page", theArguments);
-    myMove->add_option("POSITION", theArguments.Position, "Its new position in its place, from 1")
-        ->required()
-        ->type_name("");
+    AddNumber(*myMove, "POSITION", theArguments.Position, "Its new position in its place, from 1");
     myMove
         ->add_option("--page", theArguments.OtherPage,
                      "To this page, there to the unnamed place unless --place is given")

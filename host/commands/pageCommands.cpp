@@ -15,7 +15,7 @@ namespace qel::host
 namespace
 {
 
-constexpr const char* myPlaces =
+constexpr const char* PlacesHelp =
     "A page is an HTML file as you write it. A build fills these comments in it:\n"
     "  <!-- qel:modules -->       the page's modules; without it they are at the end of the body\n"
     "  <!-- qel:modules NAME -->  the modules of the place with that name\n"
@@ -131,7 +131,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
         ->type_name("");
     myAdd->add_option("--name", theArguments.Name, "The page's name, if not that of the file")->type_name("NAME.html");
     myAdd->add_option("--title", theArguments.Title, "What the menu calls the page, if not its name");
-    myAdd->footer(myPlaces);
+    myAdd->footer(PlacesHelp);
     myAdd->callback([&theArguments] { Add(theArguments); });
 
     AddPageCommand("show", "Prints a page's HTML as the site has it")
@@ -141,11 +141,11 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
     mySet->add_option("FILE", theArguments.OptionalFile, "The HTML file; - reads the standard input")->type_name("");
     mySet->add_option("--title", theArguments.Title, "What the menu calls the page");
     mySet->add_option("--name", theArguments.Name, "The page's new name")->type_name("NAME.html");
-    mySet->footer(myPlaces);
+    mySet->footer(PlacesHelp);
     mySet->callback([&theArguments] { Set(theArguments); });
 
     CLI::App* const myMove = AddPageCommand("move", "Moves a page to another position in the site");
-    myMove->add_option("POSITION", theArguments.Position, "Its new position, from 1")->required()->type_name("");
+    AddNumber(*myMove, "POSITION", theArguments.Position, "Its new position, from 1");
     myMove->callback([&theArguments] { Site(theArguments.Site).MovePage(theArguments.Page, theArguments.Position); });
 
     CLI::App* const myRemove = AddPageCommand("remove", "Removes a page");

@@ -11,7 +11,7 @@ namespace qel::host
 namespace
 {
 
-constexpr const char* myKindsHelp =
+constexpr const char* KindsHelp =
     "The kinds and what they take:\n"
     "  0 none      nothing; a link to it does not work\n"
     "  1 page      --page PAGE, or --address of a page elsewhere\n"
@@ -58,10 +58,8 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myGroup = AddGroup(theApplication, "record", "What links of a site can lead to");
     const auto AddUid = [&](CLI::App* theCommand)
     {
-        theCommand->add_option("UID", theArguments.Id, "The record's uid, such as 2 or UID:2")
-            ->required()
-            ->type_name("")
-            ->transform(WithoutLinkPrefix);
+        AddNumber(*theCommand, "UID", theArguments.Id, "The record's uid, such as 2 or UID:2")
+            ->transform(WithoutLinkPrefix); // before the check
     };
     const auto AddContent = [&](CLI::App* theCommand)
     {
@@ -69,7 +67,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
         theCommand->add_option("--page", theArguments.OtherPage, "A page of the site")->type_name("PAGE");
         theCommand->add_option("--address", theArguments.Address, "An address, or what follows the page's");
         theCommand->add_option("--file", theArguments.OptionalFile, "A file of yours")->type_name("FILE");
-        theCommand->footer(myKindsHelp);
+        theCommand->footer(KindsHelp);
     };
 
     CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a record and prints its link text", theArguments);

@@ -11,7 +11,7 @@ class SharedLibrary
 {
 public:
     SharedLibrary() = default;
-    /// Opens exactly this file. Failure: the system cannot open it; the text is the system's reason.
+    /// Opens exactly this file. Failure: the system cannot open it; the text names the file and says why.
     explicit SharedLibrary(const std::filesystem::path& myFile);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;

@@ -1,6 +1,7 @@
 #include "site/Connection.h"
 
 #include "common/Failure.h"
+#include "common/systemReasons.h"
 
 #include <algorithm>
 #include <array>
@@ -13,8 +14,7 @@ namespace qel::host
 namespace
 {
 
-constexpr int myWaitInMilliseconds = 10'000;
-constexpr const char* myDiskIsFull = "the disk is full; make room and try again";
+constexpr int WaitInMilliseconds = 10'000;
 
 std::string Advice(int myCode)
 {
@@ -32,10 +32,10 @@ std::string Advice(int myCode)
     case SQLITE_NOTADB:
         return "it is damaged or not a SQLite database; put back a copy of it";
     case SQLITE_FULL:
-        return myDiskIsFull;
+        return DiskIsFull;
     case SQLITE_IOERR:
         // The index of the write-ahead log has no room.
-        return myCode == SQLITE_IOERR_SHMSIZE ? myDiskIsFull : "the disk reports an error; check it and try again";
+        return myCode == SQLITE_IOERR_SHMSIZE ? DiskIsFull : "the disk reports an error; check it and try again";
     default:
         return {};
     }
@@ -44,8 +44,8 @@ std::string Advice(int myCode)
 /// True for what keeps a database from being written that may well be readable.
 bool KeepsFromWriting(int myCode)
 {
-    constexpr std::array myCodes{SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY, SQLITE_FULL, SQLITE_IOERR};
-    return std::ranges::find(myCodes, myCode & 0xFF) != myCodes.end();
+    constexpr std::array Codes{SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY, SQLITE_FULL, SQLITE_IOERR};
+    return std::ranges::find(Codes, myCode & 0xFF) != Codes.end();
 }
 
 /// An address that SQLite opens a file by, as one that nothing changes meanwhile.
@@ -102,7 +102,7 @@ void Connection::Open(const std::string& myAddress, int myFlags)
     {
         Fail(myResult);
     }
-    sqlite3_busy_timeout(myHandle.get(), myWaitInMilliseconds);
+    sqlite3_busy_timeout(myHandle.get(), WaitInMilliseconds);
     Run("PRAGMA foreign_keys = ON");
 }
 

@@ -18,10 +18,10 @@ static_assert(SQLITE_VERSION_NUMBER >= 3037000, "The schema uses strict tables."
 namespace
 {
 
-constexpr int64_t myApplication = 0x51454C53; // "QELS" in the file's header
+constexpr int64_t ApplicationId = 0x51454C53; // "QELS" in the file's header
 
 /// The schema's history: entry N leads from format N to N + 1. Entries are never changed, only added.
-constexpr std::array myMigrations{
+constexpr std::array Migrations{
     R"(
     CREATE TABLE site (
         only INTEGER PRIMARY KEY CHECK (only = 1),
@@ -78,7 +78,7 @@ void DemandPageName(std::string_view myName)
     if (!myProblem.empty())
     {
         throw Failure("\"" + std::string(myName) + "\" cannot be the name of a page: " + myProblem +
-                      "; give it one with --name");
+                      "; give another one with --name");
     }
 }
 
@@ -86,7 +86,7 @@ void DemandFolderName(const fs::path& myFolder)
 {
     if (myFolder.empty())
     {
-        throw UsageFailure("an empty name is not a folder; give the site's folder, such as .");
+        throw UsageFailure("an empty name is not a folder; give the site's folder, such as \".\" for this one");
     }
 }
 
@@ -127,7 +127,7 @@ void Site::Create(const fs::path& myFolder, std::string_view myTitle)
     MakeFolder(myFolder / "data");
     MakeFolder(myFolder / "static"); // an author may have filled it already
     Connection(myFolder / "site.db", Connection::Mode::Create)
-        .RunAll("PRAGMA application_id = " + std::to_string(myApplication));
+        .RunAll("PRAGMA application_id = " + std::to_string(ApplicationId));
     Site(myFolder).myConnection.Run("INSERT INTO site VALUES (1, ?)", {myTitle});
 }
 
@@ -161,11 +161,11 @@ Site::Site(const fs::path& theFolder)
 
 void Site::Migrate()
 {
-    if (myConnection.Number("PRAGMA application_id") != myApplication)
+    if (myConnection.Number("PRAGMA application_id") != ApplicationId)
     {
         throw Failure((myFolder / "site.db").string() + " was not made by qelhost; give another folder");
     }
-    const int64_t myNewest = myMigrations.size();
+    const int64_t myNewest = Migrations.size();
     const auto myVersion = [&]
     {
         return myConnection.Number("PRAGMA user_version");
@@ -183,7 +183,7 @@ void Site::Migrate()
             const int64_t myOld = myVersion();
             if (myOld < myNewest)
             {
-                myConnection.RunAll(myMigrations[static_cast<std::size_t>(myOld)]);
+                myConnection.RunAll(Migrations[static_cast<std::size_t>(myOld)]);
                 myConnection.RunAll("PRAGMA user_version = " + std::to_string(myOld + 1));
             }
             myTransaction.Commit();

@@ -24,8 +24,8 @@ Record ReadRecord(const Statement& myStatement)
             myStatement.Text(4),   myStatement.Text(5)};
 }
 
-const std::string mySelect = "SELECT uid, kind, record.title, coalesce(page.name, ''), address, filename"
-                             " FROM record LEFT JOIN page ON page.id = record.page ";
+const std::string Select = "SELECT uid, kind, record.title, coalesce(page.name, ''), address, filename"
+                           " FROM record LEFT JOIN page ON page.id = record.page ";
 
 } // namespace
 
@@ -146,7 +146,7 @@ Record Site::RecordOf(int64_t myUid)
 
 std::optional<Record> Site::FindRecord(int64_t myUid)
 {
-    Statement myStatement(myConnection, mySelect + "WHERE uid = ?", {myUid});
+    Statement myStatement(myConnection, Select + "WHERE uid = ?", {myUid});
     if (!myStatement.Next())
     {
         return {};
@@ -156,7 +156,7 @@ std::optional<Record> Site::FindRecord(int64_t myUid)
 
 std::vector<Record> Site::Records()
 {
-    Statement myStatement(myConnection, mySelect + "ORDER BY uid");
+    Statement myStatement(myConnection, Select + "ORDER BY uid");
     std::vector<Record> theRecords;
     while (myStatement.Next())
     {

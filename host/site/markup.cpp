@@ -19,19 +19,19 @@ struct MarkupWord
     bool HasCaption;
 };
 
-constexpr std::array myWords{
+constexpr std::array Words{
     MarkupWord{"b", "\033[1m", "", false},
     MarkupWord{"/b", "\033[22m", "", false},
     MarkupWord{"warning", "\u26A0 ", "\u26A0 ", false},
     MarkupWord{"callback", "\033[4m", "", true},
     MarkupWord{"help", "\033[4m", "", true},
 };
-constexpr std::string_view myEndOfCaption = "\033[24m";
+constexpr std::string_view EndOfCaption = "\033[24m";
 
 const MarkupWord* FindWord(std::string_view myTag)
 {
     const std::string_view myName = myTag.substr(0, myTag.find(' '));
-    for (const MarkupWord& myWord : myWords)
+    for (const MarkupWord& myWord : Words)
     {
         if (myWord.Name == myName)
         {
@@ -43,13 +43,13 @@ const MarkupWord* FindWord(std::string_view myTag)
 
 std::string_view CaptionOf(std::string_view myTag)
 {
-    constexpr std::string_view myAttribute = " caption=\"";
-    const std::size_t myStart = myTag.find(myAttribute);
+    constexpr std::string_view Attribute = " caption=\"";
+    const std::size_t myStart = myTag.find(Attribute);
     if (myStart == std::string_view::npos)
     {
         return {};
     }
-    const std::string_view myRest = myTag.substr(myStart + myAttribute.size());
+    const std::string_view myRest = myTag.substr(myStart + Attribute.size());
     return myRest.substr(0, myRest.find('"'));
 }
 
@@ -66,7 +66,7 @@ std::string RenderedMarkup(std::string_view myText, bool myWithEscapes)
         {
             theText += myWithEscapes ? myWord->Escape : myWord->Plain;
             theText += PrintableLines(CaptionOf(myTag));
-            theText += myWord->HasCaption && myWithEscapes ? myEndOfCaption : "";
+            theText += myWord->HasCaption && myWithEscapes ? EndOfCaption : "";
             myText.remove_prefix(myEnd + 1);
         }
         else

@@ -22,7 +22,7 @@ struct KindFacts
     std::string_view Needs;
 };
 
-constexpr std::array myKinds{
+constexpr std::array Kinds{
     KindFacts{"none", false, false, false, "nothing but a title"},
     KindFacts{"page", true, true, false, "--page or --address"},
     KindFacts{"section", true, true, false, "--page, --address or both, such as --page index.html --address '#news'"},
@@ -34,7 +34,7 @@ constexpr std::array myKinds{
 
 const KindFacts& FactsOf(RecordKind myKind)
 {
-    return myKinds.at(static_cast<std::size_t>(myKind));
+    return Kinds.at(static_cast<std::size_t>(myKind));
 }
 
 [[noreturn]] void FailFor(RecordKind myKind)
@@ -48,13 +48,13 @@ const KindFacts& FactsOf(RecordKind myKind)
 RecordKind ParseKind(std::string_view myText)
 {
     std::string myNames;
-    for (std::size_t myNumber = 0; myNumber < myKinds.size(); ++myNumber)
+    for (std::size_t myNumber = 0; myNumber < Kinds.size(); ++myNumber)
     {
-        if (myText == myKinds[myNumber].Name || myText == std::to_string(myNumber))
+        if (myText == Kinds[myNumber].Name || myText == std::to_string(myNumber))
         {
             return static_cast<RecordKind>(myNumber);
         }
-        myNames += (myNumber == 0 ? "" : ", ") + std::to_string(myNumber) + " " + std::string(myKinds[myNumber].Name);
+        myNames += (myNumber == 0 ? "" : ", ") + std::to_string(myNumber) + " " + std::string(Kinds[myNumber].Name);
     }
     throw UsageFailure("there is no kind \"" + std::string(myText) + "\"; the kinds are " + myNames);
 }

@@ -1,6 +1,7 @@
 #include "site/siteFiles.h"
 
 #include "common/Failure.h"
+#include "common/systemReasons.h"
 #include "site/processes.h"
 #include "text/encodings.h"
 
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <fstream>
 #include <optional>
-#include <utility>
 
 namespace qel::host
 {
@@ -20,33 +20,13 @@ namespace
 {
 
 /// Separators, what ends or splits an address, and what ends the quoted text of a script that the address stands in.
-constexpr std::string_view myForbiddenCharacters = "/\\:%#?\"'<>";
+constexpr std::string_view ForbiddenCharacters = "/\\:%#?\"'<>";
 
 /// What the file systems in use allow, in bytes.
-constexpr std::size_t myLongestName = 255;
+constexpr std::size_t LongestName = 255;
 
-constexpr std::string_view myUnfinishedHead = ".qelhost-";
-constexpr std::string_view myUnfinishedEnd = ".new";
-
-constexpr std::pair<std::errc, const char*> Reasons[] = {
-    {std::errc::no_space_on_device, "the disk is full; make room and try again"},
-    {std::errc::read_only_file_system, "the disk can only be read; copy the site to another one"},
-    {std::errc::permission_denied, "no permission; change the permissions of the file and its folder"},
-    {std::errc::operation_not_permitted, "no permission; change the permissions of the file and its folder"},
-    {std::errc::no_such_file_or_directory, "there is no such file or folder; check the path"},
-    {std::errc::not_a_directory, "a part of its path is not a folder; check the path"},
-    {std::errc::is_a_directory, "it is a folder; give a file"},
-    {std::errc::filename_too_long, "the name is too long; give a shorter one"},
-    {std::errc::not_supported, "it is not a plain file; give one"},
-    {std::errc::too_many_symbolic_link_levels, "it is a link, or leads through too many; give the file itself"},
-};
-
-std::string ReasonOf(std::error_code myError)
-{
-    const auto* const myReason =
-        std::ranges::find_if(Reasons, [&](const auto& myEntry) { return myError == myEntry.first; });
-    return myReason == std::end(Reasons) ? myError.message() : myReason->second;
-}
+constexpr std::string_view UnfinishedHead = ".qelhost-";
+constexpr std::string_view UnfinishedEnd = ".new";
 
 /// Why an operation of a stream has failed. The caller has set errno to 0 before it.
 std::error_code StreamError()
@@ -57,7 +37,7 @@ std::error_code StreamError()
 bool IsForbidden(char myCharacter)
 {
     const auto myCode = static_cast<unsigned char>(myCharacter);
-    return myCode < 0x20 || myCode == 0x7F || myForbiddenCharacters.find(myCharacter) != std::string_view::npos;
+    return myCode < 0x20 || myCode == 0x7F || ForbiddenCharacters.find(myCharacter) != std::string_view::npos;
 }
 
 /// The file that becomes the target once it is whole; it goes again unless that happens.
@@ -276,9 +256,9 @@ void RenameFile(const fs::path& myFile, const fs::path& myTarget)
 
 fs::path UnfinishedName(const fs::path& myTarget)
 {
-    std::string theName(myUnfinishedHead);
+    std::string theName(UnfinishedHead);
     theName += std::to_string(OwnProcess());
-    return myTarget.parent_path() / (theName += myUnfinishedEnd);
+    return myTarget.parent_path() / (theName += UnfinishedEnd);
 }
 
 namespace
@@ -288,10 +268,10 @@ namespace
 int64_t WriterOf(std::string_view myName)
 {
     int64_t theWriter = 0;
-    if (myName.starts_with(myUnfinishedHead) && myName.ends_with(myUnfinishedEnd))
+    if (myName.starts_with(UnfinishedHead) && myName.ends_with(UnfinishedEnd))
     {
-        const char* const myEnd = myName.data() + myName.size() - myUnfinishedEnd.size();
-        const auto myParsed = std::from_chars(myName.data() + myUnfinishedHead.size(), myEnd, theWriter);
+        const char* const myEnd = myName.data() + myName.size() - UnfinishedEnd.size();
+        const auto myParsed = std::from_chars(myName.data() + UnfinishedHead.size(), myEnd, theWriter);
         theWriter = myParsed.ptr == myEnd ? theWriter : 0;
     }
     return theWriter;
@@ -342,9 +322,9 @@ std::string NameProblem(std::string_view myName)
     {
         return "it is not valid UTF-8";
     }
-    if (myName.size() > myLongestName)
+    if (myName.size() > LongestName)
     {
-        return "it is longer than " + std::to_string(myLongestName) + " bytes";
+        return "it is longer than " + std::to_string(LongestName) + " bytes";
     }
     for (const char myCharacter : myName)
     {

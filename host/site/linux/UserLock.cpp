@@ -1,11 +1,12 @@
 #include "site/UserLock.h"
 
 #include "common/Failure.h"
+#include "common/systemReasons.h"
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/temporaryPath.h"
 
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -32,7 +33,7 @@ UserLock::UserLock(std::ostream& theMessages)
     }
     if (myResult != 0)
     {
-        throw Failure("cannot lock " + myName + ": " + std::strerror(errno));
+        throw Failure("cannot lock " + myName + ": " + ReasonOf(std::error_code(errno, std::generic_category())));
     }
     myFile = theFile;
 }
