@@ -161,6 +161,11 @@ TEST_F(WindowsFilesTest, Copy_TakesTheContentAlone)
     EXPECT_EQ(myFolder.Read("target"), "content");
 }
 
+TEST_F(WindowsFilesTest, List_FolderWithAnImpossibleNameHasNoNames)
+{
+    EXPECT_EQ(List(u"a:b\\*", Listing::FilesAndFolders), std::vector<Text>());
+}
+
 TEST_F(WindowsFilesTest, List_HiddenByAttributesAndNotByADot_WithoutShortNames)
 {
     for (const char* const myName : {".dot", "hidden", "system", "Folder/x", "Hidden folder/a long name.html"})

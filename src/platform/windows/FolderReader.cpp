@@ -2,7 +2,7 @@
 
 #include "platform/windows/Handle.h"
 #include "platform/windows/nativePath.h"
-#include "platform/windows/systemErrors.h"
+#include "text/errors.h"
 
 namespace qel
 {
@@ -65,9 +65,9 @@ const WIN32_FIND_DATAW* FolderReader::Next()
     {
         return &myEntry;
     }
-    if (const DWORD mySystemError = GetLastError(); mySystemError != ERROR_NO_MORE_FILES)
+    if (GetLastError() != ERROR_NO_MORE_FILES)
     {
-        RaiseSystemError(mySystemError);
+        Raise(ErrorNumber::PathAccess);
     }
     return nullptr;
 }

@@ -28,7 +28,7 @@ public:
     bool IsOpen() const { return mySearch != INVALID_HANDLE_VALUE; }
     DWORD OpeningError() const { return myOpeningError; }
 
-    /// The next entry, or null after the last one. It is valid until the next call. Error 57: reading failed.
+    /// The next entry, or null after the last one. It is valid until the next call. Error 75: reading failed.
     const WIN32_FIND_DATAW* Next();
 
 private:

@@ -12,6 +12,8 @@
 #include "platform/windows/wideText.h"
 #include "text/errors.h"
 
+#include <optional>
+
 namespace qel
 {
 namespace
@@ -108,6 +110,23 @@ bool IsMissing(DWORD mySystemError)
     const int32_t myNumber = NumberOfSystemError(mySystemError);
     return myNumber == ErrorNumber::FileNotFound || myNumber == ErrorNumber::PathNotFound ||
            myNumber == ErrorNumber::BadFileName;
+}
+
+/// The native path of a folder to list; nothing if no folder can have that name.
+std::optional<std::wstring> PathOfListed(TextView myFolder)
+{
+    try
+    {
+        return NativePath(myFolder);
+    }
+    catch (const Error& myFailure)
+    {
+        if (myFailure.Number != ErrorNumber::BadFileName)
+        {
+            throw;
+        }
+        return std::nullopt;
+    }
 }
 
 std::unique_ptr<InputFile> OpenInput(TextView myFilename, Sharing mySharing)
@@ -241,9 +260,13 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
     const Text myLowered = LoweredPattern(myPattern.substr(myStart));
-    const std::wstring myFolder = NativePath(myPattern.substr(0, myStart));
-    FolderReader myReader(myFolder);
+    const std::optional<std::wstring> myFolder = PathOfListed(myPattern.substr(0, myStart));
     std::vector<Text> theNames;
+    if (!myFolder)
+    {
+        return theNames;
+    }
+    FolderReader myReader(*myFolder);
     if (!myReader.IsOpen())
     {
         if (!IsMissing(myReader.OpeningError()))
@@ -255,7 +278,7 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
     while (const WIN32_FIND_DATAW* const myEntry = myReader.Next())
     {
         Text myName = TextOfWide(myEntry->cFileName);
-        if (MatchesPattern(LowerCase(myName), myLowered) && IsListed(myFolder, *myEntry, myListing))
+        if (MatchesPattern(LowerCase(myName), myLowered) && IsListed(*myFolder, *myEntry, myListing))
         {
             theNames.push_back(std::move(myName));
         }
