@@ -62,7 +62,7 @@ TEST(NativePath, Normalised_ByOurOwnRulesFromTheCurrentFolder)
         {u"//?/unc/server/share/a", u"\\\\?\\UNC\\server\\share\\a"},
         {u"\\\\?\\Volume{01}\\a", u"\\\\?\\Volume{01}\\a"},
         {u"x\\..\\y", myPlace + u"\\y"},
-        {u"", myPlace},
+        {u".", myPlace},
         {u"/x", u"\\\\?\\" + myDrive + u"\\x"},
         {myDrive + u"x", myPlace + u"\\x"},
     };

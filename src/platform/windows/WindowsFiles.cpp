@@ -112,12 +112,12 @@ bool IsMissing(DWORD mySystemError)
            myNumber == ErrorNumber::BadFileName;
 }
 
-/// The native path of a folder to list; nothing if no folder can have that name.
+/// The native path of a folder to list, empty for the current one; nothing if no folder can have that name.
 std::optional<std::wstring> PathOfListed(TextView myFolder)
 {
     try
     {
-        return NativePath(myFolder);
+        return NativePath(myFolder.empty() ? TextView(u".") : myFolder);
     }
     catch (const Error& myFailure)
     {
@@ -185,6 +185,10 @@ void WindowsFiles::Copy(TextView mySource, TextView myTarget)
 
 bool WindowsFiles::Delete(TextView myFilename)
 {
+    if (myFilename.empty())
+    {
+        return false;
+    }
     const std::wstring myPath = PathOfFile(myFilename);
     if (DeleteFileW(myPath.c_str()) != 0)
     {
@@ -212,6 +216,10 @@ bool WindowsFiles::Delete(TextView myFilename)
 
 void WindowsFiles::MakeFolder(TextView myFolder)
 {
+    if (myFolder.empty())
+    {
+        Raise(ErrorNumber::PathNotFound);
+    }
     const std::wstring myPath = NativePath(myFolder);
     if (CreateDirectoryW(myPath.c_str(), nullptr) != 0)
     {

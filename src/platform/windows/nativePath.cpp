@@ -120,6 +120,10 @@ std::wstring TakeRoot(std::wstring_view& thePath)
 
 std::wstring NativePath(TextView myPath)
 {
+    if (myPath.empty())
+    {
+        Raise(ErrorNumber::FileNotFound);
+    }
     std::wstring myGiven = WideText(myPath);
     std::replace(myGiven.begin(), myGiven.end(), L'/', L'\\');
     const std::wstring myComplete = CompletePath(std::move(myGiven));
