@@ -1,5 +1,6 @@
 #include "platform/windows/folderOwner.h"
 
+#include "platform/windows/Handle.h"
 #include "platform/windows/windowsHeaders.h"
 
 #include <aclapi.h>
@@ -26,10 +27,26 @@ bool IsCurrentUser(PSID myOwner)
            EqualSid(myOwner, reinterpret_cast<const TOKEN_USER*>(myUser.data())->User.Sid) != 0;
 }
 
+/// True when the volume of a folder is known to keep no owners.
+bool IsOnVolumeWithoutOwners(const std::wstring& myNativeFolder)
+{
+    const Handle myFolder(CreateFileW(myNativeFolder.c_str(), FILE_READ_ATTRIBUTES,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                      FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    DWORD myFlags = 0;
+    return myFolder.IsOpen() &&
+           GetVolumeInformationByHandleW(myFolder.Get(), nullptr, 0, nullptr, nullptr, &myFlags, nullptr, 0) != 0 &&
+           (myFlags & FILE_PERSISTENT_ACLS) == 0;
+}
+
 } // namespace
 
 bool BelongsToUser(const std::wstring& myNativeFolder)
 {
+    if (IsOnVolumeWithoutOwners(myNativeFolder))
+    {
+        return true;
+    }
     PSID myOwner = nullptr;
     PSECURITY_DESCRIPTOR myDescriptor = nullptr;
     const DWORD mySystemError =
