@@ -74,8 +74,10 @@ TEST(NativePath, Normalised_ByOurOwnRulesFromTheCurrentFolder)
 
 TEST(NativePath, NameThatNoFileCanHave)
 {
-    for (const TextView myPath : {u"C:\\a:b", u"C:\\a\\C:\\b", u"1:\\a", u"C:\\a*", u"C:\\a?\\b", u"C:\\a\tb",
-                                  u"C:\\\"a\"", u"C:\\<a>", u"C:\\a|b", u"\\\\.\\C:\\a", u"\\\\server", u"\\\\?\\"})
+    for (const TextView myPath :
+         {u"C:\\a:b", u"C:\\a\\C:\\b", u"1:\\a", u"C:\\a*", u"C:\\a?\\b", u"C:\\a\tb", u"C:\\\"a\"", u"C:\\<a>",
+          u"C:\\a|b", u"\\\\.\\C:\\a", u"\\\\server", u"\\\\?\\", u"\\\\?\\pipe\\a", u"\\\\?\\C:a", u"\\\\?\\..\\C:\\a",
+          u"\\\\..\\share\\a", u"\\\\server\\..\\a", u"\\\\?\\UNC\\.\\share\\a"})
     {
         EXPECT_EQ(ErrorOf([&] { NativePath(myPath); }), BadFileName) << testing::PrintToString(myPath);
     }

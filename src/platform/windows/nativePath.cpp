@@ -15,6 +15,7 @@ namespace
 
 constexpr std::wstring_view PlainPrefix = L"\\\\?\\";
 constexpr std::wstring_view ServerPrefix = L"\\\\?\\UNC\\";
+constexpr std::wstring_view VolumePrefix = L"Volume{"; // after the plain prefix
 constexpr std::wstring_view DevicePrefix = L"\\\\.\\";
 constexpr size_t LongestName = 255;
 constexpr size_t LongestPath = 32766;
@@ -25,11 +26,12 @@ bool HasDrive(std::wstring_view myPath)
     return (myLetter >= L'a' && myLetter <= L'z') || (myLetter >= L'A' && myLetter <= L'Z');
 }
 
-bool HasServerPrefix(std::wstring_view myPath)
+/// True when a path begins with a text, whatever the case of both.
+bool BeginsWith(std::wstring_view myPath, std::wstring_view myPrefix)
 {
-    const std::wstring_view myStart = myPath.substr(0, ServerPrefix.size());
-    return CompareStringOrdinal(myStart.data(), static_cast<int>(myStart.size()), ServerPrefix.data(),
-                                static_cast<int>(ServerPrefix.size()), TRUE) == CSTR_EQUAL;
+    const std::wstring_view myStart = myPath.substr(0, myPrefix.size());
+    return CompareStringOrdinal(myStart.data(), static_cast<int>(myStart.size()), myPrefix.data(),
+                                static_cast<int>(myPrefix.size()), TRUE) == CSTR_EQUAL;
 }
 
 /// Where the system's own rules lead from the current folder: to itself ("."), to its root ("\") or to the current
@@ -90,6 +92,16 @@ void DemandName(std::wstring_view myName)
     }
 }
 
+/// For a server, a share or a volume, which no part such as ".." can take the place of.
+void DemandRootName(std::wstring_view myName)
+{
+    DemandName(myName);
+    if (myName == L"." || myName == L"..")
+    {
+        Raise(ErrorNumber::BadFileName);
+    }
+}
+
 /// Removes the root from a complete path and returns it in the system's form, with its closing "\".
 std::wstring TakeRoot(std::wstring_view& thePath)
 {
@@ -98,19 +110,27 @@ std::wstring TakeRoot(std::wstring_view& thePath)
         Raise(ErrorNumber::BadFileName);
     }
     const bool myHasPrefix = thePath.starts_with(PlainPrefix);
-    const bool myIsOnServer = myHasPrefix ? HasServerPrefix(thePath) : thePath.starts_with(L"\\\\");
+    const bool myIsOnServer = myHasPrefix ? BeginsWith(thePath, ServerPrefix) : thePath.starts_with(L"\\\\");
     if (myHasPrefix)
     {
         thePath.remove_prefix(myIsOnServer ? ServerPrefix.size() : PlainPrefix.size());
     }
     std::wstring theRoot(myIsOnServer ? ServerPrefix : PlainPrefix);
     const std::wstring_view myFirst = TakePart(thePath); // the drive, a volume, or the server
-    DemandName(HasDrive(myFirst) && !myIsOnServer ? std::wstring(1, myFirst[0]).append(myFirst.substr(2)) : myFirst);
+    const bool myIsDrive = myFirst.size() == 2 && HasDrive(myFirst);
+    if (!myIsOnServer && !myIsDrive && !BeginsWith(myFirst, VolumePrefix)) // a device
+    {
+        Raise(ErrorNumber::BadFileName);
+    }
+    if (!myIsDrive || myIsOnServer)
+    {
+        DemandRootName(myFirst);
+    }
     theRoot.append(myFirst).append(L"\\");
     if (myIsOnServer)
     {
         const std::wstring_view myShare = TakePart(thePath);
-        DemandName(myShare);
+        DemandRootName(myShare);
         theRoot.append(myShare).append(L"\\");
     }
     return theRoot;
@@ -156,7 +176,7 @@ std::wstring NativePath(TextView myPath)
 
 std::wstring PlainPath(std::wstring_view myNativePath)
 {
-    if (HasServerPrefix(myNativePath))
+    if (BeginsWith(myNativePath, ServerPrefix))
     {
         return std::wstring(L"\\\\").append(myNativePath.substr(ServerPrefix.size()));
     }

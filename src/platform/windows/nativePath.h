@@ -14,7 +14,8 @@ namespace qel
 /// with a dot or a blank at its end are plain names. A relative path is completed from the current folder; ".." does
 /// not lead above the root. Error 52: a name that no file can have: longer than 255 units, or with a control character,
 /// an unpaired surrogate or one of `:*?"<>|`. A ":" after the drive would name a stream inside a file. Also a path to a
-/// device ("\\.\"), and one of more than 32,766 units. Error 53: an empty path.
+/// device ("\\.\", or "\\?\" without a drive, "UNC\" or "Volume{" after it), "." or ".." as a server or a share, and
+/// a path of more than 32,766 units. Error 53: an empty path.
 std::wstring NativePath(TextView myPath);
 
 /// The path without the "\\?\" or "\\?\UNC\" in front, as other programs take it; unchanged without it, and if it
