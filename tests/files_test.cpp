@@ -29,6 +29,15 @@ std::string ReadBytes(InputFile& myFile, size_t myCount)
     return theText;
 }
 
+TEST_F(FilesTest, EmptyPath_NamesNothing)
+{
+    EXPECT_EQ(ErrorOf([&] { myFiles.OpenForReading(u""); }), ErrorNumber::FileNotFound);
+    EXPECT_EQ(ErrorOf([&] { myFiles.MakeFolder(u""); }), ErrorNumber::PathNotFound);
+    EXPECT_FALSE(myFiles.Delete(u""));
+    EXPECT_FALSE(myFiles.IsFolder(u""));
+    EXPECT_NE(myFiles.List(u"*", Listing::FilesAndFolders), std::vector<Text>()) << "of the current folder";
+}
+
 TEST_F(FilesTest, Find_ExactPathElseWithoutRegardToCase)
 {
     for (const char* const myName : {"Img/Logo.GIF", "Img/\xC3\x81rbol.txt"})

@@ -62,7 +62,7 @@ TEST(NativePath, Normalised_ByOurOwnRulesFromTheCurrentFolder)
         {u"//?/unc/server/share/a", u"\\\\?\\UNC\\server\\share\\a"},
         {u"\\\\?\\Volume{01}\\a", u"\\\\?\\Volume{01}\\a"},
         {u"x\\..\\y", myPlace + u"\\y"},
-        {u"", myPlace},
+        {u".", myPlace},
         {u"/x", u"\\\\?\\" + myDrive + u"\\x"},
         {myDrive + u"x", myPlace + u"\\x"},
     };
@@ -161,6 +161,11 @@ TEST_F(WindowsFilesTest, Copy_TakesTheContentAlone)
     Attributes(u"target", FILE_ATTRIBUTE_HIDDEN);
     EXPECT_EQ(Try(&Files::Copy, u"source", u"target"), 0);
     EXPECT_EQ(myFolder.Read("target"), "content");
+}
+
+TEST_F(WindowsFilesTest, List_FolderWithAnImpossibleNameHasNoNames)
+{
+    EXPECT_EQ(List(u"a:b\\*", Listing::FilesAndFolders), std::vector<Text>());
 }
 
 TEST_F(WindowsFilesTest, List_HiddenByAttributesAndNotByADot_WithoutShortNames)
