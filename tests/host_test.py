@@ -785,6 +785,7 @@ class CommandLineTest(HostTest):
                                   (["page", "list", "s", "s2"], '"s2" is one argument too many;'),
                                   (["build", "s", "--only"], "--only needs a value after it;"),
                                   (["init", "s", "--title", "a", "--title", "b"], "--title is given more than once;"),
+                                  (["build", "s", "--json=x"], "--json takes no value;"),
                                   (["--plugin"], "--plugin needs a value after it;"),
                                   (["record", "remove", "s", "xx"], 'UID: "xx" is not a whole number, such as 1;'),
                                   (["module", "show", "s", "9" * 20], f'ID: "{"9" * 20}" is too large a number;'),

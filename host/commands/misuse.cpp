@@ -40,6 +40,13 @@ std::string MismatchReason(const CLI::App& myApplication, const CLI::App& myComm
                                                         : myName + " needs a value after it";
 }
 
+/// Why a flag such as --json=1 is wrong. The error ends with the flag, " = " and the value.
+std::string FlagReason(const std::string& myError)
+{
+    const std::string myFlag = myError.substr(0, myError.find(" = "));
+    return myFlag.substr(myFlag.rfind(' ') + 1) + " takes no value; leave it out";
+}
+
 /// The reason in plain words, for the errors that a user can cause; the library's text for any other.
 std::string ReasonOf(const CLI::App& myApplication, const CLI::App& myCommand, const CLI::Error& myError)
 {
@@ -51,6 +58,8 @@ std::string ReasonOf(const CLI::App& myApplication, const CLI::App& myCommand, c
         return ExtrasReason(myApplication.remaining(true));
     case CLI::ExitCodes::ArgumentMismatch:
         return MismatchReason(myApplication, myCommand, myError.what());
+    case CLI::ExitCodes::ConversionError: // other values than those of flags are checked before they are converted
+        return FlagReason(myError.what());
     default:
         return myError.what();
     }
