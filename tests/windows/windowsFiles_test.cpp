@@ -1,5 +1,5 @@
 /// What Windows alone has: share modes, attributes, streams, names that only "\\?\" reaches, paths to servers, and the
-/// services of the system behind the small ports.
+/// services of the system that the other ports use.
 #include "archive/classArchive.h"
 #include "Environment.h"
 #include "FilesTest.h"
@@ -97,7 +97,7 @@ TEST(PlainPath, WithoutWhatTheSystemPutsInFront)
     EXPECT_EQ(PlainPath(L"C:\\a"), L"C:\\a");
 }
 
-// Those that the tests of the operations do not bring about.
+// The errors that no test of an operation causes.
 TEST(SystemErrors, RareOnesHaveTheirNumbers)
 {
     const std::pair<DWORD, int32_t> myCases[] = {

@@ -226,7 +226,7 @@ void WindowsFiles::MakeFolder(TextView myFolder)
         return;
     }
     const DWORD mySystemError = GetLastError();
-    if (Exists(GetFileAttributesW(myPath.c_str()))) // a root is refused for want of rights
+    if (Exists(GetFileAttributesW(myPath.c_str()))) // a root exists, but the system answers that access is denied
     {
         Raise(ErrorNumber::PathAccess);
     }

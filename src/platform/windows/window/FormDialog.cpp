@@ -533,7 +533,10 @@ INT_PTR FormDialog::TakeCommand(UINT myId, UINT myNotification)
 {
     if (myId >= FirstToolId && myId < ToolId(PlayButtons.size()))
     {
-        ToolPressed ? ToolPressed(static_cast<int32_t>(myId - FirstToolId) + 1) : void();
+        if (ToolPressed)
+        {
+            ToolPressed(static_cast<int32_t>(myId - FirstToolId) + 1);
+        }
         return TRUE;
     }
     const auto* const myLayout = std::ranges::find(MainFormControls, myId, &DialogId);
@@ -542,7 +545,10 @@ INT_PTR FormDialog::TakeCommand(UINT myId, UINT myNotification)
         return FALSE;
     }
     myHasDoubleClick = myHasDoubleClick || myNotification == LBN_DBLCLK;
-    Reported ? Reported(*myLayout, myNotification) : void();
+    if (Reported)
+    {
+        Reported(*myLayout, myNotification);
+    }
     return TRUE;
 }
 
@@ -585,7 +591,10 @@ void FormDialog::DrawPart(const DRAWITEMSTRUCT& myItem) const
     }
     if (myPart->Layout->Kind == ControlKind::PictureBox)
     {
-        PaintPreview ? PaintPreview(myItem.hDC, myItem.rcItem) : void();
+        if (PaintPreview)
+        {
+            PaintPreview(myItem.hDC, myItem.rcItem);
+        }
         return;
     }
     // The caller restores what is selected into the target, but not its colours.
