@@ -81,6 +81,7 @@ std::string NumberProblem(const std::string& myText)
 std::string FailuresAsJson(const std::vector<ModuleFailure>& myFailures)
 {
     std::vector<JsonMembers> myObjects;
+    myObjects.reserve(myFailures.size());
     for (const ModuleFailure& myFailure : myFailures)
     {
         myObjects.push_back({{"page", myFailure.Page}, {"module", myFailure.Module}, {"error", myFailure.ErrorNumber}});
