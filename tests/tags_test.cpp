@@ -37,20 +37,6 @@ TEST(TagBuilder, Tag_AttributesInTheirOrderAndAsTheyAreNamed)
     EXPECT_EQ(myBuilder.Tag(), u"<pg.param />") << "prefix, name and form stay";
 }
 
-TEST(TagBuilder, Quote_OnePassThatUnQuoteReverses)
-{
-    const TextView myText = u"a<b>c&d\"e &amp;lt; it's\r\n\tñ\xD83D";
-    const TextView myQuoted = u"a&lt;b&gt;c&amp;d&quot;e &amp;amp;lt; it's\r\n\tñ\xD83D";
-    EXPECT_EQ(classTagBuilder::Quote(myText), myQuoted);
-    EXPECT_EQ(classTag::UnQuote(myQuoted), myText);
-}
-
-TEST(TagBuilder, UnQuote_OnlyTheFourExactEntities)
-{
-    EXPECT_EQ(classTag::UnQuote(u"&LT;&amp&gt &#38;&apos;&&quot;amp;&a&gt;mp;"),
-              u"&LT;&amp&gt &#38;&apos;&\"amp;&a>mp;");
-}
-
 using Pairs = std::vector<std::pair<Text, Text>>;
 
 class Parser : public testing::Test
@@ -89,26 +75,6 @@ TEST_F(Parser, AttributeName_MayHoldBlanksInside)
     Expect(u"t foo  bar =1 =x", u"t", {{u"foo  bar", u"1"}, {u"", u"x"}});
     Expect(u"t a\"b=1 c\r\n\td=2", u"t", {{u"ab", u"1"}, {u"cd", u"2"}});
     Expect(u"t \t a \" =1 \" b\r =2", u"t", {{u"a", u"1"}, {u"b", u"2"}});
-}
-
-TEST_F(Parser, UnquotedValue_EndsAtABlank)
-{
-    Expect(u"t a=b=c d==\"e", u"t", {{u"a", u"b=c"}, {u"d", u"=\"e"}});
-    Expect(u"t a=\tb c=\r\nd=1", u"t", {{u"a", u"\tb"}, {u"c", u"\r"}, {u"d", u"1"}});
-    Expect(u"t a='x' b='y z=1'", u"t", {{u"a", u"'x'"}, {u"b", u"'y"}, {u"z", u"1'"}});
-}
-
-TEST_F(Parser, QuotedValue_KeepsBlanksAndLineEnds)
-{
-    Expect(u"t a = \"x\" b=   ", u"t", {{u"a", u"x"}, {u"b", u""}});
-    Expect(u"t a=\" 1\r\n\"b=\"2\"", u"t", {{u"a", u" 1\r\n"}, {u"b", u"2"}});
-}
-
-TEST_F(Parser, UnclosedValue_EndsAtTheNextQuoteOrIsEmpty)
-{
-    Expect(u"t a=\"x b=1 c=\"y=2 d=\"z", u"t", {{u"a", u"x b=1 c="}, {u"y", u"2"}, {u"d", u""}});
-    Expect(u"t longName=\"&amp;, and plain\" b=\"x&amp;", u"t", {{u"longname", u"&amp;, and plain"}, {u"b", u""}});
-    Expect(u"t b=1", u"t", {{u"b", u"1"}});
 }
 
 TEST(Tag, BaseTag_ChangesTheNameAlone)
@@ -266,12 +232,6 @@ TEST_F(Scanner, StartOfATag_InATagOrInText)
     Expect(u"<pg</ pg.><pg.a>", {Plain(u"<pg</ pg.>", 1), Open(u"a", u"a", 1)});
 }
 
-TEST_F(Scanner, UnclosedTag_IsNoToken)
-{
-    Expect(u"x<pg.a b", {Plain(u"x", 1)});
-    Expect(u"x<pg.\r\na>", {Plain(u"x", 1), Open(u"a", u"a", 2)});
-}
-
 TEST_F(Scanner, Prefix_MayBeEmptyAndKeepsItsCase)
 {
     myScript.Prefix(u"PG."); // tags are compared in lower case
@@ -330,31 +290,6 @@ TEST(PluginFunctions, MakeTag_EmptyValuesAreLeftOutAndBlankStandsForEmpty)
 TEST(PluginFunctions, MakeAnchor_AttributesInTheirOrder)
 {
     EXPECT_EQ(MakeAnchor(u"h", u"o", u"c", u"t"), u"<a href=\"h\" onclick=\"o\" target=\"t\" class=\"c\">");
-}
-
-TEST(PluginFunctions, TextToBoolean_EmptyBlankOrZeroIsFalse)
-{
-    for (const TextView myText : {u"", u"   ", u"  0 "})
-    {
-        EXPECT_FALSE(TextToBoolean(myText)) << ToUtf8(myText);
-    }
-    for (const TextView myText : {u"-1", u"00", u"0 0", u"\t"})
-    {
-        EXPECT_TRUE(TextToBoolean(myText)) << ToUtf8(myText);
-    }
-}
-
-TEST(PluginFunctions, ConcatUrl_OneOfEachSeparatorIsCutOffWhereTheTextsMeet)
-{
-    const TextView myCases[][3] = {
-        {u"a", u"b", u"a/b"},    {u"a/", u"/b", u"a/b"},  {u"a//", u"b", u"a//b"},  {u"a/\\", u"b", u"a//b"},
-        {u"a\\/", u"b", u"a/b"}, {u"a", u"/\\b", u"a/b"}, {u"a", u"\\/b", u"a//b"}, {u"a\\", u"\\b", u"a/b"},
-        {u"", u"b", u"/b"},      {u"a", u"", u"a/"},      {u"/", u"/", u"/"},       {u"a", u"//b", u"a//b"},
-    };
-    for (const auto& [myFirst, mySecond, myJoined] : myCases)
-    {
-        EXPECT_EQ(ConcatUrl(myFirst, mySecond), myJoined) << ToUtf8(myFirst) << " " << ToUtf8(mySecond);
-    }
 }
 
 } // namespace

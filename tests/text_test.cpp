@@ -250,7 +250,7 @@ TEST(ToWindows1252, CharacterOutsideTheCodePage_IsRefused)
     }
 }
 
-/// Each line of the file is a number, a blank and the text of that number. page.html holds the long templates.
+/// Each line of the file is a number, a blank and the text of that number. qelhost check has the long templates.
 TEST(StringTable, LoadResString_EveryText)
 {
     std::ifstream myFile(QEL_TEST_DATA "/strings.txt", std::ios::binary);

@@ -28,44 +28,6 @@ Texts Sorted(const Texts& myValues, classStringSort mySort = {})
     return theValues;
 }
 
-TEST(StringSort, Sort_ByCharacterCodeWithEqualValues)
-{
-    EXPECT_EQ(Sorted({u"b", u"", u"apple", u"B", u"b", u"ab", u"", u"Zebra", u"Ábaco"}),
-              (Texts{u"", u"", u"B", u"Zebra", u"ab", u"apple", u"b", u"b", u"Ábaco"}));
-    EXPECT_EQ(Sorted({u"\uFF5E", u"\U0001F600", u"10", u"9"}), (Texts{u"10", u"9", u"\U0001F600", u"\uFF5E"}));
-}
-
-TEST(StringSort, Sort_LeavesALaterValueForTheNextOne)
-{
-    classStringSort mySort;
-    mySort.AddValue(u"b");
-    mySort.Sort();
-    mySort.AddValue(u"a");
-    EXPECT_EQ(mySort.Value(1), u"b");
-    EXPECT_EQ(mySort.Value(2), u"a");
-    EXPECT_EQ(Sorted({u"A"}, mySort), (Texts{u"A", u"a", u"b"}));
-}
-
-TEST(StringSort, Value_OutsideTheTableFails)
-{
-    classStringSort mySort;
-    // The highest number that has a value, as values are added. The table grows ahead of them.
-    for (const int32_t myHighest : {2, 2, 2, 6, 6, 6, 6, 14, 2})
-    {
-        SCOPED_TRACE(mySort.ValueCount());
-        EXPECT_EQ(mySort.Value(0), u"");
-        EXPECT_EQ(mySort.Value(mySort.ValueCount() < myHighest ? myHighest : 0), u"");
-        EXPECT_EQ(ErrorOf([&] { mySort.Value(-1); }), ErrorNumber::SubscriptOutOfRange);
-        EXPECT_EQ(ErrorOf([&] { mySort.Value(myHighest + 1); }), ErrorNumber::SubscriptOutOfRange);
-        mySort.AddValue(u"x");
-        if (myHighest == 14)
-        {
-            mySort.Clear();
-        }
-    }
-    EXPECT_EQ(mySort.ValueCount(), 1);
-}
-
 Text Padded(size_t myNumber)
 {
     const Text myDigits = NumberText(static_cast<int64_t>(myNumber));
