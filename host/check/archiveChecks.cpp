@@ -149,20 +149,21 @@ void Sizes(const CheckContext& myContext)
     }
 }
 
+/// A name in the archive, and the name in the script.
+constexpr std::pair<const char*, TextView> ArchivedNames[] = {
+    {"qelspr.gif", u"qelspr.gif"},
+    {"\\sub\\qelspr.gif", u"sub\\qelspr.gif"},
+    {"\\a\\b\\c d\\x.gif", u"a\\b\\c d\\x.gif"},
+    {"\\canci\xF3n \x80.gif", u"canción €.gif"},
+    {"\\a.b.c.gif", u"a.b.c.gif"},
+    {"\\x y.gif", u"x y.gif"},
+    {"\\sub.d\\x.gif", u"sub.d\\x.gif"},
+};
+
 void Names(const CheckContext& myContext)
 {
     ArchivedModule myModule(myContext);
-    // A name in the archive, and the name in the script.
-    constexpr std::pair<const char*, TextView> myNames[] = {
-        {"qelspr.gif", u"qelspr.gif"},
-        {"\\sub\\qelspr.gif", u"sub\\qelspr.gif"},
-        {"\\a\\b\\c d\\x.gif", u"a\\b\\c d\\x.gif"},
-        {"\\canci\xF3n \x80.gif", u"canción €.gif"},
-        {"\\a.b.c.gif", u"a.b.c.gif"},
-        {"\\x y.gif", u"x y.gif"},
-        {"\\sub.d\\x.gif", u"sub.d\\x.gif"},
-    };
-    for (const auto& [myArchived, myName] : myNames)
+    for (const auto& [myArchived, myName] : ArchivedNames)
     {
         myModule.ExpectPage("a picture that an archive has as " + Shown(FromWindows1252(myArchived)),
                             ArchiveOf({Tune(), {myArchived, std::string(PictureBytes())}}), PictureBytes(), TuneBytes,

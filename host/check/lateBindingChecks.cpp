@@ -154,20 +154,22 @@ VARIANT ObjectVariant(IDispatch* myObject)
     return theVariant;
 }
 
+constexpr std::pair<uint16_t, const char*> KindNames[] = {
+    {Method, "a method"}, {Get, "a read"}, {Put, "a write"}, {PutReference, "a write by reference"}};
+
 std::string NameOfKinds(uint16_t myKinds)
 {
-    constexpr std::pair<uint16_t, const char*> myNames[] = {
-        {Method, "a method"}, {Get, "a read"}, {Put, "a write"}, {PutReference, "a write by reference"}};
-    const auto* const myNamed = std::ranges::find(myNames, myKinds, &std::pair<uint16_t, const char*>::first);
-    return myNamed == std::end(myNames) ? "a method or read" : myNamed->second;
+    const auto* const myNamed = std::ranges::find(KindNames, myKinds, &std::pair<uint16_t, const char*>::first);
+    return myNamed == std::end(KindNames) ? "a method or read" : myNamed->second;
 }
+
+constexpr std::pair<VARTYPE, const char*> TypeNames[] = {
+    {VT_EMPTY, "VT_EMPTY"}, {VT_I4, "VT_I4"}, {VT_BSTR, "VT_BSTR"}, {VT_BOOL, "VT_BOOL"}};
 
 std::string NameOfType(VARTYPE myType)
 {
-    constexpr std::pair<VARTYPE, const char*> myNames[] = {
-        {VT_EMPTY, "VT_EMPTY"}, {VT_I4, "VT_I4"}, {VT_BSTR, "VT_BSTR"}, {VT_BOOL, "VT_BOOL"}};
-    const auto* const myNamed = std::ranges::find(myNames, myType, &std::pair<VARTYPE, const char*>::first);
-    return myNamed == std::end(myNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
+    const auto* const myNamed = std::ranges::find(TypeNames, myType, &std::pair<VARTYPE, const char*>::first);
+    return myNamed == std::end(TypeNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
 }
 
 void Kinds(const CheckContext& myContext)

@@ -75,7 +75,8 @@ void Version(const CheckContext& myContext)
 
 /// Calls a member with a null pointer for one of its arguments, each in turn; numbers among the others are 1.
 template <class Interface, class... Values>
-void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const std::string& myName)
+void RefuseNull(Interface& myObject, HRESULT (STDMETHODCALLTYPE Interface::*myMember)(Values*...),
+                const std::string& myName)
 {
     for (size_t i = 0; i < sizeof...(Values); ++i)
     {
