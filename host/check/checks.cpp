@@ -1,6 +1,7 @@
 #include "check/Check.h"
 
 #include "check/OpenedComponent.h"
+#include "com/Bstr.h"
 #include "common/SharedLibrary.h"
 
 namespace qel::host
@@ -13,7 +14,7 @@ void LookUpRegistered(const CheckContext& /*myContext*/)
 {
     CLSID myClass{};
     void* myObject = nullptr;
-    if (SUCCEEDED(CLSIDFromProgID(u"QelPluginAnimation.Main", &myClass)))
+    if (SUCCEEDED(CLSIDFromProgID(ToOle(u"QelPluginAnimation.Main"), &myClass)))
     {
         ExpectResult("the registered component opens", S_OK,
                      CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &myObject));

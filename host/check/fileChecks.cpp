@@ -1,5 +1,6 @@
 // Checks of the files that a page stages, and of the addresses that it gives for them.
 #include "check/pageCases.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <utility>
@@ -102,7 +103,7 @@ void CopiedOnce(const CheckContext& myContext)
         const fs::path myTarget = fs::path(myFolder) / "nota.pdf";
         const auto ExpectPage = [&](const std::string& myWhat)
         {
-            ExpectPart("the page " + myWhat, u"<a href=\"" + FromUtf8(myTarget.generic_string()) + u"\">",
+            ExpectPart("the page " + myWhat, u"<a href=\"" + FromUtf8(PortableTextOf(myTarget)) + u"\">",
                        LinkedPage(myServed, u"UID:4711"));
         };
         WriteFile("data/nota.pdf", "first");
