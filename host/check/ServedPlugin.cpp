@@ -1,5 +1,6 @@
 #include "check/ServedPlugin.h"
 
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -52,7 +53,7 @@ ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const CheckContex
       Plugin(myComponent.Plugin())
 {
     const fs::path& myRoot = myContext.Folder;
-    State.Root = FromUtf8(myRoot.string()) + u"/";
+    State.Root = FromUtf8(TextOf(myRoot)) + u"/";
     for (const char* myFolder : {"media", "images", "files", "data"})
     {
         fs::create_directory(myRoot / myFolder);

@@ -1,6 +1,7 @@
 // Checks of design archives, as a page unpacks them.
 #include "check/pageCases.h"
 #include "check/system.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -123,9 +124,9 @@ void ExpectInside(const std::string& myName, const CheckContext& myContext)
     for (const fs::path& myPath : fs::recursive_directory_iterator(myContext.Folder.parent_path()))
     {
         const auto myWay = myPath.lexically_relative(myInside);
-        if (myPath.filename().string().find(myName) != std::string::npos && *myWay.begin() == "..")
+        if (TextOf(myPath.filename()).find(myName) != std::string::npos && *myWay.begin() == "..")
         {
-            FailCheck("nothing of an archive outside of " + myInside.string(), myPath.string());
+            FailCheck("nothing of an archive outside of " + TextOf(myInside), TextOf(myPath));
         }
     }
 }
@@ -191,7 +192,7 @@ void Names(const CheckContext& myContext)
 void HostileNames(const CheckContext& myContext)
 {
     ArchivedModule myModule(myContext);
-    const std::string myAbsolute = (myContext.Folder / "escaped.txt").string();
+    const std::string myAbsolute = TextOf(myContext.Folder / "escaped.txt");
     for (const std::string& myName :
          {std::string("\\..\\escaped.txt"), std::string("..\\escaped.txt"), std::string("\\..\\..\\..\\escaped.txt"),
           std::string("\\sub\\..\\..\\escaped.txt"), std::string("\\../escaped.txt"),

@@ -2,6 +2,7 @@
 
 #include "check/OpenedComponent.h"
 #include "com/Bstr.h"
+#include "common/paths.h"
 #include "common/SharedLibrary.h"
 
 namespace qel::host
@@ -20,7 +21,7 @@ void LookUpRegistered(const CheckContext& /*myContext*/)
                      CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &myObject));
         const std::filesystem::path myFile = FileOfAddress(*static_cast<void**>(myObject)); // one of its members
         Expect("its file is found", !myFile.empty());
-        throw Outcome{CheckResult::Passed, "", myFile.string()};
+        throw Outcome{CheckResult::Passed, "", TextOf(myFile)};
     }
 }
 

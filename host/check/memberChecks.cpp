@@ -2,6 +2,7 @@
 #include "check/moduleTexts.h"
 #include "check/OpenedComponent.h"
 #include "com/Bstr.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -127,7 +128,7 @@ void Bitmaps(const CheckContext& myContext)
         const fs::path myFile = myContext.File.parent_path() / ToUtf8(myName);
         if (!fs::is_regular_file(myFile))
         {
-            throw Outcome{CheckResult::Warned, "a file " + myFile.string(), "there is none"};
+            throw Outcome{CheckResult::Warned, "a file " + TextOf(myFile), "there is none"};
         }
     }
 }

@@ -1,5 +1,6 @@
 // Checks of the page that a module gives.
 #include "check/pageCases.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -95,7 +96,7 @@ fs::path LibraryFile(const CheckContext& myContext, TextView myEnding)
     {
         for (const fs::path& myFile : fs::recursive_directory_iterator(myLibrary))
         {
-            if (LowerCase(FromUtf8(myFile.extension().string())) == myEnding)
+            if (LowerCase(FromUtf8(TextOf(myFile.extension()))) == myEnding)
             {
                 myFiles.push_back(myFile);
             }
@@ -111,7 +112,7 @@ fs::path LibraryFile(const CheckContext& myContext, TextView myEnding)
 
 Text NameOf(const fs::path& myFile)
 {
-    return FromUtf8(myFile.filename().string());
+    return FromUtf8(TextOf(myFile.filename()));
 }
 
 void LibraryMotif(const CheckContext& myContext)
@@ -122,8 +123,8 @@ void LibraryMotif(const CheckContext& myContext)
     const Text myPage =
         myServed.Output(Param(u"image", NameOf(myPicture)) + Param(u"imagefolder", NameOf(myPicture.parent_path())) +
                         Param(u"playmidi", u"0"));
-    const std::string myStaged = "images/qelspr17" + myPicture.extension().string();
-    ExpectPart("the page with " + myPicture.filename().string(), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    const std::string myStaged = "images/qelspr17" + TextOf(myPicture.extension());
+    ExpectPart("the page with " + TextOf(myPicture.filename()), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
     ExpectText("the calls of the page with it", u"InstanceNumber InstanceNumber UniqueName ImageFolder ImageURL ",
                Joined(myServed.State.Calls));
     ExpectText("the staged motif", Bytes(myPicture), Bytes(myStaged));
@@ -137,8 +138,8 @@ void LibraryTune(const CheckContext& myContext)
     const Text myPage =
         myServed.Output(Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"midi", NameOf(myTune)) +
                         Param(u"midifolder", NameOf(myTune.parent_path())));
-    const std::string myStaged = "media/qelmid17" + myTune.extension().string();
-    ExpectPart("the page with " + myTune.filename().string(), u"<embed src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    const std::string myStaged = "media/qelmid17" + TextOf(myTune.extension());
+    ExpectPart("the page with " + TextOf(myTune.filename()), u"<embed src=\"" + FromUtf8(myStaged) + u"\"", myPage);
     ExpectText("the staged tune", Bytes(myTune), Bytes(myStaged));
 }
 

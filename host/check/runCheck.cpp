@@ -2,6 +2,7 @@
 
 #include "check/OutcomeFile.h"
 #include "check/system.h"
+#include "common/paths.h"
 #include "text/ScopeGuard.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeco
     const ScopeGuard myRemoval([&] { RemoveTemporaryFolder(myFolder); });
     const auto myStart = Clock::now();
     const std::string myEnd =
-        myRunner.Run({RunCheckCommand, myCheck.Name, myFile.string(), myFolder.string()}, mySeconds);
+        myRunner.Run({RunCheckCommand, myCheck.Name, TextOf(myFile), TextOf(myFolder)}, mySeconds);
     const OutcomeContent myContent = ReadOutcomeFile(myFolder / OutcomeName);
     Outcome theOutcome = myContent.Result.value_or(
         Outcome{CheckResult::Failed, "the check comes to its end",

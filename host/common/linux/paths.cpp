@@ -3,29 +3,19 @@
 namespace qel::host
 {
 
-namespace
-{
-
-std::string Bytes(const std::u8string& myText)
-{
-    return {myText.begin(), myText.end()};
-}
-
-} // namespace
-
 std::filesystem::path PathOf(std::string_view myText)
 {
-    return std::u8string(myText.begin(), myText.end());
+    return myText;
 }
 
 std::string TextOf(const std::filesystem::path& myPath)
 {
-    return Bytes(myPath.u8string());
+    return myPath.native();
 }
 
 std::string PortableTextOf(const std::filesystem::path& myPath)
 {
-    return Bytes(myPath.generic_u8string());
+    return myPath.native();
 }
 
 } // namespace qel::host
