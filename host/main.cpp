@@ -5,7 +5,9 @@
 #include "commands/commandNames.h"
 #include "commands/commands.h"
 #include "commands/misuse.h"
+#include "commands/terminal.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/printable.h"
 #include "common/systemReasons.h"
 #include "text/encodings.h"
@@ -16,6 +18,7 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -25,17 +28,17 @@ using namespace qel::host;
 constexpr int Failed = 1;
 constexpr int Misused = 2;
 
-int Run(int myCount, char** myTexts)
+int Run(const std::vector<std::string>& myTexts)
 {
     CLI::App myApplication("Makes small web sites whose pages hold animation modules, and builds them.", "qelhost");
     myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);
     myApplication.require_subcommand(1);
     myApplication.fallthrough();
+    myApplication.allow_windows_style_options(false); // "/" begins a path
     myApplication.failure_message(MisuseMessage);
     Arguments myArguments;
-    myApplication
-        .add_option("--plugin", myArguments.Plugin,
-                    "The component's file; without it the registered component, or the one beside this program")
+    AddPath(myApplication, "--plugin", myArguments.Plugin,
+            "The component's file; without it the registered component, or the one beside this program")
         ->type_name("FILE");
     AddSiteCommands(myApplication, myArguments);
     AddPageCommands(myApplication, myArguments);
@@ -52,10 +55,10 @@ int Run(int myCount, char** myTexts)
                          "  qelhost module edit mysite 1\n"
                          "  qelhost preview mysite\n"
                          "qelhost COMMAND --help explains a command.");
-    DemandKnownCommands(myApplication, myCount, myTexts);
+    DemandKnownCommands(myApplication, myTexts);
     try
     {
-        myApplication.parse(myCount, myTexts);
+        myApplication.parse(std::vector(myTexts.rbegin(), myTexts.rend())); // the first one at the end
         std::cout.flush();
         return std::cout ? 0 : throw Failure("the standard output cannot be written");
     }
@@ -79,9 +82,10 @@ int Fail(const std::string& myText, int myCode)
 
 int main(int myCount, char** myTexts)
 {
+    const StandardStreams myStreams;
     try
     {
-        return Run(myCount, myTexts);
+        return Run(CommandLine(myCount, myTexts));
     }
     catch (const UsageFailure& myFailure)
     {
@@ -93,7 +97,7 @@ int main(int myCount, char** myTexts)
     }
     catch (const std::filesystem::filesystem_error& myError)
     {
-        return Fail("cannot use " + Printable(myError.path1().string()) + ": " + ReasonOf(myError.code()), Failed);
+        return Fail("cannot use " + Printable(TextOf(myError.path1())) + ": " + ReasonOf(myError.code()), Failed);
     }
     catch (const std::bad_alloc&)
     {

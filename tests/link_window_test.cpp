@@ -95,7 +95,10 @@ void Choose(TextView myPresentLink, const char* myResult, std::function<void()> 
     const auto myEntry = reinterpret_cast<LinkWindowEntry*>(dlsym(myLibrary, LinkWindowEntryName));
     LinkChoice theChoice = OfferedLinks(AllKinds(), myPresentLink);
     const DialogUser myUser({{"ChooseLink", std::move(myAction)}});
-    EXPECT_EQ(myEntry(theChoice) ? ToUtf8(LinkOf(theChoice)) : "cancelled", myResult);
+    Error theFailure{};
+    const LinkWindowEnd theEnd = myEntry(theChoice, theFailure);
+    EXPECT_EQ(theEnd == LinkWindowEnd::Confirmed ? ToUtf8(LinkOf(theChoice)) : "cancelled", myResult);
+    EXPECT_NE(theEnd, LinkWindowEnd::Failed) << ToUtf8(theFailure.Description);
 }
 
 /// Expects the name of the chosen record, and the address in its field.

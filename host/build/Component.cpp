@@ -81,7 +81,7 @@ bool CanUnload(const SharedLibrary& myLibrary)
 Component::Component(const std::optional<std::filesystem::path>& myFile)
 {
     CLSID myClass{};
-    if (!myFile && SUCCEEDED(CLSIDFromProgID(ProgramName, &myClass)))
+    if (!myFile && SUCCEEDED(CLSIDFromProgID(ToOle(ProgramName), &myClass)))
     {
         void* myObject = nullptr;
         Check(CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_QelPlugin, &myObject),
@@ -140,7 +140,7 @@ bool Component::Edit() const
     return theAnswer != VARIANT_FALSE;
 }
 
-Text Component::Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const
+Text Component::Read(HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(BSTR*)) const
 {
     Bstr theText;
     Check((myPlugin.Get()->*myMember)(theText.Pointer()), "the component failed");

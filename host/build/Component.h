@@ -1,6 +1,7 @@
 /// The component, opened as a host opens it, and what the host hands in.
 #pragma once
 
+#include "build/ComThread.h"
 #include "build/services.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
@@ -61,13 +62,14 @@ public:
     // ---- About the component ----
 
     /// Any other text of the plug-in.
-    Text Read(HRESULT (QelPlugin::*myMember)(BSTR*)) const;
+    Text Read(HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(BSTR*)) const;
     bool RequiresPHP() const;
     Text Version() const;
     /// Its folder of motifs and tunes, whether or not it exists.
     std::filesystem::path LibraryFolder() const;
 
 private:
+    ComThread myThread;
     SharedLibrary myLibrary; ///< none when the component came from the class registry
     ComPtr<QelPlugin> myPlugin;
     ComPtr<BuildService> myBuildService;

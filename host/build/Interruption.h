@@ -1,5 +1,5 @@
 /// Ctrl+C, and the request to end, while a build runs: the build ends at the next module, leaves its folder in a state
-/// that the next build completes, and then the program ends by the signal as it would have without this.
+/// that the next build completes, and then the program ends as it would have without this.
 #pragma once
 
 #include "common/Failure.h"
@@ -13,11 +13,12 @@ class Interrupted : public Failure
 public:
     using Failure::Failure;
 
-    /// Ends the program by the signal. A shell that runs it in a loop ends then too.
+    /// Ends the program as the request would have: by the signal, or with the exit code that stands for it. A shell
+    /// that runs it in a loop ends then too.
     [[noreturn]] static void EndProgram();
 };
 
-/// Takes the signals for as long as it lives. A second one ends the program at once. One exists at a time.
+/// Takes the requests for as long as it lives. A second one ends the program at once. One exists at a time.
 class Interruption
 {
 public:
@@ -26,14 +27,8 @@ public:
     Interruption& operator=(const Interruption&) = delete;
     ~Interruption();
 
-    /// Passes while no signal has come. Interrupted: one has.
+    /// Passes while no request has come. Interrupted: one has.
     static void ThrowIfRequested();
-
-private:
-    using Handler = void (*)(int);
-
-    Handler myOldInterrupt;
-    Handler myOldTermination;
 };
 
 } // namespace qel::host

@@ -1,6 +1,8 @@
 #include "build/OutputFolder.h"
 
 #include "common/Failure.h"
+#include "common/paths.h"
+#include "site/fileOperations.h"
 #include "site/siteFiles.h"
 
 #include <algorithm>
@@ -17,7 +19,7 @@ constexpr const char* UnfinishedLine = ":unfinished";
 
 [[noreturn]] void FailForeign(const fs::path& myPath, const char* myReason)
 {
-    throw Failure("the build does not touch " + myPath.string() + ": " + myReason + "; move it away and build again");
+    throw Failure("the build does not touch " + TextOf(myPath) + ": " + myReason + "; move it away and build again");
 }
 
 /// Makes a folder unless it is there.
@@ -50,9 +52,10 @@ std::vector<std::string> FoldersOf(const std::string& myPath)
 bool IsStaticPath(const std::string& myLine)
 {
     const bool myIsHidden = myLine.find("/.") != std::string::npos; // also "/.." and "/./"
+    const bool myIsForeign = !HoldsAllNames && myLine.find_first_of("\\:") != std::string::npos;
     const bool myIsSubfolder = std::ranges::any_of(OutputSubfolders, [&](const char* myName)
                                                    { return myLine.starts_with("/" + std::string(myName) + "/"); });
-    return myLine.starts_with('/') && !myIsHidden && !myIsSubfolder;
+    return myLine.starts_with('/') && !myIsHidden && !myIsForeign && !myIsSubfolder;
 }
 
 } // namespace
@@ -100,7 +103,7 @@ void OutputFolder::RemoveUnfinished() const
     {
         if (myLine.ends_with('/') && IsStaticPath(myLine) && IsReachable(myLine))
         {
-            RemoveUnfinishedFiles(myFolder / myLine.substr(1), Unfinished::OfAllPrograms);
+            RemoveUnfinishedFiles(myFolder / PathOf(myLine.substr(1)), Unfinished::OfAllPrograms);
         }
     }
 }
@@ -111,9 +114,9 @@ void OutputFolder::Empty(const std::set<std::string>& myPages)
     {
         for (const std::string& myName : NamesInFolder(myFolder / mySubfolder))
         {
-            if (TypeOfEntry(myFolder / mySubfolder / myName) == fs::file_type::directory)
+            if (TypeOfEntry(myFolder / mySubfolder / PathOf(myName)) == fs::file_type::directory)
             {
-                FailForeign(myFolder / mySubfolder / myName, "qelhost did not make this folder");
+                FailForeign(myFolder / mySubfolder / PathOf(myName), "qelhost did not make this folder");
             }
         }
     }
@@ -121,7 +124,7 @@ void OutputFolder::Empty(const std::set<std::string>& myPages)
     {
         for (const std::string& myName : NamesInFolder(myFolder / mySubfolder))
         {
-            RemoveFile(myFolder / mySubfolder / myName);
+            RemoveFile(myFolder / mySubfolder / PathOf(myName));
         }
     }
     std::erase_if(myWritten,
@@ -129,9 +132,9 @@ void OutputFolder::Empty(const std::set<std::string>& myPages)
                   {
                       const bool myIsStale = !myPage.starts_with('/') && !myPages.contains(myPage);
                       if (myIsStale && NameProblem(myPage).empty() &&
-                          TypeOfEntry(myFolder / myPage) != fs::file_type::directory)
+                          TypeOfEntry(myFolder / PathOf(myPage)) != fs::file_type::directory)
                       {
-                          RemoveFile(myFolder / myPage);
+                          RemoveFile(myFolder / PathOf(myPage));
                       }
                       return myIsStale;
                   });
@@ -144,7 +147,7 @@ bool OutputFolder::IsReachable(const std::string& myPath) const
 {
     for (const std::string& myParent : FoldersOf(myPath))
     {
-        const fs::file_type myType = TypeOfEntry(myFolder / myParent.substr(1, myParent.size() - 2));
+        const fs::file_type myType = TypeOfEntry(myFolder / PathOf(myParent.substr(1, myParent.size() - 2)));
         if (myType != fs::file_type::directory)
         {
             return myType == fs::file_type::not_found;
@@ -162,11 +165,11 @@ void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
     std::ranges::reverse(myStale); // the content of a folder before the folder
     for (const std::string& myLine : myStale)
     {
-        const fs::path myPath = myFolder / myLine.substr(1);
+        const fs::path myPath = myFolder / PathOf(myLine.substr(1));
         if (IsStaticPath(myLine) && IsReachable(myLine) && myLine.ends_with('/'))
         {
             std::error_code myIgnored; // somebody has put other files into it
-            fs::remove(myFolder / myLine.substr(1, myLine.size() - 2), myIgnored);
+            fs::remove(myFolder / PathOf(myLine.substr(1, myLine.size() - 2)), myIgnored);
         }
         else if (IsStaticPath(myLine) && IsReachable(myLine) && TypeOfEntry(myPath) != fs::file_type::directory)
         {
@@ -178,8 +181,8 @@ void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
 
 std::string OutputFolder::ObstacleTo(const StaticFile& myFile) const
 {
-    const fs::path myTarget = myFolder / myFile.Path;
-    const std::string myHint = "; move " + myTarget.string() + " away";
+    const fs::path myTarget = myFolder / PathOf(myFile.Path);
+    const std::string myHint = "; move " + TextOf(myTarget) + " away";
     if (!IsReachable("/" + myFile.Path))
     {
         return "on its way in the build is a link, or a file that qelhost did not make" + myHint;
@@ -217,10 +220,11 @@ std::vector<StaticFile> OutputFolder::ClaimStatic(const std::vector<StaticFile>&
         }
         theClaimed.push_back(myFile);
         myNewLines.push_back("/" + myFile.Path);
-        std::ranges::copy_if(
-            FoldersOf(myNewLines.back()), std::back_inserter(myNewLines),
-            [&](const std::string& myParent)
-            { return TypeOfEntry(myFolder / myParent.substr(1, myParent.size() - 2)) == fs::file_type::not_found; });
+        std::ranges::copy_if(FoldersOf(myNewLines.back()), std::back_inserter(myNewLines),
+                             [&](const std::string& myParent) {
+                                 return TypeOfEntry(myFolder / PathOf(myParent.substr(1, myParent.size() - 2))) ==
+                                        fs::file_type::not_found;
+                             });
     }
     myWritten.insert(myNewLines.begin(), myNewLines.end());
     StoreList();
@@ -229,7 +233,7 @@ std::vector<StaticFile> OutputFolder::ClaimStatic(const std::vector<StaticFile>&
 
 void OutputFolder::CopyStatic(const StaticFile& myFile) const
 {
-    const fs::path myTarget = myFolder / myFile.Path;
+    const fs::path myTarget = myFolder / PathOf(myFile.Path);
     MakeFolder(myTarget.parent_path());
     if (!HaveSameContent(myFile.Source, myTarget))
     {
@@ -246,11 +250,11 @@ void OutputFolder::Refresh(const std::vector<Record>& myRecords, const fs::path&
             continue;
         }
         const fs::path mySubfolder = myFolder / (myRecord.Kind == RecordKind::Picture ? "images" : "files");
-        const fs::path mySource = myDataFolder / myRecord.Filename;
-        if (TypeOfEntry(mySubfolder / myRecord.Filename) != fs::file_type::not_found &&
+        const fs::path mySource = myDataFolder / PathOf(myRecord.Filename);
+        if (TypeOfEntry(mySubfolder / PathOf(myRecord.Filename)) != fs::file_type::not_found &&
             TypeOfEntry(mySource) != fs::file_type::not_found)
         {
-            CopyWholeFile(mySource, mySubfolder / myRecord.Filename);
+            CopyWholeFile(mySource, mySubfolder / PathOf(myRecord.Filename));
         }
     }
 }
@@ -261,7 +265,7 @@ void OutputFolder::Write(const std::string& myPage, std::string_view myBytes)
     {
         StoreList();
     }
-    WriteWholeFile(myFolder / myPage, myBytes);
+    WriteWholeFile(myFolder / PathOf(myPage), myBytes);
 }
 
 void OutputFolder::Finish()

@@ -42,7 +42,13 @@ LinkWindowEntry* LoadEntry()
 bool ShowLinkWindow(LinkChoice& theChoice)
 {
     static LinkWindowEntry* const theEntry = LoadEntry(); // tried again the next time if it fails
-    return theEntry(theChoice);
+    Error theFailure{};
+    const LinkWindowEnd theEnd = theEntry(theChoice, theFailure);
+    if (theEnd == LinkWindowEnd::Failed)
+    {
+        throw theFailure;
+    }
+    return theEnd == LinkWindowEnd::Confirmed;
 }
 
 } // namespace qel::host

@@ -1,5 +1,6 @@
 #include "build/moduleFailures.h"
 
+#include "common/paths.h"
 #include "site/scriptTags.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
@@ -80,21 +81,26 @@ bool IsImported(const NamedFile& myFile)
     return myFile.Folder == "(USER)";
 }
 
+fs::path PathInLibrary(const NamedFile& myFile)
+{
+    return PathOf(myFile.Folder) / PathOf(myFile.Name);
+}
+
 /// True when a file can be found as the component finds it, without regard to case.
 bool IsInLibrary(const fs::path& myLibrary, const NamedFile& myFile)
 {
     std::error_code myIgnored; // what cannot be read is not found
-    if (fs::exists(myLibrary / myFile.Folder / myFile.Name, myIgnored))
+    if (fs::exists(myLibrary / PathInLibrary(myFile), myIgnored))
     {
         return true;
     }
-    const Text myWanted = LowerCase(FromUtf8((fs::path(myFile.Folder) / myFile.Name).string()));
+    const Text myWanted = LowerCase(FromUtf8(TextOf(PathInLibrary(myFile))));
     return std::ranges::any_of(
         fs::recursive_directory_iterator(myLibrary, fs::directory_options::skip_permission_denied, myIgnored),
         [&](const fs::directory_entry& myEntry)
         {
             const fs::path myPath = myEntry.path().lexically_relative(myLibrary);
-            return LowerCase(FromUtf8(myPath.string())) == myWanted;
+            return LowerCase(FromUtf8(TextOf(myPath))) == myWanted;
         });
 }
 
@@ -167,7 +173,7 @@ std::string LinkProblem(Site& theSite, const Module& myModule)
     {
         return "its link names " + myName + ", which leads nowhere; choose another with qelhost module edit";
     }
-    if (HasFile(myRecord->Kind) && IsMissing(theSite.DataFolder() / myRecord->Filename))
+    if (HasFile(myRecord->Kind) && IsMissing(theSite.DataFolder() / PathOf(myRecord->Filename)))
     {
         return "the file data/" + myRecord->Filename + " of " + myName +
                " is missing; give it again with qelhost record set";
@@ -189,7 +195,8 @@ std::string FailureDetails(Site& theSite, const Module& myModule, const std::str
     }
     const std::vector<NamedFile> myFiles = NeededFiles(myModule.Script);
     const std::string myArchive = ScriptFile(myModule.Script);
-    if (!myArchive.empty() && std::ranges::any_of(myFiles, IsImported) && IsMissing(theSite.DataFolder() / myArchive))
+    if (!myArchive.empty() && std::ranges::any_of(myFiles, IsImported) &&
+        IsMissing(theSite.DataFolder() / PathOf(myArchive)))
     {
         return "its archive data/" + myArchive + " is missing; give it again with qelhost module archive";
     }

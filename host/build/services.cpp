@@ -3,6 +3,7 @@
 #include "build/linkWindow.h"
 #include "com/failure.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "site/PageText.h"
 #include "text/encodings.h"
 
@@ -24,10 +25,10 @@ namespace
 /// A folder as the component is told of it.
 Text FolderText(const std::filesystem::path& myFolder)
 {
-    const std::optional<Text> myText = FromUtf8Exactly(myFolder.string());
+    const std::optional<Text> myText = FromUtf8Exactly(PortableTextOf(myFolder));
     if (!myText || myText->find(u'\\') != Text::npos)
     {
-        throw Failure("the component cannot work in " + myFolder.string() +
+        throw Failure("the component cannot work in " + TextOf(myFolder) +
                       ": the path is not valid UTF-8 or holds \"\\\"; move the site");
     }
     return *myText + u"/";
@@ -61,13 +62,13 @@ BuildService::BuildService(const Site& mySite) : myOutput(FolderText(mySite.Buil
 
 DatabaseService::DatabaseService(Site& theSite) : mySite(theSite), myDataFolder(FolderText(theSite.DataFolder())) {}
 
-HRESULT DatabaseService::SeekUID(BSTR* myUID, int32_t* /*myFirst*/, int32_t* /*mySecond*/)
+STDMETHODIMP DatabaseService::SeekUID(BSTR* myUID, int32_t* /*myFirst*/, int32_t* /*mySecond*/)
 {
     return Accept(myUID, [&](const Text& myText)
                   { myRecord = AskedOfSite([&] { return FindByText(mySite, ToUtf8(myText)); }); });
 }
 
-HRESULT DatabaseService::ChooseLink(BSTR* myPresentLink, BSTR* theLink)
+STDMETHODIMP DatabaseService::ChooseLink(BSTR* myPresentLink, BSTR* theLink)
 {
     return AnswerTo(myPresentLink, theLink,
                     [&](BSTR myPresent)

@@ -24,21 +24,21 @@ public:
     /// Whose names the members give from now on.
     void SetModule(int64_t theModule) { myModule = theModule; }
 
-    HRESULT get_UniqueName(BSTR* theName) override
+    STDMETHODIMP get_UniqueName(BSTR* theName) override
     {
         return Answer(theName, [&] { return NumberText(myModule); });
     }
-    HRESULT get_InstanceNumber(int32_t* theNumber) override
+    STDMETHODIMP get_InstanceNumber(int32_t* theNumber) override
     {
         return Answer(theNumber, [&] { return static_cast<int32_t>(myModule); });
     }
-    HRESULT get_MediaFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"media/"); }
-    HRESULT get_MediaURL(BSTR* theURL) override { return Join(theURL, u"", u"media/"); }
-    HRESULT get_ImageFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"images/"); }
-    HRESULT get_ImageURL(BSTR* theURL) override { return Join(theURL, u"", u"images/"); }
-    HRESULT get_FileFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"files/"); }
-    HRESULT get_FileURL(BSTR* theURL) override { return Join(theURL, u"", u"files/"); }
-    HRESULT get_ArchiveName(BSTR* theName) override
+    STDMETHODIMP get_MediaFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"media/"); }
+    STDMETHODIMP get_MediaURL(BSTR* theURL) override { return Join(theURL, u"", u"media/"); }
+    STDMETHODIMP get_ImageFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"images/"); }
+    STDMETHODIMP get_ImageURL(BSTR* theURL) override { return Join(theURL, u"", u"images/"); }
+    STDMETHODIMP get_FileFolder(BSTR* theFolder) override { return Join(theFolder, myOutput, u"files/"); }
+    STDMETHODIMP get_FileURL(BSTR* theURL) override { return Join(theURL, u"", u"files/"); }
+    STDMETHODIMP get_ArchiveName(BSTR* theName) override
     {
         return Answer(theName, [&] { return FromUtf8(Site::ArchiveName(myModule)); });
     }
@@ -60,31 +60,31 @@ public:
     /// Failure: the site's path cannot be told to the component.
     explicit DatabaseService(Site& theSite);
 
-    HRESULT get_RecordType(int32_t* theType) override
+    STDMETHODIMP get_RecordType(int32_t* theType) override
     {
         return Answer(theType, [&] { return myRecord ? static_cast<int32_t>(myRecord->Kind) : 0; });
     }
-    HRESULT get_EOF(VARIANT_BOOL* theEnd) override
+    STDMETHODIMP get_EOF(VARIANT_BOOL* theEnd) override
     {
         return Answer(theEnd, [&] { return !myRecord; });
     }
-    HRESULT get_RecordFilename(BSTR* theFilename) override
+    STDMETHODIMP get_RecordFilename(BSTR* theFilename) override
     {
         return Answer(theFilename, [&] { return myRecord ? FromUtf8(myRecord->Filename) : Text(); });
     }
-    HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
+    STDMETHODIMP SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
     /// The address is escaped as it has to be in a quoted attribute, also of a tag that stands in a quoted script text.
-    HRESULT get_RecordURL(BSTR* theURL) override
+    STDMETHODIMP get_RecordURL(BSTR* theURL) override
     {
         return Answer(theURL, [&] { return myRecord ? FromUtf8(EscapedForHtml(RecordAddress(*myRecord))) : Text(); });
     }
-    HRESULT get_DataFolder(BSTR* theFolder) override
+    STDMETHODIMP get_DataFolder(BSTR* theFolder) override
     {
         return Answer(theFolder, [&] { return myDataFolder; });
     }
     /// The author chooses in a window; the present link stays when it is cancelled. Failure: the window cannot be
     /// opened.
-    HRESULT ChooseLink(BSTR* myPresentLink, BSTR* theLink) override;
+    STDMETHODIMP ChooseLink(BSTR* myPresentLink, BSTR* theLink) override;
 
 private:
     Site& mySite;

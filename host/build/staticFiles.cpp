@@ -2,6 +2,8 @@
 
 #include "build/OutputFolder.h"
 #include "common/Failure.h"
+#include "common/paths.h"
+#include "site/fileOperations.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
 
@@ -32,13 +34,14 @@ Owners OwnersOf(const std::vector<Page>& myPages)
 }
 
 /// What keeps an entry out; the empty text when nothing does.
-std::string ProblemOf(const std::string& myName, bool myIsAtTop, fs::file_type myType, const Owners& myOwners)
+std::string ProblemOf(const fs::path& myEntry, bool myIsAtTop, fs::file_type myType, const Owners& myOwners)
 {
+    const std::string myName = TextOf(myEntry.filename());
     const auto IsControl = [](char myCharacter)
     {
         return static_cast<unsigned char>(myCharacter) < 0x20 || myCharacter == 0x7F;
     };
-    if (myName.front() == '.')
+    if (IsHidden(myEntry))
     {
         return "hidden files are not published; rename or remove it";
     }
@@ -62,7 +65,7 @@ std::string ProblemOf(const std::string& myName, bool myIsAtTop, fs::file_type m
 
 StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& myPages)
 {
-    const std::string myShownFolder = myFolder.filename().string() + "/";
+    const std::string myShownFolder = TextOf(myFolder.filename()) + "/";
     const fs::file_type myTopType = TypeOfEntry(myFolder);
     if (myTopType != fs::file_type::directory)
     {
@@ -81,11 +84,12 @@ StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& m
         myFolders.pop_back();
         try
         {
-            for (const std::string& myName : NamesInFolder(myFolder / myPath))
+            for (const std::string& myName : NamesInFolder(myFolder / PathOf(myPath)))
             {
                 const std::string myEntry = myPath + myName;
-                const fs::file_type myType = TypeOfEntry(myFolder / myEntry);
-                const std::string myProblem = ProblemOf(myName, myPath.empty(), myType, myOwners);
+                const fs::path mySource = myFolder / PathOf(myEntry);
+                const fs::file_type myType = TypeOfEntry(mySource);
+                const std::string myProblem = ProblemOf(mySource, myPath.empty(), myType, myOwners);
                 if (!myProblem.empty())
                 {
                     theFiles.Problems.push_back(
@@ -97,7 +101,7 @@ StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& m
                 }
                 else
                 {
-                    theFiles.Files.push_back({myEntry, myFolder / myEntry});
+                    theFiles.Files.push_back({myEntry, mySource});
                 }
             }
         }

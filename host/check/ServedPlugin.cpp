@@ -1,5 +1,6 @@
 #include "check/ServedPlugin.h"
 
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -38,7 +39,7 @@ void HostState::Note(const char* myName)
     }
 }
 
-HRESULT CheckedDatabase::SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
+STDMETHODIMP CheckedDatabase::SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond)
 {
     const bool isRight = myFirst != nullptr && mySecond != nullptr && *myFirst == 0 && *mySecond == 0;
     return Accept(myUID,
@@ -52,7 +53,7 @@ ServedPlugin::ServedPlugin(const OpenedComponent& myComponent, const CheckContex
       Plugin(myComponent.Plugin())
 {
     const fs::path& myRoot = myContext.Folder;
-    State.Root = FromUtf8(myRoot.string()) + u"/";
+    State.Root = FromUtf8(TextOf(myRoot)) + u"/";
     for (const char* myFolder : {"media", "images", "files", "data"})
     {
         fs::create_directory(myRoot / myFolder);
@@ -80,13 +81,18 @@ Text ServedPlugin::Output(TextView myScript) const
     return Read(*Plugin.Get(), &QelPlugin::get_Output);
 }
 
+namespace
+{
+
+constexpr auto Picture = std::to_array<unsigned char>(
+    {0x47, 0x49, 0x46, 0x38, 0x39, 0x61, 0x03, 0x00, 0x02, 0x00, 0x80, 0x00, 0x00, 0x00, 0x00, 0x00, 0xff, 0xff, 0xff,
+     0x2c, 0x00, 0x00, 0x00, 0x00, 0x03, 0x00, 0x02, 0x00, 0x00, 0x02, 0x05, 0x04, 0x41, 0x10, 0x04, 0x51, 0x00, 0x3b});
+
+} // namespace
+
 std::string_view PictureBytes()
 {
-    static constexpr auto myBytes =
-        std::to_array<unsigned char>({0x47, 0x49, 0x46, 0x38, 0x39, 0x61, 0x03, 0x00, 0x02, 0x00, 0x80, 0x00, 0x00,
-                                      0x00, 0x00, 0x00, 0xff, 0xff, 0xff, 0x2c, 0x00, 0x00, 0x00, 0x00, 0x03, 0x00,
-                                      0x02, 0x00, 0x00, 0x02, 0x05, 0x04, 0x41, 0x10, 0x04, 0x51, 0x00, 0x3b});
-    return {reinterpret_cast<const char*>(myBytes.data()), myBytes.size()};
+    return {reinterpret_cast<const char*>(Picture.data()), Picture.size()};
 }
 
 } // namespace qel::host

@@ -49,18 +49,24 @@ class CheckedHelper final : public CountedObject<QelBuildHelper>
 public:
     explicit CheckedHelper(HostState& theState) : myState(theState) {}
 
-    HRESULT get_UniqueName(BSTR* theName) override { return myState.Tell("UniqueName", theName, myState.UniqueName); }
-    HRESULT get_InstanceNumber(int32_t* theNumber) override
+    STDMETHODIMP get_UniqueName(BSTR* theName) override
+    {
+        return myState.Tell("UniqueName", theName, myState.UniqueName);
+    }
+    STDMETHODIMP get_InstanceNumber(int32_t* theNumber) override
     {
         return myState.Tell("InstanceNumber", theNumber, myState.Instance);
     }
-    HRESULT get_MediaFolder(BSTR* theFolder) override { return Folder("MediaFolder", theFolder, u"media/"); }
-    HRESULT get_MediaURL(BSTR* theURL) override { return myState.Tell("MediaURL", theURL, myState.MediaURL); }
-    HRESULT get_ImageFolder(BSTR* theFolder) override { return Folder("ImageFolder", theFolder, u"images/"); }
-    HRESULT get_ImageURL(BSTR* theURL) override { return myState.Tell("ImageURL", theURL, myState.ImageURL); }
-    HRESULT get_FileFolder(BSTR* theFolder) override { return Folder("FileFolder", theFolder, u"files/"); }
-    HRESULT get_FileURL(BSTR* theURL) override { return myState.Tell("FileURL", theURL, myState.FileURL); }
-    HRESULT get_ArchiveName(BSTR* theName) override { return myState.Tell("ArchiveName", theName, u"archivo.dat"); }
+    STDMETHODIMP get_MediaFolder(BSTR* theFolder) override { return Folder("MediaFolder", theFolder, u"media/"); }
+    STDMETHODIMP get_MediaURL(BSTR* theURL) override { return myState.Tell("MediaURL", theURL, myState.MediaURL); }
+    STDMETHODIMP get_ImageFolder(BSTR* theFolder) override { return Folder("ImageFolder", theFolder, u"images/"); }
+    STDMETHODIMP get_ImageURL(BSTR* theURL) override { return myState.Tell("ImageURL", theURL, myState.ImageURL); }
+    STDMETHODIMP get_FileFolder(BSTR* theFolder) override { return Folder("FileFolder", theFolder, u"files/"); }
+    STDMETHODIMP get_FileURL(BSTR* theURL) override { return myState.Tell("FileURL", theURL, myState.FileURL); }
+    STDMETHODIMP get_ArchiveName(BSTR* theName) override
+    {
+        return myState.Tell("ArchiveName", theName, u"archivo.dat");
+    }
 
 private:
     HRESULT Folder(const char* myName, BSTR* theFolder, TextView myFolder)
@@ -84,19 +90,19 @@ class CheckedDatabase final : public CountedObject<QelDatabase>
 public:
     explicit CheckedDatabase(HostState& theState) : myState(theState) {}
 
-    HRESULT get_RecordType(int32_t* theType) override { return myState.Tell("RecordType", theType, myState.Kind); }
-    HRESULT get_EOF(VARIANT_BOOL* theEnd) override { return myState.Tell("EOF", theEnd, myState.AtEnd); }
-    HRESULT get_RecordFilename(BSTR* theName) override
+    STDMETHODIMP get_RecordType(int32_t* theType) override { return myState.Tell("RecordType", theType, myState.Kind); }
+    STDMETHODIMP get_EOF(VARIANT_BOOL* theEnd) override { return myState.Tell("EOF", theEnd, myState.AtEnd); }
+    STDMETHODIMP get_RecordFilename(BSTR* theName) override
     {
         return myState.Tell("RecordFilename", theName, myState.RecordFilename);
     }
-    HRESULT SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
-    HRESULT get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, myState.RecordURL); }
-    HRESULT get_DataFolder(BSTR* theFolder) override
+    STDMETHODIMP SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
+    STDMETHODIMP get_RecordURL(BSTR* theURL) override { return myState.Tell("RecordURL", theURL, myState.RecordURL); }
+    STDMETHODIMP get_DataFolder(BSTR* theFolder) override
     {
         return myState.Tell("DataFolder", theFolder, JoinTexts({myState.Root, u"data/"}));
     }
-    HRESULT ChooseLink(BSTR* /*myPresentLink*/, BSTR* theLink) override
+    STDMETHODIMP ChooseLink(BSTR* /*myPresentLink*/, BSTR* theLink) override
     {
         return myState.Tell("ChooseLink", theLink, u"URL:x");
     }

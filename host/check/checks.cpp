@@ -1,6 +1,8 @@
 #include "check/Check.h"
 
 #include "check/OpenedComponent.h"
+#include "com/Bstr.h"
+#include "common/paths.h"
 #include "common/SharedLibrary.h"
 
 namespace qel::host
@@ -13,13 +15,13 @@ void LookUpRegistered(const CheckContext& /*myContext*/)
 {
     CLSID myClass{};
     void* myObject = nullptr;
-    if (SUCCEEDED(CLSIDFromProgID(u"QelPluginAnimation.Main", &myClass)))
+    if (SUCCEEDED(CLSIDFromProgID(ToOle(u"QelPluginAnimation.Main"), &myClass)))
     {
         ExpectResult("the registered component opens", S_OK,
                      CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown, &myObject));
         const std::filesystem::path myFile = FileOfAddress(*static_cast<void**>(myObject)); // one of its members
         Expect("its file is found", !myFile.empty());
-        throw Outcome{CheckResult::Passed, "", myFile.string()};
+        throw Outcome{CheckResult::Passed, "", TextOf(myFile)};
     }
 }
 

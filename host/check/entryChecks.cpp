@@ -122,19 +122,16 @@ void Registration(const CheckContext& myContext)
     ExpectResult("DllRegisterServer", S_OK, myComponent.EntryPoint<DllRegisterServerFunction>("DllRegisterServer")());
     for (const char16_t* myName : {u"QelPluginAnimation.Main", u"QelPluginAnimation.classStringSort"})
     {
-        CLSID myClass{};
         void* myObject = nullptr;
-        ExpectResult("CLSIDFromProgID of " + ToUtf8(myName), S_OK, CLSIDFromProgID(myName, &myClass));
-        ExpectResult("CoCreateInstance of " + ToUtf8(myName), S_OK,
-                     CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &myObject));
+        ExpectResult("creating " + ToUtf8(myName), S_OK, CreateByName(myName, IID_IDispatch, &myObject));
         ComPtr<IDispatch>::Adopt(static_cast<IDispatch*>(myObject));
     }
     ExpectResult("DllUnregisterServer", S_OK, Unregister());
     for (const char16_t* myName : {u"QelPluginAnimation.Main", u"QelPluginAnimation.classStringSort"})
     {
-        CLSID myClass{};
-        ExpectResult(ToUtf8(myName) + " after DllUnregisterServer", CO_E_CLASSSTRING,
-                     CLSIDFromProgID(myName, &myClass));
+        void* myObject = nullptr;
+        ExpectResult("creating " + ToUtf8(myName) + " after DllUnregisterServer", CO_E_CLASSSTRING,
+                     CreateByName(myName, IID_IDispatch, &myObject));
     }
     ExpectResult("DllUnregisterServer once more", S_OK, Unregister());
 }

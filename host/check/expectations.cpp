@@ -3,6 +3,7 @@
 #include "check/runCheck.h"
 #include "check/system.h"
 #include "com/Bstr.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -165,7 +166,7 @@ void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOp
 std::string ReadFile(const fs::path& myFile)
 {
     std::ifstream myStream(myFile, std::ios::binary);
-    Expect("the file " + myFile.filename().string() + " can be read", myStream.is_open());
+    Expect("the file " + TextOf(myFile.filename()) + " can be read", myStream.is_open());
     return {std::istreambuf_iterator<char>(myStream), {}};
 }
 
@@ -174,7 +175,7 @@ void WriteFile(const fs::path& myFile, std::string_view myBytes)
     std::ofstream myStream(myFile, std::ios::binary);
     myStream.write(myBytes.data(), static_cast<std::streamsize>(myBytes.size()));
     myStream.close();
-    Expect("the file " + myFile.filename().string() + " can be written", myStream.good());
+    Expect("the file " + TextOf(myFile.filename()) + " can be written", myStream.good());
 }
 
 } // namespace qel::host

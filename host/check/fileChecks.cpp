@@ -1,5 +1,6 @@
 // Checks of the files that a page stages, and of the addresses that it gives for them.
 #include "check/pageCases.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <utility>
@@ -23,35 +24,36 @@ Text LinkedPage(ServedPlugin& theServed, TextView myLink)
     return theServed.Output(ReplaceAll(FullScript, u"UID:4711", myLink) + Param(u"playmidi", u"0"));
 }
 
+/// The host's address of files, the record's file name, and the address of both.
+constexpr struct
+{
+    TextView Folder;
+    TextView Name;
+    TextView Address;
+} AddressCases[] = {
+    {u"files", u"nota.pdf", u"files/nota.pdf"},
+    {u"files/", u"nota.pdf", u"files/nota.pdf"},
+    {u"files\\", u"nota.pdf", u"files/nota.pdf"},
+    {u"files\\/", u"nota.pdf", u"files/nota.pdf"},
+    {u"files/\\", u"nota.pdf", u"files//nota.pdf"},
+    {u"files//", u"nota.pdf", u"files//nota.pdf"},
+    {u"files\\\\", u"nota.pdf", u"files\\/nota.pdf"},
+    {u"files", u"/nota.pdf", u"files/nota.pdf"},
+    {u"files/", u"/nota.pdf", u"files/nota.pdf"},
+    {u"files/", u"\\nota.pdf", u"files/nota.pdf"},
+    {u"files/", u"/\\nota.pdf", u"files/nota.pdf"},
+    {u"files/", u"//nota.pdf", u"files//nota.pdf"},
+    {u"files/", u"\\/nota.pdf", u"files//nota.pdf"},
+    {u"", u"nota.pdf", u"/nota.pdf"},
+    {u"/", u"nota.pdf", u"/nota.pdf"},
+    {u"http://x/a?b=", u"n ñ&.pdf", u"http://x/a?b=/n ñ&.pdf"},
+};
+
 void Addresses(const CheckContext& myContext)
 {
-    // The host's address of files, the record's file name, and the address of both.
-    constexpr struct
-    {
-        TextView Folder;
-        TextView Name;
-        TextView Address;
-    } myCases[] = {
-        {u"files", u"nota.pdf", u"files/nota.pdf"},
-        {u"files/", u"nota.pdf", u"files/nota.pdf"},
-        {u"files\\", u"nota.pdf", u"files/nota.pdf"},
-        {u"files\\/", u"nota.pdf", u"files/nota.pdf"},
-        {u"files/\\", u"nota.pdf", u"files//nota.pdf"},
-        {u"files//", u"nota.pdf", u"files//nota.pdf"},
-        {u"files\\\\", u"nota.pdf", u"files\\/nota.pdf"},
-        {u"files", u"/nota.pdf", u"files/nota.pdf"},
-        {u"files/", u"/nota.pdf", u"files/nota.pdf"},
-        {u"files/", u"\\nota.pdf", u"files/nota.pdf"},
-        {u"files/", u"/\\nota.pdf", u"files/nota.pdf"},
-        {u"files/", u"//nota.pdf", u"files//nota.pdf"},
-        {u"files/", u"\\/nota.pdf", u"files//nota.pdf"},
-        {u"", u"nota.pdf", u"/nota.pdf"},
-        {u"/", u"nota.pdf", u"/nota.pdf"},
-        {u"http://x/a?b=", u"n ñ&.pdf", u"http://x/a?b=/n ñ&.pdf"},
-    };
     const OpenedComponent myComponent(myContext);
     ServedPlugin myServed(myComponent, myContext);
-    for (const auto& [myFolder, myName, myAddress] : myCases)
+    for (const auto& [myFolder, myName, myAddress] : AddressCases)
     {
         for (const int32_t myKind : {4, 5})
         {
@@ -101,7 +103,7 @@ void CopiedOnce(const CheckContext& myContext)
         const fs::path myTarget = fs::path(myFolder) / "nota.pdf";
         const auto ExpectPage = [&](const std::string& myWhat)
         {
-            ExpectPart("the page " + myWhat, u"<a href=\"" + FromUtf8(myTarget.string()) + u"\">",
+            ExpectPart("the page " + myWhat, u"<a href=\"" + FromUtf8(PortableTextOf(myTarget)) + u"\">",
                        LinkedPage(myServed, u"UID:4711"));
         };
         WriteFile("data/nota.pdf", "first");

@@ -46,15 +46,17 @@ void Order(const CheckContext& myContext)
     ExpectText("the calls of reading script and summary", u"", Joined(myServed.State.Calls));
 }
 
+/// The number of the failure of the first call; those of the others follow.
+constexpr int32_t FirstFailure = 2000;
+
 /// Lets each call from one place on to another fail, and expects the page to end there for that reason.
 void ExpectFailures(ServedPlugin& theServed, const LinkCase& myCase, int64_t myFirst, int64_t myEnd)
 {
-    constexpr int32_t myFirstNumber = 2000;
     HostState& theState = theServed.State;
     for (int64_t i = myFirst; i < myEnd; ++i)
     {
         for (const Error& myReason :
-             {Error{myFirstNumber + static_cast<int32_t>(i), u"fallo"}, Error{E_ACCESSDENIED, u"no"}})
+             {Error{FirstFailure + static_cast<int32_t>(i), u"fallo"}, Error{E_ACCESSDENIED, u"no"}})
         {
             theState.FailingCall = static_cast<size_t>(i);
             theState.Reason = myReason;
@@ -96,8 +98,9 @@ void NoServices(const CheckContext& myContext)
 
 /// Hands an object in, another one, and none, and expects `myKept` references while it is in hand.
 template <class Interface>
-void ExpectHolding(const char* myName, QelPlugin& myPlugin, HRESULT (QelPlugin::*myMember)(Interface**),
-                   Interface& myFirst, Interface& mySecond, int64_t myKept)
+void ExpectHolding(const char* myName, QelPlugin& myPlugin,
+                   HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(Interface**), Interface& myFirst,
+                   Interface& mySecond, int64_t myKept)
 {
     const std::string myWhat(myName);
     Interface* const myOrder[] = {&myFirst, &mySecond, nullptr};
@@ -120,8 +123,8 @@ void References(const CheckContext& myContext)
     QelPlugin& myPlugin = *myHeld.Get();
     HostState myState;
     const auto Holding = [&]<class Object, class Interface>(
-                             const char* myName, HRESULT (QelPlugin::*myMember)(Interface**), int64_t myKept,
-                             const ComPtr<Object>& myFirst, const ComPtr<Object>& mySecond)
+                             const char* myName, HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(Interface**),
+                             int64_t myKept, const ComPtr<Object>& myFirst, const ComPtr<Object>& mySecond)
     {
         ExpectHolding<Interface>(myName, myPlugin, myMember, *myFirst.Get(), *mySecond.Get(), myKept);
     };
@@ -160,17 +163,18 @@ void NoDisplay(const CheckContext& myContext)
 
 // ---- Threads ----
 
+constexpr int Rounds = 25;
+
 /// What a thread does at the same time as another: it keeps a module of its own and writes its page. In each round it
 /// waits for the other between writing and reading.
 void KeepModule(const OpenedComponent& myComponent, const CheckContext& myContext, int32_t myNumber,
                 std::barrier<>& theMeeting)
 {
-    constexpr int myRounds = 25;
     ServedPlugin myServed(myComponent, {myContext.File, fs::absolute(std::to_string(myNumber))});
     myServed.State.Instance = myNumber;
     const Text myDigits = NumberText(int64_t{myNumber});
     const Text myScript = Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"playmidi", u"0");
-    for (int i = 0; i < myRounds; ++i)
+    for (int i = 0; i < Rounds; ++i)
     {
         theMeeting.arrive_and_wait();
         ExpectPart("the page of a thread", u"var showme" + myDigits + u"=true;",

@@ -1,5 +1,6 @@
 // Checks of every member, late-bound.
 #include "check/ServedPlugin.h"
+#include "check/system.h"
 #include "com/Bstr.h"
 #include "text/encodings.h"
 
@@ -87,7 +88,7 @@ void Names(const CheckContext& myContext)
     const OpenedComponent myComponent(myContext);
     const auto ExpectNamed = [](const LateObject& myTable, Text myName, HRESULT myResult, DISPID myNumber)
     {
-        char16_t* myNames = myName.data();
+        LPOLESTR myNames = InputText(myName.data());
         DISPID theNumber = 0;
         const std::string myWhat = std::string("GetIDsOfNames of ") + myTable.Name + " for " + ToUtf8(myName);
         ExpectResult(myWhat, myResult, myTable.Object.GetIDsOfNames(GUID_NULL, &myNames, 1, 0, &theNumber));
@@ -104,10 +105,16 @@ void Names(const CheckContext& myContext)
                      ExpectNamed(myTable, u"Nothing", DISP_E_UNKNOWNNAME, DISPID_UNKNOWN);
                      const std::string myWhat = std::string(" of ") + myTable.Name;
                      uint32_t theCount = 7;
-                     ITypeInfo* theInfo = nullptr;
                      ExpectResult("GetTypeInfoCount" + myWhat, S_OK, myTable.Object.GetTypeInfoCount(&theCount));
-                     ExpectNumber("the type descriptions" + myWhat, 0, theCount);
-                     ExpectResult("GetTypeInfo" + myWhat, DISP_E_BADINDEX, myTable.Object.GetTypeInfo(0, 0, &theInfo));
+                     ExpectNumber("the type descriptions" + myWhat, TypeDescriptionCount, theCount);
+                     for (uint32_t i = 0; i < 2; ++i)
+                     {
+                         ITypeInfo* theInfo = nullptr;
+                         ExpectResult("GetTypeInfo " + std::to_string(i) + myWhat,
+                                      i < theCount ? S_OK : DISP_E_BADINDEX,
+                                      myTable.Object.GetTypeInfo(i, 0, &theInfo));
+                         ComPtr<IUnknown>::Adopt(reinterpret_cast<IUnknown*>(theInfo));
+                     }
                  });
 }
 
@@ -154,20 +161,22 @@ VARIANT ObjectVariant(IDispatch* myObject)
     return theVariant;
 }
 
+constexpr std::pair<uint16_t, const char*> KindNames[] = {
+    {Method, "a method"}, {Get, "a read"}, {Put, "a write"}, {PutReference, "a write by reference"}};
+
 std::string NameOfKinds(uint16_t myKinds)
 {
-    constexpr std::pair<uint16_t, const char*> myNames[] = {
-        {Method, "a method"}, {Get, "a read"}, {Put, "a write"}, {PutReference, "a write by reference"}};
-    const auto* const myNamed = std::ranges::find(myNames, myKinds, &std::pair<uint16_t, const char*>::first);
-    return myNamed == std::end(myNames) ? "a method or read" : myNamed->second;
+    const auto* const myNamed = std::ranges::find(KindNames, myKinds, &std::pair<uint16_t, const char*>::first);
+    return myNamed == std::end(KindNames) ? "a method or read" : myNamed->second;
 }
+
+constexpr std::pair<VARTYPE, const char*> TypeNames[] = {
+    {VT_EMPTY, "VT_EMPTY"}, {VT_I4, "VT_I4"}, {VT_BSTR, "VT_BSTR"}, {VT_BOOL, "VT_BOOL"}};
 
 std::string NameOfType(VARTYPE myType)
 {
-    constexpr std::pair<VARTYPE, const char*> myNames[] = {
-        {VT_EMPTY, "VT_EMPTY"}, {VT_I4, "VT_I4"}, {VT_BSTR, "VT_BSTR"}, {VT_BOOL, "VT_BOOL"}};
-    const auto* const myNamed = std::ranges::find(myNames, myType, &std::pair<VARTYPE, const char*>::first);
-    return myNamed == std::end(myNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
+    const auto* const myNamed = std::ranges::find(TypeNames, myType, &std::pair<VARTYPE, const char*>::first);
+    return myNamed == std::end(TypeNames) ? "VARTYPE " + std::to_string(myType) : myNamed->second;
 }
 
 void Kinds(const CheckContext& myContext)

@@ -2,6 +2,7 @@
 #include "check/moduleTexts.h"
 #include "check/OpenedComponent.h"
 #include "com/Bstr.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <array>
@@ -75,7 +76,8 @@ void Version(const CheckContext& myContext)
 
 /// Calls a member with a null pointer for one of its arguments, each in turn; numbers among the others are 1.
 template <class Interface, class... Values>
-void RefuseNull(Interface& myObject, HRESULT (Interface::*myMember)(Values*...), const std::string& myName)
+void RefuseNull(Interface& myObject, HRESULT (STDMETHODCALLTYPE Interface::*myMember)(Values*...),
+                const std::string& myName)
 {
     for (size_t i = 0; i < sizeof...(Values); ++i)
     {
@@ -126,7 +128,7 @@ void Bitmaps(const CheckContext& myContext)
         const fs::path myFile = myContext.File.parent_path() / ToUtf8(myName);
         if (!fs::is_regular_file(myFile))
         {
-            throw Outcome{CheckResult::Warned, "a file " + myFile.string(), "there is none"};
+            throw Outcome{CheckResult::Warned, "a file " + TextOf(myFile), "there is none"};
         }
     }
 }

@@ -52,7 +52,7 @@ Text PluginFailure(int64_t myNumber, TextView myReason);
 
 // ---- Members that give texts ----
 
-using TextMember = HRESULT (QelPlugin::*)(BSTR*);
+using TextMember = HRESULT (STDMETHODCALLTYPE QelPlugin::*)(BSTR*);
 
 /// The members that give texts, in the order of their slots.
 inline constexpr struct

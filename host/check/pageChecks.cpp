@@ -1,5 +1,6 @@
 // Checks of the page that a module gives.
 #include "check/pageCases.h"
+#include "common/paths.h"
 #include "text/encodings.h"
 
 #include <algorithm>
@@ -14,6 +15,9 @@ namespace
 
 namespace fs = std::filesystem;
 
+constexpr TextView FromDay = u"if (new Date()<new Date(2005, 0, 1)) showme3=false;\r\n";
+constexpr TextView UpToDay = u"if (new Date()>new Date(2005, 1, 1)) showme3=false;\r\n";
+
 void Period(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
@@ -26,12 +30,11 @@ void Period(const CheckContext& myContext)
                        u"</script>\r\n",
                    myServed.Output(myScript + myDates));
     };
-    constexpr TextView myFrom = u"if (new Date()<new Date(2005, 0, 1)) showme3=false;\r\n";
-    constexpr TextView myTo = u"if (new Date()>new Date(2005, 1, 1)) showme3=false;\r\n";
     ExpectLines("the page without a period", u"", u"");
-    ExpectLines("the page from a day", Param(u"from", u"38353"), myFrom);
-    ExpectLines("the page up to a day", Param(u"to", u"38383"), myTo);
-    ExpectLines("the page of a month", Param(u"from", u"38353") + Param(u"to", u"38383"), Text(myFrom).append(myTo));
+    ExpectLines("the page from a day", Param(u"from", u"38353"), FromDay);
+    ExpectLines("the page up to a day", Param(u"to", u"38383"), UpToDay);
+    ExpectLines("the page of a month", Param(u"from", u"38353") + Param(u"to", u"38383"),
+                Text(FromDay).append(UpToDay));
     ExpectLines("the page up to a year's end", Param(u"to", u"38717"),
                 u"if (new Date()>new Date(2006, 0, 1)) showme3=false;\r\n");
 }
@@ -93,7 +96,7 @@ fs::path LibraryFile(const CheckContext& myContext, TextView myEnding)
     {
         for (const fs::path& myFile : fs::recursive_directory_iterator(myLibrary))
         {
-            if (LowerCase(FromUtf8(myFile.extension().string())) == myEnding)
+            if (LowerCase(FromUtf8(TextOf(myFile.extension()))) == myEnding)
             {
                 myFiles.push_back(myFile);
             }
@@ -109,7 +112,7 @@ fs::path LibraryFile(const CheckContext& myContext, TextView myEnding)
 
 Text NameOf(const fs::path& myFile)
 {
-    return FromUtf8(myFile.filename().string());
+    return FromUtf8(TextOf(myFile.filename()));
 }
 
 void LibraryMotif(const CheckContext& myContext)
@@ -120,8 +123,8 @@ void LibraryMotif(const CheckContext& myContext)
     const Text myPage =
         myServed.Output(Param(u"image", NameOf(myPicture)) + Param(u"imagefolder", NameOf(myPicture.parent_path())) +
                         Param(u"playmidi", u"0"));
-    const std::string myStaged = "images/qelspr17" + myPicture.extension().string();
-    ExpectPart("the page with " + myPicture.filename().string(), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    const std::string myStaged = "images/qelspr17" + TextOf(myPicture.extension());
+    ExpectPart("the page with " + TextOf(myPicture.filename()), u"<img src=\"" + FromUtf8(myStaged) + u"\"", myPage);
     ExpectText("the calls of the page with it", u"InstanceNumber InstanceNumber UniqueName ImageFolder ImageURL ",
                Joined(myServed.State.Calls));
     ExpectText("the staged motif", Bytes(myPicture), Bytes(myStaged));
@@ -135,32 +138,34 @@ void LibraryTune(const CheckContext& myContext)
     const Text myPage =
         myServed.Output(Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"midi", NameOf(myTune)) +
                         Param(u"midifolder", NameOf(myTune.parent_path())));
-    const std::string myStaged = "media/qelmid17" + myTune.extension().string();
-    ExpectPart("the page with " + myTune.filename().string(), u"<embed src=\"" + FromUtf8(myStaged) + u"\"", myPage);
+    const std::string myStaged = "media/qelmid17" + TextOf(myTune.extension());
+    ExpectPart("the page with " + TextOf(myTune.filename()), u"<embed src=\"" + FromUtf8(myStaged) + u"\"", myPage);
     ExpectText("the staged tune", Bytes(myTune), Bytes(myStaged));
 }
+
+constexpr auto JpegFrame = std::to_array<unsigned char>(
+    {0xFF, 0xC0, 0, 11, 8, 0, 3, 0, 5, 1, 1,    0x11, 0,    0xFF, 0xC4, 0,  20,   0, 1,    0, 0,    0,    0,   0,
+     0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0,    0,    0xFF, 0xC4, 0,    20, 0x10, 1, 0,    0, 0,    0,    0,   0,
+     0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0xFF, 0xDA, 0,    8,    1,    1,  0,    0, 0x3F, 0, 0x3F, 0xFF, 0xD9});
 
 /// A JPEG of 5 by 3 grey pixels.
 std::string JpegBytes()
 {
-    constexpr auto myFrame = std::to_array<unsigned char>(
-        {0xFF, 0xC0, 0, 11, 8, 0, 3, 0, 5, 1, 1,    0x11, 0,    0xFF, 0xC4, 0,  20,   0, 1,    0, 0,    0,    0,   0,
-         0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0,    0,    0xFF, 0xC4, 0,    20, 0x10, 1, 0,    0, 0,    0,    0,   0,
-         0,    0,    0, 0,  0, 0, 0, 0, 0, 0, 0xFF, 0xDA, 0,    8,    1,    1,  0,    0, 0x3F, 0, 0x3F, 0xFF, 0xD9});
     std::string theBytes("\xFF\xD8\xFF\xDB\0\x43\0", 7); // the table of how exact each frequency is
     theBytes += std::string(64, '\xFF');
-    return theBytes.append(reinterpret_cast<const char*>(myFrame.data()), myFrame.size());
+    return theBytes.append(reinterpret_cast<const char*>(JpegFrame.data()), JpegFrame.size());
 }
+
+/// The name of a picture, and the ending of the staged one.
+constexpr std::pair<TextView, TextView> PictureNames[] = {
+    {u"qelspr.jpg", u".jpg"}, {u"a.jpeg", u"jpeg"}, {u"A.JPG", u".JPG"},
+    {u"abc", u"abc"},         {u"x", u"x"},         {u"a.b.jpg", u".jpg"}};
 
 void Endings(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     const ServedPlugin myServed(myComponent, myContext);
-    // The name of a picture, and the ending of the staged one.
-    constexpr std::pair<TextView, TextView> myNames[] = {
-        {u"qelspr.jpg", u".jpg"}, {u"a.jpeg", u"jpeg"}, {u"A.JPG", u".JPG"},
-        {u"abc", u"abc"},         {u"x", u"x"},         {u"a.b.jpg", u".jpg"}};
-    for (const auto& [myName, myEnding] : myNames)
+    for (const auto& [myName, myEnding] : PictureNames)
     {
         for (const char* myFolder : {"images", "media"}) // names that differ in case alone may be one file
         {
@@ -301,34 +306,35 @@ Text PictureLine(TextView myPage)
     return Text(myPage.substr(myStart, myPage.find(u"\r\n", myStart) - myStart));
 }
 
+/// A link as the script has it, and the tag in front of the picture.
+constexpr std::pair<TextView, TextView> OwnLinks[] = {
+    {u"URL:http://x/?a=1&amp;b=2#c", u"<a href=\"http://x/?a=1&b=2#c\">"},
+    {u"URL:a&quot;b&lt;c&gt;'d", u"<a href=\"a\"b<c>'d\">"},
+    {u"URL: a ", u"<a href=\" a \">"},
+    {u"URL:&lt;blank&gt;", u"<a href=\"\">"},
+    {u"URL:%1", u"<a href=\"%1\">"},
+    {u"URL:%2", u"<a href=\"%2\">"},
+    {u"URL:%3", u"<a href=\"images/qelspr17.gif\">"},
+    {u"URL:%4x%5", u"<a href=\"3x2\">"},
+    {u"URL:%6", u"<a href=\"%6\">"},
+    {u"URL:%7", u"<a href=\"</a>\">"},
+    {u"URL:error", u"<a href=\"error\">"},
+    {u"URL:ERROR.", u"<a href=\"ERROR.\">"},
+    {u"URL", u"<a>"},
+    {u"U", u"<a>"},
+    {u"uid:4711", u"<a>"},
+    {u"Uid:4711", u"<a>"},
+    {u" URL:x", u"<a>"},
+    {u"URL=x", u"<a>"},
+    {u"http://x/", u"<a>"},
+    {u"UIDX4711", u"<a>"},
+};
+
 void LinkTexts(const CheckContext& myContext)
 {
-    // A link as the script has it, and the tag in front of the picture.
-    constexpr std::pair<TextView, TextView> myLinks[] = {
-        {u"URL:http://x/?a=1&amp;b=2#c", u"<a href=\"http://x/?a=1&b=2#c\">"},
-        {u"URL:a&quot;b&lt;c&gt;'d", u"<a href=\"a\"b<c>'d\">"},
-        {u"URL: a ", u"<a href=\" a \">"},
-        {u"URL:&lt;blank&gt;", u"<a href=\"\">"},
-        {u"URL:%1", u"<a href=\"%1\">"},
-        {u"URL:%2", u"<a href=\"%2\">"},
-        {u"URL:%3", u"<a href=\"images/qelspr17.gif\">"},
-        {u"URL:%4x%5", u"<a href=\"3x2\">"},
-        {u"URL:%6", u"<a href=\"%6\">"},
-        {u"URL:%7", u"<a href=\"</a>\">"},
-        {u"URL:error", u"<a href=\"error\">"},
-        {u"URL:ERROR.", u"<a href=\"ERROR.\">"},
-        {u"URL", u"<a>"},
-        {u"U", u"<a>"},
-        {u"uid:4711", u"<a>"},
-        {u"Uid:4711", u"<a>"},
-        {u" URL:x", u"<a>"},
-        {u"URL=x", u"<a>"},
-        {u"http://x/", u"<a>"},
-        {u"UIDX4711", u"<a>"},
-    };
     const OpenedComponent myComponent(myContext);
     const ServedPlugin myServed(myComponent, myContext);
-    for (const auto& [myLink, myTag] : myLinks)
+    for (const auto& [myLink, myTag] : OwnLinks)
     {
         ExpectPart("the page with the link " + Shown(myLink), JoinTexts({u"z-index:50\">", myTag, u"<img src="}),
                    PictureLine(myServed.Output(ReplaceAll(FullScript, u"UID:4711", myLink))));
@@ -339,47 +345,49 @@ void LinkTexts(const CheckContext& myContext)
     ExpectText("ErrorText of it", u"", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
 }
 
+/// A day of a period in the script, and its date in the page.
+constexpr struct
+{
+    TextView Name;
+    TextView Days;
+    TextView Date; ///< in the page; empty if it has none
+} DayCases[] = {
+    {u"from", u"38353", u"2005, 0, 1"},
+    {u"from", u"38383", u"2005, 0, 31"},
+    {u"from", u"38384", u"2005, 1, 1"},
+    {u"from", u"38717", u"2005, 11, 31"},
+    {u"from", u"36585", u"2000, 1, 29"},
+    {u"from", u"36586", u"2000, 2, 1"},
+    {u"from", u"1", u"1899, 11, 31"},
+    {u"from", u"2", u"1900, 0, 1"},
+    {u"from", u"60", u"1900, 1, 28"},
+    {u"from", u"61", u"1900, 2, 1"},
+    {u"from", u"-1", u"1899, 11, 29"},
+    {u"from", u"-657434", u"100, 0, 1"},
+    {u"from", u"2958465", u"9999, 11, 31"},
+    {u"from", u"0", u""},
+    {u"from", u"0.5", u""},
+    {u"from", u"-0.4", u""},
+    {u"from", u"38353.4", u"2005, 0, 1"},
+    {u"to", u"38383", u"2005, 1, 1"},
+    {u"to", u"38384", u"2005, 1, 2"},
+    {u"to", u"38717", u"2006, 0, 1"},
+    {u"to", u"36584", u"2000, 1, 29"},
+    {u"to", u"36585", u"2000, 2, 1"},
+    {u"to", u"38411", u"2005, 2, 1"},
+    {u"to", u"-1", u"1899, 11, 30"},
+    {u"to", u"1", u"1900, 0, 1"},
+    {u"to", u"2958464", u"9999, 11, 31"},
+    {u"to", u"0", u""},
+    {u"to", u"0.5", u""},
+};
+
 void Days(const CheckContext& myContext)
 {
-    constexpr struct
-    {
-        TextView Name;
-        TextView Days;
-        TextView Date; ///< in the page; empty if it has none
-    } myCases[] = {
-        {u"from", u"38353", u"2005, 0, 1"},
-        {u"from", u"38383", u"2005, 0, 31"},
-        {u"from", u"38384", u"2005, 1, 1"},
-        {u"from", u"38717", u"2005, 11, 31"},
-        {u"from", u"36585", u"2000, 1, 29"},
-        {u"from", u"36586", u"2000, 2, 1"},
-        {u"from", u"1", u"1899, 11, 31"},
-        {u"from", u"2", u"1900, 0, 1"},
-        {u"from", u"60", u"1900, 1, 28"},
-        {u"from", u"61", u"1900, 2, 1"},
-        {u"from", u"-1", u"1899, 11, 29"},
-        {u"from", u"-657434", u"100, 0, 1"},
-        {u"from", u"2958465", u"9999, 11, 31"},
-        {u"from", u"0", u""},
-        {u"from", u"0.5", u""},
-        {u"from", u"-0.4", u""},
-        {u"from", u"38353.4", u"2005, 0, 1"},
-        {u"to", u"38383", u"2005, 1, 1"},
-        {u"to", u"38384", u"2005, 1, 2"},
-        {u"to", u"38717", u"2006, 0, 1"},
-        {u"to", u"36584", u"2000, 1, 29"},
-        {u"to", u"36585", u"2000, 2, 1"},
-        {u"to", u"38411", u"2005, 2, 1"},
-        {u"to", u"-1", u"1899, 11, 30"},
-        {u"to", u"1", u"1900, 0, 1"},
-        {u"to", u"2958464", u"9999, 11, 31"},
-        {u"to", u"0", u""},
-        {u"to", u"0.5", u""},
-    };
     const OpenedComponent myComponent(myContext);
     const ServedPlugin myServed(myComponent, myContext);
     const Text myScript = Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"playmidi", u"0");
-    for (const auto& [myName, myDays, myDate] : myCases)
+    for (const auto& [myName, myDays, myDate] : DayCases)
     {
         const Text mySign = myName == u"from" ? u"<" : u">";
         const Text myLine = myDate.empty()

@@ -54,33 +54,34 @@ void ExpectReadings(const CheckContext& myContext, const std::vector<ReadingCase
     }
 }
 
+/// A value as it is written, and as it comes back.
+constexpr std::pair<TextView, TextView> WrittenValues[] = {
+    {u"a&amp;b", u"a&amp;b"},
+    {u"&quot;a&quot;", u"&quot;a&quot;"},
+    {u"&lt;pg.param&gt;", u"&lt;pg.param&gt;"},
+    {u"&lt;&gt;&quot;&amp;", u"&lt;&gt;&quot;&amp;"},
+    {u"a&b", u"a&amp;b"},
+    {u"a<b", u"a&lt;b"},
+    {u"&amp;lt;", u"&amp;lt;"},
+    {u"&amp;amp;", u"&amp;amp;"},
+    {u"&amp;quot;", u"&amp;quot;"},
+    {u"&amp;amp;lt;", u"&amp;amp;lt;"},
+    {u"&&quot;amp;", u"&amp;&quot;amp;"},
+    {u"&AMP;&Lt;", u"&amp;AMP;&amp;Lt;"},
+    {u"&apos;&#65;&nbsp;", u"&amp;apos;&amp;#65;&amp;nbsp;"},
+    {u"&amp", u"&amp;amp"},
+    {u"&lt &gt;", u"&amp;lt &gt;"},
+    {u"it's", u"it's"},
+    {u" a  b ", u" a  b "},
+    {u"a\tb\r\nc", u"a\tb\r\nc"},
+    {u"%1%20+\\/", u"%1%20+\\/"},
+    {u"ñ€\U0001F388\u0130", u"ñ€\U0001F388\u0130"},
+};
+
 void Entities(const CheckContext& myContext)
 {
-    // A value as it is written, and as it comes back.
-    constexpr std::pair<TextView, TextView> myValues[] = {
-        {u"a&amp;b", u"a&amp;b"},
-        {u"&quot;a&quot;", u"&quot;a&quot;"},
-        {u"&lt;pg.param&gt;", u"&lt;pg.param&gt;"},
-        {u"&lt;&gt;&quot;&amp;", u"&lt;&gt;&quot;&amp;"},
-        {u"a&b", u"a&amp;b"},
-        {u"a<b", u"a&lt;b"},
-        {u"&amp;lt;", u"&amp;lt;"},
-        {u"&amp;amp;", u"&amp;amp;"},
-        {u"&amp;quot;", u"&amp;quot;"},
-        {u"&amp;amp;lt;", u"&amp;amp;lt;"},
-        {u"&&quot;amp;", u"&amp;&quot;amp;"},
-        {u"&AMP;&Lt;", u"&amp;AMP;&amp;Lt;"},
-        {u"&apos;&#65;&nbsp;", u"&amp;apos;&amp;#65;&amp;nbsp;"},
-        {u"&amp", u"&amp;amp"},
-        {u"&lt &gt;", u"&amp;lt &gt;"},
-        {u"it's", u"it's"},
-        {u" a  b ", u" a  b "},
-        {u"a\tb\r\nc", u"a\tb\r\nc"},
-        {u"%1%20+\\/", u"%1%20+\\/"},
-        {u"ñ€\U0001F388\u0130", u"ñ€\U0001F388\u0130"},
-    };
     std::vector<ReadingCase> myCases;
-    for (const auto& [myWritten, myRead] : myValues)
+    for (const auto& [myWritten, myRead] : WrittenValues)
     {
         for (const TextView myName : {u"image", u"imagefolder", u"midi", u"midifolder", u"link"})
         {
@@ -213,19 +214,19 @@ void LineEnds(const CheckContext& myContext)
     ExpectReadings(myContext, myCases);
 }
 
+/// A text, and what it counts as.
+constexpr std::pair<TextView, TextView> TruthTexts[] = {
+    {u"0", u"0"},   {u" 0 ", u"0"},  {u" ", u"0"},   {u"   ", u"0"}, {u"1", u"1"},     {u"-1", u"1"},     {u"2", u"1"},
+    {u"00", u"1"},  {u"0.0", u"1"},  {u"+0", u"1"},  {u"no", u"1"},  {u"false", u"1"}, {u"-", u"1"},      {u"0x", u"1"},
+    {u"\t0", u"1"}, {u"true", u"1"}, {u" 1 ", u"1"}, {u"0 0", u"1"}, {u"Falso", u"1"}, {u"\u00A0", u"1"},
+};
+
 void TruthValues(const CheckContext& myContext)
 {
-    // A text, and what it counts as.
-    constexpr std::pair<TextView, TextView> myValues[] = {
-        {u"0", u"0"},    {u" 0 ", u"0"},   {u" ", u"0"},   {u"   ", u"0"},   {u"1", u"1"},
-        {u"-1", u"1"},   {u"2", u"1"},     {u"00", u"1"},  {u"0.0", u"1"},   {u"+0", u"1"},
-        {u"no", u"1"},   {u"false", u"1"}, {u"-", u"1"},   {u"0x", u"1"},    {u"\t0", u"1"},
-        {u"true", u"1"}, {u" 1 ", u"1"},   {u"0 0", u"1"}, {u"Falso", u"1"}, {u"\u00A0", u"1"},
-    };
     std::vector<ReadingCase> myCases;
     for (const TextView myName : {u"showimage", u"playmidi", u"midimode"})
     {
-        for (const auto& [myText, myValue] : myValues)
+        for (const auto& [myText, myValue] : TruthTexts)
         {
             myCases.push_back({Param(myName, myText), {{myName, myValue}}});
         }
@@ -248,39 +249,40 @@ void ImageModes(const CheckContext& myContext)
     ExpectReadings(myContext, myCases);
 }
 
+/// A text, and the days that it comes back as.
+constexpr std::pair<TextView, TextView> DateTexts[] = {
+    {u"38353", u"38353"},
+    {u"38353.4", u"38353"},
+    {u"38353.5", u"38354"},
+    {u"38354.5", u"38354"},
+    {u"38353.51", u"38354"},
+    {u"0.5", u"0"},
+    {u"1.5", u"2"},
+    {u"2.5", u"2"},
+    {u"-1", u"-1"},
+    {u"-1.5", u"-2"},
+    {u"38353x", u"38353"},
+    {u"  38353", u"38353"},
+    {u"x38353", u"0"},
+    {u"0", u"0"},
+    {u"+5", u"5"},
+    {u".6", u"1"},
+    {u"38353,9", u"38353"},
+    {u"1e3", u"1000"},
+    {u"2958465", u"2958465"},
+    {u"-657434", u"-657434"},
+    {u"00012", u"12"},
+    {u"1.2.3", u"1"},
+    {u"2005-01-01", u"2005"},
+};
+
 void Dates(const CheckContext& myContext)
 {
     constexpr HRESULT OutOfRange = QEL_RESULT(0x800A0006U);
-    // A text, and the days that it comes back as.
-    constexpr std::pair<TextView, TextView> myValues[] = {
-        {u"38353", u"38353"},
-        {u"38353.4", u"38353"},
-        {u"38353.5", u"38354"},
-        {u"38354.5", u"38354"},
-        {u"38353.51", u"38354"},
-        {u"0.5", u"0"},
-        {u"1.5", u"2"},
-        {u"2.5", u"2"},
-        {u"-1", u"-1"},
-        {u"-1.5", u"-2"},
-        {u"38353x", u"38353"},
-        {u"  38353", u"38353"},
-        {u"x38353", u"0"},
-        {u"0", u"0"},
-        {u"+5", u"5"},
-        {u".6", u"1"},
-        {u"38353,9", u"38353"},
-        {u"1e3", u"1000"},
-        {u"2958465", u"2958465"},
-        {u"-657434", u"-657434"},
-        {u"00012", u"12"},
-        {u"1.2.3", u"1"},
-        {u"2005-01-01", u"2005"},
-    };
     std::vector<ReadingCase> myCases;
     for (const TextView myName : {u"from", u"to"})
     {
-        for (const auto& [myText, myDays] : myValues)
+        for (const auto& [myText, myDays] : DateTexts)
         {
             myCases.push_back({Param(myName, myText), {{myName, myDays}}});
         }

@@ -2,11 +2,11 @@
 
 #include "check/OutcomeFile.h"
 #include "check/system.h"
+#include "common/paths.h"
 #include "text/ScopeGuard.h"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 
 namespace qel::host
@@ -31,7 +31,7 @@ Outcome RunHere(const Check& myCheck, const CheckContext& myContext)
         fs::create_directory(myContext.Folder);
         if (myCheck.Around == Surroundings::Private)
         {
-            IsolateProcess(myContext.Folder);
+            IsolateProcess(myContext.Folder.parent_path());
         }
         fs::current_path(myContext.Folder);
         myCheck.Run(myContext);
@@ -53,15 +53,10 @@ Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeco
 {
     const ProgramRunner myRunner; // goes last, so that no signal ends the program before the folder has gone
     const fs::path myFolder = MakeTemporaryFolder();
-    const ScopeGuard myRemoval(
-        [&]
-        {
-            std::error_code myIgnored;
-            fs::remove_all(myFolder, myIgnored);
-        });
+    const ScopeGuard myRemoval([&] { RemoveTemporaryFolder(myFolder); });
     const auto myStart = Clock::now();
     const std::string myEnd =
-        myRunner.Run({RunCheckCommand, myCheck.Name, myFile.string(), myFolder.string()}, mySeconds);
+        myRunner.Run({RunCheckCommand, myCheck.Name, TextOf(myFile), TextOf(myFolder)}, mySeconds);
     const OutcomeContent myContent = ReadOutcomeFile(myFolder / OutcomeName);
     Outcome theOutcome = myContent.Result.value_or(
         Outcome{CheckResult::Failed, "the check comes to its end",
@@ -72,7 +67,7 @@ Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeco
 
 void RunCheckCommandLine(const std::string& myName, const fs::path& myFile, const fs::path& myFolder)
 {
-    EndWithRunner();
+    BeginRun();
     std::vector<Check> myChecks = AllChecks();
     myChecks.push_back(FindRegistered);
     const auto myCheck = std::ranges::find(myChecks, myName, &Check::Name);
@@ -81,7 +76,7 @@ void RunCheckCommandLine(const std::string& myName, const fs::path& myFile, cons
         TheOutcomeFile = std::make_unique<OutcomeFile>(myFolder / OutcomeName);
         TheOutcomeFile->Write(RunHere(*myCheck, {myFile, myFolder / WorkName}));
     }
-    std::_Exit(0); // what a component has left to do at the end is no part of the check
+    EndRun(); // what a component has left to do at the end is no part of the check
 }
 
 void NoteStep(const std::string& myStep)

@@ -62,9 +62,7 @@ void OtherVersion(const CheckContext& myContext)
     }
 }
 
-void RandomScripts(const CheckContext& myContext)
-{
-    constexpr std::array<TextView, 26> myPieces{u"<pg.param",
+constexpr std::array<TextView, 26> ScriptPieces{u"<pg.param",
                                                 u"<pg.plugin",
                                                 u"<pg.file",
                                                 u"</pg.param>",
@@ -90,17 +88,21 @@ void RandomScripts(const CheckContext& myContext)
                                                 u"\xDC00",
                                                 TextView(u"\0", 1),
                                                 u" version=\"1.0\""};
-    constexpr int myScripts = 2000;
-    constexpr size_t myLongest = 40;
+
+constexpr int ScriptCount = 2000;
+constexpr size_t LongestScript = 40; ///< in pieces
+
+void RandomScripts(const CheckContext& myContext)
+{
     const OpenedComponent myComponent(myContext);
     const auto myPlugin = myComponent.Plugin();
     std::minstd_rand myRandom(1); // the same scripts each time
-    for (int i = 0; i < myScripts; ++i)
+    for (int i = 0; i < ScriptCount; ++i)
     {
         Text myScript;
-        for (size_t myRest = myRandom() % myLongest; myRest > 0; --myRest)
+        for (size_t myRest = myRandom() % LongestScript; myRest > 0; --myRest)
         {
-            myScript += myPieces[myRandom() % myPieces.size()];
+            myScript += ScriptPieces[myRandom() % ScriptPieces.size()];
             myScript += myRandom() % 4 == 0 ? Text(1, static_cast<char16_t>(myRandom())) : Text();
         }
         const std::string myWhat = "script " + std::to_string(i) + ", " + Shown(myScript);
@@ -112,9 +114,10 @@ void RandomScripts(const CheckContext& myContext)
     }
 }
 
+constexpr size_t HugeLength = 8U << 20U; // 16 MB in UTF-16
+
 void HugeScripts(const CheckContext& myContext)
 {
-    constexpr size_t myLength = 8U << 20U; // 16 MB in UTF-16
     const OpenedComponent myComponent(myContext);
     const auto myPlugin = myComponent.Plugin();
     const auto ExpectLink = [&](const std::string& myWhat, const Text& myScript, TextView myLink)
@@ -125,15 +128,15 @@ void HugeScripts(const CheckContext& myContext)
                    ReplaceAll(DefaultScript, u"\"link\"", Text(u"\"link\" value=\"").append(myLink).append(u"\"")),
                    theScript);
     };
-    const Text myValue(myLength, u'x');
+    const Text myValue(HugeLength, u'x');
     ExpectLink("16 MB in one value", Param(u"link", myValue), myValue);
     Text myTags;
-    while (myTags.size() < myLength)
+    while (myTags.size() < HugeLength)
     {
         myTags += Param(u"link", u"a");
     }
     ExpectLink("16 MB of tags", myTags, u"a");
-    ExpectLink("16 MB without an end of a tag", Param(u"link", u"b") + Text(myLength, u'<'), u"b");
+    ExpectLink("16 MB without an end of a tag", Param(u"link", u"b") + Text(HugeLength, u'<'), u"b");
 }
 
 constexpr Check Checks[] = {

@@ -146,25 +146,26 @@ void Order(const CheckContext& myContext)
     }
 }
 
+constexpr int64_t ManyTexts = 1000;
+
 void Many(const CheckContext& myContext)
 {
-    constexpr int64_t myCount = 1000;
     const OpenedComponent myComponent(myContext);
     const auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
     std::minstd_rand myRandom(1); // the same texts each time
     std::vector<Text> myTexts;
-    for (int64_t i = 0; i < myCount; ++i)
+    for (int64_t i = 0; i < ManyTexts; ++i)
     {
-        myTexts.push_back(NumberText(static_cast<int64_t>(myRandom()) % (2 * myCount)));
+        myTexts.push_back(NumberText(static_cast<int64_t>(myRandom()) % (2 * ManyTexts)));
     }
     ExpectSorted(*mySort.Get(), "a thousand texts, some of them alike", myTexts);
     std::ranges::sort(myTexts);
     ExpectSorted(*mySort.Get(), "a thousand texts in order", myTexts);
     std::ranges::reverse(myTexts);
     ExpectSorted(*mySort.Get(), "a thousand texts in the opposite order", myTexts);
-    ExpectSorted(*mySort.Get(), "a thousand texts that are alike", std::vector<Text>(myCount, u"a"));
+    ExpectSorted(*mySort.Get(), "a thousand texts that are alike", std::vector<Text>(ManyTexts, u"a"));
     std::vector<Text> myMany;
-    for (int64_t i = 0; i < 70 * myCount; ++i)
+    for (int64_t i = 0; i < 70 * ManyTexts; ++i)
     {
         myMany.push_back(NumberText(static_cast<int64_t>(myRandom())));
     }

@@ -107,7 +107,12 @@ void Reasons(const CheckContext& myContext)
     const auto ExpectReason = [&](const std::string& myWhat, TextView myPart)
     {
         const Text theReason = Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText);
-        myPart.empty() ? ExpectText(myWhat, u"", theReason) : ExpectPart(myWhat, myPart, theReason);
+        if (myPart.empty())
+        {
+            ExpectText(myWhat, u"", theReason);
+            return;
+        }
+        ExpectPart(myWhat, myPart, theReason);
     };
     ExpectText("the page of a module without a picture", u"", myServed.Output(u"<pg.param name=\"link\">"));
     ExpectReason("ErrorText of it", NothingChosen);

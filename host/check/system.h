@@ -1,5 +1,7 @@
-/// What the checks need of the system beyond the standard library.
+/// What the checks need of the system beyond the standard library. Each system has its own implementation.
 #pragma once
+
+#include "com/qelcom.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -13,8 +15,8 @@ namespace qel::host
 
 /// Runs this program once more, in a process of its own.
 ///
-/// For as long as an object lives, a signal that would end this program waits, so that what a run leaves can be put
-/// away first; then the signal does what it always does. On the main thread.
+/// While an object lives, a signal that would end this program (on a console: Ctrl+C, or its closing) waits, so that
+/// what a run leaves can be removed first; then the signal does what it always does. On the main thread.
 class ProgramRunner
 {
 public:
@@ -24,8 +26,9 @@ public:
     ~ProgramRunner();
 
     /// Runs the program with arguments, without input and output, and waits until it has ended, or the time is over, or
-    /// a signal waits. Afterwards neither the process nor one of its group is left. Gives how it ended, as a sentence
-    /// in UTF-8 without a full stop. Failure: the system has no process to spare.
+    /// a signal waits. Afterwards neither the process nor one that it started is left, as far as the system can tell
+    /// which it started. Returns how it ended, as a sentence in UTF-8 without a full stop. Failure: no process can be
+    /// started.
     std::string Run(const std::vector<std::string>& myArguments, double mySeconds) const;
 
 private:
@@ -33,16 +36,36 @@ private:
     std::unique_ptr<HeldSignals> mySignals;
 };
 
-/// For a program that was run so: it ends with the one that runs it.
-void EndWithRunner();
+/// For a program that was run so, before anything else: it ends with the one that runs it, and a crash ends it without
+/// a question to the user. Its main thread can create objects of registered classes.
+void BeginRun();
 
-/// For a program that was run so: cuts it off from the user's files, desktop and programs, by private folders below the
-/// one that is given. No memory image is written if it crashes.
+/// For a program that was run so: ends it at once, without what libraries do at the end of a process.
+[[noreturn]] void EndRun();
+
+/// For a program that was run so: cuts it off from the user's files, class registry, desktop and programs, by private
+/// ones, which belong to a folder of MakeTemporaryFolder. No memory image is written if it crashes.
 void IsolateProcess(const std::filesystem::path& myFolder);
 
 /// Makes a new folder for this user alone in the folder for temporary files. Failure: it cannot be made, or its name
 /// cannot be passed to the component.
 std::filesystem::path MakeTemporaryFolder();
+
+/// Removes such a folder, and what IsolateProcess has made for it elsewhere, as far as possible.
+void RemoveTemporaryFolder(const std::filesystem::path& myFolder);
+
+/// Makes a link, to a folder or to a file. Throws an Outcome that skips the check: this user cannot make links.
+void MakeLink(const std::filesystem::path& myTarget, const std::filesystem::path& myLink);
+
+/// Creates an object of a class by its name in the class registry of this process, which may be a private one.
+/// CO_E_CLASSSTRING: no class has that name. Otherwise the results of CoCreateInstance.
+HRESULT CreateByName(const char16_t* myProgramName, REFIID myInterface, void** theObject);
+
+/// The number of descriptions that each interface of a component has.
+extern const uint32_t TypeDescriptionCount;
+
+/// True when names in archives are in the code page Windows-1252. Elsewhere a component cannot be asked for letters.
+bool CodePageIsWestern();
 
 /// The bytes of memory that this process has allocated.
 size_t MemoryInUse();

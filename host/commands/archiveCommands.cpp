@@ -3,6 +3,7 @@
 #include "commands/logicalPaths.h"
 #include "commands/terminal.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/printable.h"
 #include "common/ProgressLine.h"
 #include "common/systemReasons.h"
@@ -116,7 +117,7 @@ Text DemandedName(const fs::path& myPath)
     const std::optional<Text> theName = LogicalName(RealName(myPath));
     if (!theName)
     {
-        throw UsageFailure(Printable(myPath.string()) +
+        throw UsageFailure(Printable(TextOf(myPath)) +
                            " cannot be named to the component: use a path without \"\\\", in UTF-8");
     }
     return *theName;
@@ -132,12 +133,12 @@ public:
     {
         if (!fs::is_regular_file(myFile))
         {
-            throw Failure(fs::exists(myFile) ? myFile.string() + " is not a file"
-                                             : "there is no file " + myFile.string());
+            throw Failure(fs::exists(myFile) ? TextOf(myFile) + " is not a file"
+                                             : "there is no file " + TextOf(myFile));
         }
         if (!Archive.ReadArchive())
         {
-            throw Failure(myFile.string() +
+            throw Failure(TextOf(myFile) +
                           " cannot be read as an archive: " + ReadingReason(myFile, Archive.FailureNumber()));
         }
         ListedFiles theFiles;
@@ -173,7 +174,7 @@ std::optional<EntryKind> KindInTheWay(const Text& myFilename, Files& theFiles)
         {
             return std::nullopt;
         }
-        throw Failure(Printable(NativeName(myFilename).string()) + " cannot be written: " + ReasonOf(e.Number, {}));
+        throw Failure(Printable(TextOf(NativeName(myFilename))) + " cannot be written: " + ReasonOf(e.Number, {}));
     }
 }
 
@@ -186,7 +187,7 @@ bool DemandPlace(const Text& myFilename, Files& theFiles, bool myMayReplace)
     {
         return myKind.has_value();
     }
-    const std::string myName = Printable(NativeName(myFilename).string());
+    const std::string myName = Printable(TextOf(NativeName(myFilename)));
     switch (*myKind)
     {
     case EntryKind::File:
@@ -216,7 +217,7 @@ void Pack(const Arguments& myArguments)
 {
     if (!fs::is_directory(RealName(myArguments.Folder)))
     {
-        throw Failure("there is no folder " + myArguments.Folder.string() + " to pack");
+        throw Failure("there is no folder " + TextOf(myArguments.Folder) + " to pack");
     }
     const auto myWay = RealName(myArguments.File).lexically_relative(fs::canonical(myArguments.Folder));
     if (!myWay.empty() && *myWay.begin() != "..")
@@ -225,8 +226,7 @@ void Pack(const Arguments& myArguments)
     }
     if (TypeOfEntry(myArguments.File) == fs::file_type::symlink)
     {
-        throw Failure(myArguments.File.string() +
-                      " is a link, which an archive does not replace; give the file itself");
+        throw Failure(TextOf(myArguments.File) + " is a link, which an archive does not replace; give the file itself");
     }
     const fs::path myTarget = RealName(myArguments.File);
     const fs::path myNewFile = UnfinishedName(myTarget); // so that a failure leaves an older archive as it was
@@ -267,7 +267,7 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
         }
         if (myParent->second && DemandPlace(myTarget, theFiles, myMayReplace) && myArchive.IsAt(myTarget))
         {
-            throw Failure(Printable(NativeName(myTarget).string()) +
+            throw Failure(Printable(TextOf(NativeName(myTarget))) +
                           " is the archive itself, which cannot replace itself; unpack it into another folder");
         }
         if (!myLowerNames.insert(LowerCase(myName)).second && !myMayReplace)
@@ -286,7 +286,7 @@ void Unpack(const Arguments& myArguments)
     const std::vector<Text> myNames = myArchive.Listed().Names;
     if (fs::exists(myArguments.Folder) && !fs::is_directory(myArguments.Folder))
     {
-        throw Failure(Printable(myArguments.Folder.string()) + " is a file; give a folder to unpack into");
+        throw Failure(Printable(TextOf(myArguments.Folder)) + " is a file; give a folder to unpack into");
     }
     DemandPlaces(myArchive, myNames, myFolder, myArguments.Force);
     const ProgressLine myLine(std::cerr, IsTerminal(Output::Errors));
@@ -306,7 +306,7 @@ CLI::App* AddArchiveCommand(CLI::App& theGroup, const char* myName, const char* 
                             void (*myAction)(const Arguments&))
 {
     CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
-    theCommand->add_option("FILE", theArguments.File, "The archive")->required()->type_name("");
+    AddPath(*theCommand, "FILE", theArguments.File, "The archive")->required()->type_name("");
     theCommand->callback([&theArguments, myAction] { myAction(theArguments); });
     return theCommand;
 }
@@ -324,13 +324,12 @@ void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
     AddArchiveCommand(*myGroup, "list", "Lists the files in an archive", theArguments, List);
     CLI::App* const myPack = AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder", theArguments, Pack);
     myPack->footer(
-        "Left out are links, names with a leading dot, names that contain \"\\\" or are not UTF-8, and whatever is "
-        "no plain file.");
+        "Left out are links, hidden files, names that contain \"\\\" or are not UTF-8, and whatever is no plain file.");
     CLI::App* const myUnpack =
         AddArchiveCommand(*myGroup, "unpack", "Unpacks an archive into a folder", theArguments, Unpack);
     for (CLI::App* const myCommand : {myPack, myUnpack})
     {
-        myCommand->add_option("FOLDER", theArguments.Folder, "The folder")->required()->type_name("");
+        AddPath(*myCommand, "FOLDER", theArguments.Folder, "The folder")->required()->type_name("");
         myCommand->add_flag("--force", theArguments.Force, "Replaces existing files");
     }
 }

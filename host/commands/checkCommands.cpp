@@ -2,6 +2,7 @@
 #include "check/runCheck.h"
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/printable.h"
 #include "common/programFiles.h"
 #include "text/encodings.h"
@@ -56,11 +57,11 @@ fs::path FileToCheck(const Arguments& myArguments)
             throw Failure("the registered component cannot be opened: " + myFound.Got +
                           "; enter it again with qelhost register, or name a file");
         }
-        theFile = myFound.Got.empty() ? ComponentBesideProgram() : fs::path(myFound.Got);
+        theFile = myFound.Got.empty() ? ComponentBesideProgram() : PathOf(myFound.Got);
     }
     if (!fs::is_regular_file(theFile))
     {
-        throw Failure("there is no file \"" + Printable(theFile.string()) + "\" to check");
+        throw Failure("there is no file \"" + Printable(TextOf(theFile)) + "\" to check");
     }
     return fs::absolute(theFile); // unchanged: ".." after a link does not lead back
 }
@@ -83,7 +84,7 @@ class Report
 public:
     Report(const fs::path& myFile, bool myIsJson) : myJson(myIsJson)
     {
-        std::cout << (myJson ? "{\"component\": " + JsonText(myFile.string()) + ", \"checks\": [" : "");
+        std::cout << (myJson ? "{\"component\": " + JsonText(TextOf(myFile)) + ", \"checks\": [" : "");
     }
 
     void Add(const Check& myCheck, const Outcome& myOutcome)
@@ -198,7 +199,7 @@ void Run(const Arguments& myArguments)
 void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
 {
     CLI::App* const myCheck = theApplication.add_subcommand("check", "Checks a build of the component");
-    myCheck->add_option("FILE", theArguments.OptionalFile, "The component; without it the one of --plugin")
+    AddPath(*myCheck, "FILE", theArguments.OptionalFile, "The component; without it the one of --plugin")
         ->type_name("");
     myCheck->add_flag("--list", theArguments.List, "Lists the checks with what each one means, and runs none");
     myCheck->add_option("--only", theArguments.Checks, "Runs this check; may be given several times")
@@ -215,8 +216,8 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
     // The command above starts this one for each check. Without a group no help lists it.
     CLI::App* const myRun = theApplication.add_subcommand(RunCheckCommand)->group("");
     myRun->add_option("NAME", theArguments.Kind)->required();
-    myRun->add_option("FILE", theArguments.File)->required();
-    myRun->add_option("FOLDER", theArguments.Folder)->required();
+    AddPath(*myRun, "FILE", theArguments.File, "")->required();
+    AddPath(*myRun, "FOLDER", theArguments.Folder, "")->required();
     myRun->callback([&theArguments]
                     { RunCheckCommandLine(theArguments.Kind, theArguments.File, theArguments.Folder); });
 }

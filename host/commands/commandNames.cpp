@@ -103,13 +103,13 @@ std::string Question(const std::string& myPath, const std::vector<std::string>& 
 
 } // namespace
 
-void DemandKnownCommands(const CLI::App& myApplication, int myCount, const char* const* myTexts)
+void DemandKnownCommands(const CLI::App& myApplication, const std::vector<std::string>& myTexts)
 {
     const CLI::App* myGroup = &myApplication;
     std::string myPath;
-    for (int i = 1; i < myCount && myGroup->get_require_subcommand_min() > 0; ++i)
+    for (std::size_t i = 0; i < myTexts.size() && myGroup->get_require_subcommand_min() > 0; ++i)
     {
-        const std::string myText = myTexts[i];
+        const std::string& myText = myTexts[i];
         if (myText == "--plugin")
         {
             ++i; // its value

@@ -3,11 +3,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <string>
+#include <vector>
+
 namespace qel::host
 {
 
 /// Checks that every name of a command on the command line exists. UsageFailure: one does not; the nearest name is
 /// suggested.
-void DemandKnownCommands(const CLI::App& myApplication, int myCount, const char* const* myTexts);
+void DemandKnownCommands(const CLI::App& myApplication, const std::vector<std::string>& myTexts);
 
 } // namespace qel::host

@@ -6,6 +6,7 @@
 #include "commands/openInBrowser.h"
 #include "commands/terminal.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/printable.h"
 #include "common/programFiles.h"
 #include "site/markup.h"
@@ -93,7 +94,7 @@ void Build(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
     const BuildResult myResult = BuildPages(mySite, myArguments);
-    const std::string myFolder = mySite.BuildFolder().string();
+    const std::string myFolder = TextOf(mySite.BuildFolder());
     if (myArguments.Json)
     {
         std::cout << JsonObject({{"pages", int64_t{myResult.Pages}},
@@ -125,9 +126,9 @@ void Preview(const Arguments& myArguments)
     }
     const std::string myPage = myArguments.Page.empty() ? myPages.front().Name : mySite.PageOf(myArguments.Page).Name;
     const BuildResult myResult = BuildPages(mySite, myArguments);
-    const std::filesystem::path myFile = mySite.BuildFolder() / myPage;
+    const std::filesystem::path myFile = mySite.BuildFolder() / PathOf(myPage);
     OpenInBrowser(myFile);
-    std::cout << myFile.string() << std::endl;
+    std::cout << TextOf(myFile) << std::endl;
     DemandSuccess(myResult);
 }
 
@@ -220,8 +221,22 @@ CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const st
                          Arguments& theArguments)
 {
     CLI::App* const theCommand = theGroup.add_subcommand(myName, myHelp);
-    theCommand->add_option("SITE", theArguments.Site, "The site's folder")->required()->type_name("");
+    AddPath(*theCommand, "SITE", theArguments.Site, "The site's folder")->required()->type_name("");
     return theCommand;
+}
+
+CLI::Option* AddPath(CLI::App& theCommand, const std::string& myName, std::filesystem::path& thePath,
+                     const std::string& myHelp)
+{
+    return theCommand.add_option_function<std::string>(
+        myName, [&thePath](const std::string& myText) { thePath = PathOf(myText); }, myHelp);
+}
+
+CLI::Option* AddPath(CLI::App& theCommand, const std::string& myName, std::optional<std::filesystem::path>& thePath,
+                     const std::string& myHelp)
+{
+    return theCommand.add_option_function<std::string>(
+        myName, [&thePath](const std::string& myText) { thePath = PathOf(myText); }, myHelp);
 }
 
 CLI::Option* AddNumber(CLI::App& theCommand, const std::string& myName, int64_t& theNumber, const std::string& myHelp)
@@ -283,8 +298,7 @@ void AddComponentCommands(CLI::App& theApplication, Arguments& theArguments)
         [&](const char* myName, const char* myHelp, void (*myAction)(const std::filesystem::path&))
     {
         CLI::App* const myCommand = theApplication.add_subcommand(myName, myHelp);
-        myCommand
-            ->add_option("FILE", theArguments.OptionalFile, "The component; without it the one beside this program")
+        AddPath(*myCommand, "FILE", theArguments.OptionalFile, "The component; without it the one beside this program")
             ->type_name("");
         myCommand->callback([&theArguments, myAction]
                             { myAction(theArguments.OptionalFile.value_or(ComponentBesideProgram())); });

@@ -59,6 +59,12 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments);
 CLI::App* AddSiteCommand(CLI::App& theGroup, const std::string& myName, const std::string& myHelp,
                          Arguments& theArguments);
 
+/// Adds an option or argument that is a path. The paths outlive the application.
+CLI::Option* AddPath(CLI::App& theCommand, const std::string& myName, std::filesystem::path& thePath,
+                     const std::string& myHelp);
+CLI::Option* AddPath(CLI::App& theCommand, const std::string& myName, std::optional<std::filesystem::path>& thePath,
+                     const std::string& myHelp);
+
 /// Adds a required argument that is a whole number, such as an id or a position.
 CLI::Option* AddNumber(CLI::App& theCommand, const std::string& myName, int64_t& theNumber, const std::string& myHelp);
 

@@ -2,6 +2,7 @@
 #include "build/moduleFailures.h"
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "site/markup.h"
 #include "site/scriptTags.h"
 #include "site/Site.h"
@@ -26,7 +27,7 @@ std::string ReadScript(const std::filesystem::path& myFile)
 {
     const auto myProblem = [&](const char* myReason)
     {
-        return Failure((myFile == "-" ? "the script on the standard input " : "the script " + myFile.string() + " ") +
+        return Failure((myFile == "-" ? "the script on the standard input " : "the script " + TextOf(myFile) + " ") +
                        myReason);
     };
     std::string theScript = ReadWholeFile(myFile, LongestText);
@@ -188,8 +189,7 @@ void AddContentCommands(CLI::App& theGroup, Arguments& theArguments)
 {
     CLI::App* const myScript =
         AddModuleCommand(theGroup, "script", "Prints a module's script, or stores another one", theArguments);
-    myScript->add_option("FILE", theArguments.OptionalFile, "The new script; - reads the standard input")
-        ->type_name("");
+    AddPath(*myScript, "FILE", theArguments.OptionalFile, "The new script; - reads the standard input")->type_name("");
     myScript->footer("A new script is stored unchanged, once the component has accepted it. If it names no link,\n"
                      "an empty one is added as its last line (as its first, if it ends within a tag):\n"
                      "without it a build would use the link of the previous module.");
@@ -197,7 +197,7 @@ void AddContentCommands(CLI::App& theGroup, Arguments& theArguments)
 
     CLI::App* const myArchive =
         AddModuleCommand(theGroup, "archive", "Stores a module's archive of imported files", theArguments);
-    myArchive->add_option("FILE", theArguments.Archive, "The archive")->required()->type_name("");
+    AddPath(*myArchive, "FILE", theArguments.Archive, "The archive")->required()->type_name("");
     myArchive->footer(ArchiveHelp);
     myArchive->callback(
         [&theArguments]
@@ -217,11 +217,10 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a module to a page and prints its id", theArguments);
     myAdd->add_option("PAGE", theArguments.Page, "The page's name")->required()->type_name("");
     myAdd->add_option("--place", theArguments.Place, "A named place of the page")->type_name("NAME");
-    myAdd
-        ->add_option("--script", theArguments.OptionalFile,
-                     "Its script, if not that of a new module; - reads the standard input")
+    AddPath(*myAdd, "--script", theArguments.OptionalFile,
+            "Its script, if not that of a new module; - reads the standard input")
         ->type_name("FILE");
-    myAdd->add_option("--archive", theArguments.Archive, "Its archive of imported files")->type_name("FILE");
+    AddPath(*myAdd, "--archive", theArguments.Archive, "Its archive of imported files")->type_name("FILE");
     myAdd->footer(ArchiveHelp);
     myAdd->callback([&theArguments] { Add(theArguments); });
 

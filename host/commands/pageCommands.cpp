@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/printable.h"
 #include "site/PageText.h"
 #include "site/references.h"
@@ -27,9 +28,9 @@ constexpr const char* PlacesHelp =
 /// True when a path below the folder of the pages is something that the site has or may have.
 bool IsInSite(Site& theSite, const std::string& myPath)
 {
-    const fs::path myNormal = fs::path(myPath).lexically_normal();
+    const fs::path myNormal = PathOf(myPath).lexically_normal();
     const std::vector<Page> myPages = theSite.Pages();
-    const bool myIsPage = std::ranges::find(myPages, myNormal.string(), &Page::Name) != myPages.end();
+    const bool myIsPage = std::ranges::find(myPages, TextOf(myNormal), &Page::Name) != myPages.end();
     const std::string myFolder = myNormal.begin() == myNormal.end() ? std::string() : myNormal.begin()->string();
     // Only a build knows what it puts into its folders.
     const bool myIsOfBuild = myFolder == "images" || myFolder == "media" || myFolder == "files";
@@ -50,15 +51,15 @@ void ReportProblems(Site& theSite, const std::string& myPage, const PageInput& m
         {
             std::cerr << "qelhost: " << Printable(myPage) << " refers to \"" << Printable(myPath)
                       << "\", which the site does not have; add it as a page, or put it into "
-                      << (theSite.StaticFolder() / "").string() << "." << std::endl;
+                      << TextOf(theSite.StaticFolder() / "") << "." << std::endl;
         }
     }
 }
 
 void Add(const Arguments& myArguments)
 {
-    const std::string myName = myArguments.Name.value_or(myArguments.File.filename().string());
-    const std::string myTitle = myArguments.Title.value_or(fs::path(myName).stem().string());
+    const std::string myName = myArguments.Name.value_or(TextOf(myArguments.File.filename()));
+    const std::string myTitle = myArguments.Title.value_or(TextOf(PathOf(myName).stem()));
     const PageInput myInput = ReadPage(myArguments.File);
     Site mySite(myArguments.Site);
     mySite.AddPage(myName, myTitle, myInput);
@@ -126,9 +127,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
     };
 
     CLI::App* const myAdd = AddSiteCommand(*myGroup, "add", "Adds a page after the others", theArguments);
-    myAdd->add_option("FILE", theArguments.File, "The HTML file; - reads the standard input")
-        ->required()
-        ->type_name("");
+    AddPath(*myAdd, "FILE", theArguments.File, "The HTML file; - reads the standard input")->required()->type_name("");
     myAdd->add_option("--name", theArguments.Name, "The page's name, if not that of the file")->type_name("NAME.html");
     myAdd->add_option("--title", theArguments.Title, "What the menu calls the page, if not its name");
     myAdd->footer(PlacesHelp);
@@ -138,7 +137,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
         ->callback([&theArguments] { Show(theArguments); });
 
     CLI::App* const mySet = AddPageCommand("set", "Changes a page's HTML, its title or its name");
-    mySet->add_option("FILE", theArguments.OptionalFile, "The HTML file; - reads the standard input")->type_name("");
+    AddPath(*mySet, "FILE", theArguments.OptionalFile, "The HTML file; - reads the standard input")->type_name("");
     mySet->add_option("--title", theArguments.Title, "What the menu calls the page");
     mySet->add_option("--name", theArguments.Name, "The page's new name")->type_name("NAME.html");
     mySet->footer(PlacesHelp);

@@ -66,7 +66,7 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
         theCommand->add_option("--title", theArguments.Title, "Its title in the list of records");
         theCommand->add_option("--page", theArguments.OtherPage, "A page of the site")->type_name("PAGE");
         theCommand->add_option("--address", theArguments.Address, "An address, or what follows the page's");
-        theCommand->add_option("--file", theArguments.OptionalFile, "A file of yours")->type_name("FILE");
+        AddPath(*theCommand, "--file", theArguments.OptionalFile, "A file of yours")->type_name("FILE");
         theCommand->footer(KindsHelp);
     };
 

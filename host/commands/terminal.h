@@ -1,8 +1,25 @@
-/// The terminal that the program is used from.
+/// The terminal that the program is used from, and its command line.
 #pragma once
+
+#include <string>
+#include <vector>
 
 namespace qel::host
 {
+
+/// The arguments of the command line in UTF-8, without the program's name. `myCount` and `myTexts` are those of main.
+std::vector<std::string> CommandLine(int myCount, const char* const* myTexts);
+
+/// Prepares the standard streams, for as long as it lives: a terminal shows UTF-8 and obeys escapes, and what is read
+/// or written elsewhere is bytes, unchanged. The program has one, before it reads or writes.
+class StandardStreams
+{
+public:
+    StandardStreams();
+    StandardStreams(const StandardStreams&) = delete;
+    StandardStreams& operator=(const StandardStreams&) = delete;
+    ~StandardStreams();
+};
 
 enum class Output
 {
@@ -10,7 +27,7 @@ enum class Output
     Errors
 };
 
-/// True when what is written to that stream appears on a terminal.
+/// True when what is written to that stream appears on a terminal that obeys escapes.
 bool IsTerminal(Output myStream);
 
 } // namespace qel::host

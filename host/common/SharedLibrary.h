@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <utility>
 
 namespace qel::host
 {
@@ -15,8 +16,12 @@ public:
     explicit SharedLibrary(const std::filesystem::path& myFile);
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
-    SharedLibrary(SharedLibrary&& myOther) noexcept;
-    SharedLibrary& operator=(SharedLibrary&& myOther) noexcept;
+    SharedLibrary(SharedLibrary&& myOther) noexcept : myHandle(std::exchange(myOther.myHandle, nullptr)) {}
+    SharedLibrary& operator=(SharedLibrary&& myOther) noexcept
+    {
+        std::swap(myHandle, myOther.myHandle);
+        return *this;
+    }
     ~SharedLibrary();
 
     bool IsOpen() const { return myHandle != nullptr; }

@@ -1,6 +1,7 @@
 #include "site/Connection.h"
 
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/systemReasons.h"
 
 #include <algorithm>
@@ -48,11 +49,12 @@ bool KeepsFromWriting(int myCode)
     return std::ranges::find(Codes, myCode & 0xFF) != Codes.end();
 }
 
-/// An address that SQLite opens a file by, as one that nothing changes meanwhile.
+/// An address by which SQLite opens a file of an absolute path, as one that nothing changes meanwhile.
 std::string UnchangingAddress(const std::filesystem::path& myFilename)
 {
-    std::string theAddress = "file:";
-    for (const char myCharacter : myFilename.string())
+    const std::string myPath = PortableTextOf(myFilename);
+    std::string theAddress = myPath.starts_with('/') ? "file://" : "file:///";
+    for (const char myCharacter : myPath)
     {
         const bool myIsSpecial = std::string_view("%?#").find(myCharacter) != std::string_view::npos;
         theAddress += !myIsSpecial         ? std::string(1, myCharacter)
@@ -110,13 +112,13 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
 {
     if (myMode == Mode::Create)
     {
-        Open(myFilename.string(), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        Open(TextOf(myFilename), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
         Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
         return;
     }
     try
     {
-        Open(myFilename.string(), SQLITE_OPEN_READWRITE);
+        Open(TextOf(myFilename), SQLITE_OPEN_READWRITE);
         Number("SELECT count(*) FROM sqlite_schema"); // needs the files of the write-ahead log
         if (sqlite3_db_readonly(myHandle.get(), "main") != 0)
         {
@@ -139,17 +141,17 @@ void Connection::OpenForReading()
 {
     try
     {
-        Open(myFilename.string(), SQLITE_OPEN_READONLY);
+        Open(TextOf(myFilename), SQLITE_OPEN_READONLY);
         Number("SELECT count(*) FROM sqlite_schema");
     }
     catch (const Failure&)
     {
         // Without its write-ahead log the file alone is the whole database. With one it is not.
         std::error_code myError;
-        const auto myLength = std::filesystem::file_size(myFilename.string() + "-wal", myError);
+        const auto myLength = std::filesystem::file_size(std::filesystem::path(myFilename) += "-wal", myError);
         if (!myError && myLength > 0)
         {
-            throw Failure(myFilename.string() +
+            throw Failure(TextOf(myFilename) +
                           ": a program that wrote to it was interrupted, and its disk cannot be written to complete "
                           "that; make room, or copy the site to another disk");
         }
@@ -161,7 +163,7 @@ void Connection::DemandWritable() const
 {
     if (!myRefusal.empty())
     {
-        throw Failure(myFilename.string() + ": " + myRefusal);
+        throw Failure(TextOf(myFilename) + ": " + myRefusal);
     }
 }
 
@@ -208,7 +210,7 @@ void Connection::Fail(int myCode) const
     const std::string myAdvice = Advice(myHandle ? sqlite3_extended_errcode(myHandle.get()) : myCode);
     const std::string myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
     throw Failure(
-        myFilename.string() + ": " +
+        TextOf(myFilename) + ": " +
         (myAdvice.empty() ? "the database fails with \"" + myReason + "\"; put back a copy of it" : myAdvice));
 }
 

@@ -1,6 +1,8 @@
 #include "site/Site.h"
 
 #include "common/Failure.h"
+#include "common/paths.h"
+#include "site/fileOperations.h"
 #include "site/PageText.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
@@ -115,13 +117,13 @@ void Site::Create(const fs::path& myFolder, std::string_view myTitle)
     DemandFolderName(myFolder);
     if (TypeOfEntry(myFolder / "site.db") != fs::file_type::not_found)
     {
-        throw Failure(myFolder.string() + " is a site already; work on it, or give another folder");
+        throw Failure(TextOf(myFolder) + " is a site already; work on it, or give another folder");
     }
     for (const char* mySubfolder : {"data", "build"})
     {
         if (TypeOfEntry(myFolder / mySubfolder) != fs::file_type::not_found)
         {
-            throw Failure((myFolder / mySubfolder).string() + " is there already; give another folder for the site");
+            throw Failure(TextOf(myFolder / mySubfolder) + " is there already; give another folder for the site");
         }
     }
     MakeFolder(myFolder / "data");
@@ -140,13 +142,13 @@ fs::path RealFolder(const fs::path& myFolder)
     DemandFolderName(myFolder);
     if (TypeOfEntry(myFolder / "site.db") == fs::file_type::not_found)
     {
-        throw Failure(myFolder.string() + " is not a site: run qelhost init " + myFolder.string());
+        throw Failure(TextOf(myFolder) + " is not a site: run qelhost init " + TextOf(myFolder));
     }
     std::error_code myError;
-    fs::path theFolder = fs::canonical(myFolder, myError);
+    fs::path theFolder = RealFolderPath(myFolder, myError);
     if (myError)
     {
-        FailWithSystemError("cannot open the site " + myFolder.string(), myError);
+        FailWithSystemError("cannot open the site " + TextOf(myFolder), myError);
     }
     return theFolder;
 }
@@ -163,7 +165,7 @@ void Site::Migrate()
 {
     if (myConnection.Number("PRAGMA application_id") != ApplicationId)
     {
-        throw Failure((myFolder / "site.db").string() + " was not made by qelhost; give another folder");
+        throw Failure(TextOf(myFolder / "site.db") + " was not made by qelhost; give another folder");
     }
     const int64_t myNewest = Migrations.size();
     const auto myVersion = [&]
@@ -172,7 +174,7 @@ void Site::Migrate()
     };
     if (myVersion() > myNewest)
     {
-        throw Failure(myFolder.string() + " has the format " + std::to_string(myVersion()) +
+        throw Failure(TextOf(myFolder) + " has the format " + std::to_string(myVersion()) +
                       " of a newer qelhost, and this one knows " + std::to_string(myNewest) + "; use the newer one");
     }
     try

@@ -1,4 +1,5 @@
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "site/scriptTags.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
@@ -31,7 +32,7 @@ const std::string Select = "SELECT uid, kind, record.title, coalesce(page.name, 
 
 std::string Site::DataName(const fs::path& mySource, std::string_view myOwnName)
 {
-    std::string theName = SafeFileName(mySource.filename().string());
+    std::string theName = SafeFileName(TextOf(mySource.filename()));
     const Text myLowerName = LowerCase(FromUtf8(theName));
     const std::string myProblem = NameProblem(theName);
     if (!myProblem.empty() || IsReserved(myLowerName))
@@ -57,7 +58,7 @@ void Site::RemoveDataFile(const std::string& myName) const
     std::error_code myIgnored;
     if (!myName.empty())
     {
-        fs::remove(DataFolder() / myName, myIgnored);
+        fs::remove(DataFolder() / PathOf(myName), myIgnored);
     }
 }
 
@@ -80,7 +81,7 @@ int64_t Site::StoreRecord(Transaction& myTransaction, Record theRecord, const Re
     const int64_t theUid = myConnection.LastKey();
     if (myChange.File)
     {
-        CopyWholeFile(*myChange.File, DataFolder() / theRecord.Filename);
+        CopyWholeFile(*myChange.File, DataFolder() / PathOf(theRecord.Filename));
     }
     myTransaction.Commit();
     if (myOldName != theRecord.Filename)

@@ -1,6 +1,8 @@
 // The files that pages came from. A page remembers its file, relative to the site where the file lies inside, so that
 // the whole can be moved, and a hash of the file's content; an empty hash says that the file was found missing.
 #include "common/Failure.h"
+#include "common/paths.h"
+#include "site/fileOperations.h"
 #include "site/PageText.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"
@@ -33,7 +35,7 @@ fs::path RealPath(const fs::path& myFile)
 {
     std::error_code myError;
     const fs::path myAbsolute = fs::absolute(myFile, myError);
-    const fs::path myFolder = fs::canonical(myAbsolute.parent_path(), myError);
+    const fs::path myFolder = RealFolderPath(myAbsolute.parent_path(), myError);
     return myError ? myAbsolute : myFolder / myAbsolute.filename();
 }
 
@@ -62,7 +64,7 @@ void Site::StoreSource(int64_t myPage, const PageInput& myInput)
     }
     const fs::path myRelative = myInput.Source->lexically_relative(myFolder);
     const bool myIsInside = !myRelative.empty() && *myRelative.begin() != "..";
-    const std::string mySource = (myIsInside ? myRelative : *myInput.Source).string();
+    const std::string mySource = PortableTextOf(myIsInside ? myRelative : *myInput.Source);
     myConnection.Run("UPDATE page SET source = ?, source_hash = ? WHERE id = ?",
                      {mySource, HashOf(myInput.Content), myPage});
 }
@@ -103,7 +105,7 @@ std::optional<SourceNews> Site::RefreshPage(int64_t myPage, const std::string& m
                                             const std::string& myOldHash)
 try
 {
-    const fs::path myFile = myFolder / mySource; // an absolute path stays as it is
+    const fs::path myFile = myFolder / PathOf(mySource); // an absolute path stays as it is
     std::error_code myIgnored;
     const fs::file_type myType = fs::status(myFile, myIgnored).type();
     if (myType == fs::file_type::not_found)

@@ -8,6 +8,10 @@
 namespace qel::host
 {
 
+/// What is said before the lock is waited for.
+inline constexpr const char* AnotherIsWorking =
+    "Another qelhost of yours is building, or has a dialog open; waiting until it has finished.";
+
 /// Holds the user's lock for as long as it lives. The system lets it go if the program dies.
 class UserLock
 {

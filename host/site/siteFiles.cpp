@@ -1,7 +1,9 @@
 #include "site/siteFiles.h"
 
 #include "common/Failure.h"
+#include "common/paths.h"
 #include "common/systemReasons.h"
+#include "site/fileOperations.h"
 #include "site/processes.h"
 #include "text/encodings.h"
 
@@ -72,17 +74,17 @@ public:
     void CopyFrom(const fs::path& mySource) const
     {
         std::error_code myError;
-        fs::copy_file(mySource, myName, fs::copy_options::overwrite_existing, myError);
+        CopyContent(mySource, myName, myError);
         if (myError)
         {
-            FailWithSystemError("cannot copy " + mySource.string() + " to " + myTarget.string(), myError);
+            FailWithSystemError("cannot copy " + TextOf(mySource) + " to " + TextOf(myTarget), myError);
         }
     }
 
     void TakePlace()
     {
         std::error_code myError;
-        fs::rename(myName, myTarget, myError);
+        RenameEntry(myName, myTarget, myError);
         if (myError)
         {
             Fail(myError);
@@ -93,7 +95,7 @@ public:
 private:
     [[noreturn]] void Fail(std::error_code myError) const
     {
-        FailWithSystemError("cannot write " + myTarget.string(), myError);
+        FailWithSystemError("cannot write " + TextOf(myTarget), myError);
     }
 
     fs::path myTarget;
@@ -133,7 +135,7 @@ std::ifstream OpenedForReading(const fs::path& mySource, const std::string& myWh
 std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
 {
     const bool myIsInput = mySource == "-";
-    const std::string myWhat = "cannot read " + (myIsInput ? "the standard input" : mySource.string());
+    const std::string myWhat = "cannot read " + (myIsInput ? "the standard input" : TextOf(mySource));
     const auto DemandLength = [&](uint64_t myLength)
     {
         if (myLength > myLimit)
@@ -182,10 +184,10 @@ void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget)
 fs::file_type TypeOfEntry(const fs::path& myPath)
 {
     std::error_code myError;
-    const fs::file_type theType = fs::symlink_status(myPath, myError).type();
+    const fs::file_type theType = EntryType(myPath, myError);
     if (theType == fs::file_type::none)
     {
-        FailWithSystemError("cannot look at " + myPath.string(), myError);
+        FailWithSystemError("cannot look at " + TextOf(myPath), myError);
     }
     return theType;
 }
@@ -223,7 +225,7 @@ void MakeFolder(const fs::path& myFolder)
     fs::create_directories(myFolder, myError);
     if (myError)
     {
-        FailWithSystemError("cannot make the folder " + myFolder.string(), myError);
+        FailWithSystemError("cannot make the folder " + TextOf(myFolder), myError);
     }
 }
 
@@ -240,17 +242,17 @@ void RemoveFile(const fs::path& myFile)
     }
     if (myError)
     {
-        FailWithSystemError("cannot remove " + myFile.string(), myError);
+        FailWithSystemError("cannot remove " + TextOf(myFile), myError);
     }
 }
 
 void RenameFile(const fs::path& myFile, const fs::path& myTarget)
 {
     std::error_code myError;
-    fs::rename(myFile, myTarget, myError);
+    RenameEntry(myFile, myTarget, myError);
     if (myError)
     {
-        FailWithSystemError("cannot rename " + myFile.string(), myError);
+        FailWithSystemError("cannot rename " + TextOf(myFile), myError);
     }
 }
 
@@ -258,7 +260,7 @@ fs::path UnfinishedName(const fs::path& myTarget)
 {
     std::string theName(UnfinishedHead);
     theName += std::to_string(OwnProcess());
-    return myTarget.parent_path() / (theName += UnfinishedEnd);
+    return myTarget.parent_path() / PathOf(theName += UnfinishedEnd);
 }
 
 namespace
@@ -286,7 +288,7 @@ void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind)
         const int64_t myWriter = WriterOf(myName);
         if (myWriter > 0 && (myKind == Unfinished::OfAllPrograms || HasEnded(myWriter)))
         {
-            RemoveFile(myFolder / myName);
+            RemoveFile(myFolder / PathOf(myName));
         }
     }
 }
@@ -298,11 +300,11 @@ std::vector<std::string> NamesInFolder(const fs::path& myFolder)
     for (fs::directory_iterator myEntry(myFolder, myError), myEnd; !myError && myEntry != myEnd;
          myEntry.increment(myError))
     {
-        theNames.push_back(myEntry->path().filename().string());
+        theNames.push_back(TextOf(myEntry->path().filename()));
     }
     if (myError && myError != std::errc::no_such_file_or_directory)
     {
-        FailWithSystemError("cannot read the folder " + myFolder.string(), myError);
+        FailWithSystemError("cannot read the folder " + TextOf(myFolder), myError);
     }
     std::ranges::sort(theNames);
     return theNames;

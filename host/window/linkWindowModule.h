@@ -2,16 +2,24 @@
 #pragma once
 
 #include "site/LinkChoice.h"
+#include "text/errors.h"
 
 namespace qel::host
 {
 
-/// The module's one entry point. It shows the offered targets in a modal window until the author closes it. True: it
-/// was confirmed, and `theChoice` is the result. False: it was cancelled, and `theChoice` is unchanged. On the thread
-/// that shows the program's windows. Error 57: there is no display. 5: another thread shows the windows.
-using LinkWindowEntry = bool(LinkChoice& theChoice);
+enum class LinkWindowEnd
+{
+    Confirmed, ///< the choice has been stored
+    Cancelled, ///< the choice is unchanged
+    Failed     ///< the same, and the failure has been stored
+};
 
-/// The number changes with LinkChoice.
-inline constexpr char LinkWindowEntryName[] = "QelhostShowLinkWindow1";
+/// The module's one entry point. It shows the offered targets in a modal window until the author closes it. On the
+/// thread that shows the program's windows. Error 57: there is no display. 5: another thread shows the windows. 7:
+/// there is no memory. No exception leaves the module.
+using LinkWindowEntry = LinkWindowEnd(LinkChoice& theChoice, Error& theFailure);
+
+/// The number changes with the types above.
+inline constexpr char LinkWindowEntryName[] = "QelhostShowLinkWindow2";
 
 } // namespace qel::host

@@ -69,7 +69,14 @@ private:
             return myDefault;
         }
         void* theObject = nullptr;
-        ((SameId(myId, *InterfaceId<Others>) ? void(theObject = static_cast<Others*>(this)) : void()), ...);
+        [[maybe_unused]] const auto Try = [&]<class Interface>(Interface* myCandidate)
+        {
+            if (SameId(myId, *InterfaceId<Interface>))
+            {
+                theObject = myCandidate;
+            }
+        };
+        (Try(static_cast<Others*>(this)), ...);
         return theObject;
     }
 

@@ -155,9 +155,14 @@ std::string ProgramRunner::Run(const std::vector<std::string>& myArguments, doub
     return myHasEnded ? EndOf(myStatus) : myLimit.data();
 }
 
-void EndWithRunner()
+void BeginRun()
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
+
+void EndRun()
+{
+    std::_Exit(0);
 }
 
 void IsolateProcess(const fs::path& myFolder)
@@ -197,6 +202,12 @@ fs::path MakeTemporaryFolder()
                       (myError ? myError.message() : std::strerror(errno)) + "; set TMPDIR to one that can be written");
     }
     return theFolder;
+}
+
+void RemoveTemporaryFolder(const fs::path& myFolder)
+{
+    std::error_code myIgnored;
+    fs::remove_all(myFolder, myIgnored);
 }
 
 } // namespace qel::host

@@ -5,6 +5,15 @@
 namespace qel::host
 {
 
+std::vector<std::string> CommandLine(int myCount, const char* const* myTexts)
+{
+    return {myTexts + (myCount > 0 ? 1 : 0), myTexts + myCount};
+}
+
+// Nothing needs preparation.
+StandardStreams::StandardStreams() = default;
+StandardStreams::~StandardStreams() = default;
+
 bool IsTerminal(Output myStream)
 {
     return isatty(myStream == Output::Standard ? STDOUT_FILENO : STDERR_FILENO) != 0;

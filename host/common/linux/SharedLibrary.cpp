@@ -6,7 +6,6 @@
 #include <fstream>
 #include <string>
 #include <system_error>
-#include <utility>
 
 #include <dlfcn.h>
 
@@ -20,7 +19,7 @@ namespace
 std::string LoadingProblem(const std::filesystem::path& myFile, const std::string& myReason)
 {
     constexpr std::size_t HeaderSize = 64; // of the smallest file that the loader looks at
-    const std::string myName = Printable(myFile.string());
+    const std::string myName = Printable(myFile.native());
     std::error_code myError;
     const auto myType = std::filesystem::status(myFile, myError).type();
     if (myType == std::filesystem::file_type::not_found)
@@ -55,14 +54,6 @@ SharedLibrary::SharedLibrary(const std::filesystem::path& myFile)
     {
         throw Failure(LoadingProblem(myFile, dlerror()));
     }
-}
-
-SharedLibrary::SharedLibrary(SharedLibrary&& myOther) noexcept : myHandle(std::exchange(myOther.myHandle, nullptr)) {}
-
-SharedLibrary& SharedLibrary::operator=(SharedLibrary&& myOther) noexcept
-{
-    std::swap(myHandle, myOther.myHandle);
-    return *this;
 }
 
 SharedLibrary::~SharedLibrary()

@@ -27,8 +27,7 @@ UserLock::UserLock(std::ostream& theMessages)
     int myResult = theFile->IsOpen() ? flock(theFile->Handle(), LOCK_EX | LOCK_NB) : -1;
     if (myResult != 0 && errno == EWOULDBLOCK)
     {
-        theMessages << "Another qelhost of yours is building, or has a dialog open; waiting until it has finished."
-                    << std::endl;
+        theMessages << AnotherIsWorking << std::endl;
         myResult = Retrying([&] { return flock(theFile->Handle(), LOCK_EX); });
     }
     if (myResult != 0)

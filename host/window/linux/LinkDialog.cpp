@@ -1,4 +1,4 @@
-#include "window/LinkDialog.h"
+#include "window/linux/LinkDialog.h"
 
 #include "platform/linux/toolkit/toolkitText.h"
 

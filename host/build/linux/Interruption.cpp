@@ -17,10 +17,15 @@ extern "C" void NoteSignal(int myNumber)
     std::signal(myNumber, SIG_DFL);
 }
 
+using Handler = void (*)(int);
+
+Handler myOldInterrupt = SIG_DFL;
+Handler myOldTermination = SIG_DFL;
+
 /// Takes a signal unless the program was started to ignore it, and returns what took it before.
-auto Take(int myNumber)
+Handler Take(int myNumber)
 {
-    const auto theOld = std::signal(myNumber, NoteSignal);
+    const Handler theOld = std::signal(myNumber, NoteSignal);
     if (theOld == SIG_IGN)
     {
         std::signal(myNumber, SIG_IGN);
@@ -37,7 +42,11 @@ void Interrupted::EndProgram()
     std::abort(); // not reached: the default action of the signals that are taken ends the program
 }
 
-Interruption::Interruption() : myOldInterrupt(Take(SIGINT)), myOldTermination(Take(SIGTERM)) {}
+Interruption::Interruption()
+{
+    myOldInterrupt = Take(SIGINT);
+    myOldTermination = Take(SIGTERM);
+}
 
 Interruption::~Interruption()
 {

@@ -1,0 +1,56 @@
+#include "build/Interruption.h"
+
+#include "platform/windows/windowsHeaders.h"
+
+#include <atomic>
+
+namespace qel::host
+{
+
+namespace
+{
+
+constexpr UINT EndedByControlC = 0xC000013A; // the exit code that shells know
+
+std::atomic<bool> myIsRequested = false;
+
+/// The system calls it on a thread of its own.
+BOOL WINAPI NoteRequest(DWORD myEvent)
+{
+    if (myIsRequested.exchange(true))
+    {
+        return FALSE; // the second request ends the program at once
+    }
+    if (myEvent != CTRL_C_EVENT && myEvent != CTRL_BREAK_EVENT)
+    {
+        Sleep(INFINITE); // the window is closed or the user logs off: the system ends the program when this returns
+    }
+    return TRUE;
+}
+
+} // namespace
+
+void Interrupted::EndProgram()
+{
+    ExitProcess(EndedByControlC);
+}
+
+Interruption::Interruption()
+{
+    SetConsoleCtrlHandler(NoteRequest, TRUE);
+}
+
+Interruption::~Interruption()
+{
+    SetConsoleCtrlHandler(NoteRequest, FALSE);
+}
+
+void Interruption::ThrowIfRequested()
+{
+    if (myIsRequested)
+    {
+        throw Interrupted("the build was interrupted; build again to complete it");
+    }
+}
+
+} // namespace qel::host
