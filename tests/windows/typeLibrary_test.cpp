@@ -2,8 +2,10 @@
 // binding, whose slots are those of the C++ declarations.
 #include "com/DispatchImplementation.h"
 #include "componentTest.h"
+#include "platform/windows/wideText.h"
 
 #include <algorithm>
+#include <map>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -18,20 +20,33 @@ namespace
 
 constexpr size_t DispatchSlots = 7;
 
-/// One member in words: slot, number, kind, name, types.
+/// One member in words: slot, number, kind, name, and its parameters, each with its type and its direction.
 using Members = std::vector<std::string>;
 
 std::string Words(const std::string& mySlot, DISPID myNumber, INVOKEKIND myKind, const std::string& myName,
-                  const std::vector<VARTYPE>& myTypes)
+                  const std::vector<std::string>& myParameters)
 {
     std::string theWords =
         mySlot + " id " + std::to_string(myNumber) + " kind " + std::to_string(myKind) + " " + myName;
-    for (const VARTYPE myType : myTypes)
+    for (const std::string& myParameter : myParameters)
     {
-        theWords += " " + std::to_string(myType);
+        theWords += " " + myParameter;
     }
     return theWords;
 }
+
+std::string IdWords(const GUID& myId)
+{
+    wchar_t theText[40] = {};
+    StringFromGUID2(myId, theText, 40);
+    return ToUtf8(TextOfWide(theText));
+}
+
+/// The members that take an object, each of which is named as its interface is.
+const std::map<TextView, IID> ObjectTypes = {{u"QelThumbnails", IID_QelThumbnails},
+                                             {u"QelDatabase", IID_QelDatabase},
+                                             {u"QelTopic", IID_QelTopic},
+                                             {u"QelBuildHelper", IID_QelBuildHelper}};
 
 Members MembersOfTable(const IID& myInterface, bool mySlots)
 {
@@ -43,22 +58,46 @@ Members MembersOfTable(const IID& myInterface, bool mySlots)
         const DISPID myNumber = std::ranges::find(myRows, myRow.Name, &DispatchMember::Name)->Number;
         constexpr INVOKEKIND Kinds[] = {INVOKE_FUNC, INVOKE_FUNC, INVOKE_PROPERTYGET, INVOKE_PROPERTYPUT,
                                         INVOKE_PROPERTYPUTREF};
+        std::vector<std::string> myParameters;
+        for (const VARTYPE myType : myRow.Types)
+        {
+            const bool myIsResult = myParameters.size() == myRow.ArgumentCount;
+            const USHORT myFlags = myIsResult ? PARAMFLAG_FOUT | PARAMFLAG_FRETVAL : PARAMFLAG_FIN | PARAMFLAG_FOUT;
+            const std::string myTypeWords =
+                myType == VT_DISPATCH ? "*" + IdWords(ObjectTypes.at(myRow.Name)) : std::to_string(myType);
+            // What is bound late only has its result as the result of the function.
+            myParameters.push_back(myIsResult && !mySlots ? myTypeWords
+                                                          : "*" + myTypeWords + "/" + std::to_string(myFlags));
+        }
         theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot++) : "late", myNumber,
-                                   Kinds[static_cast<size_t>(myRow.Kind)], ToUtf8(myRow.Name),
-                                   {myRow.Types.begin(), myRow.Types.end()}));
+                                   Kinds[static_cast<size_t>(myRow.Kind)], ToUtf8(myRow.Name), myParameters));
     }
     return theMembers;
 }
 
-/// The type of the value that a parameter points to.
-VARTYPE TypeOf(const TYPEDESC& myType)
+TYPEATTR AttributesOf(ITypeInfo& myInfo)
 {
-    if (myType.vt != VT_PTR)
+    TYPEATTR* myAttributes = nullptr;
+    EXPECT_EQ(myInfo.GetTypeAttr(&myAttributes), S_OK);
+    const TYPEATTR theCopy = *myAttributes;
+    myInfo.ReleaseTypeAttr(myAttributes);
+    return theCopy;
+}
+
+/// A type, with a sign for each pointer to it.
+std::string TypeWords(ITypeInfo& myInfo, const TYPEDESC& myType)
+{
+    if (myType.vt == VT_PTR)
     {
-        return myType.vt;
+        return "*" + TypeWords(myInfo, *myType.lptdesc);
     }
-    const VARTYPE theTarget = myType.lptdesc->vt;
-    return theTarget == VT_PTR && myType.lptdesc->lptdesc->vt == VT_USERDEFINED ? VARTYPE{VT_DISPATCH} : theTarget;
+    if (myType.vt != VT_USERDEFINED)
+    {
+        return std::to_string(myType.vt);
+    }
+    ComPtr<ITypeInfo> myReferred;
+    EXPECT_EQ(myInfo.GetRefTypeInfo(myType.hreftype, myReferred.Receive()), S_OK);
+    return IdWords(AttributesOf(*myReferred.Get()).guid);
 }
 
 Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
@@ -71,32 +110,25 @@ Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
         Bstr myName;
         UINT myNameCount = 0;
         EXPECT_EQ(myInfo.GetNames(myFunction->memid, myName.Pointer(), 1, &myNameCount), S_OK);
-        std::vector<VARTYPE> myTypes;
+        std::vector<std::string> myParameters;
         for (SHORT j = 0; j < myFunction->cParams; ++j)
         {
-            myTypes.push_back(TypeOf(myFunction->lprgelemdescParam[j].tdesc));
+            const ELEMDESC& myParameter = myFunction->lprgelemdescParam[j];
+            myParameters.push_back(TypeWords(myInfo, myParameter.tdesc) + "/" +
+                                   std::to_string(myParameter.paramdesc.wParamFlags));
         }
         const VARTYPE myResult = myFunction->elemdescFunc.tdesc.vt;
         if (!mySlots && myResult != VT_VOID)
         {
-            myTypes.push_back(myResult);
+            myParameters.push_back(std::to_string(myResult));
         }
         EXPECT_EQ(mySlots, myResult == VT_HRESULT) << i;
         const size_t mySlot = static_cast<size_t>(myFunction->oVft) / sizeof(void*);
         theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot) : "late", myFunction->memid,
-                                   myFunction->invkind, ToUtf8(myName.Value()), myTypes));
+                                   myFunction->invkind, ToUtf8(myName.Value()), myParameters));
         myInfo.ReleaseFuncDesc(myFunction);
     }
     return theMembers;
-}
-
-TYPEATTR AttributesOf(ITypeInfo& myInfo)
-{
-    TYPEATTR* myAttributes = nullptr;
-    EXPECT_EQ(myInfo.GetTypeAttr(&myAttributes), S_OK);
-    const TYPEATTR theCopy = *myAttributes;
-    myInfo.ReleaseTypeAttr(myAttributes);
-    return theCopy;
 }
 
 /// The type library of the built component.
