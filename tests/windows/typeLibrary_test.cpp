@@ -1,5 +1,5 @@
-// The type library inside the built component describes what the component does: it agrees with the tables of late
-// binding, whose slots are those of the C++ declarations.
+// What the built component carries as resources. The type library describes what the component does: it agrees with the
+// tables of late binding, whose slots are those of the C++ declarations.
 #include "com/DispatchImplementation.h"
 #include "componentTest.h"
 #include "platform/windows/wideText.h"
@@ -227,6 +227,49 @@ TEST_F(TypeLibrary, GetTypeInfo_DescribesTheInterfaceThatIsAsked)
         EXPECT_TRUE(SameId(AttributesOf(*myInfo.Get()).guid, *myId));
         EXPECT_EQ(myObject->GetTypeInfo(1, 0, myInfo.Receive()), DISP_E_BADINDEX);
     }
+}
+
+TEST(Resources, VersionRecord_HasTheTextsAndNumbersOfTheComponent)
+{
+    const auto myPath = PathOfUtf8(QEL_STAGE "/QelPluginAnimation.dll");
+    std::vector<std::byte> myRecord(GetFileVersionInfoSizeW(myPath.c_str(), nullptr));
+    ASSERT_TRUE(GetFileVersionInfoW(myPath.c_str(), 0, static_cast<DWORD>(myRecord.size()), myRecord.data()));
+    void* myValue = nullptr;
+    UINT myLength = 0;
+    ASSERT_TRUE(VerQueryValueW(myRecord.data(), L"\\", &myValue, &myLength));
+    const auto& myNumbers = *static_cast<const VS_FIXEDFILEINFO*>(myValue);
+    EXPECT_EQ(myNumbers.dwFileVersionMS, 0x10000U);
+    EXPECT_EQ(myNumbers.dwFileVersionLS, 19U);
+    const std::pair<std::wstring, std::wstring> myTexts[] = {
+        {L"FileDescription", L"Läßt Grafiken über Ihre Homepage schweben"},
+        {L"FileVersion", L"1.00.0019"},
+        {L"InternalName", L"QelPluginAnimation"},
+        {L"LegalCopyright", L"Copyright (c) 2026 The Tesselwind authors"},
+        {L"ProductName", L"Tesselwind"},
+    };
+    for (const auto& [myName, myText] : myTexts)
+    {
+        ASSERT_TRUE(
+            VerQueryValueW(myRecord.data(), (L"\\StringFileInfo\\000004B0\\" + myName).c_str(), &myValue, &myLength));
+        EXPECT_EQ(std::wstring_view(static_cast<const wchar_t*>(myValue)), myText);
+    }
+}
+
+TEST(Resources, IconsAndTheManifestOfALibrary)
+{
+    const LoadedComponent myComponent;
+    const HMODULE myModule = GetModuleHandleW(L"QelPluginAnimation.dll");
+    for (const int myIcon : {100, 110})
+    {
+        const HICON myLoaded = LoadIconW(myModule, MAKEINTRESOURCEW(myIcon));
+        EXPECT_NE(myLoaded, nullptr) << myIcon;
+        DestroyIcon(myLoaded);
+    }
+    const HRSRC myManifest = FindResourceW(myModule, MAKEINTRESOURCEW(2), RT_MANIFEST);
+    ASSERT_NE(myManifest, nullptr);
+    const std::string_view myText(static_cast<const char*>(LockResource(LoadResource(myModule, myManifest))),
+                                  SizeofResource(myModule, myManifest));
+    EXPECT_NE(myText.find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""), std::string_view::npos);
 }
 
 } // namespace
