@@ -1,56 +1,19 @@
 /// An early-bound client on the header of the type library, as other hosts of the system are written. The component is
 /// registered (see registered_test.py).
 #define INITGUID
+#include "com/Bstr.h"
+#include "com/ComPtr.h"
 #include "QelPluginAnimation.h"
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <thread>
 #include <vector>
 
+namespace qel
+{
 namespace
 {
-
-/// A text that crosses the interface.
-class String
-{
-public:
-    String() = default;
-    explicit String(const wchar_t* myValue) : myText(SysAllocString(myValue)) {}
-    String(const String&) = delete;
-    String& operator=(const String&) = delete;
-    ~String() { SysFreeString(myText); }
-
-    BSTR* Pointer() { return &myText; }
-    std::wstring Value() const { return {myText, SysStringLen(myText)}; }
-
-private:
-    BSTR myText = nullptr;
-};
-
-/// A reference that is released at the end.
-template <class Interface>
-class Holder
-{
-public:
-    Holder() = default;
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
-    ~Holder()
-    {
-        if (myObject != nullptr)
-        {
-            myObject->Release();
-        }
-    }
-
-    Interface* operator->() const { return myObject; }
-    void** Receive() { return reinterpret_cast<void**>(&myObject); }
-
-private:
-    Interface* myObject = nullptr;
-};
 
 /// The apartment of a thread.
 class Apartment
@@ -63,36 +26,36 @@ public:
 };
 
 template <class Interface>
-HRESULT Create(const CLSID& myClass, Holder<Interface>& theObject)
+HRESULT Create(const CLSID& myClass, ComPtr<Interface>& theObject)
 {
-    return CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), theObject.Receive());
+    return CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface),
+                            reinterpret_cast<void**>(theObject.Receive()));
 }
 
-std::wstring Read(const Holder<QelPlugin>& myPlugin, HRESULT (__stdcall QelPlugin::*myMember)(BSTR*))
+Text Read(const ComPtr<QelPlugin>& myPlugin, HRESULT (__stdcall QelPlugin::*myMember)(BSTR*))
 {
-    String theText;
-    EXPECT_EQ((myPlugin.operator->()->*myMember)(theText.Pointer()), S_OK);
+    Bstr theText;
+    EXPECT_EQ((myPlugin.Get()->*myMember)(theText.Pointer()), S_OK);
     return theText.Value();
 }
 
 /// Writes a script, reads it back, and lets one fail.
 void UsePlugin(const bool myIsLocal = true)
 {
-    Holder<QelPlugin> myPlugin;
+    ComPtr<QelPlugin> myPlugin;
     ASSERT_EQ(Create(CLSID_Main, myPlugin), S_OK);
-    String myScript(
-        (Read(myPlugin, &QelPlugin::get_InitialScript) + L"<pg.param name=image value=B\u00FAho.gif>").c_str());
+    Bstr myScript(Read(myPlugin, &QelPlugin::get_InitialScript) + u"<pg.param name=image value=B\u00FAho.gif>");
     EXPECT_EQ(myPlugin->put_Script(myScript.Pointer()), S_OK);
-    EXPECT_NE(Read(myPlugin, &QelPlugin::get_Script).find(L"value=\"B\u00FAho.gif\""), std::wstring::npos);
-    String myWrongScript(L"<pg.param name=from value=1e300>");
+    EXPECT_NE(Read(myPlugin, &QelPlugin::get_Script).find(u"value=\"B\u00FAho.gif\""), Text::npos);
+    Bstr myWrongScript(u"<pg.param name=from value=1e300>");
     EXPECT_EQ(myPlugin->put_Script(myWrongScript.Pointer()), static_cast<HRESULT>(0x800A0006));
     if (myIsLocal) // Wine carries no error information from one apartment to another
     {
-        Holder<IErrorInfo> myInfo;
-        ASSERT_EQ(GetErrorInfo(0, reinterpret_cast<IErrorInfo**>(myInfo.Receive())), S_OK);
-        String myDescription;
+        ComPtr<IErrorInfo> myInfo;
+        ASSERT_EQ(GetErrorInfo(0, myInfo.Receive()), S_OK);
+        Bstr myDescription;
         EXPECT_EQ(myInfo->GetDescription(myDescription.Pointer()), S_OK);
-        EXPECT_EQ(myDescription.Value(), L"Desbordamiento");
+        EXPECT_EQ(myDescription.Value(), u"Desbordamiento");
     }
     LONG myLink = 1;
     VARIANT_BOOL theAnswer = VARIANT_TRUE;
@@ -128,7 +91,7 @@ TEST(Client, Unload_AfterTheLastObjectAndAgain)
     for (int i = 0; i < 200; ++i)
     {
         {
-            Holder<QelStringSort> mySort;
+            ComPtr<QelStringSort> mySort;
             ASSERT_EQ(Create(CLSID_classStringSort, mySort), S_OK);
             UsePlugin();
             CoFreeUnusedLibrariesEx(0, 0);
@@ -157,3 +120,4 @@ TEST(Client, Apartment_OfManyThreads)
 }
 
 } // namespace
+} // namespace qel

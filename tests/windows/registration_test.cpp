@@ -4,6 +4,7 @@
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
 #include "Library.h"
+#include "testSystem.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
@@ -17,6 +18,8 @@ namespace qel
 {
 namespace
 {
+
+using namespace std::string_literals;
 
 const std::wstring MainKey = L"CLSID\\{4FCC59CA-C869-4963-A843-14D7C29AFA23}";
 const std::wstring SortKey = L"CLSID\\{AC34163F-A9F3-4932-A75F-284E50AD181B}";
@@ -48,18 +51,21 @@ public:
 
     void Replace(bool myChoice) const { RegOverridePredefKey(myPart, myChoice ? myKey : nullptr); }
 
-    /// Removes everybody's right to write, or restores it.
-    void Protect(bool myChoice) const
+    /// Removes everybody's right to write below a key, or restores it.
+    void Protect(bool myChoice, const std::wstring& myPath = {}) const
     {
+        HKEY myProtected = nullptr;
+        RegOpenKeyExW(myClasses, myPath.c_str(), 0, READ_CONTROL | WRITE_DAC, &myProtected);
         EXPLICIT_ACCESSW myEntry{};
         wchar_t myEverybody[] = L"Everyone";
         BuildExplicitAccessWithNameW(&myEntry, myEverybody, myChoice ? KEY_READ : KEY_ALL_ACCESS, SET_ACCESS,
                                      SUB_CONTAINERS_AND_OBJECTS_INHERIT);
         ACL* myList = nullptr;
         SetEntriesInAclW(1, &myEntry, nullptr, &myList);
-        SetSecurityInfo(myClasses, SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
+        SetSecurityInfo(myProtected, SE_REGISTRY_KEY, DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION,
                         nullptr, nullptr, myList, nullptr);
         LocalFree(myList);
+        RegCloseKey(myProtected);
     }
 
     bool Has(const std::wstring& myPath) const
@@ -130,13 +136,37 @@ TEST_F(Registration, Register_WritesForAllUsersOrForTheUser_UnregisterLeavesNoth
 
 TEST_F(Registration, Unregister_LeavesWhatNamesAnotherFile)
 {
+    wchar_t myShortName[MAX_PATH] = {};
+    GetShortPathNameW(PathOfUtf8(QEL_STAGE "/QelPluginAnimation.dll").make_preferred().c_str(), myShortName, MAX_PATH);
+    ASSERT_TRUE(std::wstring(myShortName).ends_with(L".DLL")) << "the short name is the same as the long one";
+    for (const auto& [myFile, myIsAnother] :
+         {std::pair{L"C:\\other\\QelPluginAnimation.dll", true}, {myShortName, false}})
+    {
+        EXPECT_EQ(Call("DllRegisterServer"), S_OK);
+        myAllUsers.Write(MainKey + L"\\InprocServer32", myFile);
+        EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
+        EXPECT_EQ(myAllUsers.Has(MainKey), myIsAnother);
+        EXPECT_EQ(myAllUsers.Has(L"QelPluginAnimation.Main"), myIsAnother);
+        EXPECT_FALSE(myAllUsers.Has(SortKey));
+        EXPECT_FALSE(myAllUsers.Has(L"QelPluginAnimation.classStringSort"));
+    }
+}
+
+TEST_F(Registration, Register_ThatFailsHalfwayForAllUsers_LeavesNothingThere)
+{
+    myAllUsers.Write(SortKey + L"\\InprocServer32", L"C:\\other.dll");
+    myAllUsers.Write(LibraryKey, L"");
+    myAllUsers.Protect(true, LibraryKey);
     EXPECT_EQ(Call("DllRegisterServer"), S_OK);
-    myAllUsers.Write(MainKey + L"\\InprocServer32", L"C:\\other\\QelPluginAnimation.dll");
-    EXPECT_EQ(Call("DllUnregisterServer"), S_OK);
-    EXPECT_TRUE(myAllUsers.Has(MainKey));
-    EXPECT_TRUE(myAllUsers.Has(L"QelPluginAnimation.Main"));
-    EXPECT_FALSE(myAllUsers.Has(SortKey));
-    EXPECT_FALSE(myAllUsers.Has(L"QelPluginAnimation.classStringSort"));
+    myAllUsers.Protect(false, LibraryKey);
+    EXPECT_TRUE(myUser.Has(MainKey));
+    for (const std::wstring& myKey :
+         {MainKey, L"QelPluginAnimation.Main"s, SortKey + L"\\ProgID", LibraryKey + L"\\1.0"})
+    {
+        EXPECT_FALSE(myAllUsers.Has(myKey)) << std::string(myKey.begin(), myKey.end());
+    }
+    EXPECT_EQ(myAllUsers.Read(SortKey), L"");
+    EXPECT_EQ(myAllUsers.Read(SortKey + L"\\InprocServer32"), L"C:\\other.dll");
 }
 
 TEST_F(Registration, Register_LeavesTheInterfacesOfTheHost)

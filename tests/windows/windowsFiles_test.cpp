@@ -7,6 +7,7 @@
 #include "platform/codePage.h"
 #include "platform/ListView.h"
 #include "platform/windows/componentFile.h"
+#include "platform/windows/FolderReader.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/localeGrouping.h"
 #include "platform/windows/nativePath.h"
@@ -95,6 +96,27 @@ TEST(PlainPath, WithoutWhatTheSystemPutsInFront)
     EXPECT_EQ(PlainPath(L"\\\\?\\UNC\\server\\share\\a"), L"\\\\server\\share\\a");
     EXPECT_EQ(PlainPath(L"\\\\?\\Volume{01}\\a"), L"\\\\?\\Volume{01}\\a");
     EXPECT_EQ(PlainPath(L"C:\\a"), L"C:\\a");
+}
+
+TEST(KindOf, LinkIsWhatStandsForAnotherName)
+{
+    constexpr DWORD Folder = FILE_ATTRIBUTE_DIRECTORY;
+    constexpr DWORD Reparse = FILE_ATTRIBUTE_REPARSE_POINT;
+    const std::tuple<DWORD, DWORD, EntryKind> myCases[] = {
+        {Folder | Reparse, IO_REPARSE_TAG_MOUNT_POINT, EntryKind::Link}, // a junction
+        {Reparse, IO_REPARSE_TAG_SYMLINK, EntryKind::Link},
+        {Reparse, 0, EntryKind::Link},                       // unknown
+        {Reparse, IO_REPARSE_TAG_WOF, EntryKind::File},      // compressed
+        {Folder | Reparse, 0x9000001A, EntryKind::Folder},   // stored elsewhere
+        {Folder, IO_REPARSE_TAG_SYMLINK, EntryKind::Folder}, // no tag without the attribute
+    };
+    for (const auto& [myAttributes, myTag, myKind] : myCases)
+    {
+        WIN32_FIND_DATAW myEntry = {};
+        myEntry.dwFileAttributes = myAttributes;
+        myEntry.dwReserved0 = myTag;
+        EXPECT_EQ(KindOf(myEntry), myKind) << myAttributes << " " << myTag;
+    }
 }
 
 // The errors that no test of an operation causes.
@@ -306,7 +328,7 @@ TEST_F(CodePageTest, ToAnsi_HoldsACharacterExactlyOrNotAtAll)
     }
 }
 
-TEST_F(CodePageTest, ReadArchive_NameLengthCountsTheBytesOfTheCodePage)
+TEST_F(CodePageTest, Archive_NameLengthCountsTheBytesOfTheCodePage)
 {
     struct Names final : ListView
     {
@@ -322,6 +344,9 @@ TEST_F(CodePageTest, ReadArchive_NameLengthCountsTheBytesOfTheCodePage)
     Names myNames;
     myArchive.FillList(myNames);
     EXPECT_EQ(myNames.All, Text(u"\\").append(myCharacter));
+    myArchive.BaseFolder(In(u"base"));
+    EXPECT_TRUE(myArchive.UnPackArchive());
+    EXPECT_EQ(List(u"base\\*", Listing::PlainFiles), std::vector<Text>{Text(myCharacter)});
 }
 
 TEST_F(WindowsFilesTest, Version_OfAContentThatHasSettled)
@@ -362,12 +387,17 @@ TEST_F(WindowsFilesTest, ComponentFolder_IsRealAndPlain)
 class MessagesTest : public testing::Test
 {
 protected:
-    MessagesTest()
+    MessagesTest() { Use(HWND_MESSAGE, WS_POPUP); }
+    ~MessagesTest() override { DestroyWindow(myWindow); }
+
+    /// Replaces the window.
+    void Use(HWND myParent, DWORD myStyle)
     {
+        DestroyWindow(myWindow);
+        myWindow = CreateWindowExW(0, L"STATIC", nullptr, myStyle, 0, 0, 10, 10, myParent, nullptr, nullptr, nullptr);
         SetWindowLongPtrW(myWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         SetWindowLongPtrW(myWindow, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Receive));
     }
-    ~MessagesTest() override { DestroyWindow(myWindow); }
 
     static LRESULT CALLBACK Receive(HWND myReceiver, UINT myMessage, WPARAM myWord, LPARAM myLong)
     {
@@ -394,8 +424,7 @@ protected:
 
     const std::unique_ptr<SystemPlatform> myPlatform = MakeSystemPlatform();
     MessageQueue& myMessages = myPlatform->Ports().messages;
-    HWND myWindow =
-        CreateWindowExW(0, L"STATIC", nullptr, WS_POPUP, 0, 0, 10, 10, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    HWND myWindow = nullptr;
     static constexpr int LastRepost = 1000000; ///< so many take far longer than one moment of the system's clock
     UINT Last = 0;
     int Count = 0;
@@ -427,6 +456,17 @@ TEST_F(MessagesTest, ProcessPending_TimersAndMessagesOfOtherThreads)
     std::thread mySender([this] { SendMessageW(myWindow, WM_APP + 1, 0, 0); });
     EXPECT_TRUE(Comes(WM_APP + 1));
     mySender.join();
+}
+
+TEST_F(MessagesTest, ProcessPending_Painting)
+{
+    Use(nullptr, WS_POPUP | WS_VISIBLE);
+    if (myWindow == nullptr)
+    {
+        GTEST_SKIP() << "a window that is painted needs a display";
+    }
+    InvalidateRect(myWindow, nullptr, FALSE);
+    EXPECT_TRUE(Comes(WM_PAINT));
 }
 
 TEST_F(MessagesTest, ProcessPending_EndsThoughAWindowNeverStopsPosting)

@@ -22,19 +22,24 @@ LSTATUS ClassesKey::Write(const std::wstring& myKey, const wchar_t* myName, cons
                            static_cast<DWORD>((myText.size() + 1) * sizeof(wchar_t)));
 }
 
-std::optional<std::wstring> ClassesKey::Read(const std::wstring& myKey) const
+std::optional<std::wstring> ClassesKey::Read(const std::wstring& myKey, const wchar_t* myName) const
 {
     const std::wstring myPath = Path(myKey);
     DWORD mySize = 0;
-    if (RegGetValueW(myRoot, myPath.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, nullptr, &mySize) != ERROR_SUCCESS)
+    if (RegGetValueW(myRoot, myPath.c_str(), myName, RRF_RT_REG_SZ, nullptr, nullptr, &mySize) != ERROR_SUCCESS)
     {
         return std::nullopt;
     }
     std::wstring theText(mySize / sizeof(wchar_t), L'\0');
     const LSTATUS myResult =
-        RegGetValueW(myRoot, myPath.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, theText.data(), &mySize);
+        RegGetValueW(myRoot, myPath.c_str(), myName, RRF_RT_REG_SZ, nullptr, theText.data(), &mySize);
     theText.resize(std::wcslen(theText.c_str()));
     return myResult == ERROR_SUCCESS ? std::optional(theText) : std::nullopt;
+}
+
+void ClassesKey::DeleteValue(const std::wstring& myKey, const wchar_t* myName) const
+{
+    RegDeleteKeyValueW(myRoot, Path(myKey).c_str(), myName);
 }
 
 bool ClassesKey::Contains(const std::wstring& myKey) const

@@ -25,8 +25,11 @@ public:
     /// Writes a text, and makes its key if need be. A null name is the default value. Returns the result of the system.
     LSTATUS Write(const std::wstring& myKey, const wchar_t* myName, const std::wstring& myText) const;
 
-    /// The default value of a key; nothing if there is no such key or text.
-    std::optional<std::wstring> Read(const std::wstring& myKey) const;
+    /// The text of a value, by default of the default one; nothing if there is no such key or text.
+    std::optional<std::wstring> Read(const std::wstring& myKey, const wchar_t* myName = nullptr) const;
+
+    /// Deletes a value, if it exists and may be deleted.
+    void DeleteValue(const std::wstring& myKey, const wchar_t* myName) const;
 
     bool Contains(const std::wstring& myKey) const;
 

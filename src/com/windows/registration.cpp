@@ -10,6 +10,7 @@
 #include "com/windows/typeLibrary.h"
 #include "platform/windows/wideText.h"
 
+#include <algorithm>
 #include <array>
 #include <system_error>
 #include <utility>
@@ -160,16 +161,80 @@ RegistryValues ValuesOfInterface(const DescribedInterface& myInterface, const De
             {myKey + L"\\TypeLib", L"Version", myLibrary.Version}};
 }
 
-/// Writes the values. Returns the result of the system.
-LSTATUS WriteAll(const ClassesKey& theClasses, const RegistryValues& myValues)
+/// Writes values into one part of the registry, and can undo it.
+class RegistryChanges
 {
-    LSTATUS theResult = ERROR_SUCCESS;
-    for (auto myValue = myValues.begin(); theResult == ERROR_SUCCESS && myValue != myValues.end(); ++myValue)
+public:
+    explicit RegistryChanges(const ClassesKey& myPart) : myClasses(myPart) {}
+
+    /// Writes the values, up to the first failure. Returns the result of the system.
+    LSTATUS Write(const RegistryValues& myValues)
     {
-        theResult = theClasses.Write(myValue->Key, myValue->Name, myValue->Text);
+        LSTATUS theResult = ERROR_SUCCESS;
+        for (auto myValue = myValues.begin(); theResult == ERROR_SUCCESS && myValue != myValues.end(); ++myValue)
+        {
+            myChanges.push_back({*myValue, myClasses.Read(myValue->Key, myValue->Name), FirstNewKey(myValue->Key)});
+            theResult = myClasses.Write(myValue->Key, myValue->Name, myValue->Text);
+        }
+        return theResult;
     }
-    return theResult;
-}
+
+    /// Restores what was there before, as far as the system permits it.
+    void Undo()
+    {
+        for (; !myChanges.empty(); myChanges.pop_back())
+        {
+            try
+            {
+                Undo(myChanges.back());
+            }
+            catch (const RegistryFailure&) // such as for a key that could not be made
+            {
+            }
+        }
+    }
+
+private:
+    struct Change
+    {
+        RegistryValue Value;
+        std::optional<std::wstring> OldText;
+        std::wstring NewKey; ///< the first key of the path that was not there; empty if the value's key was there
+    };
+
+    void Undo(const Change& myChange) const
+    {
+        if (!myChange.NewKey.empty())
+        {
+            myClasses.Delete(myChange.NewKey);
+        }
+        else if (myChange.OldText)
+        {
+            myClasses.Write(myChange.Value.Key, myChange.Value.Name, *myChange.OldText);
+        }
+        else
+        {
+            myClasses.DeleteValue(myChange.Value.Key, myChange.Value.Name);
+        }
+    }
+
+    std::wstring FirstNewKey(const std::wstring& myKey) const
+    {
+        size_t myEnd = 0;
+        do
+        {
+            myEnd = std::min(myKey.find(L'\\', myEnd + 1), myKey.size());
+            if (!myClasses.Contains(myKey.substr(0, myEnd)))
+            {
+                return myKey.substr(0, myEnd);
+            }
+        } while (myEnd < myKey.size());
+        return {};
+    }
+
+    const ClassesKey& myClasses;
+    std::vector<Change> myChanges;
+};
 
 /// True when an interface is described for all users, or for this user by another library. Our own description for this
 /// user does not serve the other users.
@@ -181,27 +246,35 @@ bool IsDescribed(const DescribedInterface& myInterface, const DescribedLibrary& 
            (myUsers.Contains(myKey) && myUsers.Read(myKey + L"\\TypeLib") != myLibrary.Id);
 }
 
-/// Writes everything into one part of the registry.
-HRESULT Register(const ClassesKey& theClasses, std::span<const RegisteredClass> myClasses,
+/// Writes everything into one part of the registry, or nothing.
+HRESULT Register(const ClassesKey& myClassesKey, std::span<const RegisteredClass> myClasses,
                  const DescribedLibrary& myLibrary, const std::filesystem::path& myFile, LSTATUS& theReason)
 {
+    RegistryChanges theChanges(myClassesKey);
+    theReason = ERROR_SUCCESS;
+    const auto Write = [&](const RegistryValues& myValues)
+    {
+        theReason = theReason == ERROR_SUCCESS ? theChanges.Write(myValues) : theReason;
+    };
     for (const RegisteredClass& myClass : myClasses)
     {
-        theReason = WriteAll(theClasses, ValuesOfClass(myClass, myLibrary, myFile.wstring()));
-        if (theReason != ERROR_SUCCESS)
-        {
-            return SELFREG_E_CLASS;
-        }
+        Write(ValuesOfClass(myClass, myLibrary, myFile.wstring()));
     }
-    theReason = WriteAll(theClasses, ValuesOfLibrary(myLibrary, myFile));
+    const HRESULT theFailure = theReason == ERROR_SUCCESS ? SELFREG_E_TYPELIB : SELFREG_E_CLASS;
+    Write(ValuesOfLibrary(myLibrary, myFile));
     for (const DescribedInterface& myInterface : myLibrary.Interfaces)
     {
-        if (theReason == ERROR_SUCCESS && !IsDescribed(myInterface, myLibrary))
+        if (!IsDescribed(myInterface, myLibrary))
         {
-            theReason = WriteAll(theClasses, ValuesOfInterface(myInterface, myLibrary));
+            Write(ValuesOfInterface(myInterface, myLibrary));
         }
     }
-    return theReason == ERROR_SUCCESS ? S_OK : SELFREG_E_TYPELIB;
+    if (theReason == ERROR_SUCCESS)
+    {
+        return S_OK;
+    }
+    theChanges.Undo();
+    return theFailure;
 }
 
 /// True when the key names this file, under whatever name of it.

@@ -67,6 +67,14 @@ WIN32_FIND_DATAW FactsOf(const std::wstring& myNativePath)
         RaiseSystemError(GetLastError());
     }
     FindClose(mySearch);
+    // The entry of a folder can have an old length: of a file that somebody writes, or that was written by another
+    // name.
+    WIN32_FILE_ATTRIBUTE_DATA myNewFacts = {};
+    if (GetFileAttributesExW(myNativePath.c_str(), GetFileExInfoStandard, &myNewFacts) != 0)
+    {
+        theFacts.nFileSizeHigh = myNewFacts.nFileSizeHigh;
+        theFacts.nFileSizeLow = myNewFacts.nFileSizeLow;
+    }
     return theFacts;
 }
 
