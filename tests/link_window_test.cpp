@@ -1,11 +1,15 @@
 /// The host's window for links: what it offers, the window module as it is built, worked with mouse and keys, and the
 /// link texts that come of it.
-#include "dialogHost.h"
+#include "DialogUser.h"
 #include "Environment.h"
 #include "site/PageText.h"
+#include "text/encodings.h"
 #include "window/linkWindowModule.h"
 
+#include <dlfcn.h>
+#include <gtest/gtest.h>
 #include <QAccessible>
+#include <QLineEdit>
 #include <QTreeWidget>
 
 namespace qel

@@ -88,10 +88,8 @@ inline constexpr FormLayout MainFormLayout;
 
 /// In tab order; the two images, which have none, last.
 inline constexpr std::array<ControlLayout, 27> MainFormControls = {{
-    {0, u"cmbImageFolder", ControlKind::ComboBox, u"", 240, 480, 3255, 315, u"", ControlTrait::None,
-     u"Carpeta de motivos"},
-    {1, u"cmbMIDIFolder", ControlKind::ComboBox, u"", 3720, 480, 3255, 315, u"", ControlTrait::None,
-     u"Carpeta de músicas"},
+    {0, u"cmbImageFolder", ControlKind::ComboBox, u"", 240, 480, 3255, 315, u"", ControlTrait::None, u"Motivo:"},
+    {1, u"cmbMIDIFolder", ControlKind::ComboBox, u"", 3720, 480, 3255, 315, u"", ControlTrait::None, u"Música:"},
     {2, u"picPreview", ControlKind::PictureBox, u"", 240, 3480, 6735, 2895, u"", ControlTrait::None, u"Vista previa",
      White},
     {3, u"lstImage", ControlKind::ListBox, u"", 240, 960, 3255, 1620, u"", ControlTrait::None, u"Motivos"},

@@ -1,8 +1,9 @@
-/// A user who works in the windows of dialog_host, which runs in a process of its own.
+/// A user of the settings dialog, which dialog_host shows in a process of its own.
 #pragma once
 
 #include "Environment.h"
 #include "platform/windows/wideText.h"
+#include "platform/windows/window/entries.h"
 #include "platform/windows/window/FormDialog.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
@@ -10,18 +11,24 @@
 #include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
+#include <oleacc.h>
 #include <string>
 #include <vector>
 
 namespace qel
 {
 
+namespace Keys
+{
+inline constexpr WPARAM Return = VK_RETURN, Escape = VK_ESCAPE, Space = VK_SPACE, Up = VK_UP, F1 = VK_F1;
+} // namespace Keys
+
 /// Nothing here depends on a pause: each step waits until the window that it needs is there, or fails after a minute.
 class DialogDriver
 {
 public:
     /// Starts the host in a folder with a library; `myMode` is one of its words.
-    explicit DialogDriver(const TemporaryFolder& theFolder, const std::string& myMode = "") : myFolder(theFolder)
+    DialogDriver(const TemporaryFolder& theFolder, const std::string& myMode) : myFolder(theFolder)
     {
         std::wstring myCommand =
             std::filesystem::path(std::string("\"" QEL_DIALOG_HOST "\" \"") + myFolder.Native() + "\" " + myMode)
@@ -61,53 +68,42 @@ public:
     {
         return WaitFor("Tesselwind", [](HWND w) { return GetDlgItem(w, FirstControlId) != nullptr; });
     }
-    /// The message that shows.
-    HWND Message()
-    {
-        return WaitFor("Tesselwind", [](HWND w) { return GetDlgItem(w, FirstControlId) == nullptr; });
-    }
-    /// The dialog for opening a file.
-    HWND FileDialog(const std::string& myTitle)
-    {
-        return WaitFor(myTitle, [](HWND) { return true; });
-    }
-
     /// A control of the form, or in a box of it.
-    HWND Control(TextView myName)
+    HWND Control(const std::string& myName)
     {
-        const auto* const myLayout = std::ranges::find(MainFormControls, myName, &ControlLayout::Name);
-        HWND const myParent = myLayout->Parent.empty() ? Form() : Control(myLayout->Parent);
-        HWND const theControl = GetDlgItem(myParent, static_cast<int>(DialogId(*myLayout)));
-        EXPECT_NE(theControl, nullptr) << ToUtf8(myName);
+        const auto* const myLayout = std::ranges::find(MainFormControls, FromUtf8(myName), &ControlLayout::Name);
+        HWND const theControl = GetDlgItem(myLayout->Parent.empty() ? Form() : Control(ToUtf8(myLayout->Parent)),
+                                           static_cast<int>(DialogId(*myLayout)));
+        EXPECT_NE(theControl, nullptr) << myName;
         return theControl;
     }
 
-    /// Presses the left button of the mouse at a place in a window. What that does has been done before the next
-    /// message that this process sends.
-    static void ClickAt(HWND myWindow, int myLeft, int myTop)
+    void Click(const char* myName)
     {
-        const LPARAM myPlace = MAKELPARAM(myLeft, myTop);
-        SendNotifyMessageW(myWindow, WM_LBUTTONDOWN, MK_LBUTTON, myPlace);
-        SendNotifyMessageW(myWindow, WM_LBUTTONUP, 0, myPlace);
+        EXPECT_TRUE(IsVisible(myName) && IsEnabled(myName)) << myName;
+        ClickAt(Control(myName), 5, 5);
     }
-    void Click(TextView myName)
+    /// Clicks the check box of a date picker.
+    void Switch(const char* myPicker)
     {
-        HWND const myControl = Control(myName);
-        EXPECT_NE(IsWindowVisible(myControl), 0) << ToUtf8(myName);
-        EXPECT_NE(IsWindowEnabled(myControl), 0) << ToUtf8(myName);
-        ClickAt(myControl, 5, 5);
+        ClickAt(ChildWindowFromPoint(Control(myPicker), {8, 10}), 5, 5); // not each system makes it a window of its own
+    }
+    void PressTool(int myButton) { ClickAt(Control("ToolbarPlay"), 24 * myButton - 18, 10); }
+    void DoubleClick(const char* myList) { Notify(Control(myList), WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(20, 5)); }
+    /// Turns the wheel by one notch over a control.
+    void TurnWheel(const char* myName)
+    {
+        constexpr WORD Down = 0x10000 - WHEEL_DELTA;
+        Notify(Control(myName), WM_MOUSEWHEEL, MAKEWPARAM(0, Down), 0);
     }
 
     /// Presses a key in the control that has the focus, and waits until it has been handled.
-    void Key(WPARAM myKey, bool myWithAlt = false)
+    void Key(WPARAM myKey)
     {
         HWND const myForm = Form();
-        GUITHREADINFO myThread = {};
-        myThread.cbSize = sizeof(myThread);
-        GetGUIThreadInfo(GetWindowThreadProcessId(myForm, nullptr), &myThread);
-        PostMessageW(myThread.hwndFocus, myWithAlt ? WM_SYSKEYDOWN : WM_KEYDOWN, myKey, myWithAlt ? 0x20000001 : 1);
-        PostMessageW(myThread.hwndFocus, myWithAlt ? WM_SYSKEYUP : WM_KEYUP, myKey,
-                     static_cast<LPARAM>(myWithAlt ? 0xE0000001 : 0xC0000001));
+        HWND const myFocus = FocusWindow();
+        PostMessageW(myFocus, WM_KEYDOWN, myKey, 1);
+        PostMessageW(myFocus, WM_KEYUP, myKey, static_cast<LPARAM>(0xC0000001));
         // The box has this width only after it has handled all messages that were posted before.
         HWND const myCombo = GetDlgItem(myForm, FirstControlId);
         myFence = 400 + (myFence + 1) % 100;
@@ -115,66 +111,38 @@ public:
         Until("a key is handled",
               [&] { return IsWindow(myCombo) == 0 || SendMessageW(myCombo, CB_GETDROPPEDWIDTH, 0, 0) == myFence; });
     }
-
-    /// The name of the control with the focus.
-    std::string Focus()
+    /// Goes on to a control by the Tab key, which has to reach it soon enough.
+    void TabTo(const char* myName, int myMost = 20)
     {
-        GUITHREADINFO myThread = {};
-        myThread.cbSize = sizeof(myThread);
-        GetGUIThreadInfo(GetWindowThreadProcessId(Form(), nullptr), &myThread);
-        const auto myId = static_cast<UINT>(GetDlgCtrlID(myThread.hwndFocus));
-        const auto* const myFound = std::ranges::find(MainFormControls, myId, &DialogId);
-        return myFound == MainFormControls.end() ? "" : ToUtf8(myFound->Name);
-    }
-
-    void TabTo(TextView myName)
-    {
-        for (int i = 0; i < 20 && Focus() != ToUtf8(myName); ++i)
+        for (int i = 0; i < myMost && Focus() != myName; ++i)
         {
             Key(VK_TAB);
         }
-        EXPECT_EQ(Focus(), ToUtf8(myName));
+        EXPECT_EQ(Focus(), myName);
     }
-
-    /// The entries of a list or combo box, "|" between them.
-    std::string Entries(TextView myName)
+    /// Goes from the check box of a picker to its day.
+    void GoToDay(const char* myPicker)
+    {
+        TabTo(myPicker);
+        Key(VK_RIGHT);
+    }
+    void GoToStopButton()
+    {
+        TabTo("ToolbarPlay");
+        Key(VK_RIGHT);
+    }
+    /// Picks an entry: in a combo box by the keys, in a list by the mouse.
+    void Pick(const char* myName, const std::string& myEntry)
     {
         HWND const myControl = Control(myName);
-        const bool myIsCombo = myName.starts_with(u"cmb");
-        std::string theEntries;
-        const LRESULT myCount = SendMessageW(myControl, myIsCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
-        for (LRESULT i = 0; i < myCount; ++i)
+        const std::vector<std::string> myEntries = EntriesOf(myName);
+        const auto myIndex = std::ranges::find(myEntries, myEntry) - myEntries.begin();
+        if (*myName == 'c')
         {
-            theEntries += (i == 0 ? "" : "|") + Entry(myControl, myIsCombo, i);
-        }
-        return theEntries;
-    }
-
-    std::string Selected(TextView myName)
-    {
-        HWND const myControl = Control(myName);
-        const bool myIsCombo = myName.starts_with(u"cmb");
-        const LRESULT myIndex = SendMessageW(myControl, myIsCombo ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
-        return myIndex < 0 ? "" : Entry(myControl, myIsCombo, myIndex);
-    }
-
-    /// Selects an entry: in a combo box by the keys, in a list by the mouse.
-    void Pick(TextView myName, const std::string& myEntry)
-    {
-        HWND const myControl = Control(myName);
-        const bool myIsCombo = myName.starts_with(u"cmb");
-        const LRESULT myCount = SendMessageW(myControl, myIsCombo ? CB_GETCOUNT : LB_GETCOUNT, 0, 0);
-        LRESULT myIndex = 0;
-        while (myIndex < myCount && Entry(myControl, myIsCombo, myIndex) != myEntry)
-        {
-            ++myIndex;
-        }
-        if (myIsCombo)
-        {
-            SendNotifyMessageW(myControl, WM_KEYDOWN, VK_HOME, 1);
-            for (LRESULT i = 0; i < myIndex; ++i)
+            Notify(myControl, WM_KEYDOWN, VK_HOME, 1);
+            for (auto i = myIndex; i > 0; --i)
             {
-                SendNotifyMessageW(myControl, WM_KEYDOWN, VK_DOWN, 1);
+                Notify(myControl, WM_KEYDOWN, VK_DOWN, 1);
             }
         }
         else
@@ -185,33 +153,101 @@ public:
         }
         EXPECT_EQ(Selected(myName), myEntry);
     }
+    void CloseWindow() { PostMessageW(Form(), WM_CLOSE, 0, 0); }
 
-    static std::string TextOf(HWND myWindow)
+    bool IsVisible(const char* myName) { return IsWindowVisible(Control(myName)) != 0; }
+    bool IsEnabled(const char* myName) { return IsWindowEnabled(Control(myName)) != 0; }
+    std::string TextOf(const char* myName) { return TextOf(Control(myName)); }
+    /// The name of the control with the focus; empty when there is none.
+    std::string Focus()
     {
-        std::wstring theText(1000, L'\0');
-        theText.resize(static_cast<size_t>(
-            SendMessageW(myWindow, WM_GETTEXT, theText.size(), reinterpret_cast<LPARAM>(theText.data()))));
-        return ToUtf8(TextOfWide(theText));
+        const auto myId = static_cast<UINT>(GetDlgCtrlID(FocusWindow()));
+        const auto* const myFound = std::ranges::find(MainFormControls, myId, &DialogId);
+        return myFound == MainFormControls.end() ? "" : ToUtf8(myFound->Name);
+    }
+    /// What a screen reader says for a control.
+    std::string SpokenName(const char* myName)
+    {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        IAccessible* myDescription = nullptr;
+        EXPECT_EQ(AccessibleObjectFromWindow(Control(myName), static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                             reinterpret_cast<void**>(&myDescription)),
+                  S_OK);
+        VARIANT mySelf = {};
+        mySelf.vt = VT_I4;
+        BSTR myText = nullptr;
+        EXPECT_EQ(myDescription->get_accName(mySelf, &myText), S_OK) << myName;
+        std::string theName = ToUtf8(TextOfWide(myText == nullptr ? L"" : myText));
+        SysFreeString(myText);
+        myDescription->Release();
+        return theName;
+    }
+    /// The entries of a list or combo box, "|" between them.
+    std::string Entries(const char* myName)
+    {
+        std::string theText;
+        for (const std::string& myEntry : EntriesOf(myName))
+        {
+            theText += (theText.empty() ? "" : "|") + myEntry;
+        }
+        return theText;
+    }
+    std::string Selected(const char* myName)
+    {
+        const LRESULT myIndex = SendMessageW(Control(myName), *myName == 'c' ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
+        return myIndex < 0 ? "" : EntriesOf(myName)[static_cast<size_t>(myIndex)];
+    }
+    std::string DayOf(const char* myPicker) { return TextOf(myPicker); }
+    /// "LEFT,TOP WIDTHxHEIGHT" in a box or, if that is empty, in the form.
+    std::string Place(const char* myName, const std::string& myParent)
+    {
+        POINT myOrigin = {0, 0};
+        ClientToScreen(Form(), &myOrigin);
+        RECT myPlace = {};
+        if (!myParent.empty())
+        {
+            GetWindowRect(Control(myParent), &myPlace);
+            myOrigin = {myPlace.left, myPlace.top};
+        }
+        GetWindowRect(Control(myName), &myPlace);
+        OffsetRect(&myPlace, -myOrigin.x, -myOrigin.y);
+        return std::to_string(myPlace.left) + "," + std::to_string(myPlace.top) + " " + SizeOf(myPlace);
+    }
+    std::string FormSize()
+    {
+        RECT myInside = {};
+        GetClientRect(Form(), &myInside);
+        return SizeOf(myInside);
+    }
+    /// Expects a colour, 0xRRGGBB, of a pixel of the preview on the screen, counted inside its border.
+    void ExpectPreview(int myLeft, int myTop, uint32_t myColour)
+    {
+        POINT myPlace = {myLeft, myTop};
+        ClientToScreen(Control("picPreview"), &myPlace);
+        const COLORREF myExpected = RGB(myColour >> 16U & 0xFFU, myColour >> 8U & 0xFFU, myColour & 0xFFU);
+        HDC const myScreen = GetDC(nullptr);
+        Until("the preview shows a colour at " + std::to_string(myLeft) + "," + std::to_string(myTop),
+              [&] { return GetPixel(myScreen, myPlace.x, myPlace.y) == myExpected; });
+        ReleaseDC(nullptr, myScreen);
     }
 
     /// Answers a message, which has to say this and to have these buttons.
-    void AnswerMessage(TextView myText, bool myIsQuestion = false, int myButton = IDOK)
+    void AnswerMessage(TextView myText, bool myIsQuestion = false, bool myAgrees = true)
     {
-        HWND const myBox = Message();
-        HWND const mySentence = GetDlgItem(myBox, 0xFFFF);
-        EXPECT_EQ(TextOf(mySentence), ToUtf8(myText));
-        EXPECT_NE(GetDlgItem(myBox, IDOK), nullptr);
+        HWND const myBox = WaitFor("Tesselwind", [](HWND w) { return GetDlgItem(w, FirstControlId) == nullptr; });
+        std::string myShown = TextOf(GetDlgItem(myBox, 0xFFFF));
+        std::erase(myShown, '\r');
+        EXPECT_EQ(myShown, ToUtf8(myText));
         EXPECT_EQ(GetDlgItem(myBox, IDCANCEL) != nullptr, myIsQuestion);
-        SendNotifyMessageW(GetDlgItem(myBox, myButton), BM_CLICK, 0, 0);
+        SendNotifyMessageW(GetDlgItem(myBox, myAgrees ? IDOK : IDCANCEL), BM_CLICK, 0, 0);
         Until("the message closes", [&] { return IsWindow(myBox) == 0; });
     }
-
     /// Types a file's name into the dialog for opening one; the empty name cancels.
-    void ChooseFile(const std::string& myTitle, const std::string& myPath)
+    void ChooseFile(const char* myTitle, const std::string& myPath)
     {
         constexpr int NameBox = 0x047C;
         constexpr int NameLine = 0x0480;
-        HWND const myDialog = FileDialog(myTitle);
+        HWND const myDialog = WaitFor(myTitle, [](HWND) { return true; });
         if (!myPath.empty())
         {
             HWND const myLine = GetDlgItem(myDialog, GetDlgItem(myDialog, NameLine) != nullptr ? NameLine : NameBox);
@@ -220,6 +256,21 @@ public:
         }
         SendNotifyMessageW(GetDlgItem(myDialog, myPath.empty() ? IDCANCEL : IDOK), BM_CLICK, 0, 0);
         Until("the file dialog closes", [&] { return IsWindow(myDialog) == 0; });
+    }
+    /// True when the help viewer has been called since the last call.
+    bool HelpWasAsked()
+    {
+        const bool theAnswer = myFolder.Read("calls.txt").find("help ") != std::string::npos;
+        std::filesystem::remove(myFolder / "calls.txt");
+        return theAnswer;
+    }
+
+    static std::string TextOf(HWND myWindow)
+    {
+        std::wstring theText(1000, L'\0');
+        theText.resize(static_cast<size_t>(
+            SendMessageW(myWindow, WM_GETTEXT, theText.size(), reinterpret_cast<LPARAM>(theText.data()))));
+        return ToUtf8(TextOfWide(theText));
     }
 
     void Until(const std::string& myPurpose, const std::function<bool()>& myCondition) const
@@ -256,12 +307,48 @@ private:
         }
     };
 
-    static std::string Entry(HWND myControl, bool myIsCombo, LRESULT myIndex)
+    /// Sends what the mouse or a key does, and returns when it has been done or has opened another window.
+    void Notify(HWND myWindow, UINT myMessage, WPARAM myFirst, LPARAM mySecond) const
     {
-        std::wstring theText(300, L'\0');
-        const LRESULT myLength = SendMessageW(myControl, myIsCombo ? CB_GETLBTEXT : LB_GETTEXT,
-                                              static_cast<WPARAM>(myIndex), reinterpret_cast<LPARAM>(theText.data()));
-        return ToUtf8(TextOfWide(theText.substr(0, static_cast<size_t>(std::max<LRESULT>(myLength, 0)))));
+        SendNotifyMessageW(myWindow, myMessage, myFirst, mySecond);
+        SendMessageW(myWindow, WM_NULL, 0, 0);
+    }
+    void ClickAt(HWND myWindow, int myLeft, int myTop) const
+    {
+        Notify(myWindow, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(myLeft, myTop));
+        Notify(myWindow, WM_LBUTTONUP, 0, MAKELPARAM(myLeft, myTop));
+    }
+    HWND FocusWindow()
+    {
+        HWND const myForm = Form();
+        GUITHREADINFO myThread = {};
+        myThread.cbSize = sizeof(myThread);
+        Until("the form has the focus",
+              [&]
+              {
+                  GetGUIThreadInfo(GetWindowThreadProcessId(myForm, nullptr), &myThread);
+                  if (myThread.hwndFocus == nullptr)
+                  {
+                      SetForegroundWindow(myForm); // there is no window manager that would
+                  }
+                  return myThread.hwndFocus != nullptr;
+              });
+        return myThread.hwndFocus;
+    }
+    std::vector<std::string> EntriesOf(const char* myName)
+    {
+        HWND const myControl = Control(myName);
+        const EntryMessages& myMessages = *myName == 'c' ? ComboMessages : ListMessages;
+        std::vector<std::string> theEntries;
+        for (LRESULT i = 0; i < SendMessageW(myControl, myMessages.Count, 0, 0); ++i)
+        {
+            theEntries.push_back(ToUtf8(EntryText(myControl, myMessages, i)));
+        }
+        return theEntries;
+    }
+    static std::string SizeOf(const RECT& myPlace)
+    {
+        return std::to_string(myPlace.right - myPlace.left) + "x" + std::to_string(myPlace.bottom - myPlace.top);
     }
 
     HWND WaitFor(const std::string& myCaption, const std::function<bool(HWND)>& myTest)
@@ -291,5 +378,24 @@ private:
     PROCESS_INFORMATION myHost = {};
     LRESULT myFence = 0;
 };
+
+/// Puts the component into a folder.
+inline void PlaceComponent(const TemporaryFolder& theFolder, Environment& /*theEnvironment*/)
+{
+    std::filesystem::copy_file(QEL_STAGE "/QelPluginAnimation.dll", theFolder / "QelPluginAnimation.dll");
+}
+
+/// Runs a host that opens the dialog for a user; the modes are those of dialog_host.
+inline std::string RunDialog(const TemporaryFolder& theFolder, const std::string& myScript,
+                             const std::function<void(DialogDriver&)>& myUser, const std::string& myMode)
+{
+    theFolder.Write("script.txt", myScript);
+    DialogDriver theDriver(theFolder, myMode);
+    if (myUser)
+    {
+        myUser(theDriver);
+    }
+    return theDriver.Result();
+}
 
 } // namespace qel

@@ -2,22 +2,19 @@
 ///
 /// Usage: dialog_host FOLDER MODE
 /// FOLDER contains the component, its library, the script of the module in script.txt, and the folder data. It takes
-/// what the host saw in result.txt. MODE is empty, or a word of Run below.
-#include "com/Bstr.h"
-#include "com/ComPtr.h"
-#include "comTestHost.h"
-#include "Library.h"
-#include "text/encodings.h"
-#include "text/errors.h"
-#include <objbase.h>
+/// what the host saw in result.txt, and in calls.txt the calls of functions of the system that are only written down.
+/// MODE is empty, or a word of Run below.
+#include "DialogHost.h"
+#include "platform/windows/wideText.h"
+#include "platform/windows/window/controlHeaders.h"
+#include "Redirection.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
+#include <objbase.h>
+#include <optional>
 #include <thread>
-#include <vector>
 
 namespace qel
 {
@@ -29,143 +26,116 @@ namespace
 
 namespace fs = std::filesystem;
 
-std::string ReadFile(const fs::path& myPath)
+fs::path theFolder; ///< that the program is started with
+
+void WriteCall(const std::string& myCall)
 {
-    std::ifstream myFile(myPath, std::ios::binary);
-    return {std::istreambuf_iterator<char>(myFile), {}};
+    std::ofstream(theFolder / "calls.txt", std::ios::binary | std::ios::app) << myCall << "\n";
 }
 
-/// A window of the host's own.
-HWND MakeHostWindow()
+/// In place of mciSendStringA.
+DWORD WINAPI RecordCommand(const char* myCommand, char* theAnswer, UINT mySize, HANDLE myWindow)
 {
-    return CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 300, 200, nullptr, nullptr,
-                           nullptr, nullptr);
+    const bool myIsPlain = theAnswer == nullptr && mySize == 0 && myWindow == nullptr;
+    WriteCall(std::string(myIsPlain ? "tune " : "another ") + myCommand);
+    return 0;
 }
 
-/// The error information of a failed call.
-std::string Failure(HRESULT myResult)
+/// In place of HtmlHelpA.
+HWND WINAPI RecordHelp(HWND myOwner, const char* myFile, UINT myCommand, DWORD_PTR myTopic)
 {
-    ComPtr<IErrorInfo> myInfo;
-    Bstr theText;
-    if (GetErrorInfo(0, myInfo.Receive()) == S_OK)
+    const std::string myName = fs::path(myFile).filename().string();
+    WriteCall((myOwner == nullptr ? "help " : "another ") + myName + " " + std::to_string(myCommand) + " " +
+              std::to_string(myTopic));
+    return nullptr;
+}
+
+/// In place of GetOpenFileNameW: chooses large.gif, and goes to its folder as the system does.
+BOOL WINAPI RecordFileDialog(OPENFILENAMEW* theDialog)
+{
+    const wchar_t* myEnd = theDialog->lpstrFilter;
+    while (*myEnd != L'\0' || *(myEnd + 1) != L'\0')
     {
-        myInfo->GetDescription(theText.Pointer());
+        ++myEnd;
     }
-    return "error " + std::to_string(myResult & 0xFFFF) + " " + ToUtf8(theText.Value()) + "\n";
+    std::string myFilter = ToUtf8(TextOfWide(std::wstring(theDialog->lpstrFilter, myEnd)));
+    std::ranges::replace(myFilter, '\0', '|');
+    WriteCall("file " + ToUtf8(TextOfWide(theDialog->lpstrTitle)) + ", " + myFilter + ", " +
+              std::to_string(theDialog->Flags) + ", " + std::to_string(theDialog->nMaxFile) + ", " +
+              (theDialog->lpfnHook == nullptr && *theDialog->lpstrFile == L'\0' ? "plain" : "another"));
+    const std::wstring myFile = fs::path(theFolder / "large.gif").make_preferred().wstring();
+    std::ranges::copy(myFile, theDialog->lpstrFile);
+    return SetCurrentDirectoryW(theFolder.c_str());
 }
 
-/// A plug-in object of the component.
-ComPtr<QelPlugin> MakePlugin(const Library& myComponent)
+/// In place of MessageBoxW: presses Cancel.
+int WINAPI RecordMessage(HWND myOwner, const wchar_t* myText, const wchar_t* myCaption, UINT myStyle)
 {
-    const auto myClassObject = myComponent.EntryPoint<decltype(&DllGetClassObject)>("DllGetClassObject");
-    ComPtr<IClassFactory> myFactory;
-    ComPtr<QelPlugin> thePlugin;
-    CheckHostCall(myClassObject(CLSID_Main, IID_IClassFactory, reinterpret_cast<void**>(myFactory.Receive())));
-    CheckHostCall(myFactory->CreateInstance(nullptr, IID_QelPlugin, reinterpret_cast<void**>(thePlugin.Receive())));
-    return thePlugin;
+    WriteCall("message " + std::to_string(myStyle) + " " + ToUtf8(TextOfWide(myCaption)) + ": " +
+              ToUtf8(TextOfWide(myText)) + (myOwner == nullptr ? ", without an owner" : ""));
+    return IDCANCEL;
 }
 
-void HandIn(QelPlugin& thePlugin, QelBuildHelper* myHelper, QelDatabase* myDatabase)
+std::string Open()
 {
-    CheckHostCall(thePlugin.putref_QelBuildHelper(&myHelper));
-    CheckHostCall(thePlugin.putref_QelDatabase(&myDatabase));
+    std::ifstream myFile(theFolder / "script.txt", std::ios::binary);
+    const std::string myScript(std::istreambuf_iterator<char>(myFile), {});
+    return DialogHost((theFolder / "QelPluginAnimation.dll").string(), (theFolder / "data").u16string() + u"\\")
+        .Open(myScript);
 }
 
-/// Opens the dialog once, and returns whether it was confirmed and the script after it, or how it failed.
-std::string Open(const fs::path& myFolder)
+/// Opens the dialog over one of two windows of the host, and adds what became of them.
+std::string OpenOverAWindow()
 {
-    const Library myComponent((myFolder / "QelPluginAnimation.dll").string());
-    const ComPtr<QelPlugin> myPlugin = MakePlugin(myComponent);
-    TestHost myHost;
-    myHost.ArchiveName = u"m7.dat";
-    myHost.DataFolder = (myFolder / "data").u16string() + u"\\";
-    myHost.Link = u"URL:http://example.org/";
-    const auto myHelper = MakeCounted<ComTestBuildHelper>(myHost);
-    const auto myDatabase = MakeCounted<ComTestDatabase>(myHost);
-    HandIn(*myPlugin.Get(), myHelper.Get(), myDatabase.Get());
-    Bstr myScript(FromUtf8(ReadFile(myFolder / "script.txt")));
-    CheckHostCall(myPlugin->put_Script(myScript.Pointer()));
-    int32_t myLink = 0;
-    VARIANT_BOOL myAnswer = VARIANT_FALSE;
-    const HRESULT myResult = myPlugin->CallBack(&myLink, &myAnswer);
-    std::string theResult =
-        myResult == S_OK ? std::string(myAnswer == VARIANT_TRUE ? "True\n" : "False\n") : Failure(myResult);
-    CheckHostCall(myPlugin->get_Script(myScript.Pointer()));
-    theResult += ToUtf8(myScript.Value()) + "\n";
-    HandIn(*myPlugin.Get(), nullptr, nullptr);
-    return theResult;
-}
-
-/// Shows the box about the component.
-std::string ShowAbout(const fs::path& myFolder)
-{
-    const Library myComponent((myFolder / "QelPluginAnimation.dll").string());
-    const ComPtr<QelPlugin> myPlugin = MakePlugin(myComponent);
-    ComPtr<QelInfo> myInfo;
-    CheckHostCall(myPlugin->QueryInterface(IID_QelInfo, reinterpret_cast<void**>(myInfo.Receive())));
-    const HRESULT myResult = myInfo->About();
-    return myResult == S_OK ? "shown\n" : Failure(myResult);
-}
-
-/// Opens the dialog over one of two windows, and adds what became of them.
-std::string OpenOverAWindow(const fs::path& myFolder)
-{
-    HWND const myOther = MakeHostWindow();
-    HWND const myOwner = MakeHostWindow();
+    const auto Make = []
+    {
+        return CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 300, 200, nullptr,
+                               nullptr, nullptr, nullptr);
+    };
+    HWND const myOther = Make();
+    HWND const myDisabled = Make();
+    HWND const myOwner = Make();
+    EnableWindow(myDisabled, FALSE);
     SetActiveWindow(myOwner);
-    std::string theResult = Open(myFolder);
-    theResult += IsWindowEnabled(myOwner) != 0 && IsWindowEnabled(myOther) != 0 ? "enabled\n" : "disabled\n";
+    std::string theResult = Open();
+    for (HWND const myWindow : {myOwner, myOther, myDisabled})
+    {
+        theResult += IsWindowEnabled(myWindow) != 0 ? "enabled " : "disabled ";
+    }
     return theResult + (GetActiveWindow() == myOwner ? "owner\n" : "other\n");
 }
 
 /// Opens a dialog in each of two threads.
-std::string OpenInTwoThreads(const fs::path& myFolder)
+std::string OpenInTwoThreads()
 {
-    std::thread myOther([&] { Open(myFolder); });
-    std::string theResult = Open(myFolder);
+    std::thread myOther([] { Open(); });
+    const std::string theResult = Open();
     myOther.join();
     return theResult;
 }
 
-/// Takes the place of mciSendStringA: writes the command down.
-DWORD WINAPI RecordCommand(const char* myCommand, char* theAnswer, UINT mySize, HANDLE myWindow)
+std::string Run(const std::string& myMode)
 {
-    const bool myIsPlain = theAnswer == nullptr && mySize == 0 && myWindow == nullptr;
-    std::ofstream("commands.txt", std::ios::binary | std::ios::app) << (myIsPlain ? myCommand : "?") << "|";
-    return 0;
-}
-
-/// Opens the dialog with a multimedia service that only writes down what it is sent.
-std::string OpenWithRecordedTunes(const fs::path& myFolder)
-{
-    fs::current_path(myFolder);
-    HMODULE const myService = LoadLibraryW(L"winmm.dll");
-    auto* const thePlace =
-        reinterpret_cast<uint8_t*>(reinterpret_cast<void*>(GetProcAddress(myService, "mciSendStringA")));
-    DWORD myProtection = 0;
-    VirtualProtect(thePlace, 16, PAGE_EXECUTE_READWRITE, &myProtection);
-    // A jump to the recorder: its address into the accumulator, and on to there.
-    const auto myTarget = reinterpret_cast<uintptr_t>(&RecordCommand);
-    std::vector<uint8_t> myJump = {0x48, 0xB8};
-    myJump.erase(myJump.begin(), myJump.begin() + (sizeof(myTarget) == 8 ? 0 : 1));
-    for (size_t i = 0; i < sizeof(myTarget); ++i)
+    const Redirection myCommands(L"winmm.dll", "mciSendStringA", &RecordCommand);
+    const Redirection myHelp(L"hhctrl.ocx", "HtmlHelpA", &RecordHelp);
+    std::optional<Redirection> myFileDialog;
+    std::optional<Redirection> myMessages;
+    if (myMode == "recorded")
     {
-        myJump.push_back(static_cast<uint8_t>(myTarget >> 8 * i));
+        myFileDialog.emplace(L"comdlg32.dll", "GetOpenFileNameW", &RecordFileDialog);
+        myMessages.emplace(L"user32.dll", "MessageBoxW", &RecordMessage);
     }
-    myJump.insert(myJump.end(), {0xFF, 0xE0});
-    std::ranges::copy(myJump, thePlace);
-    return Open(myFolder);
+    if (myMode == "about")
+    {
+        return DialogHost((theFolder / "QelPluginAnimation.dll").string(), u"").About();
+    }
+    return myMode == "owned" ? OpenOverAWindow() : myMode == "threads" ? OpenInTwoThreads() : Open();
 }
 
-std::string Run(const fs::path& myFolder, const std::string& myMode)
+/// What the dialog has left in the process.
+std::string Leftovers(const fs::path& myCurrentFolder)
 {
-    const fs::path myCurrentFolder = fs::current_path();
-    std::string theResult = myMode == "owned"     ? OpenOverAWindow(myFolder)
-                            : myMode == "threads" ? OpenInTwoThreads(myFolder)
-                            : myMode == "tunes"   ? OpenWithRecordedTunes(myFolder)
-                            : myMode == "about"   ? ShowAbout(myFolder)
-                                                  : Open(myFolder);
-    theResult += fs::current_path() == myCurrentFolder ? "same folder\n" : "another folder\n";
+    std::string theResult = fs::current_path() == myCurrentFolder ? "same folder\n" : "another folder\n";
     theResult += GetModuleHandleW(L"QelPluginAnimation.dll") == nullptr ? "unloaded\n" : "still loaded\n";
     MSG myMessage = {};
     if (PeekMessageW(&myMessage, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE) != 0)
@@ -182,17 +152,11 @@ int main(int myCount, char** myArguments)
 {
     using namespace qel;
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    const fs::path myFolder = myArguments[1];
-    std::string theResult;
-    try
-    {
-        theResult = Run(myFolder, myCount > 2 ? myArguments[2] : "");
-    }
-    catch (const Error& e)
-    {
-        theResult = "error " + std::to_string(e.Number) + " " + ToUtf8(e.Description) + "\n";
-    }
-    std::ofstream(myFolder / "result.txt", std::ios::binary) << theResult;
+    theFolder = myArguments[1];
+    const fs::path myCurrentFolder = fs::current_path();
+    std::string theResult = Run(myCount > 2 ? myArguments[2] : "");
+    theResult += Leftovers(myCurrentFolder);
+    std::ofstream(theFolder / "result.txt", std::ios::binary) << theResult;
     CoUninitialize();
     return 0;
 }

@@ -27,7 +27,10 @@ DateField::DateField(QWidget* myParent)
             [this](bool myIsOn)
             {
                 myDay.setEnabled(myIsOn);
-                myIsOn ? void() : myDay.DropRefusedText();
+                if (!myIsOn)
+                {
+                    myDay.DropRefusedText();
+                }
             });
     myDay.DayChanged = [this](QDate myNewDay)
     {

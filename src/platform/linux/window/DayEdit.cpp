@@ -87,7 +87,13 @@ DayEdit::DayEdit(QWidget* myParent) : QComboBox(myParent), myDay(QDate::currentD
     setValidator(new QRegularExpressionValidator(theCharacters, this));
     SetDay(myDay);
     connect(lineEdit(), &QLineEdit::textChanged, this,
-            [this] { DayOfText(lineEdit()->text()).isValid() ? ShowRefusal({}) : void(); });
+            [this]
+            {
+                if (DayOfText(lineEdit()->text()).isValid())
+                {
+                    ShowRefusal({});
+                }
+            });
     lineEdit()->installEventFilter(this);
 }
 
@@ -121,7 +127,10 @@ bool DayEdit::Finish()
     if (myTyped != myDay)
     {
         myDay = myTyped;
-        DayChanged ? DayChanged(myDay) : void();
+        if (DayChanged)
+        {
+            DayChanged(myDay);
+        }
     }
     return true;
 }
@@ -258,7 +267,10 @@ bool DayEdit::TakeCommand(const QKeyEvent& myEvent)
     const auto* const myStep = std::ranges::find(Steps, myKey, [](const auto& myEntry) { return myEntry.Key; });
     if (myStep != std::end(Steps))
     {
-        myModifiers == Qt::NoModifier ? Step(myStep->Steps) : void();
+        if (myModifiers == Qt::NoModifier)
+        {
+            Step(myStep->Steps);
+        }
         return true;
     }
     return myModifiers == Qt::NoModifier && (myKey == Qt::Key_Left || myKey == Qt::Key_Right) &&

@@ -29,6 +29,7 @@ public:
     /// Shows the window in the middle of the screen, and returns when it has closed. If the screen is too small, its
     /// top left corner is visible.
     void ShowModally();
+    void Close() { done(Accepted); }
 
 protected:
     void keyPressEvent(QKeyEvent* myEvent) override;

@@ -2,28 +2,11 @@
 
 #include "platform/linux/toolkit/toolkitText.h"
 #include "platform/linux/window/dialogs.h"
-#include "text/ScopeGuard.h"
 
 #include <QToolButton>
 
 namespace qel
 {
-namespace
-{
-
-struct ClickHandler
-{
-    TextView Control;
-    Handler Click;
-};
-
-constexpr ClickHandler ClickHandlers[] = {
-    {u"lblImage", &FormMainEvents::lblImage_Click},     {u"lblMIDI", &FormMainEvents::lblMIDI_Click},
-    {u"cmdSetLink", &FormMainEvents::cmdSetLink_Click}, {u"cmdUnsetLink", &FormMainEvents::cmdUnsetLink_Click},
-    {u"cmdHelp", &FormMainEvents::cmdHelp_Click},       {u"cmdCancel", &FormMainEvents::cmdCancel_Click},
-};
-
-} // namespace
 
 FormWindow::FormWindow()
 {
@@ -32,13 +15,11 @@ FormWindow::FormWindow()
 
 void FormWindow::ConnectClicks()
 {
-    for (const ClickHandler& myEntry : ClickHandlers)
+    for (const PressHandler& myEntry : PressHandlers)
     {
         QObject::connect(&myDialog.Control<QAbstractButton>(myEntry.Control), &QAbstractButton::clicked, &myDialog,
-                         [this, myHandler = myEntry.Click] { myForwarder.CallFromSystem(myHandler); });
+                         [this, myHandler = myEntry.Press] { Press(myHandler); });
     }
-    QObject::connect(&myDialog.Control<QAbstractButton>(u"cmdOK"), &QAbstractButton::clicked, &myDialog,
-                     [this] { PressOK(); });
     int32_t myIndex = 0;
     for (const QToolButton* const myButton : myDialog.Control<QWidget>(u"ToolbarPlay").findChildren<QToolButton*>())
     {
@@ -49,9 +30,17 @@ void FormWindow::ConnectClicks()
     }
 }
 
-/// Passes the click on, unless a picker holds a text that is no day: then a message says so, and that picker gets the
-/// focus.
-void FormWindow::PressOK()
+/// Passes a press on. One of OK is refused while a picker holds a text that is no day: then a message says so, and that
+/// picker gets the focus.
+void FormWindow::Press(Handler myHandler)
+{
+    if (myHandler != &FormMainEvents::cmdOK_Click || DatesAreDays())
+    {
+        myForwarder.CallFromSystem(myHandler);
+    }
+}
+
+bool FormWindow::DatesAreDays()
 {
     for (const TextView myName : {u"DateFrom", u"DateTo"})
     {
@@ -61,28 +50,10 @@ void FormWindow::PressOK()
             ShowMessage(&myDialog, FromToolkit(myRefusal), InformationStyle);
             theField.Day().setFocus();
             theField.Day().SelectFirstPart();
-            return;
+            return false;
         }
     }
-    myForwarder.CallFromSystem(&FormMainEvents::cmdOK_Click);
-}
-
-void FormWindow::Show(FormMainEvents& theEvents)
-{
-    myForwarder.Receiver(&theEvents);
-    const ScopeGuard myGuard([&] { myForwarder.Receiver(nullptr); });
-    theEvents.Form_Load();
-    if (!myIsUnloaded)
-    {
-        myDialog.ShowModally();
-    }
-    theEvents.Form_Unload();
-}
-
-void FormWindow::Unload()
-{
-    myIsUnloaded = true;
-    myDialog.done(QDialog::Accepted);
+    return true;
 }
 
 void FormWindow::Pointer(MousePointer myPointer)

@@ -1,23 +1,21 @@
 /// The dialog's window as its logic sees it.
 #pragma once
 
-#include "dialog/ports/FormMainWindow.h"
 #include "platform/linux/window/controls.h"
 #include "platform/linux/window/FormDialog.h"
+#include "platform/shared/ModalFormWindow.h"
 
 namespace qel
 {
 
 /// A day can be typed here, so a date picker can hold a text that is no day (31/02/2027). OK is then refused with a
 /// message, before the click reaches the logic: a commit always finds days in the pickers.
-class FormWindow final : public FormMainWindow
+class FormWindow final : public ModalFormWindow<FormDialog>
 {
 public:
     FormWindow();
 
     FormMainControls& Controls() override { return myControls; }
-    void Show(FormMainEvents& theEvents) override;
-    void Unload() override;
     int32_t HelpContextID() override { return MainFormLayout.HelpContextID; }
     void Pointer(MousePointer myPointer) override;
     std::optional<Text> ShowOpen(const FileDialogSettings& mySettings) override;
@@ -25,11 +23,8 @@ public:
 
 private:
     void ConnectClicks();
-    void PressOK();
-
-    EventForwarder myForwarder;
-    FormDialog myDialog;
-    bool myIsUnloaded = false;
+    void Press(Handler myHandler);
+    bool DatesAreDays();
 
     ToolkitComboBox myImageFolders{myDialog.Control<FolderBox>(u"cmbImageFolder"), myForwarder,
                                    &FormMainEvents::cmbImageFolder_Click};

@@ -4,6 +4,7 @@
 #include "platform/windows/window/AccessibleControl.h"
 #include "platform/windows/window/appearance.h"
 #include "platform/windows/window/ModalOwner.h"
+#include "platform/windows/window/NameToolTip.h"
 
 #include <array>
 #include <functional>
@@ -35,7 +36,6 @@ public:
 
     HWND Window() const { return myForm.get(); }
     HWND Control(TextView myName) const;
-    Scale CurrentScale() const { return myScale; }
 
     /// Shows the window in the middle of the screen, disables the other windows of the thread, and returns when it has
     /// closed. A request to quit closes it and stays in the queue for the host.
@@ -67,7 +67,7 @@ private:
     LRESULT AnswerInControl(Part& thePart, UINT myMessage, WPARAM myFirst, LPARAM mySecond);
     INT_PTR TakeCommand(UINT myId, UINT myNotification);
     INT_PTR ShowPointer(HWND myBox, HWND myPlace) const;
-    HBRUSH ColoursOf(HWND myControl, HDC theTarget);
+    HBRUSH ColoursOf(HWND myControl, HDC theTarget) const;
     void DrawPart(const DRAWITEMSTRUCT& myItem) const;
     bool TakeKey(const MSG& myMessage);
     bool TakeToolKey(WPARAM myKey);
@@ -76,10 +76,14 @@ private:
     HWND MakeControl(const ControlLayout& myLayout, HWND myParent);
     void FillToolBar(HWND myToolBar);
     void Scaled(Scale myNewScale);
+    void ReplaceIcon(Icon& theIcon, Icon myNewIcon);
     void Place(Part& thePart);
     void SetCombosHeight(HWND myCombo) const;
     void Fit(Part& thePart);
     void Centre();
+    void MoveInto(const RECT& myRoom, LONG myLeft, LONG myTop);
+    void FollowScale(UINT myDotsPerInch, const RECT& mySuggestion);
+    void FollowColours();
     void RunModalLoop();
     void Press(TextView myButton);
     Part* PartOf(HWND myControl);
@@ -93,7 +97,7 @@ private:
     Icon myInformation;
     Cursor myHand;
     ImageList myToolImages;
-    Owned<HBRUSH, &DeleteObject> myWhite;
+    NameToolTip myToolTip;
     HCURSOR myPointer = nullptr;
     bool myIsClosed = false;
     bool myHasDoubleClick = false;      ///< a list has reported one since this was reset
@@ -104,6 +108,10 @@ private:
 /// The buttons of the tool bar count from FirstToolId.
 inline constexpr UINT FirstControlId = 100;
 inline constexpr UINT FirstToolId = 200;
+constexpr UINT ToolId(size_t myIndex)
+{
+    return FirstToolId + static_cast<UINT>(myIndex);
+}
 UINT DialogId(const ControlLayout& myLayout);
 
 } // namespace qel

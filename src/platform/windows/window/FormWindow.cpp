@@ -1,7 +1,6 @@
 #include "platform/windows/window/FormWindow.h"
 
 #include "platform/windows/window/dialogs.h"
-#include "text/ScopeGuard.h"
 
 #include <algorithm>
 
@@ -10,26 +9,19 @@ namespace qel
 namespace
 {
 
-/// What a control reports to the logic, and by which notification of the system.
-struct ReportedEvent
+/// What else the author does in a control, and how the system reports it.
+struct ReportHandler
 {
     TextView Control;
     UINT Notification;
-    Handler Event;
+    Handler Report;
 };
 
-constexpr ReportedEvent ReportedEvents[] = {
+constexpr ReportHandler ReportHandlers[] = {
     {u"cmbImageFolder", CBN_SELCHANGE, &FormMainEvents::cmbImageFolder_Click},
     {u"cmbMIDIFolder", CBN_SELCHANGE, &FormMainEvents::cmbMIDIFolder_Click},
     {u"lstImage", LBN_SELCHANGE, &FormMainEvents::lstImage_Click},
     {u"lstMIDI", LBN_DBLCLK, &FormMainEvents::lstMIDI_DblClick},
-    {u"lblImage", BN_CLICKED, &FormMainEvents::lblImage_Click},
-    {u"lblMIDI", BN_CLICKED, &FormMainEvents::lblMIDI_Click},
-    {u"cmdSetLink", BN_CLICKED, &FormMainEvents::cmdSetLink_Click},
-    {u"cmdUnsetLink", BN_CLICKED, &FormMainEvents::cmdUnsetLink_Click},
-    {u"cmdHelp", BN_CLICKED, &FormMainEvents::cmdHelp_Click},
-    {u"cmdOK", BN_CLICKED, &FormMainEvents::cmdOK_Click},
-    {u"cmdCancel", BN_CLICKED, &FormMainEvents::cmdCancel_Click},
 };
 
 } // namespace
@@ -38,11 +30,18 @@ FormWindow::FormWindow(Text& theLastFolder) : theFolder(theLastFolder)
 {
     myDialog.Reported = [this](const ControlLayout& myControl, UINT myNotification)
     {
-        for (const ReportedEvent& myEvent : ReportedEvents)
+        for (const ReportHandler& myEntry : ReportHandlers)
         {
-            if (myEvent.Control == myControl.Name && myEvent.Notification == myNotification)
+            if (myEntry.Control == myControl.Name && myEntry.Notification == myNotification)
             {
-                myForwarder.CallFromSystem(myEvent.Event);
+                myForwarder.CallFromSystem(myEntry.Report);
+            }
+        }
+        for (const PressHandler& myEntry : PressHandlers)
+        {
+            if (myEntry.Control == myControl.Name && myNotification == BN_CLICKED)
+            {
+                myForwarder.CallFromSystem(myEntry.Press);
             }
         }
     };
@@ -54,24 +53,6 @@ FormWindow::FormWindow(Text& theLastFolder) : theFolder(theLastFolder)
     {
         myPreview.Show(myTarget, myInside);
     };
-}
-
-void FormWindow::Show(FormMainEvents& theEvents)
-{
-    myForwarder.Receiver(&theEvents);
-    const ScopeGuard myGuard([&] { myForwarder.Receiver(nullptr); });
-    theEvents.Form_Load();
-    if (!myIsUnloaded)
-    {
-        myDialog.ShowModally();
-    }
-    theEvents.Form_Unload();
-}
-
-void FormWindow::Unload()
-{
-    myIsUnloaded = true;
-    myDialog.Close();
 }
 
 void FormWindow::Pointer(MousePointer myPointer)

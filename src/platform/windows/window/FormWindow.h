@@ -1,22 +1,20 @@
 /// The dialog's window as its logic sees it.
 #pragma once
 
-#include "dialog/ports/FormMainWindow.h"
+#include "platform/shared/ModalFormWindow.h"
 #include "platform/windows/window/controls.h"
 #include "platform/windows/window/FormDialog.h"
 
 namespace qel
 {
 
-class FormWindow final : public FormMainWindow
+class FormWindow final : public ModalFormWindow<FormDialog>
 {
 public:
     /// `theLastFolder` is where the file dialog starts, and outlives the window. Error 57: there is no display.
     explicit FormWindow(Text& theLastFolder);
 
     FormMainControls& Controls() override { return myControls; }
-    void Show(FormMainEvents& theEvents) override;
-    void Unload() override;
     int32_t HelpContextID() override { return MainFormLayout.HelpContextID; }
     void Pointer(MousePointer myPointer) override;
     std::optional<Text> ShowOpen(const FileDialogSettings& mySettings) override;
@@ -26,9 +24,6 @@ private:
     const ControlLayout& PreviewLayout() const;
 
     Text& theFolder;
-    EventForwarder myForwarder;
-    FormDialog myDialog;
-    bool myIsUnloaded = false;
 
     SystemComboBox myImageFolders{myDialog.Control(u"cmbImageFolder"), myForwarder,
                                   &FormMainEvents::cmbImageFolder_Click};

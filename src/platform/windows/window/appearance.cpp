@@ -100,19 +100,6 @@ HICON MakeIcon(std::span<const std::string_view> myRows, int mySide, std::option
     return CreateIconIndirect(&myInfo);
 }
 
-/// A text is measured on the screen, in the font.
-SIZE SizeIn(HFONT myFont, const std::wstring& myText, LONG myWidth, bool myHasLines)
-{
-    HDC const myScreen = GetDC(nullptr);
-    HGDIOBJ const myOld = SelectObject(myScreen, myFont);
-    RECT theRoom = {0, 0, myWidth, 0};
-    DrawTextW(myScreen, myText.c_str(), -1, &theRoom,
-              DT_CALCRECT | DT_NOPREFIX | (myHasLines ? DT_WORDBREAK : DT_SINGLELINE));
-    SelectObject(myScreen, myOld);
-    ReleaseDC(nullptr, myScreen);
-    return {theRoom.right, theRoom.bottom};
-}
-
 int AverageWidth(HFONT myFont)
 {
     HDC const myScreen = GetDC(nullptr);
@@ -125,6 +112,25 @@ int AverageWidth(HFONT myFont)
 }
 
 } // namespace
+
+SIZE TextSize(HFONT myFont, const std::wstring& myText, LONG myWidth, bool myHasLines)
+{
+    HDC const myScreen = GetDC(nullptr);
+    HGDIOBJ const myOld = SelectObject(myScreen, myFont);
+    RECT theRoom = {0, 0, myWidth, 0};
+    DrawTextW(myScreen, myText.c_str(), -1, &theRoom,
+              DT_CALCRECT | DT_NOPREFIX | (myHasLines ? DT_WORDBREAK : DT_SINGLELINE));
+    SelectObject(myScreen, myOld);
+    ReleaseDC(nullptr, myScreen);
+    return {theRoom.right, theRoom.bottom};
+}
+
+std::wstring WindowText(HWND myWindow)
+{
+    std::wstring theText(static_cast<size_t>(GetWindowTextLengthW(myWindow)), L'\0');
+    GetWindowTextW(myWindow, theText.data(), static_cast<int>(theText.size()) + 1);
+    return theText;
+}
 
 Font FormFont(Scale myScale, int32_t myWeight, int myWidth)
 {
@@ -140,7 +146,7 @@ Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SI
     constexpr int LeastWidth = 2;
     const auto Fits = [&](HFONT myFont)
     {
-        const SIZE myNeed = SizeIn(myFont, myText, myRoom.cx, myHasLines);
+        const SIZE myNeed = TextSize(myFont, myText, myRoom.cx, myHasLines);
         return myHasLines ? myNeed.cy <= myRoom.cy : myNeed.cx <= myRoom.cx;
     };
     Font theFont = FormFont(myScale, myWeight);
@@ -162,11 +168,11 @@ COLORREF BackColourOf(const ControlLayout& myLayout)
 
 COLORREF TextColourOf(const ControlLayout& myLayout)
 {
-    if (!ContrastIsHigh())
+    if (myLayout.BackColour == Face)
     {
-        return ToSystem(myLayout.ForeColour);
+        return GetSysColor(COLOR_BTNTEXT);
     }
-    return GetSysColor(myLayout.BackColour == Face ? COLOR_BTNTEXT : COLOR_WINDOWTEXT);
+    return ContrastIsHigh() ? GetSysColor(COLOR_WINDOWTEXT) : ToSystem(myLayout.ForeColour);
 }
 
 Icon IconOf(std::span<const std::string_view> myRows, int mySide)

@@ -46,6 +46,11 @@ private:
     int myDpi;
 };
 
+/// The size of a text on the screen in a font: in one line or, with `myHasLines`, in lines of that width.
+SIZE TextSize(HFONT myFont, const std::wstring& myText, LONG myWidth, bool myHasLines);
+/// What a window shows as its text.
+std::wstring WindowText(HWND myWindow);
+
 /// The font of the form. A width of 0 is the font's own; another one is that of an average character, in pixels.
 Font FormFont(Scale myScale, int32_t myWeight, int myWidth = 0);
 
@@ -53,8 +58,8 @@ Font FormFont(Scale myScale, int32_t myWeight, int myWidth = 0);
 /// several lines only the height is limited.
 Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SIZE myRoom, bool myHasLines);
 
-/// The colours of a control on a white background, or those that the user has chosen for windows if that is to be rich
-/// in contrast.
+/// The colours of a label, button or box. On a background of its own they are those of the form, or the user's colours
+/// for windows if these are to be rich in contrast; on that of the form they are always the user's.
 COLORREF BackColourOf(const ControlLayout& myLayout);
 COLORREF TextColourOf(const ControlLayout& myLayout);
 

@@ -1,7 +1,6 @@
 #include "platform/windows/window/controls.h"
 
 #include "platform/PixelPicture.h"
-#include "platform/windows/wideText.h"
 #include "text/errors.h"
 
 #include <algorithm>
@@ -33,28 +32,6 @@ uint32_t Blend(uint32_t myUpper, uint32_t myLower, uint32_t myAlpha)
 }
 
 } // namespace
-
-void AddEntry(HWND myControl, const EntryMessages& myMessages, TextView myText)
-{
-    const std::wstring myEntry = WideText(myText);
-    if (SendMessageW(myControl, myMessages.Add, 0, reinterpret_cast<LPARAM>(myEntry.c_str())) < 0)
-    {
-        Raise(ErrorNumber::OutOfMemory);
-    }
-}
-
-Text SelectedEntry(HWND myControl, const EntryMessages& myMessages)
-{
-    const LRESULT myIndex = SendMessageW(myControl, myMessages.Selected, 0, 0);
-    const LRESULT myLength = SendMessageW(myControl, myMessages.TextLength, static_cast<WPARAM>(myIndex), 0);
-    if (myIndex < 0 || myLength < 0)
-    {
-        return {};
-    }
-    std::wstring theText(static_cast<size_t>(myLength), L'\0');
-    SendMessageW(myControl, myMessages.Text, static_cast<WPARAM>(myIndex), reinterpret_cast<LPARAM>(theText.data()));
-    return TextOfWide(theText);
-}
 
 SystemPreviewBox::SystemPreviewBox(HWND myBox, const ControlLayout& myLayout)
     : myWindow(myBox), myWidth(myLayout.Width / TwipsPerPixel - 2 * BorderWidth),

@@ -3,26 +3,13 @@
 
 #include "dialog/ports/FormMainControls.h"
 #include "platform/shared/EventForwarder.h"
+#include "platform/windows/window/entries.h"
 #include "platform/windows/window/FormDialog.h"
 
 #include <vector>
 
 namespace qel
 {
-
-/// The messages to a control with entries, which are those of combo boxes or of list boxes.
-struct EntryMessages
-{
-    UINT Add, Count, Selected, Select, TextLength, Text;
-};
-inline constexpr EntryMessages ComboMessages = {CB_ADDSTRING, CB_GETCOUNT,     CB_GETCURSEL,
-                                                CB_SETCURSEL, CB_GETLBTEXTLEN, CB_GETLBTEXT};
-inline constexpr EntryMessages ListMessages = {LB_ADDSTRING, LB_GETCOUNT,   LB_GETCURSEL,
-                                               LB_SETCURSEL, LB_GETTEXTLEN, LB_GETTEXT};
-
-// The same for both kinds; these are the functions of the class below.
-void AddEntry(HWND myControl, const EntryMessages& myMessages, TextView myText);
-Text SelectedEntry(HWND myControl, const EntryMessages& myMessages);
 
 /// `Port` is ComboBox or ListBox.
 template <class Port, const EntryMessages& Messages>
