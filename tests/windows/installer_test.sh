@@ -61,22 +61,24 @@ use() {
         fail "the command prompt has another path"
 }
 
-test_in() { # name of the Windows, loader, folder of its word size, engines, options
+test_in() { # name of the Windows, loader, folder of its word size, engines, part of the registry, options
     local drive=$work/$1/drive_c tree=$3 engines=$4 at at_windows
-    echo "the installer on $1 ${*:5}"
+    echo "the installer on $1 ${*:6}"
     export QEL_WINE=$work/$1 QEL_WINE_PROGRAM=$folder/$2 WINEARCH=${1%-*}
     run reg query HKCU # makes it
     clients "$work/nothing.vbs" # an engine registers itself at its first use
     state >"$work/before"
-    run "$work/older.exe" /S "${@:5}"
+    run "$work/older.exe" /S "${@:6}"
     at=$(dirname "$(find "$drive" -name uninstall.exe)") at_windows=C:$(echo "${at#"$drive"}" | tr / '\\')
     [ -f "$at/x86/QelPluginAnimationDesigns/Antiguos/Cigüeña.gif" ] || fail "the older version has not been installed"
-    run build/windows/tesselwind-*-windows.exe /S "${@:5}"
+    run build/windows/tesselwind-*-windows.exe /S "${@:6}"
     [ ! -e "$at/x86/QelPluginAnimationDesigns/Antiguos" ] || fail "the upgrade leaves a file of the older version"
     [ -e "$at/x64" ] || [ "$tree" = x86 ] || fail "the component for 64 bits is missing"
     use
     state >"$work/installed"
-    grep -q 'Uninstall.Tesselwind\]' "$work/installed" || fail "it is not among the installed programs"
+    diff "$work/before" "$work/installed" | grep -a '^> \[' >"$work/keys" || true
+    ! grep -vF "[$5" "$work/keys" || fail "it writes keys for other users"
+    grep -q 'InprocServer32\]' "$work/keys" && grep -q 'Uninstall.Tesselwind\]' "$work/keys" || fail "$(cat "$work/keys")"
     clients "$PWD/tests/windows/inUse.vbs" "$at_windows"
     clients "$PWD/tests/windows/client.vbs"
     run "$at/uninstall.exe" /S
@@ -86,6 +88,7 @@ test_in() { # name of the Windows, loader, folder of its word size, engines, opt
     state >"$work/after"
     diff "$work/before" "$work/after" || fail "removed, it leaves or changes something"
 }
-test_in win64-all wine64 x64 'system32 syswow64' /AllUsers
-test_in win64-one wine64 x64 'system32 syswow64' /CurrentUser
-test_in win32-all wine x86 system32 '/D=C:\Tesselwind'
+test_in win64-all wine64 x64 'system32 syswow64' HKEY_LOCAL_MACHINE /AllUsers
+# Wine finds no classes of one user, so there the entries alone are looked at.
+test_in win64-one wine64 x64 '' HKEY_CURRENT_USER /CurrentUser
+test_in win32-all wine x86 system32 HKEY_LOCAL_MACHINE '/D=C:\Tesselwind'
