@@ -472,8 +472,8 @@ QEL_EXTERN_C QEL_EXPORT void CoFreeUnusedLibraries(void);
 
 /* A component is a shared object with these four entry points and no others, each under its name without "Function":
  * DllRegisterServer writes its classes into the class registry, with the path as the component was loaded: into the
- * user's, and on Windows into that of all users where it may. It fails as QelRegisterClass does; on Windows with
- * SELFREG_E_CLASS or SELFREG_E_TYPELIB when the registry cannot be written.
+ * user's, and on Windows into that of all users where it may, unless its file is in the user's own folder. It fails as
+ * QelRegisterClass does; on Windows with SELFREG_E_CLASS or SELFREG_E_TYPELIB when the registry cannot be written.
  * DllUnregisterServer removes them; classes that are not there are no failure, nor are those that on Windows another
  * file is registered for, which stay. E_ACCESSDENIED; on Windows the results of DllRegisterServer.
  * DllGetClassObject returns the factory of a class. CLASS_E_CLASSNOTAVAILABLE: the component has no such class.

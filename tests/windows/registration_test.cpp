@@ -4,12 +4,14 @@
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
 #include "Library.h"
+#include "TemporaryFolder.h"
 #include "testSystem.h"
 #include "text/encodings.h"
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include <aclapi.h>
@@ -100,11 +102,13 @@ protected:
     ~Registration() override { RegDeleteTreeW(HKEY_CURRENT_USER, TestKey); }
 
     /// Calls an entry point with both parts replaced.
-    HRESULT Call(const char* myEntryPoint) const
+    HRESULT Call(const char* myEntryPoint) const { return Call(myComponent, myEntryPoint); }
+
+    HRESULT Call(const Library& myLibrary, const char* myEntryPoint) const
     {
         myAllUsers.Replace(true);
         myUser.Replace(true);
-        const HRESULT theResult = myComponent.EntryPoint<DllRegisterServerFunction>(myEntryPoint)();
+        const HRESULT theResult = myLibrary.EntryPoint<DllRegisterServerFunction>(myEntryPoint)();
         myUser.Replace(false);
         myAllUsers.Replace(false);
         return theResult;
@@ -132,6 +136,16 @@ TEST_F(Registration, Register_WritesForAllUsersOrForTheUser_UnregisterLeavesNoth
         }
     }
     EXPECT_EQ(Call("DllUnregisterServer"), S_OK) << "what is not there is no failure";
+}
+
+TEST_F(Registration, Register_FileInTheUsersFolder_WritesForTheUserAlone)
+{
+    const TemporaryFolder myFolder(std::getenv("USERPROFILE"));
+    std::filesystem::copy_file(QEL_STAGE "/QelPluginAnimation.dll", myFolder / "copy.dll");
+    const Library myCopy(myFolder.Native("copy.dll"));
+    EXPECT_EQ(Call(myCopy, "DllRegisterServer"), S_OK);
+    EXPECT_TRUE(myUser.Has(MainKey));
+    EXPECT_FALSE(myAllUsers.Has(MainKey));
 }
 
 TEST_F(Registration, Unregister_LeavesWhatNamesAnotherFile)

@@ -1,4 +1,5 @@
-// The system's registry: for all users where this process may write that part, else for the user.
+// The system's registry: for all users where this process may write that part, else for the user. A file in the user's
+// own folder, which others cannot read, is registered for the user alone.
 //
 // The library is registered by hand. The system's own function would make every interface of the library refer to it,
 // also those of the host, which are described by a library of their own.
@@ -15,6 +16,8 @@
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include <shlobj.h>
 
 namespace qel
 {
@@ -286,6 +289,21 @@ bool NamesFile(const ClassesKey& myClasses, const std::wstring& myKey, const std
                       std::filesystem::equivalent(*myPath, myFile, myIgnored));
 }
 
+bool IsInTheUsersFolder(const std::filesystem::path& myFile)
+{
+    PWSTR myText = nullptr;
+    const HRESULT myResult = SHGetKnownFolderPath(FOLDERID_Profile, 0, nullptr, &myText);
+    const std::filesystem::path myFolder = SUCCEEDED(myResult) ? myText : L"";
+    CoTaskMemFree(myText);
+    std::error_code myIgnored;
+    std::filesystem::path myParent = myFile.parent_path();
+    while (myParent.has_relative_path() && !std::filesystem::equivalent(myParent, myFolder, myIgnored))
+    {
+        myParent = myParent.parent_path();
+    }
+    return myParent.has_relative_path();
+}
+
 void RemoveClass(const ClassesKey& theClasses, const RegisteredClass& myClass, const std::filesystem::path& myFile)
 {
     const std::wstring myId = TextOfId(*myClass.Identifier);
@@ -335,8 +353,12 @@ HRESULT RegisterClasses(std::span<const RegisteredClass> myClasses, const std::f
     {
         return ReportLibrary(myReason);
     }
-    LSTATUS myReason = ERROR_SUCCESS;
-    HRESULT theResult = Register(ClassesKey(HKEY_LOCAL_MACHINE), myClasses, myLibrary, myFile, myReason);
+    LSTATUS myReason = ERROR_ACCESS_DENIED;
+    HRESULT theResult = S_OK;
+    if (!IsInTheUsersFolder(myFile))
+    {
+        theResult = Register(ClassesKey(HKEY_LOCAL_MACHINE), myClasses, myLibrary, myFile, myReason);
+    }
     if (myReason == ERROR_ACCESS_DENIED)
     {
         theResult = Register(ClassesKey(HKEY_CURRENT_USER), myClasses, myLibrary, myFile, myReason);
