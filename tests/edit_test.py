@@ -59,17 +59,6 @@ class EditTest(HostTest):
         self.assertIn(f'<a href="images/Foto.jpg"><img src="images/qelspr{module}.gif"', self.page("index.html"))
         self.assertEqual((self.site / "build/images/Foto.jpg").read_bytes(), b"picture")
 
-    def test_a_typed_address_reaches_the_page_whatever_it_holds(self):
-        module = self.add_module("index.html", script())
-        self.edit(module, CHOOSE_LINK, "ChooseLink type http://x/%20%37?a=1&b='\"<>\\", "ChooseLink key Enter", CONFIRM)
-        self.host("build", self.site)
-        page = self.page("index.html")
-        self.assertIn('<a href="http://x/&#37;20&#37;37?a=1&#38;b=&#39;&#34;&#60;&#62;&#92;"><img', page)
-        stored = self.script(module)
-        for steps in (["ChooseLink key Esc"], ["ChooseLink key Enter"]):
-            self.edit(module, *CHANGE_LINK, *steps, CONFIRM)
-            self.assertEqual(self.script(module), stored)
-
     def test_a_cancelled_dialog_changes_nothing(self):
         module = self.add_module("index.html", script(link="URL:old") + "kept to the byte")
         before = self.script(module)

@@ -1,6 +1,5 @@
 /// Makes the pictures of the settings dialog that the documents show: dialog_pictures FOLDER
-#include "dialogHost.h"
-#include "TemporaryFolder.h"
+#include "DialogDriver.h"
 
 namespace qel
 {
@@ -10,49 +9,46 @@ const char16_t* const ErrorSource = u"dialog_pictures";
 namespace
 {
 
-/// The last step in a dialog: saves a picture of the window and closes it.
-Step Photograph(const std::string& myFile)
-{
-    return Dialog(
-        [=]
-        {
-            EXPECT_TRUE(DialogUser::Front()->grab().save(QString::fromStdString(myFile)));
-            Click("cmdCancel");
-        });
-}
-
 void MakePictures(const std::string& myTarget)
 {
     const TemporaryFolder myFolder;
-    setenv("TMPDIR", myFolder.Native().c_str(), 1);
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const Environment myEnvironment{{"TMPDIR", myFolder.Native()}, {"QT_QPA_PLATFORM", "offscreen"}};
     myFolder.Write("tune.mid", "");
-    const DialogHost myHost(QEL_STAGE "/QelPluginAnimation.so");
-    myHost.Records->Link = u"URL:https://example.org/";
-
-    myHost.Script(u"");
-    myHost.CallBack({Photograph(myTarget + "/dialog-new.png")});
-    myHost.CallBack({Dialog(
-                         []
-                         {
-                             Pick("cmbImageFolder", "Naturaleza");
-                             Pick("lstImage", "Mariposa");
-                             Pick("cmbMIDIFolder", "Naturaleza");
-                             EXPECT_TRUE(Control("lblAnimated").isVisible());
-                         }),
-                     Photograph(myTarget + "/dialog-browsing.png")});
-    myHost.CallBack({Dialog(
-                         []
-                         {
-                             Pick("cmbImageFolder", "(personalizado)");
-                             Pick("cmbMIDIFolder", "(personalizado)");
-                             Click("lblMIDI");
-                         }),
-                     File(myFolder.Native("tune.mid")), Dialog([] { Click("lblImage"); }),
-                     File(QEL_STAGE "/QelPluginAnimationDesigns/Viajes/Avión.gif"),
-                     Photograph(myTarget + "/dialog-imports.png")});
-    myHost.Script(u"<pg.param name=from value=40513><pg.param name=to value=40543>");
-    myHost.CallBack({Dialog([] { Click("cmdSetLink"); }), Photograph(myTarget + "/dialog-period.png")});
+    DialogHost theHost(QEL_STAGE "/QelPluginAnimation.so", u"");
+    // Opens the dialog, lets a user work in it, and saves a picture of it.
+    const auto Photograph =
+        [&](const char* myName, const std::string& myScript, const std::function<void(DialogDriver&)>& myWork)
+    {
+        const auto Work = [&](DialogDriver& theUser)
+        {
+            myWork(theUser);
+            const QString myFile = QString::fromStdString(myTarget + "/" + myName);
+            theUser.InForm([&] { EXPECT_TRUE(DialogUser::Front()->grab().save(myFile)); });
+            theUser.CloseWindow();
+        };
+        Drive(theHost, myFolder, myScript, Work);
+    };
+    Photograph("dialog-new.png", "", [](DialogDriver&) {});
+    const auto Browse = [](DialogDriver& theUser)
+    {
+        theUser.Pick("cmbImageFolder", "Naturaleza");
+        theUser.Pick("lstImage", "Mariposa");
+        theUser.Pick("cmbMIDIFolder", "Naturaleza");
+        EXPECT_TRUE(theUser.IsVisible("lblAnimated"));
+    };
+    Photograph("dialog-browsing.png", "", Browse);
+    const auto Import = [&](DialogDriver& theUser)
+    {
+        theUser.Pick("cmbImageFolder", "(personalizado)");
+        theUser.Pick("cmbMIDIFolder", "(personalizado)");
+        theUser.Click("lblMIDI");
+        theUser.ChooseFile("Cargar sonido de fondo", myFolder.Native("tune.mid"));
+        theUser.Click("lblImage");
+        theUser.ChooseFile("Cargar motivo de animación", QEL_STAGE "/QelPluginAnimationDesigns/Viajes/Avión.gif");
+    };
+    Photograph("dialog-imports.png", "", Import);
+    Photograph("dialog-period.png", "<pg.param name=from value=40513><pg.param name=to value=40543>",
+               [](DialogDriver& theUser) { theUser.Click("cmdSetLink"); });
 }
 
 } // namespace

@@ -53,16 +53,16 @@ public:
     /// Turns the wheel by one notch over a control, as the system reports it.
     void TurnWheel(const char* myName)
     {
-        InForm(
-            [=]
-            {
-                QWidget& theWidget = Control(myName);
-                const QPointF myPlace = theWidget.rect().center();
-                QWheelEvent myEvent(myPlace, theWidget.mapToGlobal(myPlace), {}, {0, -120}, Qt::NoButton,
-                                    Qt::NoModifier, Qt::NoScrollPhase, false);
-                QSpontaneKeyEvent::setSpontaneous(&myEvent);
-                qApp->notify(&theWidget, &myEvent);
-            });
+        const auto Turn = [=]
+        {
+            QWidget& theWidget = Control(myName);
+            const QPointF myPlace = theWidget.rect().center();
+            QWheelEvent myEvent(myPlace, theWidget.mapToGlobal(myPlace), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                                Qt::NoScrollPhase, false);
+            QSpontaneKeyEvent::setSpontaneous(&myEvent);
+            qApp->notify(&theWidget, &myEvent);
+        };
+        InForm(Turn);
     }
     void Key(Qt::Key myKey, Qt::KeyboardModifiers myModifiers = Qt::NoModifier)
     {
@@ -76,108 +76,98 @@ public:
     /// Goes on to a control, or to a named part of one, by the Tab key, which has to reach it soon enough.
     void TabTo(const char* myName, int myMost = 20)
     {
-        InForm(
-            [=]
+        const auto Tab = [=]
+        {
+            for (int i = 0; i < myMost && !HasFocus(myName); ++i)
             {
-                for (int i = 0; i < myMost && !HasFocus(myName); ++i)
-                {
-                    qel::Key(Qt::Key_Tab);
-                }
-                EXPECT_TRUE(HasFocus(myName)) << myName;
-            });
+                qel::Key(Qt::Key_Tab);
+            }
+            EXPECT_TRUE(HasFocus(myName)) << myName;
+        };
+        InForm(Tab);
     }
     void GoToDay(const std::string& myPicker) { TabTo((myPicker + "Day").c_str()); }
     void GoToStopButton() { TabTo("ToolbarPlay2"); }
     /// Picks an entry of a combo box from its opened list by keys, of a list by the mouse.
     void Pick(const char* myName, const char* myEntry)
     {
-        InForm(
-            [=]
+        const auto PickIt = [=]
+        {
+            if (auto* const myCombo = qobject_cast<QComboBox*>(&Control(myName)))
             {
-                if (auto* const myCombo = qobject_cast<QComboBox*>(&Control(myName)))
-                {
-                    myCombo->showPopup();
-                    myCombo->view()->setCurrentIndex(myCombo->model()->index(myCombo->findText(myEntry), 0));
-                    QTest::keyClick(myCombo->view(), Qt::Key_Return);
-                    EXPECT_EQ(myCombo->currentText(), myEntry);
-                    return;
-                }
-                auto& myList = Control<QListWidget>(myName);
-                const QList<QListWidgetItem*> myFound = myList.findItems(myEntry, Qt::MatchExactly);
-                ASSERT_EQ(myFound.size(), 1);
-                QTest::mouseClick(myList.viewport(), Qt::LeftButton, {}, myList.visualItemRect(myFound[0]).center());
-            });
+                myCombo->showPopup();
+                myCombo->view()->setCurrentIndex(myCombo->model()->index(myCombo->findText(myEntry), 0));
+                QTest::keyClick(myCombo->view(), Qt::Key_Return);
+                EXPECT_EQ(myCombo->currentText(), myEntry);
+                return;
+            }
+            auto& myList = Control<QListWidget>(myName);
+            const QPoint myPlace = myList.visualItemRect(myList.findItems(myEntry, Qt::MatchExactly)[0]).center();
+            QTest::mouseClick(myList.viewport(), Qt::LeftButton, {}, myPlace);
+        };
+        InForm(PickIt);
     }
     void CloseWindow()
     {
         InForm([] { DialogUser::Front()->close(); });
     }
 
-    bool IsVisible(const char* myName)
-    {
-        return Ask([=] { return Control(myName).isVisible(); });
-    }
-    bool IsEnabled(const char* myName)
-    {
-        return Ask([=] { return Control(myName).isEnabled(); });
-    }
+    bool IsVisible(const char* myName) { return Get(myName, &QWidget::isVisible); }
+    bool IsEnabled(const char* myName) { return Get(myName, &QWidget::isEnabled); }
     std::string TextOf(const char* myName)
     {
-        return Ask([=] { return Control(myName).property("text").toString(); }).toStdString();
+        return Ask([=] { return Control(myName).property("text").toString().toStdString(); });
     }
     /// The name of the control or part with the focus.
     std::string Focus()
     {
-        return Ask([] { return QApplication::focusWidget()->objectName(); }).toStdString();
+        return Ask([] { return QApplication::focusWidget()->objectName().toStdString(); });
     }
     /// What a screen reader says for a control: the name of its label if there is one, else its own.
     std::string SpokenName(const char* myName)
     {
-        return Ask(
-            [=]
-            {
-                QAccessibleInterface& myInterface = *QAccessible::queryAccessibleInterface(&Control(myName));
-                const auto myLabels = myInterface.relations(QAccessible::Label);
-                return (myLabels.isEmpty() ? myInterface : *myLabels[0].first).text(QAccessible::Name).toStdString();
-            });
+        const auto Read = [=]
+        {
+            QAccessibleInterface& myInterface = *QAccessible::queryAccessibleInterface(&Control(myName));
+            const auto myLabels = myInterface.relations(QAccessible::Label);
+            return (myLabels.isEmpty() ? myInterface : *myLabels[0].first).text(QAccessible::Name).toStdString();
+        };
+        return Ask(Read);
     }
     std::string Entries(const char* myName)
     {
-        return Ask(
-                   [=]
-                   {
-                       QStringList theEntries;
-                       const auto& myModel = *Control(myName).findChild<QAbstractItemModel*>();
-                       for (int i = 0; i < myModel.rowCount(); ++i)
-                       {
-                           theEntries << myModel.index(i, 0).data().toString();
-                       }
-                       return theEntries.join('|');
-                   })
-            .toStdString();
+        const auto Join = [=]
+        {
+            QStringList theEntries;
+            const auto& myModel = *Control(myName).findChild<QAbstractItemModel*>();
+            for (int i = 0; i < myModel.rowCount(); ++i)
+            {
+                theEntries << myModel.index(i, 0).data().toString();
+            }
+            return theEntries.join('|').toStdString();
+        };
+        return Ask(Join);
     }
-    std::string Selected(const char* myCombo)
-    {
-        return Ask([=] { return Control<QComboBox>(myCombo).currentText().toStdString(); });
-    }
-    std::string DayOf(const std::string& myPicker) { return Selected((myPicker + "Day").c_str()); }
+    std::string Selected(const std::string& myCombo) { return Get(myCombo, &QComboBox::currentText).toStdString(); }
+    std::string DayOf(const std::string& myPicker) { return Selected(myPicker + "Day"); }
     /// "LEFT,TOP WIDTHxHEIGHT" in a box or, if that is empty, in the form; "?" for another parent.
     std::string Place(const char* myName, const std::string& myParent)
     {
-        return Ask(
-            [=]
-            {
-                const QWidget& myWidget = Control(myName);
-                const QRect& myPlace = myWidget.geometry();
-                const bool myIsThere =
-                    myWidget.parentWidget()->objectName().toStdString() == (myParent.empty() ? "FormMain" : myParent);
-                return (QString(myIsThere ? "%1,%2 " : "?").arg(myPlace.x()).arg(myPlace.y()) + TextOf(myPlace.size()))
-                    .toStdString();
-            });
+        const auto Describe = [=]
+        {
+            const QWidget& myWidget = Control(myName);
+            const QRect& r = myWidget.geometry();
+            const bool myIsThere =
+                myWidget.parentWidget()->objectName() == (myParent.empty() ? "FormMain" : myParent.c_str());
+            const QString theText = QString("%1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
+            return myIsThere ? theText.toStdString() : "?";
+        };
+        return Ask(Describe);
     }
     std::string FormSize()
     {
-        return Ask([] { return TextOf(DialogUser::Front()->size()).toStdString(); });
+        const QSize mySize = Ask([] { return DialogUser::Front()->size(); });
+        return QString("%1x%2").arg(mySize.width()).arg(mySize.height()).toStdString();
     }
     /// Expects a colour, 0xRRGGBB, of a pixel of the preview, counted inside its border.
     void ExpectPreview(int myLeft, int myTop, uint32_t myColour)
@@ -234,7 +224,6 @@ private:
         const QWidget* const myFocus = QApplication::focusWidget();
         return myFocus == &Control(myName) || myFocus->parentWidget() == &Control(myName);
     }
-    static QString TextOf(QSize mySize) { return QString("%1x%2").arg(mySize.width()).arg(mySize.height()); }
 
     template <class Question, class Answer = std::invoke_result_t<Question>>
     Answer Ask(Question myQuestion)
@@ -242,6 +231,12 @@ private:
         Answer theAnswer{};
         InForm([&] { theAnswer = myQuestion(); });
         return theAnswer;
+    }
+
+    template <class Widget, class Answer>
+    Answer Get(const std::string& myName, Answer (Widget::*myProperty)() const)
+    {
+        return Ask([&] { return (Control<Widget>(myName.c_str()).*myProperty)(); });
     }
 
     const TemporaryFolder& myFolder;
@@ -275,16 +270,23 @@ inline void PlaceComponent(const TemporaryFolder& theFolder, Environment& theEnv
     theEnvironment.Set("PULSE_SERVER", "unix:/nowhere");
 }
 
-/// Runs a host that opens the dialog, or with "about" as mode the box about the component, for a user.
-inline std::string RunDialog(const TemporaryFolder& theFolder, const std::string& myScript,
-                             const std::function<void(DialogDriver&)>& myUser, const std::string& myMode)
+/// Lets a host open the dialog, or with "about" as mode the box about the component, for a user.
+inline std::string Drive(DialogHost& theHost, const TemporaryFolder& theFolder, const std::string& myScript,
+                         const std::function<void(DialogDriver&)>& myUser, const std::string& myMode = "")
 {
-    DialogHost theHost(Stage().Native("QelPluginAnimation.so"), FromUtf8(theFolder.Native("data/")));
     DialogDriver theDriver(theFolder);
     std::thread theThread([&] { myUser ? myUser(theDriver) : void(); });
     const std::string theResult = myMode == "about" ? theHost.About() : theHost.Open(myScript);
     theThread.join();
     return theResult;
+}
+
+/// The same with a host in the folder of a test.
+inline std::string RunDialog(const TemporaryFolder& theFolder, const std::string& myScript,
+                             const std::function<void(DialogDriver&)>& myUser, const std::string& myMode)
+{
+    DialogHost theHost(Stage().Native("QelPluginAnimation.so"), FromUtf8(theFolder.Native("data/")));
+    return Drive(theHost, theFolder, myScript, myUser, myMode);
 }
 
 } // namespace qel

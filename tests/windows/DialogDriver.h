@@ -58,9 +58,18 @@ public:
     /// The visible windows of the host that a user can work in.
     std::vector<HWND> Windows() const
     {
-        WindowSearch theSearch{myHost.dwProcessId, {}};
-        EnumWindows(&WindowSearch::Take, reinterpret_cast<LPARAM>(&theSearch));
-        return theSearch.Found;
+        std::vector<HWND> theWindows;
+        HWND myWindow = nullptr;
+        while ((myWindow = FindWindowExW(nullptr, myWindow, nullptr, nullptr)) != nullptr)
+        {
+            DWORD myProcess = 0;
+            GetWindowThreadProcessId(myWindow, &myProcess);
+            if (myProcess == myHost.dwProcessId && IsWindowVisible(myWindow) != 0 && IsWindowEnabled(myWindow) != 0)
+            {
+                theWindows.push_back(myWindow);
+            }
+        }
+        return theWindows;
     }
 
     /// The form, as soon as the user can work in it.
@@ -100,12 +109,11 @@ public:
     /// Presses a key in the control that has the focus, and waits until it has been handled.
     void Key(WPARAM myKey)
     {
-        HWND const myForm = Form();
         HWND const myFocus = FocusWindow();
+        HWND const myCombo = Control("cmbImageFolder");
         PostMessageW(myFocus, WM_KEYDOWN, myKey, 1);
         PostMessageW(myFocus, WM_KEYUP, myKey, static_cast<LPARAM>(0xC0000001));
         // The box has this width only after it has handled all messages that were posted before.
-        HWND const myCombo = GetDlgItem(myForm, FirstControlId);
         myFence = 400 + (myFence + 1) % 100;
         PostMessageW(myCombo, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(myFence), 0);
         Until("a key is handled",
@@ -121,37 +129,31 @@ public:
         EXPECT_EQ(Focus(), myName);
     }
     /// Goes from the check box of a picker to its day.
-    void GoToDay(const char* myPicker)
-    {
-        TabTo(myPicker);
-        Key(VK_RIGHT);
-    }
-    void GoToStopButton()
-    {
-        TabTo("ToolbarPlay");
-        Key(VK_RIGHT);
-    }
+    void GoToDay(const char* myPicker) { TabTo(myPicker), Key(VK_RIGHT); }
+    void GoToStopButton() { TabTo("ToolbarPlay"), Key(VK_RIGHT); }
     /// Picks an entry: in a combo box by the keys, in a list by the mouse.
-    void Pick(const char* myName, const std::string& myEntry)
+    void Pick(const char* myName, const char* myEntry)
     {
         HWND const myControl = Control(myName);
-        const std::vector<std::string> myEntries = EntriesOf(myName);
-        const auto myIndex = std::ranges::find(myEntries, myEntry) - myEntries.begin();
-        if (*myName == 'c')
+        const std::wstring myText = WideText(FromUtf8(myEntry));
+        const auto Find = [&](UINT myMessage)
         {
-            Notify(myControl, WM_KEYDOWN, VK_HOME, 1);
-            for (auto i = myIndex; i > 0; --i)
-            {
-                Notify(myControl, WM_KEYDOWN, VK_DOWN, 1);
-            }
-        }
-        else
+            return SendMessageW(myControl, myMessage, static_cast<WPARAM>(-1),
+                                reinterpret_cast<LPARAM>(myText.c_str()));
+        };
+        if (*myName == 'l')
         {
             RECT myPlace = {};
-            SendMessageW(myControl, LB_GETITEMRECT, static_cast<WPARAM>(myIndex), reinterpret_cast<LPARAM>(&myPlace));
-            ClickAt(myControl, 5, (myPlace.top + myPlace.bottom) / 2);
+            SendMessageW(myControl, LB_GETITEMRECT, static_cast<WPARAM>(Find(LB_FINDSTRINGEXACT)),
+                         reinterpret_cast<LPARAM>(&myPlace));
+            return ClickAt(myControl, 5, (myPlace.top + myPlace.bottom) / 2);
         }
-        EXPECT_EQ(Selected(myName), myEntry);
+        Notify(myControl, WM_KEYDOWN, VK_HOME, 1);
+        for (LRESULT i = Find(CB_FINDSTRINGEXACT); i > 0; --i)
+        {
+            Notify(myControl, WM_KEYDOWN, VK_DOWN, 1);
+        }
+        EXPECT_EQ(TextOf(myName), myEntry);
     }
     void CloseWindow() { PostMessageW(Form(), WM_CLOSE, 0, 0); }
 
@@ -185,18 +187,16 @@ public:
     /// The entries of a list or combo box, "|" between them.
     std::string Entries(const char* myName)
     {
+        HWND const myControl = Control(myName);
+        const EntryMessages& myMessages = *myName == 'c' ? ComboMessages : ListMessages;
         std::string theText;
-        for (const std::string& myEntry : EntriesOf(myName))
+        for (LRESULT i = 0; i < SendMessageW(myControl, myMessages.Count, 0, 0); ++i)
         {
-            theText += (theText.empty() ? "" : "|") + myEntry;
+            theText += (i == 0 ? "" : "|") + ToUtf8(EntryText(myControl, myMessages, i));
         }
         return theText;
     }
-    std::string Selected(const char* myName)
-    {
-        const LRESULT myIndex = SendMessageW(Control(myName), *myName == 'c' ? CB_GETCURSEL : LB_GETCURSEL, 0, 0);
-        return myIndex < 0 ? "" : EntriesOf(myName)[static_cast<size_t>(myIndex)];
-    }
+    std::string Selected(const char* myCombo) { return TextOf(myCombo); }
     std::string DayOf(const char* myPicker) { return TextOf(myPicker); }
     /// "LEFT,TOP WIDTHxHEIGHT" in a box or, if that is empty, in the form.
     std::string Place(const char* myName, const std::string& myParent)
@@ -224,10 +224,9 @@ public:
     {
         POINT myPlace = {myLeft, myTop};
         ClientToScreen(Control("picPreview"), &myPlace);
-        const COLORREF myExpected = RGB(myColour >> 16U & 0xFFU, myColour >> 8U & 0xFFU, myColour & 0xFFU);
         HDC const myScreen = GetDC(nullptr);
         Until("the preview shows a colour at " + std::to_string(myLeft) + "," + std::to_string(myTop),
-              [&] { return GetPixel(myScreen, myPlace.x, myPlace.y) == myExpected; });
+              [&] { return _byteswap_ulong(GetPixel(myScreen, myPlace.x, myPlace.y)) >> 8U == myColour; });
         ReleaseDC(nullptr, myScreen);
     }
 
@@ -245,12 +244,11 @@ public:
     /// Types a file's name into the dialog for opening one; the empty name cancels.
     void ChooseFile(const char* myTitle, const std::string& myPath)
     {
-        constexpr int NameBox = 0x047C;
-        constexpr int NameLine = 0x0480;
         HWND const myDialog = WaitFor(myTitle, [](HWND) { return true; });
         if (!myPath.empty())
         {
-            HWND const myLine = GetDlgItem(myDialog, GetDlgItem(myDialog, NameLine) != nullptr ? NameLine : NameBox);
+            HWND const myBox = GetDlgItem(myDialog, 0x047C); // one of these, by the edition of the dialog
+            HWND const myLine = myBox != nullptr ? myBox : GetDlgItem(myDialog, 0x0480);
             const std::wstring myText = std::filesystem::path(myPath).make_preferred().wstring();
             SendMessageW(myLine, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(myText.c_str()));
         }
@@ -289,24 +287,6 @@ public:
     DWORD Thread() const { return myHost.dwThreadId; }
 
 private:
-    struct WindowSearch
-    {
-        DWORD Process;
-        std::vector<HWND> Found;
-
-        static BOOL CALLBACK Take(HWND myWindow, LPARAM theSearch)
-        {
-            auto& theResult = *reinterpret_cast<WindowSearch*>(theSearch);
-            DWORD myProcess = 0;
-            GetWindowThreadProcessId(myWindow, &myProcess);
-            if (myProcess == theResult.Process && IsWindowVisible(myWindow) != 0 && IsWindowEnabled(myWindow) != 0)
-            {
-                theResult.Found.push_back(myWindow);
-            }
-            return TRUE;
-        }
-    };
-
     /// Sends what the mouse or a key does, and returns when it has been done or has opened another window.
     void Notify(HWND myWindow, UINT myMessage, WPARAM myFirst, LPARAM mySecond) const
     {
@@ -335,17 +315,6 @@ private:
               });
         return myThread.hwndFocus;
     }
-    std::vector<std::string> EntriesOf(const char* myName)
-    {
-        HWND const myControl = Control(myName);
-        const EntryMessages& myMessages = *myName == 'c' ? ComboMessages : ListMessages;
-        std::vector<std::string> theEntries;
-        for (LRESULT i = 0; i < SendMessageW(myControl, myMessages.Count, 0, 0); ++i)
-        {
-            theEntries.push_back(ToUtf8(EntryText(myControl, myMessages, i)));
-        }
-        return theEntries;
-    }
     static std::string SizeOf(const RECT& myPlace)
     {
         return std::to_string(myPlace.right - myPlace.left) + "x" + std::to_string(myPlace.bottom - myPlace.top);
@@ -354,21 +323,17 @@ private:
     HWND WaitFor(const std::string& myCaption, const std::function<bool(HWND)>& myTest)
     {
         HWND theWindow = nullptr;
-        Until("a window shows: " + myCaption,
-              [&]
-              {
-                  for (HWND const myWindow : Windows())
-                  {
-                      if (TextOf(myWindow) == myCaption && myTest(myWindow))
-                      {
-                          theWindow = myWindow;
-                          return true;
-                      }
-                  }
-                  return WaitForSingleObject(myHost.hProcess, 0) == WAIT_OBJECT_0
-                             ? throw std::runtime_error("the host has ended: " + myFolder.Read("result.txt"))
-                             : false;
-              });
+        const auto Find = [&]
+        {
+            const std::vector<HWND> myWindows = Windows();
+            const auto myFound =
+                std::ranges::find_if(myWindows, [&](HWND w) { return TextOf(w) == myCaption && myTest(w); });
+            theWindow = myFound == myWindows.end() ? nullptr : *myFound;
+            const bool myHostHasEnded = WaitForSingleObject(myHost.hProcess, 0) == WAIT_OBJECT_0;
+            return myHostHasEnded ? throw std::runtime_error("the host has ended: " + myFolder.Read("result.txt"))
+                                  : theWindow != nullptr;
+        };
+        Until("a window shows: " + myCaption, Find);
         return theWindow;
     }
 
