@@ -2,7 +2,6 @@
 // The runtime that Linux needs for it is tested in linux/linuxCom_test.cpp.
 #include "comTest.h"
 #include "errorOf.h"
-#include "livingTexts.h"
 
 #include <functional>
 #include <memory>
@@ -136,7 +135,6 @@ TEST(Dispatch, Invoke_ArgumentsAndResults)
         {5, Get, {}, {}, DISP_E_EXCEPTION},
     };
     SetErrorInfo(0, nullptr);
-    const int myLivingTexts = LivingTexts;
     ExpectOutcomes(*myHost.Get(), myCalls);
     EXPECT_EQ(myHost->PresentLink, u"x");
     EXPECT_EQ(myHost->mySeeks, (std::vector{TestDatabase::Seek(u"uid", 1, 2), TestDatabase::Seek(u"uid", 2, 0),
@@ -144,7 +142,6 @@ TEST(Dispatch, Invoke_ArgumentsAndResults)
     EXPECT_EQ(myNumber, 101) << "the member works on the caller's variable";
     EXPECT_EQ(mySmall, 2);
     EXPECT_EQ(TakenDescription(), "No está") << "without a record for it the error information stays";
-    EXPECT_EQ(LivingTexts, myLivingTexts);
 }
 
 TEST(Dispatch, Invoke_FailedMemberGivesTheErrorInformationOfThisCallAlone)

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "com/qelcom.h"
-#include "livingTexts.h"
 
 #include <cstddef>
 #include <cstdlib>
@@ -40,16 +39,7 @@ void* operator new(size_t mySize, const std::nothrow_t&) noexcept
 BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
 {
     static const auto TheReal = reinterpret_cast<decltype(&SysAllocStringLen)>(dlsym(RTLD_NEXT, "SysAllocStringLen"));
-    const BSTR theText = MemoryIsOut() ? nullptr : TheReal(myText, myLength);
-    LivingTexts += theText != nullptr ? 1 : 0;
-    return theText;
-}
-
-void SysFreeString(BSTR myText)
-{
-    static const auto TheReal = reinterpret_cast<decltype(&SysFreeString)>(dlsym(RTLD_NEXT, "SysFreeString"));
-    LivingTexts -= myText != nullptr ? 1 : 0;
-    TheReal(myText);
+    return MemoryIsOut() ? nullptr : TheReal(myText, myLength);
 }
 
 namespace qel
