@@ -37,7 +37,7 @@ private:
 };
 
 /// For a program that was run so, before anything else: it ends with the one that runs it, and a crash ends it without
-/// a question to the user. Its main thread can create objects of registered classes.
+/// a question to the user. Its main thread can create objects of registered classes. It may lose the display already.
 void BeginRun();
 
 /// For a program that was run so: ends it at once, without what libraries do at the end of a process.

@@ -159,8 +159,7 @@ void HideFromDisplay()
 
 } // namespace
 
-/// The console's requests to end the program. The system reports each in a thread of its own, which waits here for the
-/// end of the program.
+/// The console's requests to end the program. The system reports each in a thread of its own.
 struct ProgramRunner::HeldSignals
 {
     HeldSignals() { SetConsoleCtrlHandler(&Hold, TRUE); }
@@ -168,11 +167,11 @@ struct ProgramRunner::HeldSignals
     HeldSignals& operator=(const HeldSignals&) = delete;
     ~HeldSignals()
     {
-        SetConsoleCtrlHandler(&Hold, FALSE);
         if (WaitForSingleObject(Ending().Get(), 0) == WAIT_OBJECT_0)
         {
             ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
         }
+        SetConsoleCtrlHandler(&Hold, FALSE);
     }
 
     static const Handle& Ending()
@@ -180,10 +179,13 @@ struct ProgramRunner::HeldSignals
         static const Handle theEvent(CreateEventW(nullptr, TRUE, FALSE, nullptr));
         return theEvent;
     }
-    static BOOL WINAPI Hold(DWORD /*mySignal*/)
+    static BOOL WINAPI Hold(DWORD mySignal)
     {
         SetEvent(Ending().Get());
-        Sleep(INFINITE);
+        if (mySignal != CTRL_C_EVENT && mySignal != CTRL_BREAK_EVENT)
+        {
+            Sleep(INFINITE); // when this returns, the system ends the program at once
+        }
         return TRUE;
     }
 };
@@ -213,7 +215,8 @@ void BeginRun()
     // The job ends it with the one that runs it.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     SetUnhandledExceptionFilter(&EndByException);
-    SetOaNoCache(); // so that a text that has been freed does not count as memory in use
+    SetOaNoCache();    // so that a text that has been freed does not count as memory in use
+    HideFromDisplay(); // while the thread has no window, as it has after the next call
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
 }
 
@@ -232,7 +235,6 @@ void IsolateProcess(const fs::path& myFolder)
         _wputenv_s(myName, myPlace.c_str());
     }
     ReplaceRegistry(RegistryKey(myFolder));
-    HideFromDisplay();
 }
 
 fs::path MakeTemporaryFolder()
