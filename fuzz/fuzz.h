@@ -28,4 +28,8 @@ inline std::string_view Characters(const uint8_t* myBytes, size_t mySize)
     return {reinterpret_cast<const char*>(myBytes), mySize};
 }
 
+/// The smallest GIF picture: one pixel.
+inline constexpr std::string_view
+    SmallestPicture("GIF89a\1\0\1\0\x80\0\0\0\0\0\xff\xff\xff,\0\0\0\0\1\0\1\0\0\2\2D\1\0;", 35);
+
 } // namespace qel

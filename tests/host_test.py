@@ -678,7 +678,7 @@ class SiteTest(HostTest):
             database.unlink()
         database.write_bytes(b"no database at all" * 100)
         self.assertIn("damaged", self.host("build", self.site, expect=1))
-        (self.folder / "other" / "data").mkdir(parents=True)
+        (self.folder / "other" / "data" / "a").mkdir(parents=True)
         self.assertIn("there already", self.host("init", self.folder / "other", expect=1))
 
 

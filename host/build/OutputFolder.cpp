@@ -64,7 +64,7 @@ OutputFolder::OutputFolder(const fs::path& theFolder) : myFolder(theFolder)
 {
     DemandFolder(myFolder);
     ReadList();
-    StoreList();
+    StoreList(OnDisk::Now); // before anything else changes
     for (const char* mySubfolder : OutputSubfolders)
     {
         DemandFolder(myFolder / mySubfolder);
@@ -237,7 +237,7 @@ void OutputFolder::CopyStatic(const StaticFile& myFile) const
     MakeFolder(myTarget.parent_path());
     if (!HaveSameContent(myFile.Source, myTarget))
     {
-        CopyWholeFile(myFile.Source, myTarget);
+        CopyWholeFile(myFile.Source, myTarget, OnDisk::Later);
     }
 }
 
@@ -254,7 +254,7 @@ void OutputFolder::Refresh(const std::vector<Record>& myRecords, const fs::path&
         if (TypeOfEntry(mySubfolder / PathOf(myRecord.Filename)) != fs::file_type::not_found &&
             TypeOfEntry(mySource) != fs::file_type::not_found)
         {
-            CopyWholeFile(mySource, mySubfolder / PathOf(myRecord.Filename));
+            CopyWholeFile(mySource, mySubfolder / PathOf(myRecord.Filename), OnDisk::Later);
         }
     }
 }
@@ -265,7 +265,7 @@ void OutputFolder::Write(const std::string& myPage, std::string_view myBytes)
     {
         StoreList();
     }
-    WriteWholeFile(myFolder / PathOf(myPage), myBytes);
+    WriteWholeFile(myFolder / PathOf(myPage), myBytes, OnDisk::Later);
 }
 
 void OutputFolder::Finish()
@@ -274,14 +274,14 @@ void OutputFolder::Finish()
     StoreList();
 }
 
-void OutputFolder::StoreList() const
+void OutputFolder::StoreList(OnDisk myTime) const
 {
     std::string myLines = myIsFinished ? "" : std::string(UnfinishedLine) + "\n";
     for (const std::string& myLine : myWritten)
     {
         myLines += myLine + "\n";
     }
-    WriteWholeFile(myFolder / ListName, myLines);
+    WriteWholeFile(myFolder / ListName, myLines, myTime);
 }
 
 } // namespace qel::host

@@ -13,6 +13,7 @@
 
 #include "build/staticFiles.h"
 #include "site/Site.h"
+#include "site/siteFiles.h"
 
 #include <array>
 #include <filesystem>
@@ -59,7 +60,7 @@ public:
 
 private:
     void ReadList();
-    void StoreList() const;
+    void StoreList(OnDisk myTime = OnDisk::Later) const;
     void RemoveUnfinished() const;
     void RemoveStaleStatic(const std::set<std::string>& myWanted);
     /// True when the way to a path leads through real folders alone, or nothing is there yet.

@@ -6,9 +6,12 @@
 #include "site/PageText.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
+#include "text/ScopeGuard.h"
+#include "text/succeeds.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -121,16 +124,22 @@ void Site::Create(const fs::path& myFolder, std::string_view myTitle)
     }
     for (const char* mySubfolder : {"data", "build"})
     {
-        if (TypeOfEntry(myFolder / mySubfolder) != fs::file_type::not_found)
+        // An empty folder may be left from a program that was killed.
+        const fs::file_type myType = TypeOfEntry(myFolder / mySubfolder);
+        if (myType != fs::file_type::not_found &&
+            (myType != fs::file_type::directory || !NamesInFolder(myFolder / mySubfolder).empty()))
         {
             throw Failure(TextOf(myFolder / mySubfolder) + " is there already; give another folder for the site");
         }
     }
     MakeFolder(myFolder / "data");
     MakeFolder(myFolder / "static"); // an author may have filled it already
-    Connection(myFolder / "site.db", Connection::Mode::Create)
-        .RunAll("PRAGMA application_id = " + std::to_string(ApplicationId));
-    Site(myFolder).myConnection.Run("INSERT INTO site VALUES (1, ?)", {myTitle});
+    RemoveUnfinishedFiles(myFolder, Unfinished::OfEndedPrograms);
+    const fs::path myDatabase = UnfinishedName(myFolder / "site.db");
+    const ScopeGuard myRemoval([&] { Succeeds([&] { RemoveFile(myDatabase); }); });
+    Connection(myDatabase, Connection::Mode::Create).RunAll("PRAGMA application_id = " + std::to_string(ApplicationId));
+    Site(myFolder, myDatabase.filename()).myConnection.Run("INSERT INTO site VALUES (1, ?)", {myTitle});
+    RenameFile(myDatabase, myFolder / "site.db"); // it is a site from now on
 }
 
 namespace
@@ -155,8 +164,10 @@ fs::path RealFolder(const fs::path& myFolder)
 
 } // namespace
 
-Site::Site(const fs::path& theFolder)
-    : myFolder(RealFolder(theFolder)), myConnection(myFolder / "site.db", Connection::Mode::Existing)
+Site::Site(const fs::path& theFolder) : Site(RealFolder(theFolder), "site.db") {}
+
+Site::Site(fs::path theFolder, const fs::path& theDatabase)
+    : myFolder(std::move(theFolder)), myConnection(myFolder / theDatabase, Connection::Mode::Existing)
 {
     Migrate();
 }

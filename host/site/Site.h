@@ -121,7 +121,8 @@ public:
     void EndEdit(int64_t myId, std::string_view myScript);
     /// Gives the module back the archive that it had, or none. Does nothing for a module that is not being edited.
     void UndoEdit(int64_t myId);
-    /// Undoes the edits of programs that ended before they could; gives the ids of their modules.
+    /// Undoes the edits of programs that ended before they could, and removes what they left; gives the ids of their
+    /// modules.
     std::vector<int64_t> UndoInterruptedEdits();
 
     // ---- More of the modules ----
@@ -144,6 +145,7 @@ public:
     std::optional<Record> FindRecord(int64_t myUid);
 
 private:
+    Site(std::filesystem::path myFolder, const std::filesystem::path& myDatabase);
     void Migrate();
     /// The page with a name that is alike without regard to case; 0 if there is none.
     int64_t FindPage(std::string_view myName);

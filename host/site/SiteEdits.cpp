@@ -11,10 +11,12 @@ namespace qel::host
 namespace
 {
 
+constexpr std::string_view CopyEnd = ".before-edit";
+
 /// The copy's name. No record's file can have it, since it begins with a full stop.
 std::string CopyName(int64_t myModule)
 {
-    return ".module" + std::to_string(myModule) + ".before-edit";
+    return (".module" + std::to_string(myModule)).append(CopyEnd);
 }
 
 } // namespace
@@ -26,7 +28,7 @@ void Site::BeginEdit(int64_t myId)
     const bool myHasArchive = TypeOfEntry(myArchive) != fs::file_type::not_found;
     if (myHasArchive)
     {
-        CopyWholeFile(myArchive, DataFolder() / CopyName(myId));
+        CopyWholeFile(myArchive, DataFolder() / CopyName(myId), OnDisk::Now);
     }
     myConnection.Run("INSERT INTO edit (module, had_archive) VALUES (?, ?)", {myId, int64_t{myHasArchive}});
 }
@@ -75,6 +77,14 @@ std::vector<int64_t> Site::UndoInterruptedEdits()
     for (const int64_t myModule : theModules)
     {
         UndoEdit(myModule);
+    }
+    // Copies without a mark: a program ended before it set the mark, or after it had removed it.
+    for (const std::string& myName : NamesInFolder(DataFolder()))
+    {
+        if (myName.starts_with(".module") && myName.ends_with(CopyEnd))
+        {
+            RemoveDataFile(myName);
+        }
     }
     return theModules;
 }

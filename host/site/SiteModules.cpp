@@ -32,7 +32,7 @@ int64_t Site::AddModule(std::string_view myPage, std::string_view myPlace, std::
     const int64_t theId = myConnection.LastKey();
     if (myArchive)
     {
-        CopyWholeFile(*myArchive, DataFolder() / ArchiveName(theId));
+        CopyWholeFile(*myArchive, DataFolder() / ArchiveName(theId), OnDisk::Now);
     }
     else
     {
@@ -74,7 +74,7 @@ void Site::SetScript(int64_t myId, std::string_view myScript)
 void Site::SetArchive(int64_t myId, const fs::path& myArchive)
 {
     ModuleOf(myId);
-    CopyWholeFile(myArchive, DataFolder() / ArchiveName(myId));
+    CopyWholeFile(myArchive, DataFolder() / ArchiveName(myId), OnDisk::Now);
 }
 
 void Site::RemoveModule(int64_t myId)

@@ -81,7 +81,7 @@ int64_t Site::StoreRecord(Transaction& myTransaction, Record theRecord, const Re
     const int64_t theUid = myConnection.LastKey();
     if (myChange.File)
     {
-        CopyWholeFile(*myChange.File, DataFolder() / PathOf(theRecord.Filename));
+        CopyWholeFile(*myChange.File, DataFolder() / PathOf(theRecord.Filename), OnDisk::Now);
     }
     myTransaction.Commit();
     if (myOldName != theRecord.Filename)

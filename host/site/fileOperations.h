@@ -23,6 +23,12 @@ void CopyContent(const std::filesystem::path& mySource, const std::filesystem::p
 /// Gives a file another name on its disk, in the place of a file that has it.
 void RenameEntry(const std::filesystem::path& myFile, const std::filesystem::path& myTarget, std::error_code& theError);
 
+/// Waits until the content of a file is on the disk, where a power failure cannot take it away.
+void FlushFile(const std::filesystem::path& myFile, std::error_code& theError);
+
+/// The same for the names in a folder. Windows writes them in their order without being asked.
+void FlushFolder(const std::filesystem::path& myFolder, std::error_code& theError);
+
 /// True for an entry that the system's own programs do not show, by its name or how it is marked.
 bool IsHidden(const std::filesystem::path& myPath);
 

@@ -42,11 +42,37 @@ bool IsForbidden(char myCharacter)
     return myCode < 0x20 || myCode == 0x7F || ForbiddenCharacters.find(myCharacter) != std::string_view::npos;
 }
 
+/// Gives a file another name, in the place of a file that has it.
+void PutInPlace(const fs::path& myFile, const fs::path& myTarget, OnDisk myTime, const std::string& myWhat)
+{
+    const auto Do = [&](const auto& myOperation)
+    {
+        std::error_code myError;
+        myOperation(myError);
+        if (myError)
+        {
+            FailWithSystemError(myWhat, myError);
+        }
+    };
+    if (myTime == OnDisk::Now)
+    {
+        Do([&](std::error_code& theError) { FlushFile(myFile, theError); });
+    }
+    Do([&](std::error_code& theError) { RenameEntry(myFile, myTarget, theError); });
+    if (myTime == OnDisk::Now)
+    {
+        Do([&](std::error_code& theError) { FlushFolder(myTarget.parent_path(), theError); });
+    }
+}
+
 /// The file that becomes the target once it is whole; it goes again unless that happens.
 class NewFile
 {
 public:
-    explicit NewFile(const fs::path& theTarget) : myTarget(theTarget), myName(UnfinishedName(theTarget)) {}
+    NewFile(const fs::path& theTarget, OnDisk theTime)
+        : myTarget(theTarget), myName(UnfinishedName(theTarget)), myTime(theTime)
+    {
+    }
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile()
@@ -83,12 +109,7 @@ public:
 
     void TakePlace()
     {
-        std::error_code myError;
-        RenameEntry(myName, myTarget, myError);
-        if (myError)
-        {
-            Fail(myError);
-        }
+        PutInPlace(myName, myTarget, myTime, "cannot write " + TextOf(myTarget));
         myIsInPlace = true;
     }
 
@@ -100,6 +121,7 @@ private:
 
     fs::path myTarget;
     fs::path myName;
+    OnDisk myTime;
     bool myIsInPlace = false;
 };
 
@@ -167,16 +189,16 @@ std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
     return theBytes;
 }
 
-void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes)
+void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes, OnDisk myTime)
 {
-    NewFile myFile(myTarget);
+    NewFile myFile(myTarget, myTime);
     myFile.Write(myBytes);
     myFile.TakePlace();
 }
 
-void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget)
+void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget, OnDisk myTime)
 {
-    NewFile myFile(myTarget);
+    NewFile myFile(myTarget, myTime);
     myFile.CopyFrom(mySource);
     myFile.TakePlace();
 }
@@ -248,12 +270,7 @@ void RemoveFile(const fs::path& myFile)
 
 void RenameFile(const fs::path& myFile, const fs::path& myTarget)
 {
-    std::error_code myError;
-    RenameEntry(myFile, myTarget, myError);
-    if (myError)
-    {
-        FailWithSystemError("cannot rename " + TextOf(myFile), myError);
-    }
+    PutInPlace(myFile, myTarget, OnDisk::Now, "cannot rename " + TextOf(myFile));
 }
 
 fs::path UnfinishedName(const fs::path& myTarget)
@@ -266,15 +283,17 @@ fs::path UnfinishedName(const fs::path& myTarget)
 namespace
 {
 
-/// The number of the program that writes an unfinished file of that name; 0 for any other name.
+/// The number of the program that writes an unfinished file of that name, or one that SQLite keeps beside it; 0 for any
+/// other name.
 int64_t WriterOf(std::string_view myName)
 {
     int64_t theWriter = 0;
-    if (myName.starts_with(UnfinishedHead) && myName.ends_with(UnfinishedEnd))
+    const std::size_t myEnd = myName.find(UnfinishedEnd);
+    if (myName.starts_with(UnfinishedHead) && myEnd != std::string_view::npos)
     {
-        const char* const myEnd = myName.data() + myName.size() - UnfinishedEnd.size();
-        const auto myParsed = std::from_chars(myName.data() + UnfinishedHead.size(), myEnd, theWriter);
-        theWriter = myParsed.ptr == myEnd ? theWriter : 0;
+        const char* const myDigitsEnd = myName.data() + myEnd;
+        const auto myParsed = std::from_chars(myName.data() + UnfinishedHead.size(), myDigitsEnd, theWriter);
+        theWriter = myParsed.ptr == myDigitsEnd ? theWriter : 0;
     }
     return theWriter;
 }

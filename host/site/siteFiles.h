@@ -25,12 +25,20 @@ constexpr uint64_t LongestText = 16ULL << 20;
 /// `myLimit` bytes; a plain file that is too long is refused before it is read.
 std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit = UINT64_MAX);
 
+/// When a file is on the disk, where a power failure cannot take it away: some time later, or when the call returns.
+enum class OnDisk
+{
+    Later,
+    Now
+};
+
 /// Writes a file under another name beside the target and then gives it the target's name, so that the target is there
-/// whole or as it was. A link of that name is replaced and not followed. Failure: it cannot be written.
-void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes);
+/// whole or as it was; after a power failure too, if it is on the disk `Now`. A link of that name is replaced and not
+/// followed. Failure: it cannot be written.
+void WriteWholeFile(const fs::path& myTarget, std::string_view myBytes, OnDisk myTime);
 
 /// The same with the bytes of another plain file. Failure: as above, or the source is not a file that can be read.
-void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget);
+void CopyWholeFile(const fs::path& mySource, const fs::path& myTarget, OnDisk myTime);
 
 /// The kind of file at a path, without following a link. Failure: the system does not say, for example without
 /// permission.
@@ -49,7 +57,8 @@ fs::path UnfinishedName(const fs::path& myTarget);
 /// Removes a file or link; nothing happens when there is none. Failure: it cannot be removed.
 void RemoveFile(const fs::path& myFile);
 
-/// Gives a file another name in its folder, in the place of a file that has it. Failure: it cannot be renamed.
+/// Gives a file another name in its folder, in the place of a file that has it. It and the name are on the disk then.
+/// Failure: it cannot be renamed.
 void RenameFile(const fs::path& myFile, const fs::path& myTarget);
 
 /// Whose unfinished files are removed.

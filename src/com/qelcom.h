@@ -205,6 +205,7 @@ typedef struct VARIANT
     uint16_t wReserved3;
     union
     {
+        void* record[2]; /* not used; sets the size of the record, and as the first member it is what {} makes zero */
         int16_t iVal;
         int32_t lVal;
         float fltVal;
@@ -224,7 +225,6 @@ typedef struct VARIANT
         struct IDispatch** ppdispVal;
         struct VARIANT* pvarVal;
         void* byref;
-        void* record[2]; /* not used; sets the size of the record */
     };
 } VARIANT;
 

@@ -1,5 +1,12 @@
 #include "site/fileOperations.h"
 
+#include "platform/linux/Descriptor.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace qel::host
 {
 
@@ -30,6 +37,33 @@ void CopyContent(const fs::path& mySource, const fs::path& myTarget, std::error_
 void RenameEntry(const fs::path& myFile, const fs::path& myTarget, std::error_code& theError)
 {
     fs::rename(myFile, myTarget, theError);
+}
+
+namespace
+{
+
+void Flush(const fs::path& myPath, std::error_code& theError)
+{
+    theError.clear();
+    const Descriptor myEntry(open(myPath.c_str(), O_RDONLY | O_CLOEXEC));
+    const bool myIsFlushed = myEntry.IsOpen() && Retrying([&] { return fsync(myEntry.Handle()); }) == 0;
+    // Some file systems cannot flush a folder.
+    if (!myIsFlushed && (!myEntry.IsOpen() || errno != EINVAL))
+    {
+        theError = std::error_code(errno, std::generic_category());
+    }
+}
+
+} // namespace
+
+void FlushFile(const fs::path& myFile, std::error_code& theError)
+{
+    Flush(myFile, theError);
+}
+
+void FlushFolder(const fs::path& myFolder, std::error_code& theError)
+{
+    Flush(myFolder, theError);
 }
 
 bool IsHidden(const fs::path& myPath)

@@ -109,6 +109,23 @@ void RenameEntry(const fs::path& myFile, const fs::path& myTarget, std::error_co
     }
 }
 
+void FlushFile(const fs::path& myFile, std::error_code& theError)
+{
+    theError.clear();
+    const Handle myOpenFile(CreateFileW(myFile.c_str(), GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!myOpenFile.IsOpen() || FlushFileBuffers(myOpenFile.Get()) == 0)
+    {
+        theError = LastError();
+    }
+}
+
+void FlushFolder(const fs::path& /*myFolder*/, std::error_code& theError)
+{
+    theError.clear();
+}
+
 bool IsHidden(const fs::path& myPath)
 {
     const DWORD myAttributes = GetFileAttributesW(myPath.c_str());

@@ -175,7 +175,7 @@ std::optional<ClassEntry> ReadEntry(const fs::path& myPath)
     return ClassEntry{*myProgId, myPath.parent_path() / myLibrary};
 }
 
-/// Writes a file so that a reader sees the old one or the new one, whole.
+/// Writes a file so that a reader sees the old one or the new one, whole, after a power failure too.
 bool ReplaceFile(const fs::path& myPath, std::string_view myBytes)
 {
     std::string myTemporary = myPath.parent_path() / ".new.XXXXXX";
@@ -184,7 +184,8 @@ bool ReplaceFile(const fs::path& myPath, std::string_view myBytes)
     {
         return false;
     }
-    const bool isWritten = write(myDescriptor, myBytes.data(), myBytes.size()) == std::ssize(myBytes);
+    const bool isWritten =
+        write(myDescriptor, myBytes.data(), myBytes.size()) == std::ssize(myBytes) && fsync(myDescriptor) == 0;
     const bool isClosed = close(myDescriptor) == 0;
     if (isWritten && isClosed && rename(myTemporary.c_str(), myPath.c_str()) == 0)
     {

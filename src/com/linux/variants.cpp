@@ -18,6 +18,9 @@ namespace qel
 namespace
 {
 
+// An empty variant has no rest of a value in it, with every compiler.
+static_assert(VARIANT{}.record[0] == nullptr && VARIANT{}.record[1] == nullptr);
+
 /// The number of bytes that a value of a type takes up; 0 for a type without a value, and for an unknown one.
 size_t SizeOfValue(VARTYPE myType)
 {
