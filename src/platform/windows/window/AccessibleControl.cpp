@@ -22,8 +22,8 @@ Function SystemFunction(const char* myName)
                : reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(myLibrary, myName)));
 }
 
-/// The system's description of a control under another name.
-class NamedDescription final : public IAccessible
+/// The system's description of a control under another name. Its last release deletes it, and nothing else can.
+class NamedDescription final : public IAccessible // NOLINT(cppcoreguidelines-virtual-class-destructor)
 {
 public:
     /// Takes over one reference of the description.

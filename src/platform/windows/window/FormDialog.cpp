@@ -216,14 +216,14 @@ HICON FormDialog::ImportIcon(int32_t myResource) const
 
 FormDialog::Part* FormDialog::PartOf(HWND myControl)
 {
-    const auto myFound = std::ranges::find(myParts, myControl, &Part::Window);
-    return myFound == myParts.end() ? nullptr : &*myFound;
+    auto* const myFound = std::ranges::find(myParts, myControl, &Part::Window);
+    return myFound == myParts.end() ? nullptr : myFound;
 }
 
 const FormDialog::Part* FormDialog::PartOf(HWND myControl) const
 {
-    const auto myFound = std::ranges::find(myParts, myControl, &Part::Window);
-    return myFound == myParts.end() ? nullptr : &*myFound;
+    const auto* const myFound = std::ranges::find(myParts, myControl, &Part::Window);
+    return myFound == myParts.end() ? nullptr : myFound;
 }
 
 void FormDialog::ShowModally()

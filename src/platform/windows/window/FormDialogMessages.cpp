@@ -105,7 +105,7 @@ INT_PTR FormDialog::Answer(HWND myBox, UINT myMessage, WPARAM myFirst, LPARAM my
         if (myBox == Window())
         {
             Close(); // the host has destroyed the owner, and with it this window
-            myForm.release();
+            static_cast<void>(myForm.release());
         }
         return FALSE;
     default:
