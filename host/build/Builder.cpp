@@ -86,6 +86,10 @@ void Builder::CopyStaticFiles(OutputFolder& theOutput)
     {
         ReportProblem(myProblem);
     }
+    for (const std::string& myWarning : myFiles.Warnings)
+    {
+        Say(myWarning);
+    }
 }
 
 void Builder::BuildPage(const Page& myPage, OutputFolder& theOutput)

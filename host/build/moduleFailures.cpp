@@ -24,14 +24,14 @@ constexpr const char* LinkIsBroken = "730";
 
 std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty)
 {
-    constexpr std::string_view myDigits = "0123456789";
-    constexpr std::string_view myOpening = " \"";
+    constexpr std::string_view Digits = "0123456789";
+    constexpr std::string_view Opening = " \"";
     std::size_t myStart = 0;
-    while ((myStart = myReason.find(myOpening, myStart)) != std::string_view::npos)
+    while ((myStart = myReason.find(Opening, myStart)) != std::string_view::npos)
     {
-        myStart += myOpening.size();
+        myStart += Opening.size();
         const std::size_t myFirst = myStart + (myReason.substr(myStart).starts_with('-') ? 1 : 0);
-        const std::size_t myEnd = std::min(myReason.find_first_not_of(myDigits, myFirst), myReason.size());
+        const std::size_t myEnd = std::min(myReason.find_first_not_of(Digits, myFirst), myReason.size());
         if (myEnd > myFirst && myReason.substr(myEnd).starts_with(": "))
         {
             return std::string(myReason.substr(myStart, myEnd - myStart));
@@ -42,9 +42,9 @@ std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty)
 
 std::string ErrorNumberOf(HRESULT myResult)
 {
-    constexpr uint32_t myOwnErrors = 0x800A0000;
+    constexpr uint32_t OwnErrors = 0x800A0000;
     const auto myBits = static_cast<uint32_t>(myResult);
-    if ((myBits & 0xFFFF0000) == myOwnErrors)
+    if ((myBits & 0xFFFF0000) == OwnErrors)
     {
         return std::to_string(myBits & 0xFFFF);
     }

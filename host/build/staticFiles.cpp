@@ -61,6 +61,30 @@ std::string ProblemOf(const fs::path& myEntry, bool myIsAtTop, fs::file_type myT
     return myOwner == myOwners.end() ? std::string() : myOwner->second + "; rename it";
 }
 
+/// Warns of files that this system keeps and Windows does not.
+void AddWarnings(StaticFiles& theFiles, const std::string& myShownFolder)
+{
+    std::map<Text, std::string> myTwins;
+    for (const StaticFile& myFile : theFiles.Files)
+    {
+        const fs::path myPath = PathOf(myFile.Path);
+        for (const fs::path& myPart : myPath)
+        {
+            if (const std::string myWarning = WindowsNameWarning(TextOf(myPart)); !myWarning.empty())
+            {
+                theFiles.Warnings.push_back(std::string(myShownFolder).append(myFile.Path).append(": ") + myWarning);
+            }
+        }
+        const auto [myTwin, myIsNew] = myTwins.try_emplace(LowerCase(FromUtf8(myFile.Path)), myFile.Path);
+        if (!myIsNew)
+        {
+            theFiles.Warnings.push_back(std::string(myShownFolder).append(myFile.Path) + ": its name and that of " +
+                                        myTwin->second + " differ in case alone, which Windows does not tell apart; " +
+                                        "give another one if the site is to be used there");
+        }
+    }
+}
+
 } // namespace
 
 StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& myPages)
@@ -73,7 +97,8 @@ StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& m
             {},
             myTopType == fs::file_type::not_found
                 ? std::vector<std::string>()
-                : std::vector{myShownFolder + ": it is not a folder, or a link to one; put the folder itself there"}};
+                : std::vector{myShownFolder + ": it is not a folder, or a link to one; put the folder itself there"},
+            {}};
     }
     const Owners myOwners = OwnersOf(myPages);
     StaticFiles theFiles;
@@ -111,6 +136,7 @@ StaticFiles ListStaticFiles(const fs::path& myFolder, const std::vector<Page>& m
         }
     }
     std::ranges::sort(theFiles.Files, {}, &StaticFile::Path);
+    AddWarnings(theFiles, myShownFolder);
     return theFiles;
 }
 

@@ -20,6 +20,7 @@ struct StaticFiles
 {
     std::vector<StaticFile> Files;     ///< in the order of their paths
     std::vector<std::string> Problems; ///< what stays out, and why
+    std::vector<std::string> Warnings; ///< what Windows cannot hold, in the words of WindowsNameWarning
 };
 
 /// Lists the plain files of a folder and its subfolders. Links are not followed. What stays out: links, hidden files,

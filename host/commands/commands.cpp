@@ -11,6 +11,7 @@
 #include "common/programFiles.h"
 #include "site/markup.h"
 #include "site/Site.h"
+#include "site/siteFiles.h"
 #include "site/UserLock.h"
 #include "text/encodings.h"
 
@@ -242,6 +243,14 @@ CLI::Option* AddPath(CLI::App& theCommand, const std::string& myName, std::optio
 CLI::Option* AddNumber(CLI::App& theCommand, const std::string& myName, int64_t& theNumber, const std::string& myHelp)
 {
     return theCommand.add_option(myName, theNumber, myHelp)->required()->type_name("")->check(NumberProblem);
+}
+
+void WarnOfName(const std::string& myName)
+{
+    if (const std::string myWarning = WindowsNameWarning(myName); !myWarning.empty())
+    {
+        std::cerr << "qelhost: " << Printable(myWarning) << "." << std::endl;
+    }
 }
 
 UserLock LockForWriting(Site& theSite)

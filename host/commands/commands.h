@@ -74,6 +74,9 @@ CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const st
 /// Makes sure that a file can be read as a design archive. Failure: it cannot.
 void DemandArchive(const std::filesystem::path& myFile);
 
+/// Says on the standard error when this system holds a name that the author has given and Windows does not.
+void WarnOfName(const std::string& myName);
+
 /// Takes the user's lock for a command that changes modules or builds, and undoes the changes of a program that ended
 /// while a dialog was open, which is reported on the standard error.
 UserLock LockForWriting(Site& theSite);

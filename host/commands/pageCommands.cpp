@@ -63,6 +63,7 @@ void Add(const Arguments& myArguments)
     const PageInput myInput = ReadPage(myArguments.File);
     Site mySite(myArguments.Site);
     mySite.AddPage(myName, myTitle, myInput);
+    WarnOfName(myName);
     ReportProblems(mySite, myName, myInput);
 }
 
@@ -89,6 +90,7 @@ void Set(const Arguments& myArguments)
     {
         mySite.RenamePage(myName, *myArguments.Name);
         myName = *myArguments.Name;
+        WarnOfName(myName);
     }
     mySite.SetPage(myName, myArguments.Title, myInput);
     if (myInput)

@@ -15,7 +15,7 @@ constexpr const char* KindsHelp =
     "The kinds and what they take:\n"
     "  0 none      nothing; a link to it does not work\n"
     "  1 page      --page PAGE, or --address of a page elsewhere\n"
-    "  2 section   --page PAGE, --address '#id', or both\n"
+    "  2 section   --page PAGE, --address \"#id\", or both\n"
     "  3 address   --address, such as https://example.org/\n"
     "  4 picture   --file, a picture of any kind\n"
     "  5 file      --file, any other file\n"
@@ -77,14 +77,22 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
         [&theArguments]
         {
             const RecordKind myKind = ParseKind(theArguments.Kind);
-            const int64_t myUid = Site(theArguments.Site).AddRecord(myKind, ChangeOf(theArguments));
+            Site mySite(theArguments.Site);
+            const int64_t myUid = mySite.AddRecord(myKind, ChangeOf(theArguments));
+            WarnOfName(mySite.FindRecord(myUid)->Filename);
             std::cout << "UID:" << myUid << std::endl;
         });
 
     CLI::App* const mySet = AddSiteCommand(*myGroup, "set", "Changes a record; what is not given stays", theArguments);
     AddUid(mySet);
     AddContent(mySet);
-    mySet->callback([&theArguments] { Site(theArguments.Site).SetRecord(theArguments.Id, ChangeOf(theArguments)); });
+    mySet->callback(
+        [&theArguments]
+        {
+            Site mySite(theArguments.Site);
+            mySite.SetRecord(theArguments.Id, ChangeOf(theArguments));
+            WarnOfName(mySite.FindRecord(theArguments.Id)->Filename);
+        });
 
     CLI::App* const myRemove = AddSiteCommand(*myGroup, "remove", "Removes a record and its file", theArguments);
     AddUid(myRemove);

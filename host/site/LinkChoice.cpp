@@ -32,8 +32,8 @@ std::optional<std::size_t> FindRow(const std::vector<LinkRow>& myRows, TextView 
 /// A text that fits on a line.
 Text Shortened(TextView myText)
 {
-    constexpr std::size_t myLongest = 60;
-    return myText.size() <= myLongest ? Text(myText) : JoinTexts({myText.substr(0, myLongest), u"…"});
+    constexpr std::size_t Longest = 60;
+    return myText.size() <= Longest ? Text(myText) : JoinTexts({myText.substr(0, Longest), u"…"});
 }
 
 } // namespace

@@ -33,9 +33,9 @@ uint32_t CodeOf(TextView myCharacter)
 /// Takes the first word from the head of a text; the empty text if it has none.
 std::string_view TakeWord(std::string_view& theText)
 {
-    constexpr std::string_view mySpaces = " \t\n\v\f\r";
-    theText.remove_prefix(std::min(theText.find_first_not_of(mySpaces), theText.size()));
-    const std::string_view theWord = theText.substr(0, theText.find_first_of(mySpaces));
+    constexpr std::string_view Spaces = " \t\n\v\f\r";
+    theText.remove_prefix(std::min(theText.find_first_not_of(Spaces), theText.size()));
+    const std::string_view theWord = theText.substr(0, theText.find_first_of(Spaces));
     theText.remove_prefix(theWord.size());
     return theWord;
 }
@@ -43,17 +43,17 @@ std::string_view TakeWord(std::string_view& theText)
 /// True for a word that is, or was to be, one of those that mark a place.
 bool IsLikePlace(std::string_view myWord)
 {
-    constexpr std::string_view myHead = "qel:";
-    return std::ranges::equal(myWord.substr(0, myHead.size()), myHead,
+    constexpr std::string_view Head = "qel:";
+    return std::ranges::equal(myWord.substr(0, Head.size()), Head,
                               [](char myLeft, char myRight) { return (myLeft | 0x20) == (myRight | 0x20); });
 }
 
 /// Where the unnamed place is in a page that does not show it.
 std::size_t DefaultPlace(std::string_view myContent)
 {
-    constexpr std::string_view myTag = "</body";
+    constexpr std::string_view Tag = "</body";
     const std::string_view::iterator myEnd =
-        std::find_end(myContent.begin(), myContent.end(), myTag.begin(), myTag.end(),
+        std::find_end(myContent.begin(), myContent.end(), Tag.begin(), Tag.end(),
                       [](char myLeft, char myRight) { return (myLeft | 0x20) == (myRight | 0x20); });
     return static_cast<std::size_t>(myEnd - myContent.begin());
 }
@@ -65,22 +65,22 @@ PageText::PageText(std::string theContent) : myContent(std::move(theContent))
     const bool myIsAscii = std::all_of(myContent.begin(), myContent.end(),
                                        [](char myByte) { return static_cast<signed char>(myByte) >= 0; });
     myEncoding = myIsAscii ? Encoding::Ascii : IsUtf8(myContent) ? Encoding::Utf8 : Encoding::Windows1252;
-    constexpr std::string_view myOpening = "<!--";
-    constexpr std::string_view myClosing = "-->";
+    constexpr std::string_view Opening = "<!--";
+    constexpr std::string_view Closing = "-->";
     std::size_t myEnd = 0;
-    for (std::size_t myStart = 0; (myStart = myContent.find(myOpening, myEnd)) != std::string::npos;)
+    for (std::size_t myStart = 0; (myStart = myContent.find(Opening, myEnd)) != std::string::npos;)
     {
-        myEnd = myContent.find(myClosing, myStart + myOpening.size());
+        myEnd = myContent.find(Closing, myStart + Opening.size());
         if (myEnd == std::string::npos)
         {
-            std::string_view myRest = std::string_view(myContent).substr(myStart + myOpening.size());
+            std::string_view myRest = std::string_view(myContent).substr(myStart + Opening.size());
             if (IsLikePlace(TakeWord(myRest)))
             {
                 NoteUnknown(myStart, myContent.size());
             }
             break;
         }
-        myEnd += myClosing.size();
+        myEnd += Closing.size();
         ReadPlace(myStart, myEnd);
     }
     if (!HasPlace(""))
@@ -124,14 +124,14 @@ void PageText::ReadPlace(std::size_t myStart, std::size_t myEnd)
 
 void PageText::NoteUnknown(std::size_t myStart, std::size_t myEnd)
 {
-    constexpr std::size_t myLongest = 60;
+    constexpr std::size_t Longest = 60;
     const auto myLine =
         1 + std::count(myContent.begin(), myContent.begin() + static_cast<std::ptrdiff_t>(myStart), '\n');
-    const std::string myComment = myContent.substr(myStart, std::min(myEnd - myStart, myLongest));
+    const std::string myComment = myContent.substr(myStart, std::min(myEnd - myStart, Longest));
     const std::string myText =
         myEncoding == Encoding::Windows1252 ? ToUtf8(FromWindows1252(myComment)) : ToUtf8(FromUtf8(myComment));
     myUnknownComments.push_back("line " + std::to_string(myLine) + ": a build does not fill " + myText +
-                                (myEnd - myStart > myLongest ? "..." : "") +
+                                (myEnd - myStart > Longest ? "..." : "") +
                                 "; it fills <!-- qel:modules -->, <!-- qel:modules NAME -->, <!-- qel:title --> and "
                                 "<!-- qel:menu -->, with these small letters");
 }
@@ -206,12 +206,12 @@ void DemandPageContent(std::string_view myContent)
 
 std::string EscapedForHtml(std::string_view myText)
 {
-    constexpr std::string_view mySpecial = "&<>\"'\\%";
+    constexpr std::string_view Special = "&<>\"'\\%";
     std::string theText;
     for (const char myCharacter : myText)
     {
         const auto myCode = static_cast<unsigned char>(myCharacter);
-        const bool myIsPlain = myCode >= 0x20 && mySpecial.find(myCharacter) == std::string_view::npos;
+        const bool myIsPlain = myCode >= 0x20 && Special.find(myCharacter) == std::string_view::npos;
         theText += myIsPlain ? std::string(1, myCharacter) : CharacterReference(myCode);
     }
     return theText;
@@ -219,21 +219,21 @@ std::string EscapedForHtml(std::string_view myText)
 
 std::string EncodedForAddress(std::string_view myName)
 {
-    constexpr std::string_view myPlain = "-._~";
-    constexpr std::string_view myDigits = "0123456789ABCDEF";
+    constexpr std::string_view Plain = "-._~";
+    constexpr std::string_view Digits = "0123456789ABCDEF";
     std::string theAddress;
     for (const char myCharacter : myName)
     {
         const auto myCode = static_cast<unsigned char>(myCharacter);
         const bool myIsLetter = (myCode | 0x20) >= 'a' && (myCode | 0x20) <= 'z';
         const bool myIsDigit = myCode >= '0' && myCode <= '9';
-        if (myIsLetter || myIsDigit || myPlain.find(myCharacter) != std::string_view::npos)
+        if (myIsLetter || myIsDigit || Plain.find(myCharacter) != std::string_view::npos)
         {
             theAddress += myCharacter;
         }
         else
         {
-            theAddress += {'%', myDigits[myCode >> 4], myDigits[myCode & 0xF]};
+            theAddress += {'%', Digits[myCode >> 4], Digits[myCode & 0xF]};
         }
     }
     return theAddress;
@@ -245,10 +245,10 @@ namespace
 /// The character of ASCII that a reference, such as "&#38;" or "&amp;", stands for; 0 if it is none.
 char ReferredCharacter(std::string_view myReference)
 {
-    constexpr std::array<std::pair<std::string_view, char>, 4> myNames{
+    constexpr std::array<std::pair<std::string_view, char>, 4> Names{
         {{"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}}};
-    const auto* const myName = std::ranges::find(myNames, myReference, &std::pair<std::string_view, char>::first);
-    if (myName != myNames.end())
+    const auto* const myName = std::ranges::find(Names, myReference, &std::pair<std::string_view, char>::first);
+    if (myName != Names.end())
     {
         return myName->second;
     }
@@ -266,11 +266,11 @@ char ReferredCharacter(std::string_view myReference)
 
 std::string UnescapedFromHtml(std::string_view myText)
 {
-    constexpr std::size_t myLongest = 6; // "&quot;" and "&#127;"
+    constexpr std::size_t Longest = 6; // "&quot;" and "&#127;"
     std::string theText;
     while (!myText.empty())
     {
-        const std::string_view myReference = myText.substr(0, myText.substr(0, myLongest).find(';') + 1);
+        const std::string_view myReference = myText.substr(0, myText.substr(0, Longest).find(';') + 1);
         const char myCharacter = ReferredCharacter(myReference);
         theText += myCharacter == 0 ? myText.front() : myCharacter;
         myText.remove_prefix(myCharacter == 0 ? 1 : myReference.size());

@@ -25,7 +25,7 @@ struct KindFacts
 constexpr std::array Kinds{
     KindFacts{"none", false, false, false, "nothing but a title"},
     KindFacts{"page", true, true, false, "--page or --address"},
-    KindFacts{"section", true, true, false, "--page, --address or both, such as --page index.html --address '#news'"},
+    KindFacts{"section", true, true, false, "--page, --address or both, such as --page index.html --address \"#news\""},
     KindFacts{"address", false, true, false, "--address"},
     KindFacts{"picture", false, false, true, "--file"},
     KindFacts{"file", false, false, true, "--file"},

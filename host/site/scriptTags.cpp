@@ -68,13 +68,13 @@ std::string ScriptFile(std::string_view myScript)
 
 std::optional<int64_t> LinkedRecord(std::string_view myLink)
 {
-    constexpr std::string_view myKind = "UID:";
+    constexpr std::string_view Kind = "UID:";
     int64_t theUid = 0;
-    if (!myLink.starts_with(myKind))
+    if (!myLink.starts_with(Kind))
     {
         return {};
     }
-    myLink.remove_prefix(myKind.size());
+    myLink.remove_prefix(Kind.size());
     std::from_chars(myLink.data(), myLink.data() + myLink.size(), theUid);
     return std::to_string(theUid) == myLink ? std::optional(theUid) : std::nullopt;
 }

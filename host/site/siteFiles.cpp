@@ -36,6 +36,15 @@ std::error_code StreamError()
     return errno == 0 ? std::make_error_code(std::errc::io_error) : std::error_code(errno, std::generic_category());
 }
 
+/// Names that Windows keeps for devices, also with an ending, in lower case.
+constexpr std::array<TextView, 4> Devices{u"con", u"prn", u"aux", u"nul"};
+
+bool IsNumberedDevice(TextView myLowerName)
+{
+    return myLowerName.size() == 4 && (myLowerName.starts_with(u"com") || myLowerName.starts_with(u"lpt")) &&
+           TextView(u"0123456789\u00B9\u00B2\u00B3").find(myLowerName.back()) != TextView::npos;
+}
+
 bool IsForbidden(char myCharacter)
 {
     const auto myCode = static_cast<unsigned char>(myCharacter);
@@ -355,7 +364,32 @@ std::string NameProblem(std::string_view myName)
                                                                   : "it holds a control character";
         }
     }
-    return {};
+    return HoldsAllNames ? std::string() : WindowsNameProblem(myName);
+}
+
+std::string WindowsNameProblem(std::string_view myName)
+{
+    if (const std::size_t myPlace = myName.find_first_of("<>:\"|?*\\"); myPlace != std::string_view::npos)
+    {
+        return std::string("it holds ") + myName[myPlace];
+    }
+    if (myName.ends_with('.') || myName.ends_with(' '))
+    {
+        return myName.ends_with('.') ? "it ends in a full stop" : "it ends in a blank";
+    }
+    const Text myStem = LowerCase(FromUtf8(myName.substr(0, myName.find('.'))));
+    const TextView myDevice = TextView(myStem).substr(0, myStem.find_last_not_of(u' ') + 1);
+    return std::ranges::find(Devices, myDevice) != Devices.end() || IsNumberedDevice(myDevice)
+               ? "it is the name of a device"
+               : std::string();
+}
+
+std::string WindowsNameWarning(std::string_view myName)
+{
+    const std::string myProblem = HoldsAllNames ? WindowsNameProblem(myName) : std::string();
+    return myProblem.empty() ? std::string()
+                             : "Windows cannot hold the name \"" + std::string(myName) + "\": " + myProblem +
+                                   "; give another one if the site is to be used there";
 }
 
 std::string SafeFileName(std::string_view myName)

@@ -75,9 +75,15 @@ void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind);
 /// The names in a folder, sorted; none when there is no such folder. Failure: it cannot be read.
 std::vector<std::string> NamesInFolder(const fs::path& myFolder);
 
-/// The reason why a text cannot be a file name that appears unchanged in an address of a page, such as `it holds "/"`;
-/// the empty text for a usable name.
+/// The reason why a text cannot be a file name of this system that appears unchanged in an address of a page, such as
+/// `it holds "/"`; the empty text for a usable name.
 std::string NameProblem(std::string_view myName);
+
+/// The reason why Windows cannot hold a file name, such as "it ends in a full stop"; the empty text if it can.
+std::string WindowsNameProblem(std::string_view myName);
+
+/// What an author is told of a name that this system holds and Windows does not; the empty text for any other name.
+std::string WindowsNameWarning(std::string_view myName);
 
 /// The name with "_" for each character that keeps it from being one. It may still be empty or too long.
 std::string SafeFileName(std::string_view myName);

@@ -45,10 +45,14 @@ std::string LoadingProblem(const std::filesystem::path& myFile, DWORD mySystemEr
 
 HMODULE Load(const std::filesystem::path& myFile)
 {
-    // The system would search for a name without a folder in its library folders. What the library needs is searched
-    // for beside it first.
-    const HMODULE theLibrary =
-        LoadLibraryExW(std::filesystem::absolute(myFile).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    // The system would search for a name without a folder in its library folders, and add ".dll" to one without a full
+    // stop. What the library needs is searched for beside it first.
+    std::filesystem::path myName = std::filesystem::absolute(myFile);
+    if (!myName.has_extension())
+    {
+        myName += L".";
+    }
+    const HMODULE theLibrary = LoadLibraryExW(myName.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
     if (theLibrary == nullptr)
     {
         throw Failure(LoadingProblem(myFile, GetLastError()));

@@ -26,8 +26,8 @@ std::error_code LastError()
     return SystemError(GetLastError());
 }
 
-/// True for a reparse point that stands for another path. Others are the entry itself, for example a file that is in a
-/// cloud.
+/// True for a reparse point that stands for another path, or does not say what it is. Others are the entry itself, for
+/// example a file that is in a cloud.
 bool IsLink(const fs::path& myPath)
 {
     WIN32_FIND_DATAW myEntry{};
@@ -37,7 +37,7 @@ bool IsLink(const fs::path& myPath)
         return true; // what cannot be looked at is not followed
     }
     FindClose(mySearch);
-    return IsReparseTagNameSurrogate(myEntry.dwReserved0);
+    return myEntry.dwReserved0 == 0 || IsReparseTagNameSurrogate(myEntry.dwReserved0);
 }
 
 } // namespace
