@@ -178,6 +178,16 @@ TEST_F(FormDialogTest, Colours_TextHasThatOfItsBackground)
     EXPECT_EQ(ColoursOf(u"Label1"), Pair(RGB(255, 255, 0), RGB(0, 0, 80)));
     EXPECT_EQ(ColoursOf(u"lblAnimated"), Pair(RGB(255, 255, 0), RGB(0, 0, 80)));
     EXPECT_EQ(ColoursOf(u"lblImage"), Pair(RGB(0, 0, 0), RGB(255, 255, 255))) << "a pair of the form";
+    EXPECT_EQ(ColoursOf(u"imgImage").second, RGB(255, 255, 255)) << "in the box of that label";
+    SendMessageW(myDialog.Window(), WM_SYSCOLORCHANGE, 0, 0);
+    HDC const myTarget = CreateCompatibleDC(nullptr);
+    const Bitmap myBitmap(CreateBitmap(16, 16, 1, 32, nullptr));
+    HGDIOBJ const myOldBitmap = SelectObject(myTarget, myBitmap.get());
+    const LRESULT myImages = SendMessageW(myDialog.Control(u"ToolbarPlay"), TB_GETIMAGELIST, 0, 0);
+    ImageList_Draw(reinterpret_cast<HIMAGELIST>(myImages), 1, myTarget, 0, 0, ILD_NORMAL);
+    EXPECT_EQ(GetPixel(myTarget, 8, 8), RGB(255, 255, 0)) << "the sign of a button";
+    SelectObject(myTarget, myOldBitmap);
+    DeleteDC(myTarget);
     {
         const Redirection myContrast(L"user32.dll", "SystemParametersInfoW", &AnswerHighContrast);
         EXPECT_EQ(ColoursOf(u"Label1"), Pair(RGB(255, 255, 0), RGB(0, 0, 80)));

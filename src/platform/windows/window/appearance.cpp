@@ -159,11 +159,13 @@ Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SI
 
 COLORREF BackColourOf(const ControlLayout& myLayout)
 {
-    if (myLayout.BackColour == Face)
+    const auto* const myBox = std::ranges::find(MainFormControls, myLayout.Parent, &ControlLayout::Name);
+    const uint32_t myColour = myBox == MainFormControls.end() ? myLayout.BackColour : myBox->BackColour;
+    if (myColour == Face)
     {
         return GetSysColor(COLOR_BTNFACE);
     }
-    return ContrastIsHigh() ? GetSysColor(COLOR_WINDOW) : ToSystem(myLayout.BackColour);
+    return ContrastIsHigh() ? GetSysColor(COLOR_WINDOW) : ToSystem(myColour);
 }
 
 COLORREF TextColourOf(const ControlLayout& myLayout)
@@ -189,7 +191,7 @@ Cursor HandCursor(Scale myScale)
 ImageList ToolImages(Scale myScale)
 {
     const int mySide = myScale.Twips(ToolImageSide);
-    const uint32_t myBlack = ContrastIsHigh() ? FromSystem(GetSysColor(COLOR_BTNTEXT)) : Black;
+    const uint32_t myBlack = FromSystem(GetSysColor(COLOR_BTNTEXT)); // as the tool bar has the system's background
     ImageList theList(ImageList_Create(mySide, mySide, ILC_COLOR24 | ILC_MASK, 2, 0));
     for (const PixelMap<16>* const myPicture : {&PlayPicture, &StopPicture})
     {

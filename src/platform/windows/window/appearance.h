@@ -60,6 +60,7 @@ Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SI
 
 /// The colours of a label, button or box. On a background of its own they are those of the form, or the user's colours
 /// for windows if these are to be rich in contrast; on that of the form they are always the user's.
+/// What lies in a box has the background of the box.
 COLORREF BackColourOf(const ControlLayout& myLayout);
 COLORREF TextColourOf(const ControlLayout& myLayout);
 
