@@ -129,15 +129,6 @@ class EditTest(HostTest):
                     self.assertEqual(self.files(), before)
                     waiting.kill()
 
-    def test_edit_that_is_killed_is_undone_by_the_next_command_that_writes(self):
-        module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
-        with self.dialog_that_has_packed(module, packed):
-            pass
-        self.host("module", "show", self.site, module)
-        self.assertNotEqual(self.files()["module1.dat"], packed)
-        self.host("module", "script", self.site, module, self.file("script", self.script(module)))
-        self.assertEqual(self.files(), {"module1.dat": packed})
-
     def test_edit_confirmed_leaves_no_copy(self):
         module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")
         self.host("module", "script", self.site, module,

@@ -132,7 +132,7 @@ class PowerCutTest(HostTest):
         self.make_full_site()
         self.environment |= {"QT_QPA_PLATFORM": "offscreen", "QT_PLUGIN_PATH": PLUGINS,
                              "QT_QPA_GENERIC_PLUGINS": f"dialogkeys:{self.file('steps', 'FormMain key Alt+A')}"}
-        self.expect_old_or_new(self.content, "module", "edit", self.site, 1, sample=3)
+        self.expect_old_or_new(self.content, "module", "edit", self.site, 1, sample=6)
 
 
 unittest.main()
