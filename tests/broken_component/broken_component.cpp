@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -140,7 +139,6 @@ HRESULT NoIdentity(Call& theCall)
     return S_OK;
 }
 
-/// Booleans come late-bound as numbers.
 HRESULT NumberForBoolean(Call& theCall)
 {
     const HRESULT theResult = theCall.Forward();
