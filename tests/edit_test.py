@@ -150,7 +150,7 @@ class EditTest(HostTest):
         module = self.add_module("index.html", script(link="URL:old"))
         self.file("steps", "\n".join([*CHANGE_LINK, "MsgBox key Enter", CONFIRM]))
         self.host("--plugin", STAGE / "QelPluginAnimation.so", "module", "edit", self.site, module,
-                  program=self.folder / "bin" / "qelhost")
+                  program=[self.folder / "bin" / "qelhost"])
         self.assertEqual(self.link_of(module), "URL:old")
 
     def test_the_dialog_waits_for_a_build_and_opens_what_is_stored_by_then(self):

@@ -41,7 +41,7 @@ state() {
     (cd "$drive" && find . \( -path './users/*/Temp' -o -path ./windows/temp \) -prune -o -print) | LC_ALL=C sort
     for part in HKEY_LOCAL_MACHINE HKEY_CURRENT_USER; do
         run reg export "$part\\Software" "Z:$work/registry" /y
-        iconv -f UTF-16 -t UTF-8 "$work/registry" | awk '/^\[/ { shown = !/\\Software\\Wine/ } shown'
+        iconv -f UTF-16 -t UTF-8 "$work/registry" | awk '/^\[/ { shown = !/\\Software\\Wine|\\NetworkCards/ } shown'
     done
 }
 

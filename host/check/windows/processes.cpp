@@ -16,7 +16,7 @@
 
 #include <objbase.h>
 
-extern "C" void WINAPI SetOaNoCache(); // the compiler's headers do not declare it
+extern "C" void SetOaNoCache(); // not in the headers; the library has it for 32 bits without the suffix of WINAPI
 
 namespace qel::host
 {
