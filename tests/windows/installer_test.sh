@@ -62,11 +62,14 @@ use() {
 }
 
 test_in() { # name of the Windows, loader, folder of its word size, engines, part of the registry, options
-    local drive=$work/$1/drive_c tree=$3 engines=$4 at at_windows
+    local drive=$work/$1/drive_c tree=$3 engines=$4 at at_windows key
     echo "the installer on $1 ${*:6}"
     export QEL_WINE=$work/$1 QEL_WINE_PROGRAM=$folder/$2 WINEARCH=${1%-*}
     run reg query HKCU # makes it
     clients "$work/nothing.vbs" # an engine registers itself at its first use
+    # What a user of Windows has already, but a fresh one of Wine has not.
+    for key in CLSID Interface TypeLib; do run reg add "HKCU\\Software\\Classes\\$key" /f; done
+    mkdir -p "$drive/users/$(id -un)/AppData/Local/Programs"
     state >"$work/before"
     run "$work/older.exe" /S "${@:6}"
     at=$(dirname "$(find "$drive" -name uninstall.exe)") at_windows=C:$(echo "${at#"$drive"}" | tr / '\\')
