@@ -41,12 +41,13 @@ public:
     /// and in the next line the script after it.
     std::string Open(const std::string& myScript)
     {
-        Bstr theScript(FromUtf8(myScript));
-        CheckHostCall(myPlugin->put_Script(theScript.Pointer()));
+        Bstr myText(FromUtf8(myScript));
+        CheckHostCall(myPlugin->put_Script(myText.Pointer()));
         int32_t myLink = 0;
         VARIANT_BOOL theAnswer = VARIANT_FALSE;
         std::string theEnd = OutcomeOf([&] { CheckHostCall(myPlugin->CallBack(&myLink, &theAnswer)); });
         theEnd = !theEnd.empty() ? theEnd : theAnswer == VARIANT_TRUE ? "True" : "False";
+        Bstr theScript;
         CheckHostCall(myPlugin->get_Script(theScript.Pointer()));
         return theEnd + "\n" + ToUtf8(theScript.Value()) + "\n";
     }
