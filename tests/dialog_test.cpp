@@ -279,7 +279,7 @@ TEST_F(DialogTest, Play_ByDoubleClickAndToolButtons)
         theUser.Key(Keys::Space);
         EXPECT_EQ(Played(), "tune");
         theUser.GoToStopButton();
-        theUser.Key(Keys::Space);
+        theUser.Key(Keys::Return);
         EXPECT_EQ(Played(), "");
         theUser.PressTool(1);
         theUser.Pick("cmbMIDIFolder", "animales");

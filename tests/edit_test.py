@@ -128,6 +128,10 @@ class EditTest(HostTest):
                     self.assertIn("waiting", waiting.stderr.readline())
                     self.assertEqual(self.files(), before)
                     waiting.kill()
+            self.host("module", "show", self.site, module)  # commands that only read do not wait
+            self.assertEqual(self.files(), before)
+        self.host("module", "script", self.site, module, given)  # after the dialog was killed
+        self.assertEqual(self.files(), {"module1.dat": packed})
 
     def test_edit_confirmed_leaves_no_copy(self):
         module, packed = self.module_that_is_packed_before_it_is_refused("module1.dat")

@@ -432,6 +432,14 @@ class BuildTest(HostTest):
             said = messages.read()
             return build.wait(timeout=60), said
 
+    def test_build_of_an_older_script_without_a_link_takes_over_no_other(self):
+        self.make_site("index.html")
+        self.add_module("index.html", script(link="URL:a"))
+        module = self.add_module("index.html", script(link="URL:b"))
+        self.sql(f"UPDATE module SET script = replace(script, 'name=\"link\"', 'name=\"x\"') WHERE id = {module}")
+        self.host("build", self.site)
+        self.assertEqual(self.page("index.html").count("<a href"), 1)
+
     def site_whose_build_can_be_interrupted(self):
         self.make_site("a.html", "b.html")
         self.sql("INSERT INTO module (page, place, position, script) VALUES (1, '', ?, ?)",

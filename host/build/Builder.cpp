@@ -132,6 +132,7 @@ Text Builder::ModuleText(const Module& myModule)
 {
     try
     {
+        myComponent.PutInHand(myModule.Id, "<pg.param name=\"link\">"); // a script from an older site may name none
         myComponent.PutInHand(myModule.Id, myModule.Script);
         Text theText = myComponent.Output();
         const std::string myReason = ToUtf8(myComponent.ErrorText());

@@ -3,6 +3,7 @@
 #include "DialogTest.h"
 #include "resources/formLayout.h"
 
+#include <QAccessible>
 #include <QFontInfo>
 #include <QHelpEvent>
 #include <QPushButton>
@@ -229,6 +230,25 @@ TEST_F(DialogTest, FileDialog_StartsAtTheLastImportAndIsSpanish)
     Open("imagefolder=(USER)", ImportTwice);
 }
 
+TEST_F(DialogTest, ScreenReader_FindsLabelsOfCombosAndImportsAsButtons)
+{
+    const auto Ask = [](DialogDriver& theUser)
+    {
+        theUser.InForm(
+            []
+            {
+                for (const char* const myName : {"cmbImageFolder", "cmbMIDIFolder"})
+                {
+                    QAccessibleInterface* const mySpoken = QAccessible::queryAccessibleInterface(&Control(myName));
+                    EXPECT_FALSE(mySpoken->relations(QAccessible::Label).isEmpty()) << myName;
+                }
+                EXPECT_EQ(QAccessible::queryAccessibleInterface(&Control("lblImage"))->role(), QAccessible::Button);
+            });
+        theUser.CloseWindow();
+    };
+    Open("", Ask);
+}
+
 /// The tests of the field for a day, which start from 3 March 2012.
 class DayTest : public DialogTest
 {
@@ -346,6 +366,8 @@ TEST_F(DayTest, Calendar_OpensAndChoosesByKeys)
     {
         EXPECT_EQ(theUser.SpokenName("DateFromDay"), "Representación desde");
         theUser.TabTo("DateFromDay");
+        theUser.Key(Qt::Key_F1);
+        EXPECT_TRUE(theUser.HelpWasAsked());
         theUser.Key(Qt::Key_Down, Qt::AltModifier);
         theUser.InForm([&] { Press(Qt::Key_Escape); });
         EXPECT_EQ(theUser.DayOf("DateFrom"), "03/03/2012");
