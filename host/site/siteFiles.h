@@ -82,7 +82,7 @@ std::string NameProblem(std::string_view myName);
 /// The reason why Windows cannot hold a file name, such as "it ends in a full stop"; the empty text if it can.
 std::string WindowsNameProblem(std::string_view myName);
 
-/// What an author is told of a name that this system holds and Windows does not; the empty text for any other name.
+/// The warning for a file name that this system can store and Windows cannot. Empty for any other name.
 std::string WindowsNameWarning(std::string_view myName);
 
 /// The name with "_" for each character that keeps it from being one. It may still be empty or too long.
