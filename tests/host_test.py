@@ -669,6 +669,7 @@ class SiteTest(HostTest):
         self.add_record("--kind", "page", "--page", "none.html", expect=1)
         said, _ = self.outputs("record", "add", self.site, "--kind", "file", "--file", self.folder / "missing", expect=1)
         self.assertEqual(said, "", "no UID is printed before the record is stored")
+        self.assertIn("is a folder", self.add_record("--kind", "file", "--file", self.folder, expect=1))
         self.assertEqual(self.add_record("--kind", "2", "--address", "#x", "--title", "Sección"), "UID:1")
         self.host("record", "set", self.site, 1, "--page", "index.html")
         self.host("record", "set", self.site, 1, "--file", self.file("x"), expect=2)
@@ -794,6 +795,9 @@ class ArchiveTest(HostTest):
             with archive.open() as locked:
                 fcntl.flock(locked, fcntl.LOCK_EX)
                 self.assertIn("in use", self.host("archive", "list", archive, expect=1))
+            with (source / "a.txt").open() as locked:
+                fcntl.flock(locked, fcntl.LOCK_EX)
+                self.assertIn("no permission", self.host("archive", "pack", self.folder / "i.dat", source, expect=1))
         for arguments in (["pack", source / "a.dat", "."], ["pack", "bare.dat", "."], ["pack", "", "."], ["list", ""]):
             self.host("archive", *arguments, expect=2, cwd=source)
         self.assertEqual((archive.read_bytes(), tree(out)), (before, content))

@@ -202,6 +202,23 @@ class PageTest(unittest.TestCase):
                 if cover in content:
                     self.assertEqual(browser.click_through("[id^=qelanimsprite] img"), href)
 
+    def test_imported_photograph_stands_upright(self):
+        photo = (Path(__file__).parents[1] / "demo-site" / "foto.jpg").read_bytes()  # 200 by 140
+        turned = b"Exif\0\0MM" + struct.pack(">HIHHHIHHI", 42, 8, 1, 0x0112, 3, 1, 6, 0, 0)
+        (self.folder / "in").mkdir()
+        (self.folder / "in/qelspr.jpg").write_bytes(
+            photo[:2] + b"\xff\xe1" + struct.pack(">H", len(turned) + 2) + turned + photo[2:])
+        archive = self.folder / "photo.dat"
+        self.host("archive", "pack", archive, self.folder / "in")
+        self.add("page.html", DOCTYPE)
+        text = script("(USER)/qelspr.jpg", imagemode="jpg").replace("\r\n", '\r\n<pg.file filename="module1.dat">\r\n', 1)
+        self.host("module", "add", self.site, "page.html", "--script", "-", "--archive", archive, stdin=text)
+        self.build([])
+        self.open("page.html")
+        self.assertEqual(self.walk(2)[0][-1][2:], [140, 200])
+        self.assertEqual(browser.get("(({naturalWidth, naturalHeight}) => [naturalWidth, naturalHeight])"
+                                     "(document.querySelector('[id^=qelanimsprite] img'))"), [140, 200])
+
     def test_modules_of_a_page_drift_beside_each_other(self):
         designs = [path.relative_to(DESIGNS).as_posix() for path in sorted(DESIGNS.glob("[AEV]*/*.gif"))[:10]]
         ten, off, gone = list(map(script, designs)), script(showimage=0), script(to=38352)

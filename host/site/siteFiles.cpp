@@ -74,6 +74,18 @@ void PutInPlace(const fs::path& myFile, const fs::path& myTarget, OnDisk myTime,
     }
 }
 
+/// Why what a path leads to is not a file whose bytes can be copied; no error where it is one, or cannot be looked at.
+std::error_code ReasonAgainstCopying(const fs::path& mySource)
+{
+    std::error_code myIgnored; // opening it has the reason
+    const fs::file_status myStatus = fs::status(mySource, myIgnored);
+    if (fs::is_directory(myStatus))
+    {
+        return std::make_error_code(std::errc::is_a_directory);
+    }
+    return fs::is_other(myStatus) ? std::make_error_code(std::errc::not_supported) : std::error_code();
+}
+
 /// The file that becomes the target once it is whole; it goes again unless that happens.
 class NewFile
 {
@@ -108,8 +120,11 @@ public:
 
     void CopyFrom(const fs::path& mySource) const
     {
-        std::error_code myError;
-        CopyContent(mySource, myName, myError);
+        std::error_code myError = ReasonAgainstCopying(mySource);
+        if (!myError)
+        {
+            CopyContent(mySource, myName, myError);
+        }
         if (myError)
         {
             FailWithSystemError("cannot copy " + TextOf(mySource) + " to " + TextOf(myTarget), myError);
