@@ -2,9 +2,8 @@
 #pragma once
 
 #include "com/Bstr.h"
-#include "com/ComPtr.h"
 #include "comTestHost.h"
-#include "Library.h"
+#include "LoadedComponent.h"
 #include "text/encodings.h"
 #include "text/errors.h"
 
@@ -18,12 +17,8 @@ class DialogHost
 {
 public:
     /// `myDataFolder` ends in a separator.
-    DialogHost(const std::string& myComponent, TextView myDataFolder) : myLibrary(myComponent)
+    DialogHost(const std::filesystem::path& myFile, TextView myDataFolder) : myComponent(myFile)
     {
-        const auto myClassObject = myLibrary.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
-        ComPtr<IClassFactory> myFactory;
-        CheckHostCall(myClassObject(CLSID_Main, IID_IClassFactory, reinterpret_cast<void**>(myFactory.Receive())));
-        CheckHostCall(myFactory->CreateInstance(nullptr, IID_QelPlugin, reinterpret_cast<void**>(myPlugin.Receive())));
         myAnswers.ArchiveName = u"m7.dat";
         myAnswers.DataFolder = myDataFolder;
         myAnswers.Link = u"URL:http://example.org/";
@@ -82,11 +77,11 @@ private:
         CheckHostCall(myPlugin->putref_QelDatabase(&myDatabase));
     }
 
-    const Library myLibrary;
+    const LoadedComponent myComponent;
     TestHost myAnswers;
     ComPtr<ComTestBuildHelper> myHelper = MakeCounted<ComTestBuildHelper>(myAnswers);
     ComPtr<ComTestDatabase> myRecords = MakeCounted<ComTestDatabase>(myAnswers);
-    ComPtr<QelPlugin> myPlugin;
+    ComPtr<QelPlugin> myPlugin = myComponent.Plugin();
 };
 
 } // namespace qel

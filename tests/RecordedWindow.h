@@ -62,7 +62,6 @@ struct RecordedPicker final : DatePicker
     std::optional<Date> Value() override { return Day; }
     void Value(std::optional<Date> d) override
     {
-        d&&* d < DateOfDay({1601, 1, 1}) ? Raise(ErrorNumber::InvalidArgument) : void();
         Day = d;
         My.Add(!d ? "no date" : *d > 45000 ? "today" : ToUtf8(NumberText(static_cast<float>(*d))));
     }
@@ -81,7 +80,6 @@ struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
         cmbMIDI.Click = std::bind_front(&FormMainEvents::cmbMIDIFolder_Click, &theEvents);
         lstImage.Click = std::bind_front(&FormMainEvents::lstImage_Click, &theEvents);
         theEvents.Form_Load();
-        WasSeen = true;
         Opening = std::exchange(Happened.Words, {});
         User ? User(theEvents) : void();
         theEvents.Form_Unload();
@@ -103,7 +101,6 @@ struct RecordedWindow final : FormMainWindow, MessageBox, Sound, HelpViewer
     }
 
     Record Happened;
-    bool WasSeen = false;
     std::vector<std::string> Opening; ///< the record up to the user's turn
     std::function<void(FormMainEvents&)> User;
     std::optional<Text> Chosen; ///< in the dialog for opening a file

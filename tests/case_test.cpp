@@ -1,12 +1,7 @@
 /// Names that differ in case alone, and links to files, on their way from an archive or a host to the page's folders.
 #include "archive/classArchive.h"
-#include "FailingFiles.h"
 #include "FormTest.h"
-#include "tags/pluginFunctions.h"
-#include "TestHost.h"
 #include "text/errors.h"
-
-#include <algorithm>
 
 namespace qel
 {
@@ -20,22 +15,12 @@ class Case : public FormTest
 protected:
     Case()
     {
-        myFolder.MakeFolder("site");
-        myFolder.MakeFolder("data");
         myHost.UniqueName = u"a";
-        myHost.BuildInto(myFolder.Logical(u"site\\"));
-        myHost.ArchiveName = u"m.dat";
-        myHost.DataFolder = myFolder.Logical(u"data\\");
-        myHost.RecordType = 5;
-        myHost.RecordFilename = u"doc.pdf";
-        myForm.myBuildHelper = std::make_unique<TestHostServices>(myHost);
-        myForm.myDatabase = std::make_unique<TestHostServices>(myHost);
         myArchive.BaseFolder(myFolder.Logical(u"foreign"));
         myArchive.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
     }
 
-    TestHost myHost;
-    classArchive myArchive{myPorts.files}; ///< of another author, with the names as they are
+    classArchive myArchive{myFiles}; ///< of another author, with the names as they are
 };
 
 TEST_F(Case, Pack_NamesThatAreAlike_IsRefused)
@@ -70,7 +55,6 @@ TEST_F(Case, Unpack_LinkThatCannotBeDeleted_IsNotFollowed)
 {
     myFolder.Write("foreign/a", "new");
     ASSERT_TRUE(myArchive.PackArchive());
-    FailingFiles myFiles(myPorts.files);
     classArchive myUnpacking(myFiles);
     myUnpacking.ArchiveFilename(myFolder.Logical(u"data\\m.dat"));
     myUnpacking.BaseFolder(myFolder.Logical(u"base"));
@@ -95,10 +79,10 @@ TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
     ASSERT_TRUE(myArchive.PackArchive()) << "as somebody else would";
     myFolder.Write("new.gif", Gif(20, 15));
     myFolder.Write("new.mid", "new tune");
-    myForm.Script(u"<pg.file filename=M.DAT><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
-                  u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
-                  u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1>");
-    EXPECT_NE(myForm.Output(), u"[Error de plug-in]") << "the files are found as they are";
+    myForm->Script(u"<pg.file filename=M.DAT><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
+                   u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
+                   u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1>");
+    EXPECT_NE(myForm->Output(), u"[Error de plug-in]") << "the files are found as they are";
     EXPECT_EQ(myFolder.Read("site/qelmida.mid"), "old tune");
     Open(
         [&](FormMainEvents& theEvents)
@@ -109,12 +93,12 @@ TEST_F(Case, Import_ReplacesWhatAForeignArchiveNamesInUpperCase)
             theEvents.lblMIDI_Click();
             theEvents.cmdOK_Click();
         });
-    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
-    myForm.Settings().myShowImage = myForm.Settings().myPlayMIDI = true;
-    EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
+    EXPECT_EQ(myForm->ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
+    myForm->Settings().myShowImage = myForm->Settings().myPlayMIDI = true;
+    EXPECT_NE(myForm->Output(), u"[Error de plug-in]");
     EXPECT_EQ(myFolder.Read("site/qelspra.gif"), Gif(20, 15));
     EXPECT_EQ(myFolder.Read("site/qelmida.mid"), "new tune");
-    EXPECT_EQ(mySystem->Ports().files.List(myForm.TempFolder() + u"*", Listing::PlainFiles).size(), 2U);
+    EXPECT_EQ(myFiles.List(myForm->TempFolder() + u"*", Listing::PlainFiles).size(), 2U);
 }
 
 TEST_F(Case, Commit_PacksOneOfTheNamesThatAForeignArchiveHasInTwoCases)
@@ -126,54 +110,32 @@ TEST_F(Case, Commit_PacksOneOfTheNamesThatAForeignArchiveHasInTwoCases)
     };
     myFolder.Write("data/m.dat", "qelarchive1.0" + myEntry("\\QELMID.MID", "upper") + myEntry("\\qelmid.mid", "lower") +
                                      std::string(4, '\0'));
-    myForm.Script(u"<pg.file filename=m.dat><pg.param name=midi value=qelmid.mid><pg.param name=midifolder "
-                  u"value=(USER)><pg.param name=midimode value=1>");
+    myForm->Script(u"<pg.file filename=m.dat><pg.param name=midi value=qelmid.mid><pg.param name=midifolder "
+                   u"value=(USER)><pg.param name=midimode value=1>");
     Open([](FormMainEvents& theEvents) { theEvents.cmdOK_Click(); });
-    EXPECT_EQ(myForm.ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
+    EXPECT_EQ(myForm->ExitButton, FormMain::Confirmed) << testing::PrintToString(myWords);
     EXPECT_EQ(myFolder.Read("data/m.dat"), "qelarchive1.0" + myEntry("\\qelmid.mid", "lower") + std::string(4, '\0'));
 }
 
-TEST_F(Case, Staging_KeepsModulesApartWhoseUniqueNamesDifferInCase)
+TEST_F(Case, Staging_KeepsModulesAndLinkedFilesApart)
 {
-    myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
-                  u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>");
-    for (const TextView myName : {u"a", u"A"})
+    myFolder.Write("data/doc.pdf", "small");
+    myFolder.Write("data/Doc.pdf", "large");
+    myForm->Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
+                   u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>"
+                   u"<pg.param name=link value=UID:7>");
+    for (const auto& [myUniqueName, myLinkedFile] : {std::pair(u"a", u"doc.pdf"), {u"A", u"Doc.pdf"}})
     {
-        myHost.UniqueName = myName;
-        EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
+        myHost.UniqueName = myUniqueName;
+        myHost.RecordFilename = myLinkedFile;
+        EXPECT_NE(myForm->Output(), u"[Error de plug-in]");
     }
     for (const char* const myName : {"qelspra.gif", "qelsprA.gif", "qelmida.mid", "qelmidA.mid"})
     {
         EXPECT_TRUE(myFolder.Exists("site/"s + myName)) << myName;
     }
-}
-
-TEST_F(Case, Staging_KeepsLinkedFilesApartThatDifferInCase)
-{
-    myFolder.Write("data/doc.pdf", "small");
-    myFolder.Write("data/Doc.pdf", "large");
-    for (const TextView myName : {u"doc.pdf", u"Doc.pdf"})
-    {
-        myHost.RecordFilename = myName;
-        myForm.Script(u"<pg.param name=image value=Globo.gif><pg.param name=imagefolder value=Fiestas>"
-                      u"<pg.param name=playmidi value=0><pg.param name=link value=UID:7>");
-        EXPECT_NE(myForm.Output(), u"[Error de plug-in]");
-    }
     EXPECT_EQ(myFolder.Read("site/doc.pdf"), "small");
     EXPECT_EQ(myFolder.Read("site/Doc.pdf"), "large");
-}
-
-TEST_F(Case, DeleteCaseVariants_LeavesTheNameItselfAndOthers)
-{
-    for (const char* const myName : {"foto.jpg", "Foto.jpg", "FOTO.JPG", "foto.jpg2"})
-    {
-        myFolder.Write("x/"s + myName, "");
-    }
-    DeleteCaseVariants(mySystem->Ports().files, myFolder.Logical(u"X\\foto.jpg"));
-    DeleteCaseVariants(mySystem->Ports().files, myFolder.Logical(u"none\\foto.jpg"));
-    std::vector<Text> myNames = mySystem->Ports().files.List(myFolder.Logical(u"x\\*"), Listing::PlainFiles);
-    std::sort(myNames.begin(), myNames.end());
-    EXPECT_EQ(myNames, (std::vector<Text>{u"foto.jpg", u"foto.jpg2"}));
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include "com/Bstr.h"
 #include "comTestHost.h"
 #include "Environment.h"
-#include "Library.h"
+#include "LoadedComponent.h"
 #include "TemporaryFolder.h"
 #include "text/encodings.h"
 
@@ -15,41 +15,6 @@
 
 namespace qel
 {
-
-/// The loaded component. It is closed when the object goes.
-class LoadedComponent
-{
-public:
-    explicit LoadedComponent(const std::string& myPath = QEL_STAGE "/" + LibraryFile("QelPluginAnimation"))
-        : myLibrary(myPath)
-    {
-        EXPECT_TRUE(myLibrary.IsLoaded()) << myPath;
-    }
-
-    template <class Function>
-    Function EntryPoint(const char* myName) const
-    {
-        return myLibrary.EntryPoint<Function>(myName);
-    }
-
-    ComPtr<IClassFactory> Factory() const
-    {
-        const auto myClassObject = EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
-        void* theFactory = nullptr;
-        EXPECT_EQ(myClassObject(CLSID_Main, IID_IClassFactory, &theFactory), S_OK);
-        return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
-    }
-
-    ComPtr<QelPlugin> Plugin() const
-    {
-        void* thePlugin = nullptr;
-        EXPECT_EQ(Factory()->CreateInstance(nullptr, IID_QelPlugin, &thePlugin), S_OK);
-        return ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(thePlugin));
-    }
-
-private:
-    const Library myLibrary;
-};
 
 inline Text Read(QelPlugin& myPlugin, HRESULT (STDMETHODCALLTYPE QelPlugin::*myMember)(BSTR*))
 {

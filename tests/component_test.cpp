@@ -7,7 +7,6 @@
 #include <string>
 #include <thread>
 #include <tuple>
-#include <utility>
 
 namespace qel
 {
@@ -42,7 +41,7 @@ TEST_F(Component, Members_MakeTheRecordOnlyWhereTheyNeedIt)
         {"ErrorText", [](Plug& p) { Read(p, &Plug::get_ErrorText); }, true},
         {"CallBack 0", [](Plug& p) { EXPECT_TRUE(FAILED(CallBack(p, 0))); }, true},
     };
-    const LoadedComponent myComponent;
+    const LoadedComponent myComponent(QEL_COMPONENT);
     for (const auto& [myName, myCall, myMakesIt] : myCases)
     {
         SCOPED_TRACE(myName);
@@ -51,49 +50,6 @@ TEST_F(Component, Members_MakeTheRecordOnlyWhereTheyNeedIt)
         EXPECT_EQ(myFolder.Exists("qelpluginanimtemp"), myMakesIt);
         fs::remove_all(myFolder / "qelpluginanimtemp");
     }
-}
-
-TEST_F(Component, RefusedCall_LeavesErrorInformationOfTheComponent)
-{
-    const LoadedComponent myComponent;
-    const auto myClassObject = myComponent.EntryPoint<DllGetClassObjectFunction>("DllGetClassObject");
-    const auto myFactory = myComponent.Factory();
-    const auto myPlugin = myComponent.Plugin();
-    void* theObject = nullptr;
-    VARIANT_BOOL theAnswer = VARIANT_TRUE;
-    const std::pair<std::function<HRESULT()>, HRESULT> myCases[] = {
-        {[&] { return myClassObject(IID_IUnknown, IID_IClassFactory, &theObject); }, CLASS_E_CLASSNOTAVAILABLE},
-        {[&] { return myFactory->CreateInstance(myFactory.Get(), IID_QelPlugin, &theObject); }, CLASS_E_NOAGGREGATION},
-        {[&] { return myFactory->CreateInstance(nullptr, IID_QelDatabase, &theObject); }, E_NOINTERFACE},
-        {[&] { return myPlugin->putref_QelThumbnails(nullptr); }, E_POINTER},
-        {[&] { return myPlugin->CallBack(nullptr, &theAnswer); }, E_POINTER},
-    };
-    for (const auto& [myCall, myResult] : myCases)
-    {
-        SCOPED_TRACE(myResult);
-        ReportFailure(E_FAIL, u"older failure");
-        EXPECT_EQ(myCall(), myResult);
-        ComPtr<IErrorInfo> myInfo;
-        ASSERT_EQ(GetErrorInfo(0, myInfo.Receive()), S_OK);
-        Bstr mySource;
-        EXPECT_EQ(myInfo->GetSource(mySource.Pointer()), S_OK);
-        EXPECT_EQ(mySource.Value(), u"QelPluginAnimation");
-    }
-    EXPECT_EQ(theAnswer, VARIANT_FALSE) << "a failed call gives an empty value";
-}
-
-TEST_F(Component, LockServer_UndoneTooOften_KeepsObjectsAndLaterLocks)
-{
-    const LoadedComponent myComponent;
-    const auto CanUnloadNow = myComponent.EntryPoint<DllCanUnloadNowFunction>("DllCanUnloadNow");
-    auto myFactory = myComponent.Factory();
-    EXPECT_EQ(myFactory->LockServer(0), S_OK);
-    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "the factory is in use";
-    EXPECT_EQ(myFactory->LockServer(1), S_OK);
-    myFactory.Reset();
-    EXPECT_EQ(CanUnloadNow(), S_FALSE) << "locked";
-    EXPECT_EQ(myComponent.Factory()->LockServer(0), S_OK);
-    EXPECT_EQ(CanUnloadNow(), S_OK);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "errorOf.h"
 #include "FormTest.h"
 #include "resources/stringTable.h"
-#include "TestHost.h"
 
 namespace qel
 {
@@ -17,7 +16,7 @@ protected:
     /// Opens the dialog and gives the record of what the user made happen.
     std::string Open(TextView myScript, std::function<void(FormMainEvents&)> myUser)
     {
-        myForm.Script(myScript);
+        myForm->Script(myScript);
         FormTest::Open(std::move(myUser));
         return Happened();
     }
@@ -37,14 +36,14 @@ protected:
 
 TEST_F(DialogLogic, Open_TakesItsStepsInOrder)
 {
-    myFolder.Write("library/Fiestas/Vela.gif", Gif(350, 250, {0, 0, 255}, true));
+    myFolder.Write("library/Fiestas/Vela.gif", Gif(700, 100, {0, 0, 255}, true)); // fits with a margin at each side
     Open(u"<pg.param name=image value=vela.gif><pg.param name=midifolder value=(USER)><pg.param name=from "
          u"value=40000.75><pg.param name=link value=x>",
          {});
     EXPECT_EQ(Joined(myWindow.Opening),
-              "cmbImageFolder=0|picImage hidden|lstImage shown|lstImage cleared|lstImage=1|Cls|11|251x179+97+5|"
+              "cmbImageFolder=0|picImage hidden|lstImage shown|lstImage cleared|lstImage=1|Cls|11|435x62+5+63|"
               "lblAnimated shown|0|cmbMIDIFolder=1|picMIDI shown|lstMIDI hidden|lblMIDI: Ning|100|chkImage on|"
-              "chkMIDI on|40000.75|today|no date|Cls|11|251x179+97+5|lblAnimated shown|0|cmdUnsetLink enabled");
+              "chkMIDI on|40000.75|today|no date|Cls|11|435x62+5+63|lblAnimated shown|0|cmdUnsetLink enabled");
 }
 
 TEST_F(DialogLogic, Commit_TakesItsStepsInOrder)
@@ -63,8 +62,8 @@ TEST_F(DialogLogic, Commit_TakesItsStepsInOrder)
                    u"name=showimage value=1>",
                    Confirm),
               "40000|Unload|again|cmdUnsetLink disabled|help.chm 100|stop qelmidi |close qelmidi ");
-    EXPECT_EQ(myForm.Settings().myFrom, 40000);
-    EXPECT_FALSE(myForm.Settings().myShowImage);
+    EXPECT_EQ(myForm->Settings().myFrom, 40000);
+    EXPECT_FALSE(myForm->Settings().myShowImage);
 }
 
 TEST_F(DialogLogic, Play_SendsFourCommandsForACopy)
@@ -98,11 +97,11 @@ TEST_F(DialogLogic, ImportTune_CopyFails_LeavesNoneImported)
         myWindow.Chosen = myFolder.Logical(u"library\\Fiestas\\Vals.mid");
         theEvents.lblMIDI_Click();
         EXPECT_EQ(Happened(), myDialog + "|lblMIDI: Haga|110");
-        EXPECT_TRUE(myForm.Settings().myMIDIMode);
+        EXPECT_TRUE(myForm->Settings().myMIDIMode);
         myWindow.Chosen = myFolder.Logical(u"gone.mid");
         theEvents.lblMIDI_Click();
         EXPECT_EQ(Happened(), myDialog + "|lblMIDI: Ning|100");
-        EXPECT_FALSE(myForm.Settings().myMIDIMode);
+        EXPECT_FALSE(myForm->Settings().myMIDIMode);
         EXPECT_TRUE(myFolder.Exists("qelpluginanimtemp/qelmid.mid"));
     };
     Open(u"", Import);
@@ -120,7 +119,8 @@ TEST_F(DialogLogic, Handler_FailureIsShownUnlessTheLogicCausedTheEvent)
         theEvents.cmbMIDIFolder_Click();
         EXPECT_EQ(myWords.back(), "64Roto");
         myFailing = "64Roto";
-        theEvents.cmdSetLink_Click(); // no database, and then no message either
+        myForm->myDatabase.reset();
+        theEvents.cmdSetLink_Click(); // and then no message either
     };
     Open(u"", Fail);
 }
@@ -139,9 +139,9 @@ TEST_F(DialogLogic, Open_SelectsTheLastNameThatMatchesElseTheFirst)
           Case{u"(USER)", u"", u"(personalizado)", -1}, Case{u"(user)", u"", u"Fiestas", 0}})
     {
         RecordedWindow theWindow;
-        myForm.Settings().myImageFolder = myStoredFolder;
-        myForm.Settings().myImage = myStoredImage;
-        FormMainDialog(myPorts, myConstants, myLead, myForm, theWindow).Show();
+        myForm->Settings().myImageFolder = myStoredFolder;
+        myForm->Settings().myImage = myStoredImage;
+        FormMainDialog(myPorts, myConstants, myLead, *myForm, theWindow).Show();
         EXPECT_EQ(theWindow.cmbImage.SelectedText(), mySelectedFolder) << ToUtf8(myStoredFolder);
         EXPECT_EQ(theWindow.lstImage.Index, myRow) << ToUtf8(myStoredFolder);
     }
@@ -181,7 +181,7 @@ TEST_F(DialogLogic, ImportImage_IsStagedByItsSizeAndEnding)
             theEvents.lblImage_Click();
             EXPECT_EQ(std::ranges::count(myWords, myTooLarge), myCase.IsAsked);
             EXPECT_EQ(std::ranges::count(myWords, "lblImage: Haga"), myCase.Mode != ImageMode::None);
-            EXPECT_EQ(myForm.Settings().myImageMode, myCase.Mode);
+            EXPECT_EQ(myForm->Settings().myImageMode, myCase.Mode);
             const Text myStaged = myCase.Mode == ImageMode::Jpeg ? u"qelspr.jpg" : u"qelspr.gif";
             const bool myIsCopied = myCase.Mode != ImageMode::None && !myCase.IsAsked;
             EXPECT_EQ(myFolder.Read("qelpluginanimtemp/" + ToUtf8(myStaged)) == myCase.Content, myIsCopied);
@@ -198,50 +198,22 @@ TEST_F(DialogLogic, ImportImage_IsStagedByItsSizeAndEnding)
 
 TEST_F(DialogLogic, Archive_LostOrNotWritten_IsNoImport)
 {
-    TestHost myHost;
-    myHost.ArchiveName = u"m7.dat";
     myHost.DataFolder = u"\\nowhere\\";
-    myForm.myBuildHelper = std::make_unique<TestHostServices>(myHost);
-    myForm.myDatabase = std::make_unique<TestHostServices>(myHost);
     const auto Confirm = [&](FormMainEvents& theEvents)
     {
         theEvents.cmdOK_Click();
         EXPECT_EQ(myWords.back().substr(0, 55), "64No se han podido guardar los archivos importados en \"");
     };
     Open(u"<pg.param name=midifolder value=(USER)><pg.param name=midimode value=1>", Confirm);
-    EXPECT_TRUE(myForm.Settings().myFilename.empty());
+    EXPECT_TRUE(myForm->Settings().myFilename.empty());
 
-    Open(u"<pg.file filename=m7.dat><pg.param name=imagemode value=jpg><pg.param name=midimode value=1><pg.param "
+    Open(u"<pg.file filename=m.dat><pg.param name=imagemode value=jpg><pg.param name=midimode value=1><pg.param "
          u"name=imagefolder value=(USER)>",
          {});
-    EXPECT_EQ(myForm.Settings().myImageMode, ImageMode::None);
-    EXPECT_FALSE(myForm.Settings().myMIDIMode);
-    EXPECT_EQ(myForm.Settings().myFilename, u"m7.dat");
-    EXPECT_EQ(myForm.Settings().myImageFolder, u"(personalizado)");
-}
-
-TEST_F(DialogLogic, Preview_LeavesAMarginAtEachSide)
-{
-    myFolder.Write("library/Fiestas/Globo.gif", Gif(445, 20));
-    Open(u"", {});
-    EXPECT_EQ(std::ranges::count(myWindow.Opening, "435x20+5+84"), 2);
-}
-
-TEST_F(DialogLogic, Open_NamesAStoredDateThatAPickerCannotShow)
-{
-    Text myDescription;
-    try
-    {
-        Open(u"<pg.param name=to value=-150000.5>", {});
-    }
-    catch (const Error& e)
-    {
-        myDescription = e.Description;
-        EXPECT_EQ(e.Number, ErrorNumber::InvalidArgument);
-    }
-    EXPECT_EQ(ToUtf8(myDescription), "La fecha 23/04/1489 del periodo de reproducción no se puede mostrar en el "
-                                     "cuadro de diálogo. Elimine el plug-in de la página e insértelo de nuevo.");
-    EXPECT_FALSE(myWindow.WasSeen);
+    EXPECT_EQ(myForm->Settings().myImageMode, ImageMode::None);
+    EXPECT_FALSE(myForm->Settings().myMIDIMode);
+    EXPECT_EQ(myForm->Settings().myFilename, u"m.dat");
+    EXPECT_EQ(myForm->Settings().myImageFolder, u"(personalizado)");
 }
 
 TEST(PictureSize, FitInto_KeepsProportionsAndRoundsHalvesToEven)

@@ -2,19 +2,12 @@
 #include "archive/classArchive.h"
 #include "com/Bstr.h"
 #include "com/QelHelperInterfaces.h"
-#include "Environment.h"
 #include "errorOf.h"
-#include "FailingFiles.h"
 #include "failingMemory.h"
-#include "madePictures.h"
-#include "platform/shared/SystemPlatform.h"
-#include "RecordedWindow.h"
-#include "TemporaryFolder.h"
-#include "TestHost.h"
+#include "FormTest.h"
 
 #include <algorithm>
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <set>
 #include <sys/wait.h>
 
@@ -29,26 +22,17 @@ using Outcomes = std::set<std::string>;
 
 /// A module with an imported picture and tune in its archive, and what can be done with it. Each operation
 /// starts the failures just before the step under test, and returns its outcome in a few words.
-class Faults : public testing::Test
+class Faults : public FormTest
 {
 protected:
-    Faults()
-    {
-        myHost.BuildInto(myFolder.Logical(u"site\\"));
-        myHost.ArchiveName = u"m.dat";
-        myHost.DataFolder = myFolder.Logical(u"data\\");
-        myHost.RecordType = 5;
-        myHost.RecordFilename = u"doc.pdf";
-    }
-
-    /// Makes all files anew, and a record that has the module in hand.
+    /// Makes all files but the library anew, and a record that has the module in hand.
     void Reset()
     {
         for (const auto& myEntry : fs::directory_iterator(myFolder.Native()))
         {
-            fs::remove_all(myEntry);
+            myEntry.path().filename() == "library" ? 0 : fs::remove_all(myEntry);
         }
-        for (const char* const myName : {"data/doc.pdf", "site/x", "library/a/x.mid", "qelpluginanimtemp/old"})
+        for (const char* const myName : {"data/doc.pdf", "site/x", "qelpluginanimtemp/old"})
         {
             myFolder.Write(myName, "old");
         }
@@ -63,13 +47,10 @@ protected:
             myArchive += Number(myName.size() + 1) + "\\" + myName + Number(myContent.size()) + myContent;
         }
         myFolder.Write("data/m.dat", myArchive + Number(0));
-        myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
-        myForm->myBuildHelper = std::make_unique<TestHostServices>(myHost);
-        myForm->myDatabase = std::make_unique<TestHostServices>(myHost);
-        myForm->Script(u"<pg.file filename=m.dat><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
-                       u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
-                       u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1><pg.param name=link "
-                       u"value=UID:7>");
+        Restart(u"<pg.file filename=m.dat><pg.param name=image value=qelspr.gif><pg.param name=imagefolder "
+                u"value=(USER)><pg.param name=midi value=qelmid.mid><pg.param name=midifolder value=(USER)>"
+                u"<pg.param name=imagemode value=gif><pg.param name=midimode value=1><pg.param name=link "
+                u"value=UID:7>");
     }
 
     classArchive& Archive(TextView myBase, Files& thePort)
@@ -123,17 +104,17 @@ protected:
 
     std::string Commit()
     {
-        RecordedWindow myWindow;
+        RecordedWindow theWindow;
         std::vector<std::string> myDone;
-        myWindow.User = [&](FormMainEvents& theEvents)
+        theWindow.User = [&](FormMainEvents& theEvents)
         {
             myFolder.Write("data/m.dat", "old"); // shorter than what is to come
             Begin();
             theEvents.cmdOK_Click();
             End();
-            myDone = myWindow.Happened.Words;
+            myDone = theWindow.Happened.Words;
         };
-        FormMainDialog(myPorts, myConstants, myLead, *myForm, myWindow).Show();
+        FormMainDialog(myPorts, myConstants, myLead, *myForm, theWindow).Show();
         const bool myIsConfirmed = myForm->ExitButton == FormMain::Confirmed;
         EXPECT_EQ(myDone == std::vector<std::string>{"Unload"}, myIsConfirmed) << testing::PrintToString(myDone);
         EXPECT_EQ(Imports(), "2") << "after a failure the author can try again";
@@ -142,15 +123,15 @@ protected:
 
     std::string Open()
     {
-        RecordedWindow myWindow;
+        RecordedWindow theWindow;
         Begin();
-        FormMainDialog myDialog(myPorts, myConstants, myLead, *myForm, myWindow);
+        FormMainDialog myDialog(myPorts, myConstants, myLead, *myForm, theWindow);
         const int32_t myError = ErrorOf([&] { myDialog.Show(); });
-        const std::vector<Text> myFolders = {u"a", Text(OwnFileEntry)};
+        const std::vector<Text> myFolders = {u"Fiestas", Text(OwnFileEntry)};
         if (myError == 0)
         {
-            EXPECT_EQ(myWindow.cmbImage.Items, myFolders);
-            EXPECT_EQ(myWindow.cmbMIDI.Items, myFolders);
+            EXPECT_EQ(theWindow.cmbImage.Items, myFolders);
+            EXPECT_EQ(theWindow.cmbMIDI.Items, myFolders);
         }
         EXPECT_EQ(myForm->Settings().myMIDIMode, myForm->Settings().myImageMode == ImageMode::Gif);
         return myError != 0 ? std::to_string(myError) : myForm->Settings().myMIDIMode ? "done " + Imports() : "empty";
@@ -190,20 +171,8 @@ protected:
         {&Faults::Commit, {"done whole", "refused old", "refused torn", "refused whole"}},
         {&Faults::Open, {"done 2", "57", "empty"}},
     };
-    TemporaryFolder myFolder;
-    const Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
-    TestHost myHost; ///< stages everything in one folder and knows one record, a file
     const std::pair<std::string, std::string> myImports[2] = {{"qelspr.gif", Gif(120, 80)},
                                                               {"qelmid.mid", std::string(70'000, 'm')}};
-    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    Files& myRealFiles = mySystem->Ports().files;
-    FailingFiles myFiles{myRealFiles};
-    RecordedWindow mySystemWindows;
-    Platform myPorts{myFiles,         mySystem->Ports().messages, mySystem->Ports().help, mySystemWindows,
-                     mySystemWindows, MakeImagingControl,         myFolder.Logical()};
-    localConstants myConstants{myFolder.Logical(u"library\\"), {}};
-    FormLead myLead{myPorts};
-    std::unique_ptr<FormMain> myForm;
     std::optional<classArchive> myOpenArchive;
     std::function<void()> Begin = [] {}, End = Begin;
 };

@@ -1,15 +1,8 @@
 /// The record of the module in hand, on real files. What a host sees of it, such as scripts, summaries, pages and the
 /// files of pages, qelhost check tests on the built component; here is what a host does not see.
-#include "Environment.h"
-#include "madePictures.h"
-#include "module/FormMain.h"
-#include "platform/shared/SystemPlatform.h"
-#include "TemporaryFolder.h"
-#include "TestHost.h"
+#include "FormTest.h"
 #include "testSystem.h"
 #include "text/encodings.h"
-
-#include <gtest/gtest.h>
 
 #include <utility>
 
@@ -23,48 +16,13 @@ constexpr TextView WholeScript =
     u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas><pg.param name=from value=38353>"
     u"<pg.param name=to value=38717><pg.param name=link value=UID:4711>";
 
-class Module : public testing::Test
-{
-protected:
-    Module()
-    {
-        myHost.BuildInto(myFolder.Logical(u"site\\"));
-        myHost.RecordType = 5;
-        myHost.RecordFilename = u"Doc.pdf";
-        myHost.DataFolder = myFolder.Logical(u"data\\");
-        myFolder.MakeFolder("site");
-        myFolder.MakeFolder("component");
-        myFolder.Write("Designs/Fiestas/Globo.gif", Gif(120, 80));
-        myFolder.Write("Designs/Fiestas/g", Gif(120, 80));
-        myFolder.Write("Designs/Fiestas/Vals.mid", "MThd");
-        myPorts.componentFolder = myFolder.Logical(u"component");
-        Restart();
-    }
-
-    void Restart()
-    {
-        myForm = std::make_unique<FormMain>(myPorts, myConstants, myLead);
-        myForm->myBuildHelper = std::make_unique<TestHostServices>(myHost);
-        myForm->myDatabase = std::make_unique<TestHostServices>(myHost);
-        myForm->Script(WholeScript);
-    }
-
-    std::unique_ptr<SystemPlatform> mySystem = MakeSystemPlatform();
-    TemporaryFolder myFolder;
-    Environment myEnvironment{{TemporaryFolderVariable, myFolder.Native()}};
-    Platform myPorts{mySystem->Ports()};
-    localConstants myConstants{myFolder.Logical(u"Designs\\"), {}};
-    FormLead myLead{myPorts};
-    TestHost myHost;
-    std::unique_ptr<FormMain> myForm;
-};
+using Module = FormTest;
 
 TEST_F(Module, Output_EmptiesTheTemporaryFolderForAPageWithAPicture)
 {
     myFolder.Write("qelpluginanimtemp/stale", "");
     myFolder.Write("qelpluginanimtemp/sub/kept", "");
-    Restart();
-    myForm->Script(u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>");
+    Restart(u"<pg.param name=midi value=Vals.mid><pg.param name=midifolder value=Fiestas>");
     EXPECT_EQ(myForm->Output(), u"");
     EXPECT_TRUE(myFolder.Exists("qelpluginanimtemp/stale")) << "emptied by a start or for a module without a picture";
     myForm->Script(WholeScript);
@@ -75,6 +33,8 @@ TEST_F(Module, Output_EmptiesTheTemporaryFolderForAPageWithAPicture)
 
 TEST_F(Module, Output_HostMayChangeTheModuleInAnyCall)
 {
+    myFolder.Write("library/Fiestas/g", Gif(120, 80));
+    Restart(WholeScript);
     int myCount = 0, myChangingCall = 0;
     myHost.Called = [&](const std::string& /*myMember*/)
     {
@@ -91,7 +51,7 @@ TEST_F(Module, Output_HostMayChangeTheModuleInAnyCall)
     for (const int myCalled = std::exchange(myCount, 0); myChangingCall < myCalled; myCount = 0)
     {
         ++myChangingCall;
-        Restart();
+        Restart(WholeScript);
         EXPECT_EQ(ToUtf8(myForm->Output()), ToUtf8(myPage)) << myChangingCall;
         EXPECT_NE(myForm->Script().find(u"URL:other"), Text::npos) << "what the host wrote is in hand";
     }
@@ -102,7 +62,7 @@ TEST_F(Module, Start_RefusesALinkAsTemporaryFolder)
     std::filesystem::rename(myFolder.Native("qelpluginanimtemp"), myFolder.Native("elsewhere"));
     myFolder.Write("elsewhere/mine", "");
     LinkFolder(myFolder / "elsewhere", myFolder / "qelpluginanimtemp");
-    Restart();
+    Restart(WholeScript);
     EXPECT_EQ(myForm->Output(), u"[Error de plug-in]");
     EXPECT_NE(myForm->ErrorText().find(u"\"75: "), Text::npos);
     EXPECT_TRUE(myFolder.Exists("elsewhere/mine")) << "emptied through a link";
@@ -110,11 +70,12 @@ TEST_F(Module, Start_RefusesALinkAsTemporaryFolder)
 
 TEST_F(Module, Start_WithoutATemporaryPathWorksInTheComponentsFolder)
 {
+    myFolder.MakeFolder("component");
     for (const auto& [myName, myValue] : NoTemporaryPath)
     {
         myEnvironment.Set(myName, myValue);
     }
-    Restart();
+    Restart(WholeScript);
     EXPECT_TRUE(myFolder.Exists("component/qelpluginanimtemp"));
     EXPECT_EQ(myForm->TempMIDI(), myFolder.Logical(u"component\\qelmid.mid"));
 }

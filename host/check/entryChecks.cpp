@@ -100,6 +100,7 @@ void UnloadCount(const CheckContext& myContext)
     };
     ExpectLoaded("at first", false);
     auto myFactory = myComponent.Factory(CLSID_Main);
+    ExpectResult("LockServer, undone before there is a lock", S_OK, myFactory->LockServer(0));
     ExpectLoaded("with a factory", true);
     auto mySort = myComponent.Create<QelStringSort>(CLSID_classStringSort);
     auto myPlugin = myComponent.Plugin();

@@ -103,6 +103,15 @@ void Counts(const CheckContext& myContext)
     }
 }
 
+/// Expects the result of a call that has just failed, with a source and a description.
+void ExpectOwnFailure(const std::string& myWhat, HRESULT myExpected, HRESULT myGot)
+{
+    ExpectResult(myWhat, myExpected, myGot);
+    const FailureTexts myFailure;
+    ExpectText("the source of the failure of " + myWhat, u"QelPluginAnimation", myFailure.Source);
+    Expect("the failure of " + myWhat + " has a description", !myFailure.Description.empty());
+}
+
 void ErrorInfo(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
@@ -118,12 +127,21 @@ void ErrorInfo(const CheckContext& myContext)
         ExpectResult("InterfaceSupportsErrorInfo of another's interface", S_FALSE,
                      mySupport->InterfaceSupportsErrorInfo(IID_QelDatabase));
     }
+    const auto myFactory = myComponent.Factory(CLSID_Main);
     const auto myPlugin = myComponent.Plugin();
-    ExpectResult("a date out of range", QEL_RESULT(0x800A0006U),
-                 Write(*myPlugin.Get(), u"<pg.param name=\"from\" value=\"1e9\">"));
-    const FailureTexts myFailure;
-    ExpectText("the source of a failure", u"QelPluginAnimation", myFailure.Source);
-    Expect("a failure has a description", !myFailure.Description.empty());
+    void* myObject = nullptr;
+    VARIANT_BOOL myAnswer = VARIANT_TRUE;
+    ExpectOwnFailure("a date out of range", QEL_RESULT(0x800A0006U),
+                     Write(*myPlugin.Get(), u"<pg.param name=\"from\" value=\"1e9\">"));
+    ExpectOwnFailure("CallBack without a number", E_POINTER, myPlugin->CallBack(nullptr, &myAnswer));
+    ExpectNumber("the answer of a failed CallBack", VARIANT_FALSE, myAnswer);
+    ExpectOwnFailure("QelThumbnails without a place", E_POINTER, myPlugin->putref_QelThumbnails(nullptr));
+    ExpectOwnFailure("DllGetClassObject of an unknown class", CLASS_E_CLASSNOTAVAILABLE,
+                     myComponent.ClassObject(UnknownId, IID_IClassFactory, &myObject));
+    ExpectOwnFailure("CreateInstance for an unknown interface", E_NOINTERFACE,
+                     myFactory->CreateInstance(nullptr, UnknownId, &myObject));
+    ExpectOwnFailure("CreateInstance inside another object", CLASS_E_NOAGGREGATION,
+                     myFactory->CreateInstance(myFactory.Get(), IID_IUnknown, &myObject));
 }
 
 constexpr Check Checks[] = {

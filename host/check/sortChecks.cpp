@@ -4,6 +4,7 @@
 #include "text/encodings.h"
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 #include <utility>
 #include <vector>
@@ -148,6 +149,23 @@ void Order(const CheckContext& myContext)
 
 constexpr int64_t ManyTexts = 1000;
 
+/// Different texts in an order in which the middle one of each range is its least: for a quicksort that takes the
+/// middle one as its pivot, each partition takes off one text alone.
+std::vector<Text> WorstOrder(size_t myCount)
+{
+    constexpr int64_t Base = 1'000'000; // so that all texts have one length
+    std::vector<size_t> myPlaces(myCount + 1);
+    std::iota(myPlaces.begin(), myPlaces.end(), 0);
+    std::vector<Text> theTexts(myCount);
+    for (size_t myFirst = 1; myFirst <= myCount; ++myFirst)
+    {
+        const size_t myMiddle = myFirst / 2 + myCount / 2;
+        theTexts[myPlaces[myMiddle] - 1] = NumberText(Base + static_cast<int64_t>(myFirst));
+        std::swap(myPlaces[myFirst], myPlaces[myMiddle]);
+    }
+    return theTexts;
+}
+
 void Many(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
@@ -170,6 +188,7 @@ void Many(const CheckContext& myContext)
         myMany.push_back(NumberText(static_cast<int64_t>(myRandom())));
     }
     ExpectSorted(*mySort.Get(), "70,000 texts", myMany);
+    ExpectSorted(*mySort.Get(), "70,000 texts in a bad order for a quicksort", WorstOrder(70 * ManyTexts));
 }
 
 /// Expects the empty text up to an index beyond the values, and error 9 from there on, and below 0.

@@ -8,7 +8,7 @@
 #include "com/Bstr.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
-#include "Library.h"
+#include "common/SharedLibrary.h"
 
 #include <algorithm>
 #include <array>
@@ -432,14 +432,14 @@ struct RealComponent
             TheHelper->Release(); // when it is too late
         }
     }
-    Library File{std::getenv("QEL_REAL")};
+    host::SharedLibrary File{std::getenv("QEL_REAL")};
 };
 
 template <class Function>
 Function RealEntryPoint(const char* myName)
 {
     static RealComponent theReal;
-    return theReal.File.EntryPoint<Function>(myName);
+    return theReal.File.Find<Function>(myName);
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 /// The host's window for links: the module as it is built, and a user who works in its window from another thread.
-#include "Library.h"
+#include "common/SharedLibrary.h"
 #include "platform/windows/wideText.h"
 #include "platform/windows/window/controlHeaders.h"
 #include "text/encodings.h"
@@ -56,7 +56,7 @@ struct Step
 /// Opens the window on a present link. Expects a link of it, or "cancelled".
 void Choose(TextView myPresentLink, const std::string& myResult, const std::vector<Step>& mySteps)
 {
-    const Library myModule(QEL_STAGE "/qelhostWindow.dll");
+    const SharedLibrary myModule(QEL_STAGE "/qelhostWindow.dll");
     LinkChoice theChoice = OfferedLinks(
         {{1, RecordKind::Page, "Uno", "a.html", "", ""}, {2, RecordKind::File, "Dos", "", "", "b.pdf"}}, myPresentLink);
     std::thread myUser(
@@ -69,7 +69,7 @@ void Choose(TextView myPresentLink, const std::string& myResult, const std::vect
             }
         });
     Error theFailure{};
-    const LinkWindowEnd theEnd = myModule.EntryPoint<LinkWindowEntry*>(LinkWindowEntryName)(theChoice, theFailure);
+    const LinkWindowEnd theEnd = myModule.Find<LinkWindowEntry*>(LinkWindowEntryName)(theChoice, theFailure);
     myUser.join();
     EXPECT_EQ(theEnd == LinkWindowEnd::Confirmed ? ToUtf8(LinkOf(theChoice)) : "cancelled", myResult);
 }

@@ -3,7 +3,7 @@
 #include "com/Bstr.h"
 #include "com/ComPtr.h"
 #include "com/QelHelperInterfaces.h"
-#include "Library.h"
+#include "common/SharedLibrary.h"
 #include "TemporaryFolder.h"
 #include "testSystem.h"
 #include "text/encodings.h"
@@ -104,17 +104,17 @@ protected:
     /// Calls an entry point with both parts replaced.
     HRESULT Call(const char* myEntryPoint) const { return Call(myComponent, myEntryPoint); }
 
-    HRESULT Call(const Library& myLibrary, const char* myEntryPoint) const
+    HRESULT Call(const host::SharedLibrary& myLibrary, const char* myEntryPoint) const
     {
         myAllUsers.Replace(true);
         myUser.Replace(true);
-        const HRESULT theResult = myLibrary.EntryPoint<DllRegisterServerFunction>(myEntryPoint)();
+        const HRESULT theResult = myLibrary.Find<DllRegisterServerFunction>(myEntryPoint)();
         myUser.Replace(false);
         myAllUsers.Replace(false);
         return theResult;
     }
 
-    const Library myComponent{QEL_STAGE "/QelPluginAnimation.dll"};
+    const host::SharedLibrary myComponent{QEL_STAGE "/QelPluginAnimation.dll"};
     const ReplacedPart myAllUsers{HKEY_LOCAL_MACHINE, L"machine"};
     const ReplacedPart myUser{HKEY_CURRENT_USER, L"user"};
 };
@@ -142,7 +142,7 @@ TEST_F(Registration, Register_FileInTheUsersFolder_WritesForTheUserAlone)
 {
     const TemporaryFolder myFolder(std::getenv("USERPROFILE"));
     std::filesystem::copy_file(QEL_STAGE "/QelPluginAnimation.dll", myFolder / "copy.dll");
-    const Library myCopy(myFolder.Native("copy.dll"));
+    const host::SharedLibrary myCopy(myFolder.Native("copy.dll"));
     EXPECT_EQ(Call(myCopy, "DllRegisterServer"), S_OK);
     EXPECT_TRUE(myUser.Has(MainKey));
     EXPECT_FALSE(myAllUsers.Has(MainKey));

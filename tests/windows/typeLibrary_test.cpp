@@ -137,7 +137,7 @@ class TypeLibrary : public testing::Test
 protected:
     TypeLibrary()
     {
-        const auto myPath = PathOfUtf8(QEL_STAGE "/QelPluginAnimation.dll");
+        const auto myPath = PathOfUtf8(QEL_COMPONENT);
         EXPECT_EQ(LoadTypeLibEx(myPath.c_str(), REGKIND_NONE, myLibrary.Receive()), S_OK);
     }
 
@@ -213,7 +213,7 @@ TEST_F(TypeLibrary, Classes_HaveTheirDefaultInterfaces)
 
 TEST_F(TypeLibrary, GetTypeInfo_DescribesTheInterfaceThatIsAsked)
 {
-    const LoadedComponent myComponent;
+    const LoadedComponent myComponent(QEL_COMPONENT);
     for (const IID* const myId : {&IID_QelPluginAnimationMain, &IID_QelPlugin, &IID_QelInfo})
     {
         void* myPointer = nullptr;
@@ -231,7 +231,7 @@ TEST_F(TypeLibrary, GetTypeInfo_DescribesTheInterfaceThatIsAsked)
 
 TEST(Resources, VersionRecord_HasTheTextsAndNumbersOfTheComponent)
 {
-    const auto myPath = PathOfUtf8(QEL_STAGE "/QelPluginAnimation.dll");
+    const auto myPath = PathOfUtf8(QEL_COMPONENT);
     std::vector<std::byte> myRecord(GetFileVersionInfoSizeW(myPath.c_str(), nullptr));
     ASSERT_TRUE(GetFileVersionInfoW(myPath.c_str(), 0, static_cast<DWORD>(myRecord.size()), myRecord.data()));
     void* myValue = nullptr;
@@ -257,7 +257,7 @@ TEST(Resources, VersionRecord_HasTheTextsAndNumbersOfTheComponent)
 
 TEST(Resources, IconsAndTheManifestOfALibrary)
 {
-    const LoadedComponent myComponent;
+    const LoadedComponent myComponent(QEL_COMPONENT);
     const HMODULE myModule = GetModuleHandleW(L"QelPluginAnimation.dll");
     for (const int myIcon : {100, 110})
     {
