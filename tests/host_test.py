@@ -82,10 +82,10 @@ class HostTest(unittest.TestCase):
                                     errors="replace" if text else None, **options)
         return errors if expect else said
 
-    def outputs(self, *arguments, expect=0, program=PROGRAM, text=True, **options):
+    def outputs(self, *arguments, expect=0, program=PROGRAM, text=True, timeout=60, **options):
         """Runs the program and gives what it wrote to its standard output and to the error output."""
-        run = subprocess.run([*program, *map(named, arguments)], capture_output=True, timeout=60, env=self.environment, text=text,
-                             **options)
+        run = subprocess.run([*program, *map(named, arguments)], capture_output=True, timeout=timeout, env=self.environment,
+                             text=text, **options)
         self.assertEqual(run.returncode, expect, f"{arguments}: {run.stdout}{run.stderr}")
         return run.stdout, run.stderr
 
@@ -477,16 +477,6 @@ class BuildTest(HostTest):
         modules = sorted(run.communicate(timeout=60)[0].decode() for run in adding)
         self.assertEqual(modules, [f"module {number}\n" for number in range(1, 9)])
         self.assertEqual(sorted(row.split()[-1] for row in self.rows("module")), list("12345678"))
-        if WINDOWS:
-            return  # its locks cannot be taken from here
-        with open(self.folder / "temp" / "qelhost.lock", "w") as lock:
-            fcntl.flock(lock, fcntl.LOCK_EX)
-            with self.start("build", self.site, stderr=subprocess.PIPE, text=True, stdout=subprocess.DEVNULL) as waiting:
-                self.assertIn("waiting", waiting.stderr.readline())
-                self.assertFalse((self.site / "build").exists())
-                fcntl.flock(lock, fcntl.LOCK_UN)
-                waiting.communicate(timeout=60)
-        self.assertTrue((self.site / "build" / "index.html").exists())
 
 
 class SiteTest(HostTest):
@@ -593,36 +583,27 @@ class SiteTest(HostTest):
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         return run.stdout, run.stderr
 
-    READING = """for what in page module record; do "$QEL" $what list "$SITE"; done; "$QEL" module script "$SITE" 1
-                 "$QEL" module show "$SITE" 1\n"""
-
-    def read_and_refused(self, options, spoil):
-        self.make_site("a.html")
-        self.add_module("a.html", script())
-        self.file("new.html", b"x" * 100000)
-        shown, refused = self.on_disk(options, spoil + self.READING + f"""
-            "$QEL" page add "$SITE" "{self.folder}/new.html" && exit 1; "$QEL" build "$SITE" && exit 1; exit 0""")
-        self.assertRegex(shown, r"(?s)a\.html.*1 +a\.html.*UID.*pg\.plugin.*Globo")
-        return refused.splitlines()
-
     @not_on_windows("Wine has the disks of this machine")
     def test_site_that_cannot_be_written_is_listed_and_shown(self):
-        for spoil, reason in (('mount -o remount,ro "$SITE"\n', "can only be read"),
-                              ('cat /dev/zero > "$SITE/fill" 2> "$ORIGINAL/ignored" || true\n', "the disk is full")):
-            for line in self.read_and_refused("size=4m", spoil):
+        self.file("new.html", b"x" * 100000)
+        older = ["DROP TABLE edit", "ALTER TABLE page DROP COLUMN source", "ALTER TABLE page DROP COLUMN source_hash",
+                 "PRAGMA user_version = 1"]
+        read_only = 'mount -o remount,ro "$SITE"\n'
+        for spoil, statements, reason in ((read_only, [], "can only be read"), (read_only, older, "can only be read"),
+                                          ('cat /dev/zero > "$SITE/fill" 2> "$ORIGINAL/ignored" || true\n', [], "the disk is full")):
+            self.make_site("a.html")
+            self.add_module("a.html", script())
+            for statement in statements:
+                self.sql(statement)
+            shown, refused = self.on_disk("size=4m", spoil + f"""
+                for what in page module record; do "$QEL" $what list "$SITE"; done
+                "$QEL" module script "$SITE" 1; "$QEL" module show "$SITE" 1
+                "$QEL" page add "$SITE" "{self.folder}/new.html" && exit 1; "$QEL" build "$SITE" && exit 1; exit 0""")
+            self.assertRegex(shown, r"(?s)a\.html.*1 +a\.html.*UID.*pg\.plugin.*Globo")
+            for line in refused.splitlines():
                 self.assertIn(reason, line)
             shutil.rmtree(self.folder / "original")
             self.site.rmdir()
-
-    @not_on_windows("Wine has the disks of this machine")
-    def test_site_of_an_older_format_is_shown_where_it_cannot_be_brought_up_to_date(self):
-        self.make_site("a.html")
-        self.add_module("a.html", script())
-        for statement in ("DROP TABLE edit", "ALTER TABLE page DROP COLUMN source", "ALTER TABLE page DROP COLUMN source_hash",
-                          "PRAGMA user_version = 1"):
-            self.sql(statement)
-        shown, _ = self.on_disk("size=4m", 'mount -o remount,ro "$SITE"\n' + self.READING)
-        self.assertIn("Globo", shown)
 
     @not_on_windows("Wine has the disks of this machine")
     def test_packing_on_a_full_disk_leaves_what_was_there(self):

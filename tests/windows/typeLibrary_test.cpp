@@ -2,10 +2,8 @@
 // tables of late binding, whose slots are those of the C++ declarations.
 #include "com/DispatchImplementation.h"
 #include "componentTest.h"
-#include "platform/windows/wideText.h"
 
 #include <algorithm>
-#include <map>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -20,61 +18,6 @@ namespace
 
 constexpr size_t DispatchSlots = 7;
 
-/// One member in words: slot, number, kind, name, and its parameters, each with its type and its direction.
-using Members = std::vector<std::string>;
-
-std::string Words(const std::string& mySlot, DISPID myNumber, INVOKEKIND myKind, const std::string& myName,
-                  const std::vector<std::string>& myParameters)
-{
-    std::string theWords =
-        mySlot + " id " + std::to_string(myNumber) + " kind " + std::to_string(myKind) + " " + myName;
-    for (const std::string& myParameter : myParameters)
-    {
-        theWords += " " + myParameter;
-    }
-    return theWords;
-}
-
-std::string IdWords(const GUID& myId)
-{
-    wchar_t theText[40] = {};
-    StringFromGUID2(myId, theText, 40);
-    return ToUtf8(TextOfWide(theText));
-}
-
-/// The members that take an object, each of which is named as its interface is.
-const std::map<TextView, IID> ObjectTypes = {{u"QelThumbnails", IID_QelThumbnails},
-                                             {u"QelDatabase", IID_QelDatabase},
-                                             {u"QelTopic", IID_QelTopic},
-                                             {u"QelBuildHelper", IID_QelBuildHelper}};
-
-Members MembersOfTable(const IID& myInterface, bool mySlots)
-{
-    Members theMembers;
-    const auto myRows = MembersOf(myInterface);
-    for (size_t mySlot = DispatchSlots; const DispatchMember& myRow : myRows)
-    {
-        // A property has one number in the library, that of its first slot; the table answers both.
-        const DISPID myNumber = std::ranges::find(myRows, myRow.Name, &DispatchMember::Name)->Number;
-        constexpr INVOKEKIND Kinds[] = {INVOKE_FUNC, INVOKE_FUNC, INVOKE_PROPERTYGET, INVOKE_PROPERTYPUT,
-                                        INVOKE_PROPERTYPUTREF};
-        std::vector<std::string> myParameters;
-        for (const VARTYPE myType : myRow.Types)
-        {
-            const bool myIsResult = myParameters.size() == myRow.ArgumentCount;
-            const USHORT myFlags = myIsResult ? PARAMFLAG_FOUT | PARAMFLAG_FRETVAL : PARAMFLAG_FIN | PARAMFLAG_FOUT;
-            const std::string myTypeWords =
-                myType == VT_DISPATCH ? "*" + IdWords(ObjectTypes.at(myRow.Name)) : std::to_string(myType);
-            // What is bound late only has its result as the result of the function.
-            myParameters.push_back(myIsResult && !mySlots ? myTypeWords
-                                                          : "*" + myTypeWords + "/" + std::to_string(myFlags));
-        }
-        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot++) : "late", myNumber,
-                                   Kinds[static_cast<size_t>(myRow.Kind)], ToUtf8(myRow.Name), myParameters));
-    }
-    return theMembers;
-}
-
 TYPEATTR AttributesOf(ITypeInfo& myInfo)
 {
     TYPEATTR* myAttributes = nullptr;
@@ -84,12 +27,19 @@ TYPEATTR AttributesOf(ITypeInfo& myInfo)
     return theCopy;
 }
 
-/// A type, with a sign for each pointer to it.
-std::string TypeWords(ITypeInfo& myInfo, const TYPEDESC& myType)
+std::string NameOf(ITypeInfo& myInfo, MEMBERID myMember = MEMBERID_NIL)
+{
+    Bstr theName;
+    EXPECT_EQ(myInfo.GetDocumentation(myMember, theName.Pointer(), nullptr, nullptr, nullptr), S_OK);
+    return ToUtf8(theName.Value());
+}
+
+/// The number of a type, or the name of an interface, after a sign for each pointer to it.
+std::string TypeText(ITypeInfo& myInfo, const TYPEDESC& myType)
 {
     if (myType.vt == VT_PTR)
     {
-        return "*" + TypeWords(myInfo, *myType.lptdesc);
+        return "*" + TypeText(myInfo, *myType.lptdesc);
     }
     if (myType.vt != VT_USERDEFINED)
     {
@@ -97,38 +47,48 @@ std::string TypeWords(ITypeInfo& myInfo, const TYPEDESC& myType)
     }
     ComPtr<ITypeInfo> myReferred;
     EXPECT_EQ(myInfo.GetRefTypeInfo(myType.hreftype, myReferred.Receive()), S_OK);
-    return IdWords(AttributesOf(*myReferred.Get()).guid);
+    return NameOf(*myReferred.Get());
 }
 
-Members MembersOfInfo(ITypeInfo& myInfo, UINT myCount, bool mySlots)
+/// Expects of a member what its row of the table says. A member without a slot is bound late only, and returns its
+/// result as a function does.
+void ExpectMember(ITypeInfo& myInfo, const FUNCDESC& myFunction, const DispatchMember& myRow, size_t mySlot)
 {
-    Members theMembers;
-    for (UINT i = 0; i < myCount; ++i)
+    constexpr INVOKEKIND Kinds[] = {INVOKE_FUNC, INVOKE_FUNC, INVOKE_PROPERTYGET, INVOKE_PROPERTYPUT,
+                                    INVOKE_PROPERTYPUTREF};
+    EXPECT_EQ(NameOf(myInfo, myFunction.memid), ToUtf8(myRow.Name));
+    EXPECT_EQ(myFunction.invkind, Kinds[static_cast<size_t>(myRow.Kind)]);
+    EXPECT_EQ(static_cast<size_t>(myFunction.oVft), mySlot * sizeof(void*));
+    const size_t myParameterCount = mySlot == 0 ? myRow.ArgumentCount : myRow.Types.size();
+    ASSERT_EQ(static_cast<size_t>(myFunction.cParams), myParameterCount);
+    for (size_t i = 0; i < myParameterCount; ++i)
     {
+        const ELEMDESC& myParameter = myFunction.lprgelemdescParam[i];
+        const VARTYPE myType = myRow.Types[i];
+        // A member that takes an object is named as its interface is.
+        EXPECT_EQ(TypeText(myInfo, myParameter.tdesc),
+                  myType == VT_DISPATCH ? "**" + ToUtf8(myRow.Name) : "*" + std::to_string(myType));
+        EXPECT_EQ(myParameter.paramdesc.wParamFlags,
+                  PARAMFLAG_FOUT | (i == myRow.ArgumentCount ? PARAMFLAG_FRETVAL : PARAMFLAG_FIN));
+    }
+    const VARTYPE myLateResult = HasResult(myRow.Kind) ? myRow.Types.back() : VARTYPE{VT_VOID};
+    EXPECT_EQ(myFunction.elemdescFunc.tdesc.vt, mySlot == 0 ? myLateResult : VARTYPE{VT_HRESULT});
+}
+
+void ExpectMembers(ITypeInfo& myInfo, const IID& myInterface, bool myHasSlots)
+{
+    const auto myRows = MembersOf(myInterface);
+    ASSERT_EQ(AttributesOf(myInfo).cFuncs, myRows.size());
+    for (UINT i = 0; i < myRows.size(); ++i)
+    {
+        SCOPED_TRACE(ToUtf8(myRows[i].Name));
         FUNCDESC* myFunction = nullptr;
-        EXPECT_EQ(myInfo.GetFuncDesc(i, &myFunction), S_OK);
-        Bstr myName;
-        UINT myNameCount = 0;
-        EXPECT_EQ(myInfo.GetNames(myFunction->memid, myName.Pointer(), 1, &myNameCount), S_OK);
-        std::vector<std::string> myParameters;
-        for (SHORT j = 0; j < myFunction->cParams; ++j)
-        {
-            const ELEMDESC& myParameter = myFunction->lprgelemdescParam[j];
-            myParameters.push_back(TypeWords(myInfo, myParameter.tdesc) + "/" +
-                                   std::to_string(myParameter.paramdesc.wParamFlags));
-        }
-        const VARTYPE myResult = myFunction->elemdescFunc.tdesc.vt;
-        if (!mySlots && myResult != VT_VOID)
-        {
-            myParameters.push_back(std::to_string(myResult));
-        }
-        EXPECT_EQ(mySlots, myResult == VT_HRESULT) << i;
-        const size_t mySlot = static_cast<size_t>(myFunction->oVft) / sizeof(void*);
-        theMembers.push_back(Words(mySlots ? "slot " + std::to_string(mySlot) : "late", myFunction->memid,
-                                   myFunction->invkind, ToUtf8(myName.Value()), myParameters));
+        ASSERT_EQ(myInfo.GetFuncDesc(i, &myFunction), S_OK);
+        // A property has one number in the library, that of its first slot; the table answers both.
+        EXPECT_EQ(myFunction->memid, std::ranges::find(myRows, myRows[i].Name, &DispatchMember::Name)->Number);
+        ExpectMember(myInfo, *myFunction, myRows[i], myHasSlots ? DispatchSlots + i : 0);
         myInfo.ReleaseFuncDesc(myFunction);
     }
-    return theMembers;
 }
 
 /// The type library of the built component.
@@ -161,35 +121,18 @@ protected:
     ComPtr<ITypeLib> myLibrary;
 };
 
-TEST_F(TypeLibrary, HasItsIdentifierAndVersion)
-{
-    TLIBATTR* myAttributes = nullptr;
-    ASSERT_EQ(myLibrary->GetLibAttr(&myAttributes), S_OK);
-    EXPECT_TRUE(SameId(myAttributes->guid, LIBID_QelPluginAnimation));
-    EXPECT_EQ(myAttributes->wMajorVerNum, 1);
-    EXPECT_EQ(myAttributes->wMinorVerNum, 0);
-    myLibrary->ReleaseTLibAttr(myAttributes);
-}
-
-TEST_F(TypeLibrary, DualInterfaces_HaveTheSlotsOfTheTables)
+TEST_F(TypeLibrary, Members_AreThoseOfTheTables)
 {
     const IID* const Interfaces[] = {&IID_QelPlugin, &IID_QelInfo,       &IID_QelBuildHelper, &IID_QelDatabase,
                                      &IID_QelTopic,  &IID_QelThumbnails, &IID_QelStringSort};
     for (const IID* myId : Interfaces)
     {
         const auto myInfo = Referred(*Info(*myId).Get(), static_cast<UINT>(-1));
-        const TYPEATTR myAttributes = AttributesOf(*myInfo.Get());
         constexpr WORD Flags = TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION;
-        EXPECT_EQ(myAttributes.wTypeFlags & Flags, Flags);
-        EXPECT_EQ(MembersOfInfo(*myInfo.Get(), myAttributes.cFuncs, true), MembersOfTable(*myId, true));
+        EXPECT_EQ(AttributesOf(*myInfo.Get()).wTypeFlags & Flags, Flags);
+        ExpectMembers(*myInfo.Get(), *myId, true);
     }
-}
-
-TEST_F(TypeLibrary, DefaultInterfaceOfMain_HasTheNamesOfBothInterfaces)
-{
-    const auto myInfo = Info(IID_QelPluginAnimationMain);
-    EXPECT_EQ(MembersOfInfo(*myInfo.Get(), AttributesOf(*myInfo.Get()).cFuncs, false),
-              MembersOfTable(IID_QelPluginAnimationMain, false));
+    ExpectMembers(*Info(IID_QelPluginAnimationMain).Get(), IID_QelPluginAnimationMain, false);
 }
 
 TEST_F(TypeLibrary, Classes_HaveTheirDefaultInterfaces)
@@ -201,9 +144,7 @@ TEST_F(TypeLibrary, Classes_HaveTheirDefaultInterfaces)
     for (const auto& [myId, myName, myDefault] : myCases)
     {
         const auto myClass = Info(myId);
-        Bstr theName;
-        EXPECT_EQ(myClass->GetDocumentation(MEMBERID_NIL, theName.Pointer(), nullptr, nullptr, nullptr), S_OK);
-        EXPECT_EQ(ToUtf8(theName.Value()), myName);
+        EXPECT_EQ(NameOf(*myClass.Get()), myName);
         INT myFlags = 0;
         EXPECT_EQ(myClass->GetImplTypeFlags(0, &myFlags), S_OK);
         EXPECT_EQ(myFlags, IMPLTYPEFLAG_FDEFAULT);
