@@ -30,7 +30,7 @@ constexpr int Misused = 2;
 
 int Run(const std::vector<std::string>& myTexts)
 {
-    CLI::App myApplication("Makes small web sites whose pages hold animation modules, and builds them.", "qelhost");
+    CLI::App myApplication("Makes small web sites whose pages contain animation modules, and builds them.", "qelhost");
     myApplication.set_version_flag("--version", "qelhost " QELHOST_VERSION);
     myApplication.require_subcommand(1);
     myApplication.fallthrough();

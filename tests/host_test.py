@@ -395,10 +395,10 @@ class BuildTest(HostTest):
         source = self.file("a.html", "first")
         self.host("page", "add", self.site, source)
         source.write_bytes("utf-16".encode("utf-16"))
-        self.assertRegex(self.host("build", self.site, expect=1), "^a.html: its file .*a.html is not taken, .*save it as UTF-8")
+        self.assertRegex(self.host("build", self.site, expect=1), "^a.html: its file .*a.html is not used, .*save it as UTF-8")
         source.unlink()
         os.mkfifo(source)
-        self.assertIn("is not taken", self.host("build", self.site, expect=1))
+        self.assertIn("is not used", self.host("build", self.site, expect=1))
         source.unlink()
         with open(source, "wb") as file:
             file.truncate((16 << 20) + 1)
@@ -589,7 +589,7 @@ class SiteTest(HostTest):
         older = ["DROP TABLE edit", "ALTER TABLE page DROP COLUMN source", "ALTER TABLE page DROP COLUMN source_hash",
                  "PRAGMA user_version = 1"]
         read_only = 'mount -o remount,ro "$SITE"\n'
-        for spoil, statements, reason in ((read_only, [], "can only be read"), (read_only, older, "can only be read"),
+        for spoil, statements, reason in ((read_only, [], "is read-only"), (read_only, older, "is read-only"),
                                           ('cat /dev/zero > "$SITE/fill" 2> "$ORIGINAL/ignored" || true\n', [], "the disk is full")):
             self.make_site("a.html")
             self.add_module("a.html", script())
@@ -633,7 +633,7 @@ class SiteTest(HostTest):
         def said(*command):
             return self.host(*command, expect=1) if WINDOWS else self.errors_of(*command)
         word = "cannot be" if WINDOWS else "Windows cannot hold the name"
-        for name, reason in (("con.html", "a device"), ("LPT\u00b9 .x.html", "a device"), ("a|b.html", "it holds |")):
+        for name, reason in (("con.html", "a device"), ("LPT\u00b9 .x.html", "a device"), ("a|b.html", "it contains |")):
             self.assertRegex(said("page", "add", self.site, self.file("p"), "--name", name), f"{word}.*{re.escape(reason)}")
         self.assertRegex(said("record", "add", self.site, "--kind", "5", "--file", self.file("a.pdf.")), f"{word}.*in a full stop")
         if not WINDOWS:

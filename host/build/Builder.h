@@ -41,16 +41,16 @@ struct BuildResult
 class Builder
 {
 public:
-    /// `theMessages` takes a line for everything that the author is to know, and with `theShowsProgress` one that shows
-    /// the progress. All of them outlive the builder, and the component serves this site.
+    /// `theMessages` receives a line for everything that the author should know and, with `theShowsProgress`, one that
+    /// shows the progress. The arguments must outlive the builder, and the component must serve this site.
     Builder(Site& theSite, Component& theComponent, std::ostream& theMessages, bool theShowsProgress);
     Builder(const Builder&) = delete;
     Builder& operator=(const Builder&) = delete;
     ~Builder() = default;
 
     /// Builds the pages. A failed module does not end it: a comment that names the module and its error number is put
-    /// into the page. A build from the same site returns the same bytes. Where the last build was interrupted all pages
-    /// are built. Failure: the site cannot be read, or its output cannot be written. Interrupted: see Interruption.
+    /// into the page. A build from the same site returns the same bytes. After an interrupted build all pages are
+    /// built. Failure: the site cannot be read, or its output cannot be written. Interrupted: see Interruption.
     BuildResult Build(const BuildOptions& myOptions);
 
 private:

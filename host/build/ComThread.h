@@ -1,15 +1,15 @@
-/// What the component object model of the system needs of a thread that uses components.
+/// Prepares a thread for the component object model of the system.
 #pragma once
 
 namespace qel::host
 {
 
-/// Makes the calling thread one that components can be used on, with their windows, for as long as the object lives.
-/// Components must be released before it.
+/// While an object lives, the calling thread can use components and their windows. Components must be released before
+/// it is destroyed.
 class ComThread
 {
 public:
-    /// Failure: the system refuses.
+    /// Failure: the system refuses it.
     ComThread();
     ComThread(const ComThread&) = delete;
     ComThread& operator=(const ComThread&) = delete;

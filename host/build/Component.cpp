@@ -47,7 +47,7 @@ SharedLibrary OpenComponent(const std::filesystem::path& myFile)
     catch (const Failure& myFailure)
     {
         throw Failure(std::string("the component cannot be opened: ") + myFailure.what() +
-                      "; give its file with --plugin, or enter it with qelhost register FILE");
+                      "; name its file with --plugin, or register it with qelhost register FILE");
     }
 }
 
@@ -69,7 +69,7 @@ void CallEntryPoint(const std::filesystem::path& myFile, const char* myName, con
     Check(EntryPoint<DllRegisterServerFunction>(myLibrary, myName)(), myWhat);
 }
 
-/// False while something of a component is in use, or when it cannot tell.
+/// False while something of a component is in use, or if it cannot be asked.
 bool CanUnload(const SharedLibrary& myLibrary)
 {
     const auto myFunction = myLibrary.Find<DllCanUnloadNowFunction>("DllCanUnloadNow");
@@ -85,7 +85,7 @@ Component::Component(const std::optional<std::filesystem::path>& myFile)
     {
         void* myObject = nullptr;
         Check(CoCreateInstance(myClass, nullptr, CLSCTX_INPROC_SERVER, IID_QelPlugin, &myObject),
-              "the registered component cannot be opened; enter it again with qelhost register, or give --plugin");
+              "the registered component cannot be opened; register it again with qelhost register, or give --plugin");
         myPlugin = ComPtr<QelPlugin>::Adopt(static_cast<QelPlugin*>(myObject));
         return;
     }
@@ -121,15 +121,15 @@ void Component::Serve(Site& theSite)
     myBuildService = MakeCounted<BuildService>(theSite);
     QelDatabase* myDatabase = myDatabaseService.Get();
     QelBuildHelper* myBuildHelper = myBuildService.Get();
-    Check(myPlugin->putref_QelDatabase(&myDatabase), "the component does not take the database");
-    Check(myPlugin->putref_QelBuildHelper(&myBuildHelper), "the component does not take the build service");
+    Check(myPlugin->putref_QelDatabase(&myDatabase), "the component refuses the database");
+    Check(myPlugin->putref_QelBuildHelper(&myBuildHelper), "the component refuses the build service");
 }
 
 void Component::PutInHand(int64_t myModule, std::string_view myScript)
 {
     myBuildService->SetModule(myModule);
     Bstr myText(FromUtf8(myScript));
-    Check(myPlugin->put_Script(myText.Pointer()), "the component does not take the script");
+    Check(myPlugin->put_Script(myText.Pointer()), "the component refuses the script");
 }
 
 bool Component::Edit() const
@@ -178,7 +178,7 @@ void RegisterComponent(const std::filesystem::path& myFile)
 
 void UnregisterComponent(const std::filesystem::path& myFile)
 {
-    CallEntryPoint(myFile, "DllUnregisterServer", "the component cannot be taken out of the registry");
+    CallEntryPoint(myFile, "DllUnregisterServer", "the component cannot be removed from the registry");
 }
 
 } // namespace qel::host

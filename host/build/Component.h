@@ -37,24 +37,24 @@ public:
     Component& operator=(const Component&) = delete;
     ~Component();
 
-    /// Hands in the services of a site, which outlives the component.
+    /// Hands in the services of a site, which must outlive the component.
     void Serve(Site& theSite);
 
-    /// Writes a module's script to the component; a module that is yet to be added has the number 0.
-    /// Failure: the component does not take it.
+    /// Writes a module's script to the component; a module that has not been added yet has the number 0. Failure: the
+    /// component refuses it.
     void PutInHand(int64_t myModule, std::string_view myScript);
 
     // ---- About the module in hand ----
 
-    /// Its piece of the page; its files are copied into the output.
+    /// Its part of the page; its files are copied into the output.
     Text Output() const { return Read(&QelPlugin::get_Output); }
     /// Its summary, with mark-up.
     Text TextSettings() const { return Read(&QelPlugin::get_TextSettings); }
     /// The reason of the last failure since it was put in hand, or the empty text.
     Text ErrorText() const { return Read(&QelPlugin::get_ErrorText); }
 
-    /// Opens its settings dialog and gives true once the author has confirmed it; the module in hand has new settings
-    /// then. False: the author has cancelled it.
+    /// Opens its settings dialog. True: the author has confirmed it, and the module in hand has the new settings.
+    /// False: the author has cancelled it.
     bool Edit() const;
     /// Its settings, to be stored.
     Text Script() const { return Read(&QelPlugin::get_Script); }
@@ -75,7 +75,8 @@ private:
     ComPtr<BuildService> myBuildService;
 };
 
-/// Enters a component's file in the class registry, or takes it out. Failure: it cannot be opened, or refuses.
+/// Registers a component's file in the class registry, or removes it from there. Failure: it cannot be opened, or
+/// refuses.
 void RegisterComponent(const std::filesystem::path& myFile);
 void UnregisterComponent(const std::filesystem::path& myFile);
 

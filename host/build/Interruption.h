@@ -18,7 +18,7 @@ public:
     [[noreturn]] static void EndProgram();
 };
 
-/// Takes the requests for as long as it lives. A second one ends the program at once. One exists at a time.
+/// Handles the requests while it lives. A second one ends the program at once. Only one object exists at a time.
 class Interruption
 {
 public:
@@ -27,7 +27,7 @@ public:
     Interruption& operator=(const Interruption&) = delete;
     ~Interruption();
 
-    /// Passes while no request has come. Interrupted: one has.
+    /// Does nothing without a request. Interrupted: there was one.
     static void ThrowIfRequested();
 };
 

@@ -48,7 +48,7 @@ std::vector<std::string> FoldersOf(const std::string& myPath)
     return theFolders;
 }
 
-/// True for a line of the list that is a static file or folder and leads nowhere else, whoever wrote the list.
+/// True for a line of the list that names a static file or folder inside the build. Others may have changed the list.
 bool IsStaticPath(const std::string& myLine)
 {
     const bool myIsHidden = myLine.find("/.") != std::string::npos; // also "/.." and "/./"
@@ -80,7 +80,7 @@ void OutputFolder::ReadList()
         RemoveUnfinishedFiles(myFolder, Unfinished::OfAllPrograms);
         if (!NamesInFolder(myFolder).empty())
         {
-            FailForeign(myFolder, "it holds files that qelhost did not make");
+            FailForeign(myFolder, "it contains files that qelhost did not make");
         }
         return;
     }
@@ -168,7 +168,7 @@ void OutputFolder::RemoveStaleStatic(const std::set<std::string>& myWanted)
         const fs::path myPath = myFolder / PathOf(myLine.substr(1));
         if (IsStaticPath(myLine) && IsReachable(myLine) && myLine.ends_with('/'))
         {
-            std::error_code myIgnored; // somebody has put other files into it
+            std::error_code myIgnored; // other files may be in it
             fs::remove(myFolder / PathOf(myLine.substr(1, myLine.size() - 2)), myIgnored);
         }
         else if (IsStaticPath(myLine) && IsReachable(myLine) && TypeOfEntry(myPath) != fs::file_type::directory)
@@ -185,7 +185,7 @@ std::string OutputFolder::ObstacleTo(const StaticFile& myFile) const
     const std::string myHint = "; move " + TextOf(myTarget) + " away";
     if (!IsReachable("/" + myFile.Path))
     {
-        return "on its way in the build is a link, or a file that qelhost did not make" + myHint;
+        return "its path in the build leads through a link, or a file that qelhost did not make" + myHint;
     }
     const fs::file_type myType = TypeOfEntry(myTarget);
     const bool myIsOwn = myWritten.contains("/" + myFile.Path) || myWritten.contains(myFile.Path);

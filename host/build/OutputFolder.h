@@ -1,12 +1,12 @@
 /// The folder that a build writes: the pages, flat, a subfolder each for pictures, tunes and other files, and what the
-/// site's folder `static` holds.
+/// site's folder `static` contains.
 ///
-/// It is the site's own from when qelhost made it or found it empty: a list of what was written, `.qelhost`, marks it.
+/// It belongs to the site once qelhost has made it or found it empty: a list of what was written, `.qelhost`, marks it.
 /// Nothing is replaced or removed in a folder that is not marked, through a link, or below a folder that somebody put
 /// in; a file that somebody put in stays unless it has the name of a page.
 ///
-/// The list has a line each: `:unfinished` while a build runs, so that one that was interrupted is known; pages by
-/// their names; static files as `/css/style.css`, and the folders that were made for them as `/css/`.
+/// Each line of the list is `:unfinished`, while a build runs, so that an interrupted one is recognised; the name of a
+/// page; a static file, such as `/css/style.css`; or a folder that was made for one, such as `/css/`.
 ///
 /// Order of calls: Empty in a build of all pages; ClaimStatic, CopyStatic and Write as often as needed; Finish.
 #pragma once
@@ -32,18 +32,18 @@ class OutputFolder
 {
 public:
     /// Makes the folder and its subfolders if they are not there, and removes what an interrupted build could not
-    /// complete. Failure: one of them is not the site's own.
+    /// complete. Failure: one of them does not belong to the site.
     explicit OutputFolder(const std::filesystem::path& myFolder);
 
-    /// True when the last build did not come to its end: files of any page may be missing or not whole.
+    /// True when the last build was not completed: files of any page may be missing or incomplete.
     bool WasInterrupted() const { return myWasInterrupted; }
 
-    /// Empties the subfolders, removes the pages that `myPages` no longer holds, and lists those that it holds as
-    /// written: a list for each page would take time with the square of their number.
+    /// Empties the subfolders, removes the pages that `myPages` no longer contains, and lists those that it contains as
+    /// written. To write the list again for each page would take time in the square of their number.
     void Empty(const std::set<std::string>& myPages);
 
-    /// Removes the static files of earlier builds that are no longer among these, and returns those of them that may be
-    /// written. What keeps the others out is added to the problems.
+    /// Removes the static files of earlier builds that are not among these, and returns those of these that may be
+    /// written. The reasons for the others are added to the problems.
     std::vector<StaticFile> ClaimStatic(const std::vector<StaticFile>& myFiles, std::vector<std::string>& theProblems);
 
     /// Copies a static file that may be written, unless it is there with the same bytes.
@@ -55,7 +55,7 @@ public:
     /// Writes a page.
     void Write(const std::string& myPage, std::string_view myBytes);
 
-    /// The build has come to its end.
+    /// Marks the build as completed.
     void Finish();
 
 private:
@@ -63,9 +63,9 @@ private:
     void StoreList(OnDisk myTime = OnDisk::Later) const;
     void RemoveUnfinished() const;
     void RemoveStaleStatic(const std::set<std::string>& myWanted);
-    /// True when the way to a path leads through real folders alone, or nothing is there yet.
+    /// True when no folder on the way to a path is a link or a file; folders may be missing.
     bool IsReachable(const std::string& myPath) const;
-    /// What keeps a static file from being written; the empty text when nothing does.
+    /// The reason why a static file cannot be written; the empty text if it can.
     std::string ObstacleTo(const StaticFile& myFile) const;
 
     std::filesystem::path myFolder;

@@ -28,7 +28,7 @@ LinkWindowEntry* LoadEntry()
         {
             FailWithoutModule("the module beside it is of another version");
         }
-        myModule.StayOpen(); // as the toolkit does once it is there
+        myModule.StayOpen(); // like the toolkit once it is loaded
         return theEntry;
     }
     catch (const Failure& myFailure)

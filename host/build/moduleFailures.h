@@ -20,19 +20,19 @@ std::string ErrorNumberOf(std::string_view myReason, bool myIsOutputEmpty);
 /// The error number of a call of the component that failed: that of the component, or else the result itself.
 std::string ErrorNumberOf(HRESULT myResult);
 
-/// The comment that a page gets in the place of a failed module. It holds nothing but the two numbers.
+/// The comment that a page gets in the place of a failed module. It contains nothing but the two numbers.
 Text FailureComment(int64_t myModule, const std::string& myErrorNumber);
 
-/// What a page needs of a module and its author has not chosen, and what to do about it, such as "no tune is chosen;
-/// ..."; the empty text where nothing is missing.
+/// What the author of a module has not chosen although its page needs it, and what to do about it, such as "no tune is
+/// chosen; ..."; the empty text if nothing is missing.
 std::string MissingChoice(const std::string& myScript);
 
 /// What is wrong with the record that a module links to: it is missing, leads nowhere, or its file is missing; the
-/// empty text where nothing is. The component does not report a missing file.
+/// empty text if nothing is. The component does not report a missing file.
 std::string LinkProblem(Site& theSite, const Module& myModule);
 
-/// What a module that failed with this error number is about, as far as that can be known, and what to do about it; it
-/// follows the component's reason. The library is the component's folder of motifs and tunes.
+/// The cause of a module's failure with this error number, as far as it can be known, and what to do about it; shown
+/// after the component's reason. The library is the component's folder of motifs and tunes.
 std::string FailureDetails(Site& theSite, const Module& myModule, const std::string& myErrorNumber,
                            const std::filesystem::path& myLibrary);
 

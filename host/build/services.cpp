@@ -22,19 +22,19 @@ namespace qel::host
 namespace
 {
 
-/// A folder as the component is told of it.
+/// A folder in the form that the component expects.
 Text FolderText(const std::filesystem::path& myFolder)
 {
     const std::optional<Text> myText = FromUtf8Exactly(PortableTextOf(myFolder));
     if (!myText || myText->find(u'\\') != Text::npos)
     {
         throw Failure("the component cannot work in " + TextOf(myFolder) +
-                      ": the path is not valid UTF-8 or holds \"\\\"; move the site");
+                      ": the path is not valid UTF-8 or contains \"\\\"; move the site");
     }
     return *myText + u"/";
 }
 
-/// The record that a link names by its uid; nothing for a text that is no uid or none of the site.
+/// The record that a link names by its uid; nothing if the text is not the uid of a record.
 std::optional<Record> FindByText(Site& theSite, const std::string& myUID)
 {
     int64_t myNumber = 0;
@@ -42,9 +42,9 @@ std::optional<Record> FindByText(Site& theSite, const std::string& myUID)
     return std::to_string(myNumber) == myUID ? theSite.FindRecord(myNumber) : std::nullopt;
 }
 
-/// What an operation on the site gives; a failure goes to the component as one of a device.
+/// The result of an operation on the site; its failure becomes a device error for the component.
 template <class Operation>
-auto AskedOfSite(Operation myOperation)
+auto RunOnSite(Operation myOperation)
 {
     try
     {
@@ -65,7 +65,7 @@ DatabaseService::DatabaseService(Site& theSite) : mySite(theSite), myDataFolder(
 STDMETHODIMP DatabaseService::SeekUID(BSTR* myUID, int32_t* /*myFirst*/, int32_t* /*mySecond*/)
 {
     return Accept(myUID, [&](const Text& myText)
-                  { myRecord = AskedOfSite([&] { return FindByText(mySite, ToUtf8(myText)); }); });
+                  { myRecord = RunOnSite([&] { return FindByText(mySite, ToUtf8(myText)); }); });
 }
 
 STDMETHODIMP DatabaseService::ChooseLink(BSTR* myPresentLink, BSTR* theLink)
@@ -75,11 +75,11 @@ STDMETHODIMP DatabaseService::ChooseLink(BSTR* myPresentLink, BSTR* theLink)
                     {
                         const Text myPresentText = TextOfBstr(myPresent);
                         const LinkChoice myOffer =
-                            OfferedLinks(AskedOfSite([&] { return mySite.Records(); }), myPresentText);
+                            OfferedLinks(RunOnSite([&] { return mySite.Records(); }), myPresentText);
                         LinkChoice theChoice = myOffer;
                         const bool myIsConfirmed = ShowLinkWindow(theChoice);
                         const Text myNewText = LinkOf(theChoice);
-                        // A link that the author leaves as it is stays so to the letter.
+                        // A link that the author does not change keeps its exact text.
                         return myIsConfirmed && myNewText != LinkOf(myOffer) ? myNewText : myPresentText;
                     });
 }

@@ -14,14 +14,14 @@
 namespace qel::host
 {
 
-/// The build service. A module's number stands in all names that it makes, and is never given to another one.
+/// The build service. All names that it makes contain the module's number, which is never given to another module.
 class BuildService final : public CountedObject<QelBuildHelper>
 {
 public:
     /// Failure: the site's path cannot be told to the component.
     explicit BuildService(const Site& mySite);
 
-    /// Whose names the members give from now on.
+    /// Chooses the module whose names the members return from now on.
     void SetModule(int64_t theModule) { myModule = theModule; }
 
     STDMETHODIMP get_UniqueName(BSTR* theName) override
@@ -73,7 +73,7 @@ public:
         return Answer(theFilename, [&] { return myRecord ? FromUtf8(myRecord->Filename) : Text(); });
     }
     STDMETHODIMP SeekUID(BSTR* myUID, int32_t* myFirst, int32_t* mySecond) override;
-    /// The address is escaped as it has to be in a quoted attribute, also of a tag that stands in a quoted script text.
+    /// The address is escaped as it has to be in a quoted attribute, also of a tag in a quoted script text.
     STDMETHODIMP get_RecordURL(BSTR* theURL) override
     {
         return Answer(theURL, [&] { return myRecord ? FromUtf8(EscapedForHtml(RecordAddress(*myRecord))) : Text(); });
@@ -82,7 +82,7 @@ public:
     {
         return Answer(theFolder, [&] { return myDataFolder; });
     }
-    /// The author chooses in a window; the present link stays when it is cancelled. Failure: the window cannot be
+    /// The author chooses in a window; if it is cancelled, the present link stays. Failure: the window cannot be
     /// opened.
     STDMETHODIMP ChooseLink(BSTR* myPresentLink, BSTR* theLink) override;
 

@@ -16,7 +16,7 @@ namespace qel::host
 namespace
 {
 
-/// Who has a name at the top of a build, by the name in lower case.
+/// What has which name at the top of a build, by the name in lower case.
 using Owners = std::map<Text, std::string>;
 
 Owners OwnersOf(const std::vector<Page>& myPages)
@@ -33,7 +33,7 @@ Owners OwnersOf(const std::vector<Page>& myPages)
     return theOwners;
 }
 
-/// What keeps an entry out; the empty text when nothing does.
+/// The reason why an entry is left out; the empty text if it is not.
 std::string ProblemOf(const fs::path& myEntry, bool myIsAtTop, fs::file_type myType, const Owners& myOwners)
 {
     const std::string myName = TextOf(myEntry.filename());
@@ -47,7 +47,7 @@ std::string ProblemOf(const fs::path& myEntry, bool myIsAtTop, fs::file_type myT
     }
     if (!IsUtf8(myName) || std::ranges::any_of(myName, IsControl))
     {
-        return "its name holds a control character or is not valid UTF-8; rename it";
+        return "its name contains a control character or is not valid UTF-8; rename it";
     }
     if (myType == fs::file_type::symlink)
     {

@@ -1,4 +1,4 @@
-/// The files that belong to the pages, such as styles, scripts and pictures: what lies in the site's folder `static`.
+/// The files that belong to the pages, such as styles, scripts and pictures: the content of the site's folder `static`.
 #pragma once
 
 #include "site/Site.h"
@@ -23,8 +23,8 @@ struct StaticFiles
     std::vector<std::string> Warnings; ///< what Windows cannot hold, in the words of WindowsNameWarning
 };
 
-/// Lists the plain files of a folder and its subfolders. Links are not followed. What stays out: links, hidden files,
-/// whatever is no plain file, and paths that a page or one of the folders of a build has, case aside.
+/// Lists the plain files of a folder and its subfolders. Links are not followed. Left out are links, hidden files,
+/// whatever else is no plain file, and paths that a page or a folder of the build has, without regard to case.
 StaticFiles ListStaticFiles(const std::filesystem::path& myFolder, const std::vector<Page>& myPages);
 
 } // namespace qel::host

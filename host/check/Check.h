@@ -1,4 +1,4 @@
-/// Checks of a build of the component: what a check is, and what comes of it.
+/// Checks of a build of the component: what a check is, and how it ends.
 #pragma once
 
 #include <filesystem>
@@ -17,7 +17,8 @@ enum class CheckResult : uint8_t
     Skipped ///< what it needs is not there
 };
 
-/// How a check ended. What was expected and what came instead are sentences or values, in UTF-8, for all but Passed.
+/// How a check ended. For all results but Passed, the texts say in UTF-8 what was expected and what came instead, as a
+/// sentence or a value.
 struct Outcome
 {
     CheckResult Result = CheckResult::Passed;
@@ -33,14 +34,14 @@ struct CheckContext
     std::filesystem::path Folder; ///< the check's own, absolute and empty; the current folder too
 };
 
-/// Whose temporary files, class registry and other folders a check works with.
+/// Whose temporary files, class registry and other folders a check uses.
 enum class Surroundings : uint8_t
 {
     Private, ///< its own, without a display
     OfUser
 };
 
-/// One check. It returns when all is well and throws an Outcome otherwise.
+/// One check. It returns if it passes, and throws an Outcome otherwise.
 struct Check
 {
     const char* Name = nullptr;     ///< such as entry.exports; never changes its meaning
@@ -49,12 +50,11 @@ struct Check
     Surroundings Around = Surroundings::Private;
 };
 
-/// All checks in the order in which they are run. The first one is that the component opens: no other gets further
-/// where this fails.
+/// All checks in the order in which they are run. The first one opens the component; if it fails, no other can pass.
 std::vector<Check> AllChecks();
 
-/// Not one of them: makes an object of the registered class, and passes with the component's file as what it got, or
-/// with the empty text if none is registered.
+/// Not one of them: creates an object of the registered class. Its Outcome has the component's file as what it got, or
+/// the empty text if none is registered.
 extern const Check FindRegistered;
 
 // The groups of checks.

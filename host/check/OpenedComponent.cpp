@@ -36,7 +36,7 @@ ComPtr<IClassFactory> OpenedComponent::Factory(const CLSID& myClass) const
 {
     void* theFactory = nullptr;
     ExpectResult("DllGetClassObject", S_OK, ClassObject(myClass, IID_IClassFactory, &theFactory));
-    Expect("DllGetClassObject gives an object", theFactory != nullptr);
+    Expect("DllGetClassObject returns an object", theFactory != nullptr);
     return ComPtr<IClassFactory>::Adopt(static_cast<IClassFactory*>(theFactory));
 }
 

@@ -1,4 +1,4 @@
-/// The component that is checked, by its entry points.
+/// The component that is checked, through its entry points.
 #pragma once
 
 #include "check/Check.h"
@@ -9,13 +9,13 @@
 namespace qel::host
 {
 
-/// The identifier of a class and an interface that there are not.
+/// The identifier of a class and an interface that do not exist.
 inline constexpr GUID UnknownId = {0x0BADC0DE, 0x1234, 0x5678, {1, 2, 3, 4, 5, 6, 7, 8}};
 
 /// Asks an object for an interface, which it has to have.
 ComPtr<IUnknown> Query(IUnknown& myObject, const IID& myInterface, const std::string& myWhat);
 
-/// The component of a check, opened as a host opens it and closed when it goes.
+/// The component of a check, opened as a host opens it, and closed at the end of the object's life.
 class OpenedComponent
 {
 public:
@@ -43,7 +43,7 @@ public:
         void* theObject = nullptr;
         ExpectResult("CreateInstance", S_OK,
                      Factory(myClass)->CreateInstance(nullptr, *InterfaceId<Interface>, &theObject));
-        Expect("CreateInstance gives an object", theObject != nullptr);
+        Expect("CreateInstance returns an object", theObject != nullptr);
         return ComPtr<Interface>::Adopt(static_cast<Interface*>(theObject));
     }
     ComPtr<QelPlugin> Plugin() const { return Create<QelPlugin>(CLSID_Main); }

@@ -77,7 +77,7 @@ private:
     HostState& myState;
 };
 
-/// Services that a component takes and has no use for.
+/// Services that a component accepts and does not use.
 class Thumbnails final : public CountedObject<QelThumbnails>
 {
 };
@@ -111,8 +111,8 @@ private:
     HostState& myState;
 };
 
-/// A plug-in object with services, on the thread that makes it. The site holds an archive, archivo.dat, with a picture
-/// of 3 by 2 pixels and a tune, and a file, nota.pdf. The services are taken back when it goes.
+/// A plug-in object with services, on the thread that makes it. The site contains an archive, archivo.dat, with a
+/// picture of 3 by 2 pixels and a tune, and a file, nota.pdf. The services are withdrawn at the end of its life.
 class ServedPlugin
 {
 public:
@@ -138,7 +138,7 @@ struct ArchivedFile
 
 /// The bytes of a design archive.
 std::string ArchiveOf(const std::vector<ArchivedFile>& myFiles);
-/// A number as an archive has it.
+/// A number as an archive stores it.
 std::string FourBytes(size_t myNumber);
 
 /// A picture of 3 by 2 pixels, and what stands for a tune.

@@ -15,11 +15,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-Text Bytes(const fs::path& myFile)
-{
-    return FromWindows1252(ReadFile(myFile));
-}
-
 const ArchivedFile& Picture()
 {
     static const ArchivedFile myPicture{"\\qelspr.gif", std::string(PictureBytes())};
@@ -60,20 +55,14 @@ std::string PictureOfSize(size_t myLength)
     return myPicture.substr(0, HeaderSize) + myComment + '\0' + myPicture.substr(HeaderSize);
 }
 
-/// The script of a module with a picture and a tune of its own, without a link.
-Text OwnScript()
-{
-    return ReplaceAll(FullScript, u"UID:4711", u"");
-}
-
 /// A module with an archive of its own, on a page.
 class ArchivedModule
 {
 public:
     explicit ArchivedModule(const CheckContext& myContext) : myComponent(myContext), Served(myComponent, myContext) {}
 
-    /// The page with these bytes as the archive; what was staged before has gone.
-    Text Output(const std::string& myArchive, const Text& myScript = OwnScript())
+    /// The page with these bytes as the archive; what was staged before is deleted first.
+    Text Output(const std::string& myArchive, const Text& myScript = LinkedScript(u""))
     {
         for (const char* myFile : {"images/qelspr17.gif", "media/qelmid17.mid"})
         {
@@ -84,14 +73,14 @@ public:
     }
 
     void ExpectPage(const std::string& myWhat, const std::string& myArchive, std::string_view myPicture,
-                    std::string_view myTune, const Text& myScript = OwnScript())
+                    std::string_view myTune, const Text& myScript = LinkedScript(u""))
     {
         ExpectPart("the page with " + myWhat, u"</script>", Output(myArchive, myScript));
-        ExpectText("the picture of " + myWhat, FromWindows1252(myPicture), Bytes("images/qelspr17.gif"));
-        ExpectText("the tune of " + myWhat, FromWindows1252(myTune), Bytes("media/qelmid17.mid"));
+        ExpectFile("the picture of " + myWhat, myPicture, "images/qelspr17.gif");
+        ExpectFile("the tune of " + myWhat, myTune, "media/qelmid17.mid");
     }
 
-    void ExpectError(const std::string& myWhat, const std::string& myArchive, const Text& myScript = OwnScript())
+    void ExpectError(const std::string& myWhat, const std::string& myArchive, const Text& myScript = LinkedScript(u""))
     {
         ExpectText("the page with " + myWhat, ErrorPage, Output(myArchive, myScript));
         ExpectPart("ErrorText with " + myWhat, u"\"53: ", Read(*Served.Plugin.Get(), &QelPlugin::get_ErrorText));
@@ -173,7 +162,7 @@ void Names(const CheckContext& myContext)
         }
         myModule.ExpectPage("a picture that an archive has as " + Shown(FromWindows1252(myArchived)),
                             ArchiveOf({Tune(), {myArchived, std::string(PictureBytes())}}), PictureBytes(), TuneBytes,
-                            OwnScript() + Param(u"image", myName));
+                            LinkedScript(u"") + Param(u"image", myName));
     }
     constexpr int OtherFiles = 500;
     std::vector<ArchivedFile> myFiles;
@@ -201,9 +190,9 @@ void HostileNames(const CheckContext& myContext)
           std::string("\\..\\qelpluginanimtemp2\\escaped.txt"), std::string("\\..\\escaped\\x"),
           std::string("\\") + std::string(5000, 'e') + "scaped.txt"})
     {
-        // What stands before it is unpacked.
+        // The entries before it are unpacked.
         myModule.Output(ArchiveOf({Picture(), Tune(), {myName, "hostile"}}));
-        ExpectText("the picture before a hostile name", FromWindows1252(PictureBytes()), Bytes("images/qelspr17.gif"));
+        ExpectFile("the picture before a hostile name", PictureBytes(), "images/qelspr17.gif");
         ExpectInside("escaped", myContext);
     }
 }
@@ -219,12 +208,12 @@ void LinksInTheWay(const CheckContext& myContext)
     MakeLink(myOutside, myInside / "sub");
     myModule.Output(ArchiveOf({Picture(), Tune(), {"\\sub\\escaped.txt", "hostile"}, {"\\sub\\kept.txt", "hostile"}}));
     ExpectInside("escaped", myContext);
-    ExpectText("a file that a link to its folder leads to", u"kept", Bytes(myOutside / "kept.txt"));
+    ExpectFile("a file that a link to its folder leads to", "kept", myOutside / "kept.txt");
     fs::remove(myInside / "sub");
     fs::remove(myInside / "qelmid.mid");
     MakeLink(myOutside / "kept.txt", myInside / "qelmid.mid");
     myModule.ExpectPage("a link in the way of a file", ArchiveOf({Picture(), Tune()}), PictureBytes(), TuneBytes);
-    ExpectText("the file that the link leads to", u"kept", Bytes(myOutside / "kept.txt"));
+    ExpectFile("the file that the link leads to", "kept", myOutside / "kept.txt");
 }
 
 void Magic(const CheckContext& myContext)
@@ -236,7 +225,7 @@ void Magic(const CheckContext& myContext)
     {
         const std::string myBytes = std::string(myMagic, 13) + myArchive.substr(13);
         myModule.ExpectError("an archive that begins with " + Shown(FromWindows1252(myBytes.substr(0, 13))), myBytes);
-        ExpectText("an archive of another kind after the page", FromWindows1252(myBytes), Bytes("data/archivo.dat"));
+        ExpectFile("an archive of another kind after the page", myBytes, "data/archivo.dat");
     }
     for (const std::string& myBytes : {std::string(), myArchive.substr(0, 5), myArchive.substr(0, 13),
                                        myArchive.substr(1), ArchiveOf({}), "\xEF\xBB\xBF" + myArchive})
@@ -278,7 +267,7 @@ void Emptied(const CheckContext& myContext)
 {
     ArchivedModule myModule(myContext);
     const std::string myWhole = ArchiveOf({Picture(), Tune()});
-    const Text myNoArchive = ReplaceAll(OwnScript(), u"<pg.file filename=\"archivo.dat\">\r\n", u"");
+    const Text myNoArchive = ReplaceAll(LinkedScript(u""), u"<pg.file filename=\"archivo.dat\">\r\n", u"");
     const auto Whole = [&]
     {
         myModule.ExpectPage("a whole archive", myWhole, PictureBytes(), TuneBytes);
@@ -291,11 +280,11 @@ void Emptied(const CheckContext& myContext)
     myModule.ExpectError("a module without an archive after one with it", myWhole, myNoArchive);
     Whole();
     myModule.ExpectError("an archive that is not there after one that was", myWhole,
-                         ReplaceAll(OwnScript(), u"archivo.dat", u"otro.dat"));
+                         ReplaceAll(LinkedScript(u""), u"archivo.dat", u"otro.dat"));
     Whole();
     WriteFile(UnpackFolder() / "x.gif", PictureBytes());
     myModule.ExpectError("a file that somebody put where archives are unpacked", myWhole,
-                         OwnScript() + Param(u"image", u"x.gif"));
+                         LinkedScript(u"") + Param(u"image", u"x.gif"));
     const std::string myOther = PictureOfSize(500);
     Whole();
     myModule.ExpectPage("another archive with files of the same names",
@@ -307,8 +296,8 @@ constexpr Check Checks[] = {
     {"archives.names", "Files come out under their names, in folders and with letters of the code page", Names},
     {"archives.hostile-names", "No name in an archive leads out of the folder into which it is unpacked", HostileNames},
     {"archives.links", "Links in the way of an archive's files are not followed", LinksInTheWay},
-    {"archives.magic", "A file that does not begin as an archive does is none, and stays as it is", Magic},
-    {"archives.truncated", "Of a damaged archive the files before the damage are there", Truncated},
+    {"archives.magic", "A file that does not begin as an archive does is refused, and stays as it is", Magic},
+    {"archives.truncated", "The files before the damage in an archive are unpacked", Truncated},
     {"archives.emptied", "A page uses the files of its own module's archive, and none of an earlier one", Emptied},
 };
 

@@ -38,7 +38,7 @@ void UnknownClass(const CheckContext& myContext)
     void* myObject = &myObject;
     ExpectResult("DllGetClassObject of an unknown class", CLASS_E_CLASSNOTAVAILABLE,
                  myComponent.ClassObject(UnknownId, IID_IClassFactory, &myObject));
-    Expect("a failed DllGetClassObject gives null", myObject == nullptr);
+    Expect("a failed DllGetClassObject returns null", myObject == nullptr);
 }
 
 void UnknownInterface(const CheckContext& myContext)
@@ -47,7 +47,7 @@ void UnknownInterface(const CheckContext& myContext)
     void* myObject = &myObject;
     ExpectResult("DllGetClassObject for an unknown interface", E_NOINTERFACE,
                  myComponent.ClassObject(CLSID_Main, UnknownId, &myObject));
-    Expect("a failed DllGetClassObject gives null", myObject == nullptr);
+    Expect("a failed DllGetClassObject returns null", myObject == nullptr);
     for (const CLSID* myClass : {&CLSID_Main, &CLSID_classStringSort})
     {
         const auto myFactory = myComponent.Factory(*myClass);
@@ -58,11 +58,11 @@ void UnknownInterface(const CheckContext& myContext)
         myObject = &myObject;
         ExpectResult("QueryInterface of a factory for an unknown interface", E_NOINTERFACE,
                      myFactory->QueryInterface(UnknownId, &myObject));
-        Expect("a failed QueryInterface of a factory gives null", myObject == nullptr);
+        Expect("a failed QueryInterface of a factory returns null", myObject == nullptr);
         myObject = &myObject;
         ExpectResult("CreateInstance for an unknown interface", E_NOINTERFACE,
                      myFactory->CreateInstance(nullptr, UnknownId, &myObject));
-        Expect("a failed CreateInstance gives null", myObject == nullptr);
+        Expect("a failed CreateInstance returns null", myObject == nullptr);
     }
     ExpectResult("DllCanUnloadNow after failures", S_OK, myComponent.CanUnloadNow());
 }
@@ -87,7 +87,7 @@ void Aggregation(const CheckContext& myContext)
         void* myObject = &myObject;
         ExpectResult("CreateInstance inside another object", CLASS_E_NOAGGREGATION,
                      myFactory->CreateInstance(myFactory.Get(), IID_IUnknown, &myObject));
-        Expect("a refused CreateInstance gives null", myObject == nullptr);
+        Expect("a refused CreateInstance returns null", myObject == nullptr);
     }
 }
 
@@ -164,14 +164,14 @@ void Unloading(const CheckContext& myContext)
 }
 
 constexpr Check Checks[] = {
-    {"entry.opening", "The component opens, makes its objects and closes", Opening},
+    {"entry.opening", "The component opens, creates its objects and closes", Opening},
     {"entry.exports", "The component exports its four entry points and nothing else", Exports},
     {"entry.unknown-class", "A class that it does not have is refused", UnknownClass},
     {"entry.unknown-interface", "An interface that a class does not have is refused", UnknownInterface},
     {"entry.null-pointers", "The entry points and the factory refuse null pointers", NullPointers},
     {"entry.aggregation", "Its objects cannot be made part of others", Aggregation},
     {"entry.unload-count", "It stays loaded while an object, a factory or a lock is left, and no longer", UnloadCount},
-    {"entry.registration", "Registered, its two classes can be created by name, and it can be taken out again",
+    {"entry.registration", "Registered, its two classes can be created by name, and it can be unregistered again",
      Registration},
     {"entry.unloading", "Unloaded with services in hand it does not call the host, and it can be loaded again",
      Unloading},

@@ -178,4 +178,9 @@ void WriteFile(const fs::path& myFile, std::string_view myBytes)
     Expect("the file " + TextOf(myFile.filename()) + " can be written", myStream.good());
 }
 
+void ExpectFile(const std::string& myWhat, std::string_view myBytes, const fs::path& myFile)
+{
+    ExpectText(myWhat, FromWindows1252(myBytes), FromWindows1252(ReadFile(myFile)));
+}
+
 } // namespace qel::host

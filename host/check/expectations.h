@@ -17,7 +17,7 @@ namespace qel::host
 /// Results are shown with their names, as far as they have one.
 void ExpectResult(const std::string& myWhat, HRESULT myExpected, HRESULT myGot);
 void ExpectNumber(const std::string& myWhat, int64_t myExpected, int64_t myGot);
-/// Texts are shown from a little before the place where they part.
+/// Texts are shown from a little before their first difference.
 void ExpectText(const std::string& myWhat, TextView myExpected, TextView myGot);
 void ExpectPart(const std::string& myWhat, TextView myPart, TextView myGot);
 /// `myWhat` is a whole sentence.
@@ -26,7 +26,7 @@ void Expect(const std::string& myWhat, bool myHolds);
 /// A text in UTF-8, shortened, with escapes for what does not show.
 std::string Shown(TextView myText);
 
-/// The source and the description of the thread's last failure, which is taken away; empty without one.
+/// The source and the description of the thread's last failure, which is removed; empty without one.
 struct FailureTexts
 {
     FailureTexts();
@@ -49,5 +49,7 @@ void ExpectNoGrowth(const std::string& myWhat, const std::function<void()>& myOp
 
 std::string ReadFile(const std::filesystem::path& myFile);
 void WriteFile(const std::filesystem::path& myFile, std::string_view myBytes);
+/// The file has these bytes.
+void ExpectFile(const std::string& myWhat, std::string_view myBytes, const std::filesystem::path& myFile);
 
 } // namespace qel::host

@@ -13,15 +13,10 @@ namespace
 
 namespace fs = std::filesystem;
 
-Text Bytes(const fs::path& myFile)
-{
-    return FromWindows1252(ReadFile(myFile));
-}
-
 /// The page of FullScript with a link in place of its own, without a tune.
 Text LinkedPage(ServedPlugin& theServed, TextView myLink)
 {
-    return theServed.Output(ReplaceAll(FullScript, u"UID:4711", myLink) + Param(u"playmidi", u"0"));
+    return theServed.Output(LinkedScript(myLink) + Param(u"playmidi", u"0"));
 }
 
 /// The host's address of files, the record's file name, and the address of both.
@@ -76,7 +71,7 @@ void PlainJoins(const CheckContext& myContext)
     {
         myServed.State.ImageURL = myURL;
         myServed.State.MediaURL = myURL;
-        const Text myPage = myServed.Output(ReplaceAll(FullScript, u"UID:4711", u""));
+        const Text myPage = myServed.Output(LinkedScript(u""));
         ExpectPart("the page with files at " + Shown(myURL), JoinTexts({u"<img src=\"", myURL, u"qelspr17.gif\""}),
                    myPage);
         ExpectPart("the page with files at " + Shown(myURL), JoinTexts({u"<embed src=\"", myURL, u"qelmid17.mid\""}),
@@ -86,10 +81,9 @@ void PlainJoins(const CheckContext& myContext)
     {
         myServed.State.UniqueName = myName;
         myServed.Output(FullScript);
-        ExpectText("the picture of the name " + Shown(myName), FromWindows1252(PictureBytes()),
-                   Bytes("images/qelspr" + ToUtf8(myName) + ".gif"));
-        ExpectText("the tune of the name " + Shown(myName), FromWindows1252(TuneBytes),
-                   Bytes("media/qelmid" + ToUtf8(myName) + ".mid"));
+        ExpectFile("the picture of the name " + Shown(myName), PictureBytes(),
+                   "images/qelspr" + ToUtf8(myName) + ".gif");
+        ExpectFile("the tune of the name " + Shown(myName), TuneBytes, "media/qelmid" + ToUtf8(myName) + ".mid");
     }
 }
 
@@ -108,13 +102,13 @@ void CopiedOnce(const CheckContext& myContext)
         };
         WriteFile("data/nota.pdf", "first");
         ExpectPage("with a new file");
-        ExpectText("the copy of a linked file", u"first", Bytes(myTarget));
+        ExpectFile("the copy of a linked file", "first", myTarget);
         WriteFile("data/nota.pdf", "second");
         ExpectPage("with a file that has a copy");
-        ExpectText("the copy of a linked file that changed", u"first", Bytes(myTarget));
+        ExpectFile("the copy of a linked file that changed", "first", myTarget);
         fs::remove("data/nota.pdf");
         ExpectPage("with a file that has a copy alone");
-        ExpectText("the copy of a linked file that has gone", u"first", Bytes(myTarget));
+        ExpectFile("the copy of a linked file that has gone", "first", myTarget);
         fs::remove(myTarget);
         ExpectPage("with a file that is missing");
         Expect("no copy is made of a missing file", !fs::exists(myTarget));
@@ -123,10 +117,10 @@ void CopiedOnce(const CheckContext& myContext)
         fs::remove(myTarget);
         WriteFile("data/nota.pdf", "");
         ExpectPage("with an empty file");
-        ExpectText("the copy of an empty file", u"", Bytes(myTarget));
+        ExpectFile("the copy of an empty file", "", myTarget);
         WriteFile("data/nota.pdf", std::string(100'000, 'x'));
         ExpectPage("with a file that has an empty copy");
-        ExpectText("an empty copy stays", u"", Bytes(myTarget));
+        ExpectFile("an empty copy stays", "", myTarget);
     }
     Expect("a linked file is put into its own folder alone", !fs::exists("media/nota.pdf"));
 }
@@ -140,13 +134,12 @@ void Replaced(const CheckContext& myContext)
         WriteFile(myFile, std::string(100'000, 'x'));
     }
     myServed.Output(FullScript);
-    ExpectText("a staged picture in place of an older one", FromWindows1252(PictureBytes()),
-               Bytes("images/qelspr17.gif"));
-    ExpectText("a staged tune in place of an older one", FromWindows1252(TuneBytes), Bytes("media/qelmid17.mid"));
+    ExpectFile("a staged picture in place of an older one", PictureBytes(), "images/qelspr17.gif");
+    ExpectFile("a staged tune in place of an older one", TuneBytes, "media/qelmid17.mid");
     const std::string myArchive = ReadFile("data/archivo.dat");
     myServed.Output(FullScript);
-    ExpectText("the archive after the page", FromWindows1252(myArchive), Bytes("data/archivo.dat"));
-    ExpectText("the record's file after the page", u"paper", Bytes("data/nota.pdf"));
+    ExpectFile("the archive after the page", myArchive, "data/archivo.dat");
+    ExpectFile("the record's file after the page", "paper", "data/nota.pdf");
 }
 
 void NothingStaged(const CheckContext& myContext)

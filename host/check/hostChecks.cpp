@@ -30,7 +30,7 @@ void Order(const CheckContext& myContext)
     }
     const auto ExpectCalls = [&](const std::string& myWhat, TextView myFrom, TextView myTo, const Text& myCalls)
     {
-        const Text myScript = ReplaceAll(ReplaceAll(FullScript, u"UID:4711", u""), myFrom, myTo);
+        const Text myScript = ReplaceAll(LinkedScript(u""), myFrom, myTo);
         myServed.State.Calls.clear();
         myServed.Output(myScript);
         ExpectText("the calls of a page " + myWhat, myCalls, Joined(myServed.State.Calls));
@@ -49,7 +49,7 @@ void Order(const CheckContext& myContext)
 /// The number of the failure of the first call; those of the others follow.
 constexpr int32_t FirstFailure = 2000;
 
-/// Lets each call from one place on to another fail, and expects the page to end there for that reason.
+/// Makes each call from one position to another fail, and expects the page to fail there for that reason.
 void ExpectFailures(ServedPlugin& theServed, const LinkCase& myCase, int64_t myFirst, int64_t myEnd)
 {
     HostState& theState = theServed.State;
@@ -216,7 +216,7 @@ void Threads(const CheckContext& myContext)
 }
 
 constexpr Check Checks[] = {
-    {"host.call-order", "A page asks the host what it needs, in the settled order, and nothing else", Order},
+    {"host.call-order", "A page asks the host what it needs, in the documented order, and nothing else", Order},
     {"host.failing-calls", "A failed call of the host, whichever it is, ends the page and is named as the reason",
      FailingCalls},
     {"host.no-services", "A page without services fails with error 91", NoServices},

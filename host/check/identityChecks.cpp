@@ -47,10 +47,10 @@ void OneUnknown(const CheckContext& myContext)
         {
             const auto myOther =
                 Query(*myObject.Get(), *myInterface, std::string("QueryInterface of IUnknown for ") + myName);
-            Expect(std::string(myName) + " of an object gives the same IUnknown as the others",
+            Expect(std::string(myName) + " of an object returns the same IUnknown as the others",
                    Query(*myOther.Get(), IID_IUnknown, "QueryInterface for IUnknown").Get() == myObject.Get());
         }
-        Expect("two objects are two", myComponent.Create<IUnknown>(*myClass).Get() != myObject.Get());
+        Expect("two objects have two identities", myComponent.Create<IUnknown>(*myClass).Get() != myObject.Get());
     }
 }
 
@@ -74,7 +74,7 @@ void QueryRules(const CheckContext& myContext)
             void* myNone = &myNone;
             ExpectResult("QueryInterface of " + myName + " for an unknown one", E_NOINTERFACE,
                          myFirst->QueryInterface(UnknownId, &myNone));
-            Expect("a failed QueryInterface gives null", myNone == nullptr);
+            Expect("a failed QueryInterface returns null", myNone == nullptr);
             ExpectResult("QueryInterface of " + myName + " without a place", E_POINTER,
                          myFirst->QueryInterface(IID_IUnknown, nullptr));
         }

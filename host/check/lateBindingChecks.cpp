@@ -228,7 +228,7 @@ void ExpectValue(IDispatch& myObject, DISPID myNumber, const std::string& myWhat
     ExpectText(myWhat, myExpected.Value, theValue);
 }
 
-/// What members give through their tables, while a module of everything is in hand.
+/// What members return through their tables, while a module with everything is in hand.
 std::map<TextView, LateValue> ValuesOfTables(const OpenedComponent& myComponent)
 {
     std::map<TextView, LateValue> theValues{
@@ -336,7 +336,7 @@ void LateFailures(const CheckContext& myContext)
     LateCall myOutside;
     myOutside.Arguments = {NumberVariant(1000)};
     ExpectResult("Value of 1000 late-bound", DISP_E_EXCEPTION, myOutside.Invoke(*mySort.Get(), 3, Get));
-    ExpectResult("what the exception tells", QEL_RESULT(0x800A0009U), myOutside.Exception.scode);
+    ExpectResult("the description in the exception", QEL_RESULT(0x800A0009U), myOutside.Exception.scode);
     ExpectText("its source", u"QelPluginAnimation", TextOfBstr(myOutside.Exception.bstrSource));
     Expect("the exception has a description", SysStringLen(myOutside.Exception.bstrDescription) > 0);
     const auto myPlugin = myComponent.Plugin();
@@ -369,7 +369,7 @@ void LateFailures(const CheckContext& myContext)
 constexpr Check Checks[] = {
     {"late.names", "Every member is found by its name, whatever the case, and nothing else is", Names},
     {"late.kinds", "Every member answers to its own kind of call and to no other", Kinds},
-    {"late.values", "Late-bound calls take and give the same values in variants of the right type", LateValues},
+    {"late.values", "Late-bound calls take and return the same values in variants of the right type", LateValues},
     {"late.failures", "A late-bound call that fails says why, and where", LateFailures},
 };
 

@@ -42,7 +42,7 @@ void TextLeaks(const CheckContext& myContext)
 void ObjectLeaks(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
-    ExpectNoGrowth("making objects and letting them go",
+    ExpectNoGrowth("creating and releasing objects",
                    [&]
                    {
                        const auto myPlugin = myComponent.Plugin();
@@ -74,7 +74,7 @@ void PageLeaks(const CheckContext& myContext)
 
 constexpr Check Checks[] = {
     {"leaks.texts", "Reading and writing texts keeps no memory", TextLeaks},
-    {"leaks.objects", "Making objects and letting them go keeps no memory", ObjectLeaks},
+    {"leaks.objects", "Creating and releasing objects keeps no memory", ObjectLeaks},
     {"leaks.pages", "Writing pages, also ones that fail, keeps no memory and no text of the host", PageLeaks},
 };
 

@@ -31,7 +31,7 @@ void ReadsFixedTexts(const CheckContext& myContext)
     }
 }
 
-/// Reads a truth value, which may fill its 16 bits and no more.
+/// Reads a Boolean value; the member may write its 16 bits and nothing else.
 void ExpectAnswer(const std::string& myWhat, VARIANT_BOOL myExpected, const std::function<HRESULT(VARIANT_BOOL*)>& Ask)
 {
     std::array<VARIANT_BOOL, 2> myAnswer{7, 7};
@@ -135,7 +135,7 @@ void Bitmaps(const CheckContext& myContext)
 
 constexpr Check Checks[] = {
     {"members.fixed-texts", "The fixed texts are those of the plug-in, each in its slot", ReadsFixedTexts},
-    {"members.answers", "Truth values are -1 and 0 in 16 bits, and CallBack of another number than 0 gives false",
+    {"members.answers", "Boolean values are -1 and 0 in 16 bits, and CallBack returns false for every number but 0",
      Answers},
     {"members.version", "The version is three numbers without leading zeros", Version},
     {"members.null-pointers", "Every member refuses null pointers", NullPointers},

@@ -9,6 +9,11 @@
 namespace qel::host
 {
 
+Text LinkedScript(TextView myLink)
+{
+    return ReplaceAll(FullScript, u"UID:4711", myLink);
+}
+
 Text Param(TextView myName, TextView myValue)
 {
     return JoinTexts({u"<pg.param name=\"", myName, u"\" value=\"", myValue, u"\">"});

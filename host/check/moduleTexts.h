@@ -38,6 +38,9 @@ constexpr TextView DefaultScript = u"<pg.plugin uid=\"QelPluginAnimation\" versi
                                    u"<pg.param name=\"to\" value=\"0\">\r\n"
                                    u"<pg.param name=\"link\">\r\n";
 
+/// FullScript with another link, as a script has it.
+Text LinkedScript(TextView myLink);
+
 /// A tag of a script with a setting, and one without a value.
 Text Param(TextView myName, TextView myValue);
 Text EmptyParam(TextView myName);

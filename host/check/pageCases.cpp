@@ -47,7 +47,7 @@ Text OutputOf(const LinkCase& myCase, ServedPlugin& theServed)
     theServed.State.Kind = myCase.Kind;
     theServed.State.AtEnd = myCase.AtEnd;
     theServed.State.Calls.clear();
-    return theServed.Output(ReplaceAll(FullScript, u"UID:4711", myCase.Link));
+    return theServed.Output(LinkedScript(myCase.Link));
 }
 
 Text CallOrder(const LinkCase& myCase)

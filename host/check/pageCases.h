@@ -1,4 +1,4 @@
-/// Pages of the full script with other links, and the calls into the host that each takes.
+/// Pages of the full script with other links, and the calls into the host that each makes.
 #pragma once
 
 #include "check/ServedPlugin.h"
@@ -8,7 +8,7 @@
 namespace qel::host
 {
 
-/// A link, what the record is that it leads to, and what comes of it.
+/// A link, the record that it leads to, and the result.
 struct LinkCase
 {
     const char16_t* Link;
@@ -27,7 +27,8 @@ const LinkCase& LongestCase();
 
 std::string NameOf(const LinkCase& myCase);
 
-/// The page of FullScript with the link of a case. The host's answers are set for it, and its calls begin anew.
+/// The page of FullScript with the link of a case. The host's answers are set for it, and its list of calls begins
+/// anew.
 Text OutputOf(const LinkCase& myCase, ServedPlugin& theServed);
 
 // What a page of FullScript asks the host, in this order: before the link, and after it.

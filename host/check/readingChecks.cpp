@@ -1,4 +1,4 @@
-// Checks of how a script is read: what each written form of a setting comes back as.
+// Checks of how a script is read: which setting each written form becomes.
 #include "check/moduleTexts.h"
 #include "check/OpenedComponent.h"
 #include "text/encodings.h"
@@ -214,7 +214,7 @@ void LineEnds(const CheckContext& myContext)
     ExpectReadings(myContext, myCases);
 }
 
-/// A text, and what it counts as.
+/// A text, and the Boolean value that it is read as.
 constexpr std::pair<TextView, TextView> TruthTexts[] = {
     {u"0", u"0"},   {u" 0 ", u"0"},  {u" ", u"0"},   {u"   ", u"0"}, {u"1", u"1"},     {u"-1", u"1"},     {u"2", u"1"},
     {u"00", u"1"},  {u"0.0", u"1"},  {u"+0", u"1"},  {u"no", u"1"},  {u"false", u"1"}, {u"-", u"1"},      {u"0x", u"1"},
@@ -249,7 +249,7 @@ void ImageModes(const CheckContext& myContext)
     ExpectReadings(myContext, myCases);
 }
 
-/// A text, and the days that it comes back as.
+/// A text, and the days that it is read as.
 constexpr std::pair<TextView, TextView> DateTexts[] = {
     {u"38353", u"38353"},
     {u"38353.4", u"38353"},
@@ -363,9 +363,9 @@ constexpr Check Checks[] = {
     {"reading.tags", "Closing, unclosed and unknown tags and texts between tags are skipped", Tags},
     {"reading.attributes", "Attributes are read with and without quotation marks, blanks and line ends", Attributes},
     {"reading.line-ends", "Line ends of every kind stand between tags", LineEnds},
-    {"reading.truth-values", "Blanks, nothing and 0 are false, any other text is true", TruthValues},
+    {"reading.truth-values", "Blanks, an empty value and 0 are false, any other text is true", TruthValues},
     {"reading.image-modes", "The formats gif and jpg are known, any other text is none", ImageModes},
-    {"reading.dates", "A date is the number that a text begins with, and comes back rounded", Dates},
+    {"reading.dates", "A date is the number that a text begins with, and is written back rounded", Dates},
     {"reading.versions", "The version 1.0 alone is read, and reading ends at another one", Versions},
     {"reading.reset", "Each script begins with nothing chosen but the link", Reset},
     {"reading.one-record", "All objects of a thread share one module in hand", OneRecord},

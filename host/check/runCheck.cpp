@@ -51,7 +51,7 @@ Outcome RunHere(const Check& myCheck, const CheckContext& myContext)
 
 Outcome RunInProcess(const Check& myCheck, const fs::path& myFile, double mySeconds)
 {
-    const ProgramRunner myRunner; // goes last, so that no signal ends the program before the folder has gone
+    const ProgramRunner myRunner; // destroyed last, so that no signal ends the program before the folder is removed
     const fs::path myFolder = MakeTemporaryFolder();
     const ScopeGuard myRemoval([&] { RemoveTemporaryFolder(myFolder); });
     const auto myStart = Clock::now();
@@ -76,7 +76,7 @@ void RunCheckCommandLine(const std::string& myName, const fs::path& myFile, cons
         TheOutcomeFile = std::make_unique<OutcomeFile>(myFolder / OutcomeName);
         TheOutcomeFile->Write(RunHere(*myCheck, {myFile, myFolder / WorkName}));
     }
-    EndRun(); // what a component has left to do at the end is no part of the check
+    EndRun(); // what the component does at the end of a process is no part of the check
 }
 
 void NoteStep(const std::string& myStep)

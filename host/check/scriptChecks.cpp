@@ -33,7 +33,7 @@ void RoundTrip(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     const auto myPlugin = myComponent.Plugin();
-    const Text myEscaped = ReplaceAll(FullScript, u"UID:4711", u"URL:a&amp;b&lt;&gt;&quot;'ñ\U0001F388");
+    const Text myEscaped = LinkedScript(u"URL:a&amp;b&lt;&gt;&quot;'ñ\U0001F388");
     for (const Text& myScript : {Text(FullScript), myEscaped, Text(DefaultScript)})
     {
         Bstr myText(myScript);
@@ -144,7 +144,7 @@ constexpr Check Checks[] = {
     {"script.round-trip", "What was written to Script comes back", RoundTrip},
     {"script.other-version", "A script of another version gives a module with nothing chosen, and the reason",
      OtherVersion},
-    {"script.random", "Malformed scripts have a reading, and it comes back", RandomScripts},
+    {"script.random", "Malformed scripts are read in a defined way, and written back as they were read", RandomScripts},
     {"script.huge", "Scripts of 16 MB are read in good time and nothing of them is lost", HugeScripts},
 };
 

@@ -57,7 +57,7 @@ void StringSort(const CheckContext& myContext)
         BSTR theValue = nullptr; // not freed: it need not be a text
         ExpectResult("Value " + std::to_string(myIndex), QEL_RESULT(0x800A0009U),
                      mySort.get_Value(&myIndex, &theValue));
-        Expect("a failed Value gives no text", theValue == nullptr);
+        Expect("a failed Value returns no text", theValue == nullptr);
     }
     BSTR myNull = nullptr;
     ExpectResult("AddValue of a null text", S_OK, mySort.AddValue(&myNull));

@@ -173,7 +173,7 @@ void ErrorNumbers(const CheckContext& myContext)
 
 constexpr Check Checks[] = {
     {"texts.summaries", "The summary has its parts for picture, tune and period, in every combination", Summaries},
-    {"texts.short-names", "The summary fails for a name that has no ending to lose", ShortNames},
+    {"texts.short-names", "The summary fails for a name that is shorter than an ending", ShortNames},
     {"texts.reasons", "The reason of a failure stays until the next script is written, and no longer", Reasons},
     {"texts.error-numbers", "A page that fails names the number of the error and a reason", ErrorNumbers},
 };

@@ -55,7 +55,7 @@ constexpr std::pair<int32_t, const char*> Reasons[] = {
     {ErrorNumber::FileNotFound, "it does not exist any more"},
     {ErrorNumber::FileAlreadyExists, "its folder has another name that differs only in case"},
     {ErrorNumber::DiskFull, DiskIsFull},
-    {ErrorNumber::InputPastEnd, "it has become shorter in the meantime"},
+    {ErrorNumber::InputPastEnd, "it has become shorter meanwhile"},
     {ErrorNumber::PermissionDenied, "there is no permission, or someone else has it open"},
     {ErrorNumber::PathAccess, "a folder, a link or something else is in the way, or a folder cannot be read"},
     {ErrorNumber::PathNotFound, "its folder does not exist, or cannot be created"},
@@ -86,7 +86,7 @@ std::string ReadingReason(const fs::path& myFile, int32_t myNumber)
     case ErrorNumber::InputPastEnd:
     case ErrorNumber::BadFileName:
         return "it is damaged";
-    case ErrorNumber::PermissionDenied: // also while someone else has locked it, which does not keep it from opening
+    case ErrorNumber::PermissionDenied: // also if someone else has locked it, which does not prevent opening it
         return std::ifstream(myFile) ? "it is in use by another program; try again later"
                                      : "there is no permission to read it";
     default:
@@ -257,7 +257,7 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
     {
         if (classArchive::LeavesFolder(myName))
         {
-            throw Failure("the archive holds " + Printable(ToUtf8(myName)) + ", which leads out of the folder");
+            throw Failure("the archive contains " + Printable(ToUtf8(myName)) + ", which leads out of the folder");
         }
         const Text myTarget = classArchive::Concat(myFolder, myName);
         const auto [myParent, myIsNew] = myFolderIsThere.try_emplace(myTarget.substr(0, myTarget.rfind(u'\\')));
@@ -272,7 +272,7 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
         }
         if (!myLowerNames.insert(LowerCase(myName)).second && !myMayReplace)
         {
-            throw Failure("the archive holds " + Printable(ToUtf8(myName)) +
+            throw Failure("the archive contains " + Printable(ToUtf8(myName)) +
                           " more than once, without regard to case; --force unpacks them all, and of those with one "
                           "name the last one stays");
         }

@@ -55,7 +55,7 @@ fs::path FileToCheck(const Arguments& myArguments)
         if (myFound.Result != CheckResult::Passed)
         {
             throw Failure("the registered component cannot be opened: " + myFound.Got +
-                          "; enter it again with qelhost register, or name a file");
+                          "; register it again with qelhost register, or name a file");
         }
         theFile = myFound.Got.empty() ? ComponentBesideProgram() : PathOf(myFound.Got);
     }
@@ -201,7 +201,7 @@ void AddCheckCommands(CLI::App& theApplication, Arguments& theArguments)
     CLI::App* const myCheck = theApplication.add_subcommand("check", "Checks a build of the component");
     AddPath(*myCheck, "FILE", theArguments.OptionalFile, "The component; without it the one of --plugin")
         ->type_name("");
-    myCheck->add_flag("--list", theArguments.List, "Lists the checks with what each one means, and runs none");
+    myCheck->add_flag("--list", theArguments.List, "Lists the checks and what each one means, and runs none");
     myCheck->add_option("--only", theArguments.Checks, "Runs this check; may be given several times")
         ->type_name("NAME")
         ->allow_extra_args(false);

@@ -1,6 +1,6 @@
 /// The commands of qelhost: each group adds its own to the command line.
 ///
-/// A command runs while the command line is read, on the calling thread, and throws Failure when it fails.
+/// A command runs while the command line is parsed, on the calling thread, and throws Failure when it fails.
 #pragma once
 
 #include "commands/json.h"
@@ -74,7 +74,7 @@ CLI::App* AddGroup(CLI::App& theApplication, const std::string& myName, const st
 /// Makes sure that a file can be read as a design archive. Failure: it cannot.
 void DemandArchive(const std::filesystem::path& myFile);
 
-/// Says on the standard error when this system holds a name that the author has given and Windows does not.
+/// Warns on the standard error if the author has given a name that this system can store and Windows cannot.
 void WarnOfName(const std::string& myName);
 
 /// Takes the user's lock for a command that changes modules or builds, and undoes the changes of a program that ended
@@ -91,7 +91,7 @@ CLI::App* AddListCommand(CLI::App& theGroup, const std::string& myHelp, Argument
 void PrintList(const std::vector<std::vector<std::string>>& myRows, const std::vector<JsonMembers>& myObjects,
                const Arguments& myArguments);
 
-/// True when what is shown on the standard output may hold escapes: it is a terminal, and $NO_COLOR is not set.
+/// True when what is shown on the standard output may contain escapes: it is a terminal, and $NO_COLOR is not set.
 bool WantsEscapes();
 
 } // namespace qel::host

@@ -12,7 +12,7 @@ namespace qel::host
 /// The component's name of a path; nothing if it has none.
 std::optional<Text> LogicalName(const std::filesystem::path& myPath);
 
-/// The path that a name of the component stands for.
+/// The path that has this name in the component.
 std::filesystem::path NativeName(TextView myName);
 
 } // namespace qel::host

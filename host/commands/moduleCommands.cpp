@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr const char* ArchiveHelp =
-    "An archive holds the files that a module's author imported. The site stores it as module, the module's id and\n"
+    "An archive contains the files that a module's author imported. The site stores it as module, the module's id and\n"
     ".dat, such as module3.dat, and the module's script has to contain that name: <pg.file filename=\"module3.dat\">";
 
 std::string ReadScript(const std::filesystem::path& myFile)

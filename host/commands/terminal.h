@@ -10,8 +10,8 @@ namespace qel::host
 /// The arguments of the command line in UTF-8, without the program's name. `myCount` and `myTexts` are those of main.
 std::vector<std::string> CommandLine(int myCount, const char* const* myTexts);
 
-/// Prepares the standard streams, for as long as it lives: a terminal shows UTF-8 and obeys escapes, and what is read
-/// or written elsewhere is bytes, unchanged. The program has one, before it reads or writes.
+/// Prepares the standard streams while it lives: a terminal shows UTF-8 and obeys escapes, and what is read or written
+/// elsewhere is bytes, unchanged. The program has one object, created before it reads or writes.
 class StandardStreams
 {
 public:

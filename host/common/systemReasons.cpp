@@ -11,7 +11,7 @@ namespace
 
 constexpr std::pair<std::errc, const char*> Reasons[] = {
     {std::errc::no_space_on_device, DiskIsFull},
-    {std::errc::read_only_file_system, "the disk can only be read; copy the site to another one"},
+    {std::errc::read_only_file_system, "the disk is read-only; copy the site to another one"},
     {std::errc::permission_denied, "no permission; change the permissions of the file and its folder"},
     {std::errc::operation_not_permitted, "no permission; change the permissions of the file and its folder"},
     {std::errc::no_such_file_or_directory, "there is no such file or folder; check the path"},

@@ -28,28 +28,28 @@ std::string Advice(int myCode)
     case SQLITE_PERM:
         return "it cannot be opened; check its permissions and those of its folder";
     case SQLITE_READONLY:
-        return "it can only be read; check its permissions and those of its folder, or copy the site to another disk";
+        return "it is read-only; check its permissions and those of its folder, or copy the site to another disk";
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-        return "it is damaged or not a SQLite database; put back a copy of it";
+        return "it is damaged or not a SQLite database; replace it by a backup copy";
     case SQLITE_FULL:
         return DiskIsFull;
     case SQLITE_IOERR:
-        // The index of the write-ahead log has no room.
+        // There is no room for the index of the write-ahead log.
         return myCode == SQLITE_IOERR_SHMSIZE ? DiskIsFull : "the disk reports an error; check it and try again";
     default:
         return {};
     }
 }
 
-/// True for what keeps a database from being written that may well be readable.
+/// True for an error that prevents writing a database that may still be readable.
 bool KeepsFromWriting(int myCode)
 {
     constexpr std::array Codes{SQLITE_CANTOPEN, SQLITE_PERM, SQLITE_READONLY, SQLITE_FULL, SQLITE_IOERR};
     return std::ranges::find(Codes, myCode & 0xFF) != Codes.end();
 }
 
-/// An address by which SQLite opens a file of an absolute path, as one that nothing changes meanwhile.
+/// The address of a file, by its absolute path, by which SQLite opens it as one that nothing changes meanwhile.
 std::string UnchangingAddress(const std::filesystem::path& myFilename)
 {
     const std::string myPath = PortableTextOf(myFilename);
@@ -113,7 +113,8 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
     if (myMode == Mode::Create)
     {
         Open(TextOf(myFilename), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-        Run("PRAGMA journal_mode = WAL"); // for good: a build reads for long, and others may write meanwhile
+        Run("PRAGMA journal_mode = WAL"); // it stays in this mode: a build reads for long, and others may write
+                                          // meanwhile
         return;
     }
     try
@@ -211,7 +212,7 @@ void Connection::Fail(int myCode) const
     const std::string myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
     throw Failure(
         TextOf(myFilename) + ": " +
-        (myAdvice.empty() ? "the database fails with \"" + myReason + "\"; put back a copy of it" : myAdvice));
+        (myAdvice.empty() ? "the database fails with \"" + myReason + "\"; replace it by a backup copy" : myAdvice));
 }
 
 void Connection::Finisher::operator()(sqlite3_stmt* theStatement) const

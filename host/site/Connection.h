@@ -25,10 +25,10 @@ struct Blob
 /// What is bound to a parameter of a statement; std::monostate is NULL.
 using Value = std::variant<std::monostate, int64_t, std::string_view, Blob>;
 
-/// An open database: foreign keys are enforced, and it waits some seconds for other programs that hold it. It and its
-/// statements take no locks of their own and are used on one thread.
+/// An open database: foreign keys are enforced, and it waits some seconds for other programs that have locked it. It
+/// and its statements take no locks of their own and are used on one thread.
 ///
-/// An existing database that cannot be opened for writing, since its disk is full or can only be read, is opened for
+/// An existing database that cannot be opened for writing, because its disk is full or read-only, is opened for
 /// reading. Each attempt to write to it is a Failure with that reason.
 class Connection
 {
@@ -44,7 +44,7 @@ public:
     /// Passes when the database can be written. Failure: it is open for reading only.
     void DemandWritable() const;
 
-    /// Lets the database be read only from now on; the reason goes to who tries to write.
+    /// Makes the database read-only from now on; attempts to write fail with the reason.
     void RefuseWriting(const std::string& myReason);
 
     /// Runs one statement to its end.
@@ -85,7 +85,7 @@ private:
     Statements myIdleStatements; ///< prepared and not in use, by their text
 };
 
-/// A prepared statement with its values. Order of calls: Next, and while it gives true the columns, from 0. It is
+/// A prepared statement with its values. Order of calls: Next, and while it returns true the columns, from 0. It is
 /// prepared once for all that use the same text on one connection, which must outlive them.
 class Statement
 {
@@ -112,7 +112,7 @@ private:
     Connection::Statements::node_type myStatement;
 };
 
-/// What runs between its making and Commit happens together or, without Commit, not at all.
+/// What runs between its creation and Commit takes effect as a whole or, without Commit, not at all.
 class Transaction
 {
 public:

@@ -1,4 +1,4 @@
-/// What an author chooses a link from, and the link text that comes of it. No database and no window.
+/// What an author chooses a link from, and the link text that results. No database and no window.
 #pragma once
 
 #include "site/records.h"
@@ -29,8 +29,8 @@ struct LinkChoice
     Text Note;                      ///< one line for the author; may be empty
 };
 
-/// What is offered to an author whose module has the present link, which is chosen by then. One that cannot be chosen
-/// is told in the note.
+/// What is offered to an author whose module has the present link, which is chosen at first. If it cannot be chosen,
+/// the note says so.
 LinkChoice OfferedLinks(const std::vector<Record>& myRecords, TextView myPresentLink);
 
 /// The link text of a confirmed choice: "UID:" and the uid of its record, or "URL:" and its address, escaped as it has

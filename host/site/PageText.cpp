@@ -40,7 +40,7 @@ std::string_view TakeWord(std::string_view& theText)
     return theWord;
 }
 
-/// True for a word that is, or was to be, one of those that mark a place.
+/// True for a word that is, or was meant to be, one of those that mark a place.
 bool IsLikePlace(std::string_view myWord)
 {
     constexpr std::string_view Head = "qel:";
@@ -200,7 +200,7 @@ void DemandPageContent(std::string_view myContent)
     if (myContent.find('\0') != std::string_view::npos || myContent.starts_with("\xFF\xFE") ||
         myContent.starts_with("\xFE\xFF"))
     {
-        throw Failure("the page is not HTML text that can be worked on; save it as UTF-8");
+        throw Failure("the page is not text in an encoding that qelhost knows; save it as UTF-8");
     }
 }
 

@@ -5,9 +5,9 @@
 /// without the unnamed place has it right before its last `</body>`, or at its end. Only the first place of a name is
 /// filled; the comments never reach the output. Any other comment stays.
 ///
-/// The author's bytes stay as they are. What is put in is written as they are: as UTF-8 where the page is UTF-8 with
-/// more than ASCII in it, otherwise in Windows-1252; and in a page of plain ASCII, whose encoding cannot be told from
-/// its bytes, each other character as a numeric character reference, as is one that Windows-1252 has not.
+/// The author's bytes stay as they are. What is put in has the encoding of the page: UTF-8 if its bytes are UTF-8 and
+/// not ASCII alone, otherwise Windows-1252. The encoding of a page of ASCII alone cannot be known, so there every other
+/// character becomes a numeric character reference, as does one that Windows-1252 lacks.
 #pragma once
 
 #include "text/text.h"
@@ -29,8 +29,8 @@ public:
 
     bool HasMenu() const;
 
-    /// The comments that begin like a place and are none, such as a mistyped `<!-- qel:modulos -->`, each with its
-    /// line: what is to be told about them, ready to print.
+    /// Messages, ready to print, about the comments that begin like a place and are none, such as a mistyped `<!--
+    /// qel:modulos -->`, each with its line.
     std::vector<std::string> UnknownComments() const { return myUnknownComments; }
 
     /// The page with its places filled: modules by the name of their place, and the rest as HTML.
@@ -72,7 +72,7 @@ private:
     std::vector<std::string> myUnknownComments;
 };
 
-/// Passes when the bytes can be a page. Failure: they are not text of one byte or UTF-8.
+/// Passes when the bytes can be a page. Failure: they are neither UTF-8 nor text with one byte per character.
 void DemandPageContent(std::string_view myContent);
 
 /// The UTF-8 text with the characters escaped that mean something to HTML, to a script that has the HTML in a quoted
@@ -83,7 +83,8 @@ std::string EscapedForHtml(std::string_view myText);
 /// is not ASCII, becomes "%" and two hexadecimal digits.
 std::string EncodedForAddress(std::string_view myName);
 
-/// The text that was escaped so, or as authors write it: what stands for a character of ASCII becomes that character.
+/// Undoes this escaping, also in the forms that authors use: each reference to an ASCII character becomes that
+/// character.
 std::string UnescapedFromHtml(std::string_view myText);
 
 } // namespace qel::host

@@ -204,7 +204,7 @@ void Site::Migrate()
     }
     catch (const Failure& myFailure)
     {
-        // Where the new format cannot be written, an old site can still be listed and shown.
+        // If the new format cannot be written, an old site can still be listed and shown.
         if (myVersion() == 0)
         {
             throw;
@@ -326,7 +326,7 @@ void Site::RemovePage(std::string_view myName, bool myWithModules)
     const std::vector<Module> myModules = Modules(myId);
     if (!myModules.empty() && !myWithModules)
     {
-        throw Failure("\"" + std::string(myName) + "\" holds " + std::to_string(myModules.size()) +
+        throw Failure("\"" + std::string(myName) + "\" has " + std::to_string(myModules.size()) +
                       " modules; move or remove them, or give --with-modules to remove them too");
     }
     const int64_t myPosition = myConnection.Number("SELECT position FROM page WHERE id = ?", {myId});

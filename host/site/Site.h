@@ -72,7 +72,7 @@ public:
     std::string Title();
     void SetTitle(std::string_view myTitle);
 
-    /// One state of the site is read until the result goes.
+    /// All reads see one state of the site until the result is destroyed.
     Transaction Snapshot() { return {myConnection, Transaction::Kind::Reading}; }
 
     // ---- Pages ----
@@ -100,7 +100,7 @@ public:
     /// Adds a module after the others of its place and returns its id. `myArchive` is copied into the data folder.
     int64_t AddModule(std::string_view myPage, std::string_view myPlace, std::string_view myScript,
                       const std::optional<std::filesystem::path>& myArchive);
-    /// Without a page or place the module stays on its own one.
+    /// Without a page or place the module keeps its own.
     void MoveModule(int64_t myId, int64_t myPosition, const std::optional<std::string>& myPage,
                     const std::optional<std::string>& myPlace);
     void SetScript(int64_t myId, std::string_view myScript);
@@ -121,8 +121,8 @@ public:
     void EndEdit(int64_t myId, std::string_view myScript);
     /// Gives the module back the archive that it had, or none. Does nothing for a module that is not being edited.
     void UndoEdit(int64_t myId);
-    /// Undoes the edits of programs that ended before they could, and removes what they left; gives the ids of their
-    /// modules.
+    /// Undoes the edits of programs that ended before they could do so, and removes what they left; returns the ids of
+    /// their modules.
     std::vector<int64_t> UndoInterruptedEdits();
 
     // ---- More of the modules ----
@@ -135,10 +135,10 @@ public:
 
     // ---- Records ----
 
-    /// Adds a record and gives its uid. UsageFailure: what is given does not suit the kind.
+    /// Adds a record and returns its uid. UsageFailure: what is given does not fit the kind.
     int64_t AddRecord(RecordKind myKind, const RecordChange& myRecord);
     void SetRecord(int64_t myUid, const RecordChange& myChange);
-    /// Removes a record and its file. Failure: modules link to it, and `myWithLinks` does not allow for that.
+    /// Removes a record and its file. Failure: modules link to it, and `myWithLinks` does not permit that.
     void RemoveRecord(int64_t myUid, bool myWithLinks);
     std::vector<Record> Records();
     /// Nothing when no record has that uid.
@@ -147,7 +147,7 @@ public:
 private:
     Site(std::filesystem::path myFolder, const std::filesystem::path& myDatabase);
     void Migrate();
-    /// The page with a name that is alike without regard to case; 0 if there is none.
+    /// The page with this name, without regard to case; 0 if there is none.
     int64_t FindPage(std::string_view myName);
     /// The same. Failure: there is none.
     int64_t PageId(std::string_view myName);
@@ -167,7 +167,7 @@ private:
     void RemoveDataFile(const std::string& myName) const;
     /// Removes the archive of a module that is gone, and the copy of an edit.
     void RemoveArchives(int64_t myModule) const;
-    /// Writes the record with the change applied, copies its new file and commits; gives its uid.
+    /// Writes the record with the change applied, copies its new file and commits; returns its uid.
     int64_t StoreRecord(Transaction& myTransaction, Record theRecord, const RecordChange& myChange);
 
     std::filesystem::path myFolder;

@@ -1,6 +1,5 @@
-// A dialog may write the module's archive before its author cancels. What follows keeps script and archive of one
-// state: a copy of the archive and a mark in the database exist from before the dialog opens until it is known how it
-// ended.
+// A dialog may write the module's archive before its author cancels. To keep script and archive in one state, a copy of
+// the archive and a mark in the database exist from before the dialog opens until it is known how it ended.
 #include "common/Failure.h"
 #include "site/Site.h"
 #include "site/siteFiles.h"

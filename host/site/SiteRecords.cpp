@@ -11,7 +11,7 @@ namespace qel::host
 namespace
 {
 
-/// True for the names that other files have in the places where a record's file goes.
+/// True for the names that other files have in the folders that a record's file is copied to.
 bool IsReserved(TextView myLowerName)
 {
     return myLowerName.starts_with(u"qelspr") || myLowerName.starts_with(u"qelmid") ||

@@ -16,8 +16,8 @@ namespace qel::host
 namespace
 {
 
-/// The 64-bit FNV-1a hash in hexadecimal. It is to notice that an author changed a file, not to withstand somebody who
-/// looks for two files with the same hash.
+/// The 64-bit FNV-1a hash in hexadecimal. It shows that an author has changed a file; it does not resist somebody who
+/// searches for two files with the same hash.
 std::string HashOf(std::string_view myContent)
 {
     uint64_t myHash = 0xCBF29CE484222325;
@@ -143,8 +143,8 @@ try
 catch (const Failure& myFailure)
 {
     return SourceNews{
-        myName,
-        "its file " + mySource + " is not taken, and the page is built as it was read last: " + myFailure.what(), true};
+        myName, "its file " + mySource + " is not used, and the page is built as it was read last: " + myFailure.what(),
+        true};
 }
 
 } // namespace qel::host

@@ -8,15 +8,15 @@
 namespace qel::host
 {
 
-/// What is said before the lock is waited for.
+/// The message before a wait for the lock.
 inline constexpr const char* AnotherIsWorking =
     "Another qelhost of yours is building, or has a dialog open; waiting until it has finished.";
 
-/// Holds the user's lock for as long as it lives. The system lets it go if the program dies.
+/// Holds the user's lock while it lives. The system releases it if the program dies.
 class UserLock
 {
 public:
-    /// Waits for the lock, and says so if it has to. Failure: there is no place for the lock.
+    /// Waits for the lock, and says so if it has to. Failure: the lock file cannot be created or locked.
     explicit UserLock(std::ostream& theMessages);
 
 private:

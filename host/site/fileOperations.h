@@ -16,7 +16,7 @@ std::filesystem::file_type EntryType(const std::filesystem::path& myPath, std::e
 /// The absolute path of a folder that exists, with all links resolved and as its names are written on the disk.
 std::filesystem::path RealFolderPath(const std::filesystem::path& myFolder, std::error_code& theError);
 
-/// Copies the bytes of a plain file, so that the copy can be changed and deleted whatever the source is marked as.
+/// Copies the bytes of a plain file, so that the copy can be changed and deleted whatever attributes the source has.
 void CopyContent(const std::filesystem::path& mySource, const std::filesystem::path& myTarget,
                  std::error_code& theError);
 
@@ -29,7 +29,7 @@ void FlushFile(const std::filesystem::path& myFile, std::error_code& theError);
 /// The same for the names in a folder. Windows writes them in their order without being asked.
 void FlushFolder(const std::filesystem::path& myFolder, std::error_code& theError);
 
-/// True for an entry that the system's own programs do not show, by its name or how it is marked.
+/// True for an entry that the system's own programs do not show, by its name or its attributes.
 bool IsHidden(const std::filesystem::path& myPath);
 
 /// True when the system keeps names that Windows cannot hold, and names that differ in case alone.

@@ -8,8 +8,8 @@ namespace qel::host
 {
 
 /// The text with `<b>` bold, a warning sign for `<warning>`, and the captions of `<callback ...>` and `<help ...>`
-/// underlined as words to click on; without `myWithEscapes` as plain text. What is no mark-up stays as it stands;
-/// control characters, which could steer the terminal, become "?".
+/// underlined as words to click on; without `myWithEscapes` as plain text. What is no mark-up stays as it is; control
+/// characters, which could control the terminal, become "?".
 std::string RenderedMarkup(std::string_view myText, bool myWithEscapes);
 
 } // namespace qel::host

@@ -12,7 +12,7 @@ namespace qel::host
 namespace
 {
 
-/// What a kind takes.
+/// What a kind of record accepts.
 struct KindFacts
 {
     std::string_view Name;

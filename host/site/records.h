@@ -32,7 +32,7 @@ struct Record
     std::string Filename; ///< name below the data folder, of a picture or another file
 };
 
-/// What a command gives to make or change a record; what is not given stays.
+/// What a command sets in a new or an existing record; what is not given stays unchanged.
 struct RecordChange
 {
     std::optional<std::string> Title;
@@ -49,7 +49,7 @@ std::string_view KindName(RecordKind myKind);
 /// True for the kinds that are a file of the data folder.
 bool HasFile(RecordKind myKind);
 
-/// Passes when the kind takes everything that is given. UsageFailure: it does not, or an address is not UTF-8.
+/// Passes when the kind accepts everything that is given. UsageFailure: it does not, or an address is not UTF-8.
 void DemandSuited(RecordKind myKind, const RecordChange& myChange);
 
 /// Passes when the record has what its kind needs. UsageFailure: it has not.

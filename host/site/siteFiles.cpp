@@ -21,7 +21,7 @@ namespace qel::host
 namespace
 {
 
-/// Separators, what ends or splits an address, and what ends the quoted text of a script that the address stands in.
+/// Separators, what ends or splits an address, and what ends the quoted text of a script that contains the address.
 constexpr std::string_view ForbiddenCharacters = "/\\:%#?\"'<>";
 
 /// What the file systems in use allow, in bytes.
@@ -74,7 +74,7 @@ void PutInPlace(const fs::path& myFile, const fs::path& myTarget, OnDisk myTime,
     }
 }
 
-/// Why what a path leads to is not a file whose bytes can be copied; no error where it is one, or cannot be looked at.
+/// The reason why the bytes of what a path leads to cannot be copied; no error if they can, or if that is unknown.
 std::error_code ReasonAgainstCopying(const fs::path& mySource)
 {
     std::error_code myIgnored; // opening it has the reason
@@ -86,7 +86,7 @@ std::error_code ReasonAgainstCopying(const fs::path& mySource)
     return fs::is_other(myStatus) ? std::make_error_code(std::errc::not_supported) : std::error_code();
 }
 
-/// The file that becomes the target once it is whole; it goes again unless that happens.
+/// The file that becomes the target once it is complete, and is removed unless that happens.
 class NewFile
 {
 public:
@@ -159,7 +159,7 @@ void FailWithSystemError(const std::string& myWhat, std::error_code myError)
 namespace
 {
 
-/// A plain file, or another that can be read, open for that. Failure: it cannot be.
+/// Opens a plain file, or another one that can be read. Failure: it cannot be read.
 std::ifstream OpenedForReading(const fs::path& mySource, const std::string& myWhat)
 {
     std::error_code myIgnored; // opening it has the reason
@@ -187,7 +187,7 @@ std::string ReadWholeFile(const fs::path& mySource, uint64_t myLimit)
         if (myLength > myLimit)
         {
             throw Failure(myWhat + ": it is larger than " + std::to_string(myLimit >> 20) +
-                          " MB; move what it holds into several files");
+                          " MB; divide it into several files");
         }
     };
     std::ifstream myFile = myIsInput ? std::ifstream() : OpenedForReading(mySource, myWhat);
@@ -233,7 +233,7 @@ fs::file_type TypeOfEntry(const fs::path& myPath)
     const fs::file_type theType = EntryType(myPath, myError);
     if (theType == fs::file_type::none)
     {
-        FailWithSystemError("cannot look at " + TextOf(myPath), myError);
+        FailWithSystemError("cannot examine " + TextOf(myPath), myError);
     }
     return theType;
 }
@@ -271,7 +271,7 @@ void MakeFolder(const fs::path& myFolder)
     fs::create_directories(myFolder, myError);
     if (myError)
     {
-        FailWithSystemError("cannot make the folder " + TextOf(myFolder), myError);
+        FailWithSystemError("cannot create the folder " + TextOf(myFolder), myError);
     }
 }
 
@@ -375,8 +375,8 @@ std::string NameProblem(std::string_view myName)
     {
         if (IsForbidden(myCharacter))
         {
-            return static_cast<unsigned char>(myCharacter) > 0x20 ? std::string("it holds ") + myCharacter
-                                                                  : "it holds a control character";
+            return static_cast<unsigned char>(myCharacter) > 0x20 ? std::string("it contains ") + myCharacter
+                                                                  : "it contains a control character";
         }
     }
     return HoldsAllNames ? std::string() : WindowsNameProblem(myName);
@@ -386,7 +386,7 @@ std::string WindowsNameProblem(std::string_view myName)
 {
     if (const std::size_t myPlace = myName.find_first_of("<>:\"|?*\\"); myPlace != std::string_view::npos)
     {
-        return std::string("it holds ") + myName[myPlace];
+        return std::string("it contains ") + myName[myPlace];
     }
     if (myName.ends_with('.') || myName.ends_with(' '))
     {

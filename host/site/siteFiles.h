@@ -76,7 +76,7 @@ void RemoveUnfinishedFiles(const fs::path& myFolder, Unfinished myKind);
 std::vector<std::string> NamesInFolder(const fs::path& myFolder);
 
 /// The reason why a text cannot be a file name of this system that appears unchanged in an address of a page, such as
-/// `it holds "/"`; the empty text for a usable name.
+/// `it contains "/"`; the empty text for a usable name.
 std::string NameProblem(std::string_view myName);
 
 /// The reason why Windows cannot hold a file name, such as "it ends in a full stop"; the empty text if it can.

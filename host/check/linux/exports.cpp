@@ -15,14 +15,14 @@ namespace qel::host
 namespace
 {
 
-/// A record at a place in a file's bytes. Fails the check if the file ends before.
+/// A record at a place in a file's bytes. Fails the check if the file ends before it does.
 template <class Record>
 Record RecordAt(const std::string& myBytes, size_t myPlace)
 {
     Record theRecord{};
     if (myPlace > myBytes.size() || myBytes.size() - myPlace < sizeof theRecord)
     {
-        FailCheck("the file is whole", "it ends before its tables do");
+        FailCheck("the file is complete", "it ends before its tables do");
     }
     std::memcpy(&theRecord, myBytes.data() + myPlace, sizeof theRecord);
     return theRecord;

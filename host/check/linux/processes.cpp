@@ -102,7 +102,7 @@ struct ProgramRunner::HeldSignals
         OfProcess = Descriptor(signalfd(-1, &myOfProcess, SFD_CLOEXEC | SFD_NONBLOCK));
     }
 
-    /// Waits until the process has ended, without reaping it. False: it goes on beyond the moment, or a signal came.
+    /// Waits until the process has ended, without reaping it. False: it has not ended by then, or a signal came.
     bool WaitForEnd(pid_t myProcess, Clock::time_point myEnd) const
     {
         for (;;)

@@ -35,7 +35,7 @@ const uint32_t TypeDescriptionCount = 1;
 
 HRESULT CreateByName(const char16_t* myProgramName, REFIID myInterface, void** theObject)
 {
-    // Not by the system's own function, which knows nothing of a private registry.
+    // Not by the system's own function, which does not see a private registry.
     *theObject = nullptr;
     CLSID myClass{};
     const std::wstring myId = ClassValue(WideText(myProgramName) + L"\\CLSID");
@@ -66,7 +66,7 @@ void MakeLink(const std::filesystem::path& myTarget, const std::filesystem::path
     const bool isMade = CreateSymbolicLinkW(myLink.c_str(), myTarget.c_str(),
                                             myKind | SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE) != 0;
     const DWORD myAttributes = GetFileAttributesW(myLink.c_str());
-    // Not each system that claims to have made one has made one.
+    // Some systems report success without making a link.
     if (!isMade || myAttributes == INVALID_FILE_ATTRIBUTES || (myAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
     {
         throw Outcome{CheckResult::Skipped, "a user who may make links", "the system makes none"};

@@ -10,7 +10,7 @@ namespace qel::host
 namespace
 {
 
-/// What lies at a place of a loaded library, counted from its beginning.
+/// What is at an offset in a loaded library.
 template <class Record>
 const Record* At(HMODULE myLibrary, DWORD myPlace)
 {
@@ -38,7 +38,7 @@ std::set<std::string> ExportedNames(const std::filesystem::path& myFile)
         theNames.insert(At<char>(myLibrary, At<DWORD>(myLibrary, myExports.AddressOfNames)[i]));
         myNamed.insert(At<WORD>(myLibrary, myExports.AddressOfNameOrdinals)[i]);
     }
-    for (DWORD i = 0; i < myExports.NumberOfFunctions; ++i) // some may have a number alone
+    for (DWORD i = 0; i < myExports.NumberOfFunctions; ++i) // some may have only a number
     {
         if (At<DWORD>(myLibrary, myExports.AddressOfFunctions)[i] != 0 && !myNamed.contains(static_cast<WORD>(i)))
         {

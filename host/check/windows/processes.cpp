@@ -52,7 +52,7 @@ std::wstring Quoted(const std::string& myArgument)
     return theText.append(myBackslashes, L'\\') + L'"';
 }
 
-/// A job ends with its handle, and each process in it with the job.
+/// When the handle of the job is closed, each process in it ends.
 Handle MakeJob()
 {
     Handle theJob(CreateJobObjectW(nullptr, nullptr));
@@ -80,7 +80,7 @@ Handle Start(const std::vector<std::string>& myArguments, const Handle& myJob)
     myStart.hStdOutput = myNothing.Get();
     myStart.hStdError = GetStdHandle(STD_ERROR_HANDLE);
     PROCESS_INFORMATION myProcess = {};
-    // In a group of its own it does not take the keys of the console that end this process.
+    // In a group of its own it does not receive the Ctrl+C that ends this process.
     if (CreateProcessW(ProgramFile().c_str(), myCommand.data(), nullptr, nullptr, TRUE,
                        CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &myStart, &myProcess) == 0)
     {
@@ -134,7 +134,7 @@ HKEY MakeKey(const std::wstring& myName)
     return theKey;
 }
 
-/// Gives the process a registry of its own in place of those parts that have classes.
+/// Replaces the parts of the registry that have classes by private ones, for this process.
 void ReplaceRegistry(const std::wstring& myKey)
 {
     MakeKey(myKey + L"\\user\\Software\\Classes");
@@ -146,7 +146,7 @@ void ReplaceRegistry(const std::wstring& myKey)
     RegOverridePredefKey(HKEY_CURRENT_USER, myUser);
 }
 
-/// Moves the process to a desktop that nobody sees, as a service has one. It has no windows yet.
+/// Moves the process to a desktop that nobody sees, like that of a service. It has no windows yet.
 void HideFromDisplay()
 {
     HWINSTA const myStation = CreateWindowStationW(nullptr, 0, WINSTA_ALL_ACCESS, nullptr);
@@ -212,7 +212,7 @@ std::string ProgramRunner::Run(const std::vector<std::string>& myArguments, doub
 
 void BeginRun()
 {
-    // The job ends it with the one that runs it.
+    // The job ends this process together with the one that runs it.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
     SetUnhandledExceptionFilter(&EndByException);
     SetOaNoCache();    // so that a text that has been freed does not count as memory in use
@@ -266,7 +266,7 @@ void RemoveTemporaryFolder(const fs::path& myFolder)
     std::error_code myIgnored;
     fs::remove_all(myFolder, myIgnored);
     RegDeleteTreeW(HKEY_CURRENT_USER, RegistryKey(myFolder).c_str());
-    RegDeleteKeyW(HKEY_CURRENT_USER, RegistriesKey); // unless it has another one
+    RegDeleteKeyW(HKEY_CURRENT_USER, RegistriesKey); // fails while it contains another one
 }
 
 } // namespace qel::host

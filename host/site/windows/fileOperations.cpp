@@ -34,7 +34,7 @@ bool IsLink(const fs::path& myPath)
     const HANDLE mySearch = FindFirstFileW(myPath.c_str(), &myEntry);
     if (mySearch == INVALID_HANDLE_VALUE)
     {
-        return true; // what cannot be looked at is not followed
+        return true; // what cannot be examined is not followed
     }
     FindClose(mySearch);
     return myEntry.dwReserved0 == 0 || IsReparseTagNameSurrogate(myEntry.dwReserved0);

@@ -14,7 +14,7 @@ extern "C" __attribute__((visibility("default"))) LinkWindowEnd QelhostShowLinkW
     try
     {
         DemandApplication();
-        // The component's dialog is in front of it, and accepts no click until this window is closed.
+        // The component's dialog owns this window, and accepts no click until it is closed.
         LinkDialog myDialog(theChoice, QApplication::activeModalWidget());
         if (myDialog.exec() != QDialog::Accepted)
         {
