@@ -22,7 +22,7 @@ namespace qel
 /// A variant that frees what it holds.
 struct Value : VARIANT
 {
-    Value() : VARIANT{} { VariantInit(this); }
+    Value() { VariantInit(this); } // which leaves nothing of what the memory had
     Value(VARTYPE myType, void* myReference) : Value()
     {
         vt = myType;
