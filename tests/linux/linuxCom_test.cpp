@@ -130,24 +130,6 @@ TEST(ErrorInformation, Create_ReturnsWhatWasSet)
     EXPECT_EQ(myWriter->SetHelpFile(nullptr), S_OK) << "null is the empty text";
 }
 
-TEST(ErrorInformation, Set_WithoutMemoryKeepsTheText)
-{
-    ComPtr<ICreateErrorInfo> myWriter;
-    ASSERT_EQ(CreateErrorInfo(myWriter.Receive()), S_OK);
-    const auto myReader = myWriter.Query<IErrorInfo>();
-    EXPECT_EQ(myWriter->SetSource(InputText(u"old")), S_OK);
-    std::set<HRESULT> myResults;
-    FailEachPieceOfMemory([&] { return myWriter->SetSource(InputText(u"new")); },
-                          [&](HRESULT myResult)
-                          {
-                              Bstr theText;
-                              EXPECT_EQ(myReader->GetSource(theText.Pointer()), S_OK);
-                              EXPECT_EQ(theText.Value(), myResult == S_OK ? u"new" : u"old");
-                              myResults.insert(myResult);
-                          });
-    EXPECT_EQ(myResults, (std::set{E_OUTOFMEMORY, S_OK}));
-}
-
 TEST(ErrorInformation, Get_IsThatOfItsThread)
 {
     ASSERT_EQ(Guarded([] { throw Error{6, u"mío"}; }), QEL_RESULT(0x800A0006U));
