@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -22,7 +21,7 @@ namespace qel
 /// A variant that frees what it holds.
 struct Value : VARIANT
 {
-    Value() : VARIANT{} { VariantInit(this); }
+    Value() { VariantInit(this); } // which leaves nothing of what the memory had
     Value(VARTYPE myType, void* myReference) : Value()
     {
         vt = myType;
@@ -93,35 +92,6 @@ public:
 private:
     const std::shared_ptr<int> myLife; ///< shared with who wants to know whether the object lives
 };
-
-/// A call as a script client makes it, the arguments in its order.
-struct LateCall
-{
-    DISPID Member = DISPID_UNKNOWN;
-    uint16_t Flags = 0;
-    std::vector<VARIANT> Arguments; ///< not freed
-    std::vector<DISPID> Names;
-    HRESULT Result = S_OK;
-    std::string Outcome = "empty";
-    uint32_t Place = 99; ///< of a wrong argument
-};
-
-inline void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
-{
-    for (int i = 0; LateCall & myCall : myCalls)
-    {
-        SCOPED_TRACE("call " + std::to_string(i++));
-        std::ranges::reverse(myCall.Arguments);
-        DISPPARAMS myParams{myCall.Arguments.data(), myCall.Names.data(),
-                            static_cast<uint32_t>(myCall.Arguments.size()), static_cast<uint32_t>(myCall.Names.size())};
-        Value theResult;
-        uint32_t thePlace = LateCall().Place;
-        EXPECT_EQ(myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &thePlace),
-                  myCall.Result);
-        EXPECT_EQ(Show(theResult), myCall.Outcome);
-        EXPECT_EQ(thePlace, myCall.Place);
-    }
-}
 
 struct TakenError
 {

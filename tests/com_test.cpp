@@ -3,6 +3,7 @@
 #include "comTest.h"
 #include "errorOf.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <new>
@@ -104,6 +105,35 @@ TEST(Dispatch, GetIDsOfNames_FindsMembersButNoParameters)
     EXPECT_EQ(myObject->GetIDsOfNames(GUID_NULL, myNames, 2, 0, theNumbers), DISP_E_UNKNOWNNAME);
     EXPECT_EQ(theNumbers[0], 4);
     EXPECT_EQ(theNumbers[1], DISPID_UNKNOWN);
+}
+
+/// A call as a script client makes it, the arguments in its order.
+struct LateCall
+{
+    DISPID Member = DISPID_UNKNOWN;
+    uint16_t Flags = 0;
+    std::vector<VARIANT> Arguments; ///< not freed
+    std::vector<DISPID> Names;
+    HRESULT Result = S_OK;
+    std::string Outcome = "empty";
+    uint32_t Place = 99; ///< of a wrong argument
+};
+
+void ExpectOutcomes(IDispatch& myObject, std::vector<LateCall> myCalls)
+{
+    for (int i = 0; LateCall & myCall : myCalls)
+    {
+        SCOPED_TRACE("call " + std::to_string(i++));
+        std::ranges::reverse(myCall.Arguments);
+        DISPPARAMS myParams{myCall.Arguments.data(), myCall.Names.data(),
+                            static_cast<uint32_t>(myCall.Arguments.size()), static_cast<uint32_t>(myCall.Names.size())};
+        Value theResult;
+        uint32_t thePlace = LateCall().Place;
+        EXPECT_EQ(myObject.Invoke(myCall.Member, GUID_NULL, 0, myCall.Flags, &myParams, &theResult, nullptr, &thePlace),
+                  myCall.Result);
+        EXPECT_EQ(Show(theResult), myCall.Outcome);
+        EXPECT_EQ(thePlace, myCall.Place);
+    }
 }
 
 TEST(Dispatch, Invoke_ArgumentsAndResults)

@@ -15,10 +15,9 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <gif_lib.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <random>
-#include <turbojpeg.h>
 
 using namespace qel;
 
@@ -27,86 +26,31 @@ namespace
 
 using FileBytes = std::vector<uint8_t>;
 
-/// What a GIF for a test is made of. Its images have 16 colours and lie at 2, 1.
-struct GifPlan
-{
-    int ScreenWidth = 20;
-    int ScreenHeight = 20;
-    int Width = 9;
-    int Height = 8;
-    bool Interlaced = false;
-    int Images = 1;
-    bool HasScreenColours = true;
-    bool HasImageColours = false;
-    int Transparent = NO_TRANSPARENT_COLOR;
-    static uint8_t Index(int myRow, int myColumn) { return static_cast<uint8_t>((3 * myRow + myColumn) % 16); }
-};
+constexpr size_t Tiff = 2 + 4 + 6; // where the EXIF record of a turned JPEG has its own header
 
-void PutRows(GifFileType* myGif, const GifPlan& myPlan)
+/// A file of tests/data/pictures. All of them were written by giflib and libjpeg-turbo; the images of the GIFs have 16
+/// colours and lie at 2, 1.
+FileBytes Picture(const std::string& myName)
 {
-    constexpr int Straight[][2] = {{0, 1}};
-    constexpr int Interlaced[][2] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
-    for (const auto& [myFirst, myStep] : myPlan.Interlaced ? std::span<const int[2]>(Interlaced) : Straight)
-    {
-        for (int i = myFirst; i < myPlan.Height; i += myStep)
-        {
-            for (int j = 0; j < myPlan.Width; ++j)
-            {
-                EGifPutPixel(myGif, GifPlan::Index(i, j));
-            }
-        }
-    }
+    std::ifstream myFile(QEL_TEST_DATA "/pictures/" + myName, std::ios::binary);
+    return {std::istreambuf_iterator<char>(myFile), {}};
 }
 
-FileBytes MakeGif(const GifPlan& myPlan)
+/// The file with other bytes at a place.
+FileBytes With(FileBytes theFile, size_t myPlace, std::initializer_list<uint8_t> myBytes)
 {
-    FileBytes theFile;
-    const auto myAppend = [](GifFileType* myGif, const GifByteType* myBytes, int myCount)
+    std::ranges::copy(myBytes, theFile.begin() + static_cast<ptrdiff_t>(myPlace));
+    return theFile;
+}
+
+/// The GIF with a screen of another size.
+FileBytes WithScreen(FileBytes myGif, int myWidth, int myHeight)
+{
+    const auto Low = [](int n)
     {
-        auto& myTarget = *static_cast<FileBytes*>(myGif->UserData);
-        myTarget.insert(myTarget.end(), myBytes, myBytes + myCount);
-        return myCount;
+        return static_cast<uint8_t>(n);
     };
-    GifColorType myColours[2][16] = {};
-    myColours[0][15] = {15, 15, 15};
-    myColours[1][15] = {0, 200, 0};
-    const ColorMapObject myScreenColours = {16, 4, false, myColours[0]};
-    const ColorMapObject myImageColours = {16, 4, false, myColours[1]};
-    GifFileType* const myGif = EGifOpen(&theFile, myAppend, nullptr);
-    EGifSetGifVersion(myGif, true);
-    EGifPutScreenDesc(myGif, myPlan.ScreenWidth, myPlan.ScreenHeight, 4, 0,
-                      myPlan.HasScreenColours ? &myScreenColours : nullptr);
-    for (int i = 0; i < myPlan.Images; ++i)
-    {
-        GifByteType myBlock[4];
-        const GraphicsControlBlock myControl = {DISPOSE_DO_NOT, false, 10, i == 0 ? myPlan.Transparent : 5};
-        const auto myLength = static_cast<int>(EGifGCBToExtension(&myControl, myBlock));
-        EGifPutExtension(myGif, GRAPHICS_EXT_FUNC_CODE, myLength, myBlock);
-        EGifPutImageDesc(myGif, 2, 1, myPlan.Width, myPlan.Height, myPlan.Interlaced,
-                         myPlan.HasImageColours ? &myImageColours : nullptr);
-        PutRows(myGif, myPlan);
-    }
-    EGifCloseFile(myGif, nullptr);
-    return theFile;
-}
-
-FileBytes MakeJpeg(int myWidth, int myHeight, int myFormat = TJPF_RGB, int mySubsampling = TJSAMP_420, int myFlags = 0,
-                   FileBytes myPixels = {})
-{
-    if (myPixels.empty())
-    {
-        myPixels.resize(static_cast<size_t>(myWidth) * static_cast<size_t>(myHeight * tjPixelSize[myFormat]));
-        std::generate(myPixels.begin(), myPixels.end(), [i = 0]() mutable { return static_cast<uint8_t>(i += 37); });
-    }
-    const tjhandle myEncoder = tjInitCompress();
-    unsigned char* myBuffer = nullptr;
-    unsigned long mySize = 0;
-    tjCompress2(myEncoder, myPixels.data(), myWidth, 0, myHeight, myFormat, &myBuffer, &mySize, mySubsampling, 85,
-                myFlags);
-    FileBytes theFile(myBuffer, myBuffer + mySize);
-    tjFree(myBuffer);
-    tjDestroy(myEncoder);
-    return theFile;
+    return With(std::move(myGif), 6, {Low(myWidth), Low(myWidth >> 8), Low(myHeight), Low(myHeight >> 8)});
 }
 
 /// Where the record of a JPEG begins that holds its height, width and sampling, at 5, 7 and 11.
@@ -116,40 +60,12 @@ size_t FrameOf(const FileBytes& myJpeg, uint8_t myMarker = 0xC0)
     return static_cast<size_t>(std::search(myJpeg.begin(), myJpeg.end(), myStart, myStart + 2) - myJpeg.begin());
 }
 
-/// A JPEG of 32 by 16 pixels whose quarters are red, green (above), blue and white (below).
-FileBytes MakeQuarters()
+/// A JPEG of 32 by 16 pixels whose quarters are red, green (above), blue and white (below), with an EXIF record that
+/// names an orientation, 6 at first, with the bytes of numbers in either order.
+FileBytes Turned(bool myIsLittleEndian, uint8_t myOrientation)
 {
-    constexpr uint8_t Quarters[2][2][3] = {{{255, 0, 0}, {0, 255, 0}}, {{0, 0, 255}, {255, 255, 255}}};
-    FileBytes myPixels;
-    for (int i = 0; i < 16 * 32; ++i)
-    {
-        const auto& myColour = Quarters[i / 32 / 8][i % 32 / 16];
-        myPixels.insert(myPixels.end(), std::begin(myColour), std::end(myColour));
-    }
-    return MakeJpeg(32, 16, TJPF_RGB, TJSAMP_444, 0, myPixels);
-}
-
-/// The JPEG with an EXIF record in front that names an orientation, with the bytes of numbers in either order.
-FileBytes WithOrientation(FileBytes myJpeg, uint16_t myValue, bool myIsLittleEndian, uint16_t myType = 3)
-{
-    FileBytes myExif = {'E', 'x', 'i', 'f', 0, 0};
-    const auto myPut = [&](uint32_t myNumber, int mySize)
-    {
-        for (int i = 0; i < mySize; ++i)
-        {
-            myExif.push_back(static_cast<uint8_t>(myNumber >> 8 * (myIsLittleEndian ? i : mySize - 1 - i)));
-        }
-    };
-    myPut(myIsLittleEndian ? 0x4949 : 0x4D4D, 2);
-    myPut(42, 2);
-    myPut(8, 4); // the place of the directory
-    myPut(2, 2); // its entries: first the maker's name, then the orientation
-    myPut(0x010F, 2), myPut(2, 2), myPut(1, 4), myPut(0, 4);
-    myPut(0x0112, 2), myPut(myType, 2), myPut(1, 4), myPut(myValue, 2); // all that has to be there
-    const FileBytes myHead = {0xFF, 0xE1, 0, static_cast<uint8_t>(myExif.size() + 2)};
-    myExif.insert(myExif.begin(), myHead.begin(), myHead.end());
-    myJpeg.insert(myJpeg.begin() + 2, myExif.begin(), myExif.end());
-    return myJpeg;
+    return With(Picture(myIsLittleEndian ? "turned-little-endian.jpg" : "turned-big-endian.jpg"),
+                Tiff + (myIsLittleEndian ? 30 : 31), {myOrientation});
 }
 
 class Imaging : public testing::Test
@@ -220,37 +136,44 @@ protected:
 
 TEST_F(Imaging, Load_SizeIsTheScreenOfAGifAndTheFrameOfAJpeg)
 {
-    ExpectSize(MakeGif({.ScreenWidth = 4, .ScreenHeight = 3}), 4, 3);
-    ExpectSize(MakeGif({.ScreenWidth = 0, .ScreenHeight = 30}), 9, 8);
-    ExpectSize(MakeJpeg(1, 1), 1, 1);
-    ExpectSize(MakeJpeg(17, 9, TJPF_RGB, TJSAMP_444, TJFLAG_PROGRESSIVE), 17, 9);
-    ExpectSize(MakeJpeg(17, 9, TJPF_GRAY, TJSAMP_GRAY), 17, 9);
-    ExpectSize(MakeJpeg(17, 9, TJPF_CMYK, TJSAMP_444), 17, 9);
-    FileBytes myUnusual = MakeJpeg(48, 16, TJPF_RGB, TJSAMP_444);
-    myUnusual[FrameOf(myUnusual) + 11] = 0x31; // three columns of brightness for one of colour
-    ExpectSize(myUnusual, 48, 16);
+    ExpectSize(WithScreen(Picture("plain.gif"), 4, 3), 4, 3);
+    ExpectSize(WithScreen(Picture("plain.gif"), 0, 30), 9, 8);
+    ExpectSize(Picture("progressive.jpg"), 40, 30);
+    ExpectSize(Picture("grey.jpg"), 17, 9);
+    ExpectSize(Picture("inks.jpg"), 40, 30);
+    const FileBytes myPhoto = Picture("full-colour.jpg");
+    ExpectSize(With(myPhoto, FrameOf(myPhoto) + 11, {0x31}), 48, 16); // three columns of brightness for one of colour
 }
 
 TEST_F(Imaging, ReadGif_FirstImage)
 {
-    for (const GifPlan& myPlan : {GifPlan{.Width = 37, .Height = 29},
-                                  {.Width = 37, .Height = 29, .Interlaced = true, .Transparent = 7},
-                                  {.Height = 3, .Interlaced = true, .Images = 3},
-                                  {.HasScreenColours = false, .HasImageColours = true},
-                                  {.Images = 2, .HasImageColours = true}})
+    const struct
     {
-        const auto myPicture = ReadGif(MakeGif(myPlan));
+        const char* Name;
+        int Width = 9, Height = 8, Transparent = GifImage::NotTransparent;
+        bool IsAnimated = false;
+        uint8_t Green = 15; ///< of the last colour
+    } Cases[] = {{.Name = "plain.gif"},
+                 {.Name = "interlaced.gif", .Width = 17, .Height = 13, .Transparent = 7},
+                 {.Name = "three-images.gif", .Height = 3, .IsAnimated = true},
+                 {.Name = "image-colours.gif", .Green = 200},
+                 {.Name = "two-images.gif", .IsAnimated = true, .Green = 200}};
+    for (const auto& myCase : Cases)
+    {
+        SCOPED_TRACE(myCase.Name);
+        const auto myPicture = ReadGif(Picture(myCase.Name));
         const GifImage& myImage = myPicture->FirstImage();
-        EXPECT_EQ(myPicture->Animated(), myPlan.Images > 1);
+        EXPECT_EQ(myPicture->Animated(), myCase.IsAnimated);
         EXPECT_EQ(myImage.Left, 2);
         EXPECT_EQ(myImage.Top, 1);
-        EXPECT_EQ(myImage.Width, myPlan.Width);
-        EXPECT_EQ(myImage.Height, myPlan.Height);
-        EXPECT_EQ(myImage.TransparentIndex, myPlan.Transparent);
-        EXPECT_EQ(myImage.Palette[15].Green, myPlan.HasImageColours ? 200 : 15);
-        for (int i = 0; i < myPlan.Width * myPlan.Height; ++i)
+        EXPECT_EQ(myImage.Width, myCase.Width);
+        EXPECT_EQ(myImage.Height, myCase.Height);
+        EXPECT_EQ(myImage.TransparentIndex, myCase.Transparent);
+        EXPECT_EQ(myImage.Palette[15].Green, myCase.Green);
+        for (int i = 0; i < myCase.Width * myCase.Height; ++i)
         {
-            ASSERT_EQ(myImage.Indices[static_cast<size_t>(i)], GifPlan::Index(i / myPlan.Width, i % myPlan.Width)) << i;
+            const int myIndex = (3 * (i / myCase.Width) + i % myCase.Width) % 16;
+            ASSERT_EQ(myImage.Indices[static_cast<size_t>(i)], myIndex) << i;
         }
     }
 }
@@ -270,9 +193,9 @@ TEST_F(Imaging, Load_Truncated)
         return theCount;
     };
     // Cut after an image, or after the control block of the next, it reads as a GIF without its last byte.
-    EXPECT_EQ(myLoaded(MakeGif({.Interlaced = true})), 1);
-    EXPECT_EQ(myLoaded(MakeGif({.Interlaced = true, .Images = 3})), 5);
-    for (FileBytes myJpeg : {MakeJpeg(40, 30), MakeJpeg(40, 30, TJPF_CMYK, TJSAMP_444, TJFLAG_PROGRESSIVE)})
+    EXPECT_EQ(myLoaded(Picture("interlaced.gif")), 1);
+    EXPECT_EQ(myLoaded(Picture("three-images.gif")), 5);
+    for (FileBytes myJpeg : {Picture("photo.jpg"), Picture("inks.jpg")})
     {
         myJpeg.resize(myJpeg.size() * 3 / 4);
         ExpectSize(myJpeg, 40, 30); // as far as it goes
@@ -282,20 +205,21 @@ TEST_F(Imaging, Load_Truncated)
 
 TEST_F(Imaging, Load_NoPictureOrTooLarge_IsRefused)
 {
-    const FileBytes myGif = MakeGif({});
-    const FileBytes myJpeg = MakeJpeg(40, 30);
-    const size_t myImage = 13 + 16 * 3 + 8 + 5; // after the colours, the control block and the image's place
+    const FileBytes myGif = Picture("plain.gif");
+    const FileBytes myJpeg = Picture("photo.jpg");
+    constexpr size_t Colours = 13;
+    constexpr size_t FirstBlock = Colours + 16 * 3;
+    constexpr size_t ImageSize = FirstBlock + 8 + 5; // after the control block and the image's place
     const size_t myFrame = FrameOf(myJpeg) + 5;
-    const auto myWith = [](FileBytes myFile, size_t myStart, size_t myCount, uint8_t myByte)
-    {
-        std::fill_n(myFile.begin() + static_cast<ptrdiff_t>(myStart), myCount, myByte);
-        return myFile;
-    };
+    FileBytes myColourless = With(myGif, 10, {0});
+    myColourless.erase(myColourless.begin() + Colours, myColourless.begin() + FirstBlock);
+    FileBytes myEmpty = With(myGif, FirstBlock, {';'});
+    myEmpty.resize(FirstBlock + 1);
     for (const FileBytes& myFile :
          {FileBytes(), AsFile("GIF"), AsFile("GIF88a and so on"), AsFile("BM, a bitmap"), AsFile("\xFF\xD8\xFF"),
-          myWith(myGif, 5, 1, 'b'), myWith(myGif, 6, 4, 0xFF), myWith(myGif, myImage, 4, 0xFF),
-          myWith(myGif, myImage, 2, 0), MakeGif({.HasScreenColours = false}), MakeGif({.Images = 0}),
-          myWith(myJpeg, myFrame, 4, 0x40), myWith(myJpeg, myFrame + 2, 2, 0)})
+          With(myGif, 5, {'b'}), With(myGif, 6, {255, 255, 255, 255}), With(myGif, ImageSize, {255, 255, 255, 255}),
+          With(myGif, ImageSize, {0, 0}), myColourless, myEmpty, With(myJpeg, myFrame, {64, 64, 64, 64}),
+          With(myJpeg, myFrame + 2, {0, 0})})
     {
         ExpectSize(myJpeg, 40, 30);
         EXPECT_EQ(Load(myFile), ErrorNumber::InvalidPicture);
@@ -412,8 +336,7 @@ TEST_F(Imaging, ReduceToPalette_GoodEntriesAndOfThemTheNearest)
         const auto myNearest = std::ranges::min_element(myImage.Palette.begin(), myEnd, {}, Distance);
         ASSERT_EQ(Distance(myImage.Palette[myImage.Indices[i]]), Distance(*myNearest)) << i;
     }
-    const PixelPicture myFew =
-        ReadGif(MakeGif({.Interlaced = true, .HasImageColours = true, .Transparent = 7}))->Pixels(20, 20);
+    const PixelPicture myFew = ReadGif(Picture("interlaced.gif"))->Pixels(20, 20);
     EXPECT_EQ(ReduceToPalette(myFew, false)->Pixels(20, 20).Pixels, myFew.Pixels);
     const PixelPicture myNothing{2, 1, std::vector<uint8_t>(8)};
     EXPECT_EQ(ReduceToPalette(myNothing, false)->Pixels(2, 1).Pixels, myNothing.Pixels);
@@ -438,7 +361,7 @@ TEST_F(Imaging, Load_TurnsPhotographsUpright)
 {
     const struct
     {
-        uint16_t Orientation;
+        uint8_t Orientation;
         const char* Corners;
     } myCases[] = {{0, "rg/bw"}, {1, "rg/bw"}, {2, "gr/wb"}, {3, "wb/gr"}, {4, "bw/rg"},
                    {5, "rb/gw"}, {6, "br/wg"}, {7, "wg/br"}, {8, "gw/rb"}, {9, "rg/bw"}};
@@ -448,8 +371,7 @@ TEST_F(Imaging, Load_TurnsPhotographsUpright)
         const bool mySwaps = myOrientation >= 5 && myOrientation <= 8;
         for (const bool myIsLittleEndian : {true, false})
         {
-            ExpectSize(WithOrientation(MakeQuarters(), myOrientation, myIsLittleEndian), mySwaps ? 16 : 32,
-                       mySwaps ? 32 : 16);
+            ExpectSize(Turned(myIsLittleEndian, myOrientation), mySwaps ? 16 : 32, mySwaps ? 32 : 16);
             EXPECT_EQ(Corners(), myCorners);
         }
     }
@@ -457,18 +379,17 @@ TEST_F(Imaging, Load_TurnsPhotographsUpright)
 
 TEST_F(Imaging, Load_IgnoresADamagedOrientation)
 {
-    const FileBytes mySound = WithOrientation(MakeQuarters(), 6, true);
-    constexpr size_t Tiff = 2 + 4 + 6; // where the record's own header begins
-    const auto myWith = [&](size_t myPlace, uint8_t myByte)
+    const FileBytes mySound = Turned(true, 6);
+    for (const auto& [myPlace, myByte] : {std::pair<size_t, uint8_t>{0, 'X'},
+                                          {2, 43},  // the mark of the format
+                                          {4, 200}, // the place of the directory
+                                          {7, 0xFF},
+                                          {8, 1},   // how many entries it has
+                                          {24, 4},  // the type of the value
+                                          {26, 2}}) // how many there are
     {
-        FileBytes theFile(mySound);
-        theFile[Tiff + myPlace] = myByte;
-        return theFile;
-    };
-    for (const FileBytes& myFile : {myWith(0, 'X'), myWith(2, 43), myWith(4, 200), myWith(7, 0xFF), myWith(8, 1),
-                                    myWith(26, 2), WithOrientation(MakeQuarters(), 6, true, 4)})
-    {
-        ExpectSize(myFile, 32, 16);
+        SCOPED_TRACE(myPlace);
+        ExpectSize(With(mySound, Tiff + myPlace, {myByte}), 32, 16);
     }
     // Markers without a length end what is read of the header.
     for (const uint8_t myMarker : std::initializer_list<uint8_t>{0x01, 0xD0, 0xD7})
@@ -481,8 +402,7 @@ TEST_F(Imaging, Load_IgnoresADamagedOrientation)
 
 TEST_F(Imaging, Save_WritesAnUprightPictureWithoutAnOrientation)
 {
-    const FileBytes myPhotograph = WithOrientation(MakeQuarters(), 6, true);
-    ExpectSize(myPhotograph, 16, 32);
+    ExpectSize(Turned(true, 6), 16, 32);
     myControl->Resize(12, 24, 4);
     for (const FileBytes& myFile : {SavedJpeg(), SavedGif()})
     {
@@ -494,26 +414,22 @@ TEST_F(Imaging, Save_WritesAnUprightPictureWithoutAnOrientation)
 TEST_F(Imaging, Load_TakesAsManyPixelsAsItsMemoryAllows)
 {
     // A JPEG whose header says more than the file holds, which is the first rows.
-    const auto myEnlarged = [](bool myIsProgressive, int myWidth, int myHeight)
+    const auto myEnlarged = [](bool myIsProgressive, int mySide, int myExcess = 0)
     {
-        FileBytes theFile = MakeJpeg(64, 64, TJPF_RGB, TJSAMP_420, myIsProgressive ? TJFLAG_PROGRESSIVE : 0);
-        const size_t mySides = FrameOf(theFile, myIsProgressive ? 0xC2 : 0xC0) + 5;
-        for (size_t i = 0; i < 4; ++i)
-        {
-            const int mySide = i < 2 ? myHeight : myWidth;
-            theFile[mySides + i] = static_cast<uint8_t>(i % 2 == 0 ? mySide >> 8 : mySide);
-        }
-        return theFile;
+        const FileBytes myFile = Picture(myIsProgressive ? "progressive.jpg" : "photo.jpg");
+        const auto High = static_cast<uint8_t>(mySide >> 8);
+        return With(myFile, FrameOf(myFile, myIsProgressive ? 0xC2 : 0xC0) + 5,
+                    {High, static_cast<uint8_t>(myExcess), High, 0});
     };
-    const FileBytes myRefused[] = {MakeGif({.ScreenWidth = 8192, .ScreenHeight = 8193}), myEnlarged(true, 8193, 8192),
-                                   myEnlarged(false, 16384, 16385)};
+    const FileBytes myRefused[] = {WithScreen(Picture("plain.gif"), 8192, 8193), myEnlarged(true, 8192, 1),
+                                   myEnlarged(false, 16384, 1)};
     for (const FileBytes& myFile : myRefused)
     {
         EXPECT_EQ(Load(myFile), ErrorNumber::InvalidPicture);
     }
-    ExpectSize(MakeGif({.ScreenWidth = 8192, .ScreenHeight = 8192}), 8192, 8192);
-    ExpectSize(myEnlarged(true, 8192, 8192), 8192, 8192);
-    ExpectSize(myEnlarged(false, 16384, 16384), 16384, 16384);
+    ExpectSize(WithScreen(Picture("plain.gif"), 8192, 8192), 8192, 8192);
+    ExpectSize(myEnlarged(true, 8192), 8192, 8192);
+    ExpectSize(myEnlarged(false, 16384), 16384, 16384);
     EXPECT_EQ(ErrorOf([&] { myControl->CurrentPicture(); }), ErrorNumber::InvalidPicture);
     EXPECT_EQ(ErrorOf([&] { myControl->Resize(8192, 8193, 4); }), ErrorNumber::InvalidArgument);
     myControl->Resize(350, 350, 4);
@@ -523,13 +439,12 @@ TEST_F(Imaging, Load_TakesAsManyPixelsAsItsMemoryAllows)
 TEST_F(Imaging, Load_TurnsInksIntoColours)
 {
     // Such a file holds how much light each ink lets through: here half of it, in the last one alone.
-    FileBytes myInks(16 * 16 * 4, 255);
-    FileBytes myGrey(myInks);
-    for (size_t i = 0; i < myInks.size(); ++i)
+    ExpectSize(Picture("half-black.jpg"), 16, 16);
+    FileBytes myGrey;
+    for (int i = 0; i < 16 * 16; ++i)
     {
-        (i % 4 == 3 ? myInks : myGrey)[i] = 128;
+        myGrey.insert(myGrey.end(), {128, 128, 128, 255});
     }
-    ExpectSize(MakeJpeg(16, 16, TJPF_CMYK, TJSAMP_444, 0, myInks), 16, 16);
     EXPECT_EQ(myControl->CurrentPicture().Pixels, myGrey);
 }
 
@@ -555,8 +470,7 @@ TEST_F(Imaging, Load_ChangedFile_IsReadAgain)
 
 TEST_F(Imaging, Load_FileChangesFasterThanItsClock_IsReadAgain)
 {
-    const FileBytes myGif = MakeGif({.ScreenWidth = 40, .ScreenHeight = 30});
-    ASSERT_EQ(Load(myGif), 0);
+    ASSERT_EQ(Load(WithScreen(Picture("plain.gif"), 40, 30)), 0);
     for (char i = 0; i < 100; ++i)
     {
         std::fstream(myFolder / "picture.bmp", std::ios::in | std::ios::out | std::ios::binary)
@@ -571,7 +485,7 @@ TEST_F(Imaging, RefusedCall_ChangesNothing)
     using namespace ErrorNumber;
     EXPECT_EQ(ErrorOf([&] { myControl->BitmapHeight(); }), InvalidPicture);
     EXPECT_EQ(Load(), FileNotFound);
-    ExpectSize(MakeJpeg(40, 30), 40, 30);
+    ExpectSize(Picture("photo.jpg"), 40, 30);
     const Text myOutput = myFolder.Logical(u"out");
     const std::function<void()> myCalls[] = {
         [&] { myControl->Load(myName, 8, 1, 1); },

@@ -120,9 +120,8 @@ void Names(const CheckContext& myContext)
 
 struct LateCall
 {
-    HRESULT Invoke(IDispatch& myObject, DISPID myNumber, uint16_t myKinds)
+    HRESULT Invoke(IDispatch& myObject, DISPID myNumber, uint16_t myKinds, DISPID myPut = DISPID_PROPERTYPUT)
     {
-        DISPID myPut = DISPID_PROPERTYPUT;
         const bool isPut = (myKinds & PutObject) != 0;
         DISPPARAMS myParams{Arguments.data(), isPut ? &myPut : nullptr, static_cast<uint32_t>(Arguments.size()),
                             isPut ? 1U : 0U};
@@ -150,6 +149,14 @@ VARIANT NumberVariant(int32_t myNumber)
     VARIANT theVariant{};
     theVariant.vt = VT_I4;
     theVariant.lVal = myNumber;
+    return theVariant;
+}
+
+VARIANT ReferenceVariant(IDispatch** myPlace)
+{
+    VARIANT theVariant{};
+    theVariant.vt = VT_DISPATCH | VT_BYREF;
+    theVariant.ppdispVal = myPlace;
     return theVariant;
 }
 
@@ -255,11 +262,15 @@ void ExpectLateService(const LateObject& myTable, const NamedMember& myMember, I
     const std::string myWhat = myTable.NameOf(myMember);
     for (IDispatch* const myObject : {&myService, static_cast<IDispatch*>(nullptr)})
     {
-        LateCall myPut;
-        myPut.Arguments = {ObjectVariant(myObject)};
-        ExpectResult("writing " + myWhat + " late-bound", S_OK,
-                     myPut.Invoke(myTable.Object, myMember.Number, PutReference));
-        ExpectNumber("references to " + myWhat, myObject != nullptr ? 1 + myKept : 1, HoldersOf(myService));
+        IDispatch* myPlace = myObject;
+        for (const VARIANT& myArgument : {ObjectVariant(myObject), ReferenceVariant(&myPlace)})
+        {
+            LateCall myPut;
+            myPut.Arguments = {myArgument};
+            ExpectResult("writing " + myWhat + " late-bound", S_OK,
+                         myPut.Invoke(myTable.Object, myMember.Number, PutReference));
+            ExpectNumber("references to " + myWhat, myObject != nullptr ? 1 + myKept : 1, HoldersOf(myService));
+        }
     }
 }
 
@@ -344,6 +355,20 @@ void LateFailures(const CheckContext& myContext)
     myNoObject.Arguments = {NumberVariant(1)};
     ExpectResult("a number for QelDatabase", DISP_E_TYPEMISMATCH, myNoObject.Invoke(*myPlugin.Get(), 2, PutObject));
     ExpectNumber("the place of the wrong argument", 0, myNoObject.Position);
+    HostState myState;
+    const auto myDatabase = MakeCounted<CheckedDatabase>(myState);
+    LateCall myOther;
+    myOther.Arguments = {ObjectVariant(myDatabase.Get())};
+    ExpectResult("a database for QelBuildHelper", DISP_E_TYPEMISMATCH,
+                 myOther.Invoke(*myPlugin.Get(), 4, PutReference));
+    LateCall myNowhere;
+    myNowhere.Arguments = {ReferenceVariant(nullptr)};
+    ExpectResult("a null reference for QelDatabase", E_POINTER, myNowhere.Invoke(*myPlugin.Get(), 2, PutReference));
+    ExpectNumber("the place of the null reference", 0, myNowhere.Position);
+    LateCall myNamed;
+    myNamed.Arguments = {ObjectVariant(nullptr)};
+    ExpectResult("writing with another name than that of a put", DISP_E_NONAMEDARGS,
+                 myNamed.Invoke(*myPlugin.Get(), 2, Put, 0));
     DISPPARAMS myNone{};
     ForEachTable(myComponent,
                  [&](const LateObject& myTable)

@@ -313,10 +313,10 @@ TEST_F(WindowsFilesTest, Version_OfAContentThatHasSettled)
     myFolder.Write("fresh", "");
     EXPECT_EQ(myFiles.OpenShared(In(u"fresh"))->Version(), std::nullopt);
     const Text myData = PathOfUtf8(QEL_TEST_DATA "/").u16string();
-    const auto myVersion = myFiles.OpenShared(myData + u"strings.txt")->Version();
+    const auto myVersion = myFiles.OpenShared(myData + u"form.csv")->Version();
     EXPECT_NE(myVersion, std::nullopt);
-    EXPECT_EQ(myFiles.OpenShared(myData + u"STRINGS.txt")->Version(), myVersion);
-    EXPECT_NE(myFiles.OpenShared(myData + u"form.csv")->Version(), myVersion);
+    EXPECT_EQ(myFiles.OpenShared(myData + u"FORM.csv")->Version(), myVersion);
+    EXPECT_NE(myFiles.OpenShared(myData + u"pictures\\plain.gif")->Version(), myVersion);
 }
 
 TEST(Locale, GroupingAsTheSystemWritesIt)
