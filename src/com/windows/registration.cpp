@@ -337,7 +337,7 @@ void RemoveLibrary(const ClassesKey& theClasses, const DescribedLibrary& myLibra
         }
     }
     theClasses.Delete(myLibrary.FileKey());
-    if (theClasses.DeleteIfEmpty(myLibrary.VersionKey() + L"\\0")) // otherwise it is registered for the other word length
+    if (theClasses.DeleteIfEmpty(myLibrary.VersionKey() + L"\\0")) // or it is registered for the other word length
     {
         theClasses.Delete(myLibrary.VersionKey());
         theClasses.DeleteIfEmpty(myLibrary.Key());
