@@ -6,7 +6,7 @@
 #include "imaging/JpegPicture.h"
 #include "imaging/paletteReduction.h"
 #include "imaging/resampling.h"
-#include "platform/shared/systemFiles.h"
+#include "platform/shared/SystemFiles.h"
 #include "TemporaryFolder.h"
 #include "text/errors.h"
 
@@ -130,8 +130,8 @@ protected:
 
     TemporaryFolder myFolder;
     Text myName = myFolder.Logical(u"picture.bmp");
-    const std::unique_ptr<Files> myFiles = MakeSystemFiles();
-    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(*myFiles);
+    SystemFiles myFiles;
+    std::unique_ptr<ImagingControl> myControl = MakeImagingControl(myFiles);
 };
 
 TEST_F(Imaging, Load_SizeIsTheScreenOfAGifAndTheFrameOfAJpeg)
@@ -503,7 +503,7 @@ TEST_F(Imaging, RefusedCall_ChangesNothing)
               PathNotFound);
     EXPECT_EQ(myControl->BitmapWidth(), 40.0F);
     EXPECT_FALSE(myFolder.Exists("out"));
-    const auto myHolder = myFiles->OpenForReading(myName);
+    const auto myHolder = myFiles.OpenForReading(myName);
     EXPECT_EQ(Load(), PermissionDenied);
 }
 

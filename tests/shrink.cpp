@@ -3,7 +3,7 @@
 ///
 /// Usage: shrink PICTURE FOLDER. Writes it at half its size as a JPEG and as a GIF, and the pixels of both.
 #include "platform/ImagingControl.h"
-#include "platform/shared/systemFiles.h"
+#include "platform/shared/SystemFiles.h"
 #include "text/encodings.h"
 
 #include <fstream>
@@ -13,8 +13,8 @@ int main(int /*myCount*/, char** myArguments)
 {
     using namespace qel;
     using namespace qel::ImagingSettings;
-    const auto myFiles = MakeSystemFiles();
-    const auto myControl = MakeImagingControl(*myFiles);
+    SystemFiles myFiles;
+    const auto myControl = MakeImagingControl(myFiles);
     for (const bool myIsGif : {false, true})
     {
         const std::string myName = std::string(myArguments[2]) + (myIsGif ? "/drawing" : "/photo");

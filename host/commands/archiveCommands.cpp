@@ -9,7 +9,7 @@
 #include "common/systemReasons.h"
 #include "platform/codePage.h"
 #include "platform/ListView.h"
-#include "platform/shared/systemFiles.h"
+#include "platform/shared/SystemFiles.h"
 #include "site/siteFiles.h"
 #include "text/encodings.h"
 #include "text/errors.h"
@@ -153,8 +153,8 @@ public:
         return fs::equivalent(NativeName(myFilename), NativeName(Archive.ArchiveFilename()), myIgnored);
     }
 
-    std::unique_ptr<Files> Disk = MakeSystemFiles();
-    classArchive Archive{*Disk};
+    SystemFiles Disk;
+    classArchive Archive{Disk};
 
 private:
     fs::path myFile;
@@ -231,7 +231,7 @@ void Pack(const Arguments& myArguments)
     const fs::path myTarget = RealName(myArguments.File);
     const fs::path myNewFile = UnfinishedName(myTarget); // so that a failure leaves an older archive as it was
     OpenArchive myArchive(myNewFile);
-    DemandPlace(DemandedName(myTarget), *myArchive.Disk, myArguments.Force);
+    DemandPlace(DemandedName(myTarget), myArchive.Disk, myArguments.Force);
     const ScopeGuard myRemoval([&] { Succeeds([&] { RemoveFile(myNewFile); }); });
     const ProgressLine myLine(std::cerr, IsTerminal(Output::Errors));
     myArchive.Archive.BaseFolder(DemandedName(myArguments.Folder));
@@ -247,10 +247,8 @@ void Pack(const Arguments& myArguments)
 }
 
 /// Makes sure, before anything is written, that every file of an archive may be unpacked to its place.
-void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames, const Text& myFolder,
-                  bool myMayReplace)
+void DemandPlaces(OpenArchive& theArchive, const std::vector<Text>& myNames, const Text& myFolder, bool myMayReplace)
 {
-    Files& theFiles = *myArchive.Disk;
     std::unordered_map<Text, bool> myFolderIsThere;
     std::unordered_set<Text> myLowerNames;
     for (const Text& myName : myNames)
@@ -263,9 +261,9 @@ void DemandPlaces(const OpenArchive& myArchive, const std::vector<Text>& myNames
         const auto [myParent, myIsNew] = myFolderIsThere.try_emplace(myTarget.substr(0, myTarget.rfind(u'\\')));
         if (myIsNew)
         {
-            myParent->second = theFiles.IsFolder(myParent->first);
+            myParent->second = theArchive.Disk.IsFolder(myParent->first);
         }
-        if (myParent->second && DemandPlace(myTarget, theFiles, myMayReplace) && myArchive.IsAt(myTarget))
+        if (myParent->second && DemandPlace(myTarget, theArchive.Disk, myMayReplace) && theArchive.IsAt(myTarget))
         {
             throw Failure(Printable(TextOf(NativeName(myTarget))) +
                           " is the archive itself, which cannot replace itself; unpack it into another folder");

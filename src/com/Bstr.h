@@ -22,7 +22,7 @@ inline const char16_t* FromOle(LPCOLESTR myUnits) noexcept
     return reinterpret_cast<const char16_t*>(myUnits);
 }
 
-/// A text for a member that is declared as if it changed it, but only reads it.
+/// The text for a member that is declared as if it changed its argument, but only reads it.
 inline LPOLESTR InputText(const char16_t* myUnits) noexcept
 {
     return const_cast<LPOLESTR>(ToOle(myUnits));

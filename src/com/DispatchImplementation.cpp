@@ -11,8 +11,8 @@ namespace qel
 namespace
 {
 
-/// The flags that a kind of member is called with. A client that puts an object need not know that this is done by
-/// reference.
+/// The flags with which a kind of member is called. A client that puts an object does not have to know that the member
+/// takes it by reference.
 WORD FlagsOf(MemberKind myKind)
 {
     switch (myKind)

@@ -5,7 +5,7 @@ namespace qel
 
 HRESULT ConvertVariant(VARIANT& theTarget, VARIANT& mySource, VARTYPE myType) noexcept
 {
-    constexpr LCID FixedLocale = 0x0409; // the one that automation writes its own texts in; it has a decimal point
+    constexpr LCID FixedLocale = 0x0409; // English, the language of automation; it has a decimal point
     return VariantChangeTypeEx(&theTarget, &mySource, FixedLocale, 0, myType);
 }
 

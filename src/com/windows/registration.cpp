@@ -1,8 +1,8 @@
 // The system's registry: for all users where this process may write that part, else for the user. A file in the user's
 // own folder, which others cannot read, is registered for the user alone.
 //
-// The library is registered by hand. The system's own function would make every interface of the library refer to it,
-// also those of the host, which are described by a library of their own.
+// The library is registered value by value. The system's own function would make every interface of the library refer
+// to it, also those of the host, which may have a library of their own.
 #include "com/registration.h"
 
 #include "com/Bstr.h"
@@ -25,7 +25,7 @@ namespace
 {
 
 constexpr wchar_t DualProxy[] = L"{00020424-0000-0000-C000-000000000046}"; // carries calls of dual interfaces
-constexpr wchar_t LateProxy[] = L"{00020420-0000-0000-C000-000000000046}"; // and of those that are only bound late
+constexpr wchar_t LateProxy[] = L"{00020420-0000-0000-C000-000000000046}"; // carries late-bound calls only
 constexpr const wchar_t* PlatformKey = sizeof(void*) == 8 ? L"win64" : L"win32";
 
 struct RegistryValue
@@ -73,7 +73,7 @@ Text ReasonText(LSTATUS myReason)
     return Text(TrimBlanks(TextOfWide(theText.data())));
 }
 
-/// Leaves what went wrong in the thread's error information, and returns the result.
+/// Leaves the failure in the thread's error information, and returns the result.
 HRESULT ReportRegistry(HRESULT myResult, LSTATUS myReason)
 {
     return ReportFailure(myResult, (u"No se puede escribir en el registro de clases: " + ReasonText(myReason)).c_str());
@@ -191,7 +191,7 @@ public:
             {
                 Undo(myChanges.back());
             }
-            catch (const RegistryFailure&) // such as for a key that could not be made
+            catch (const RegistryFailure&) // for example, the key could not be created
             {
             }
         }
@@ -280,7 +280,7 @@ HRESULT Register(const ClassesKey& myClassesKey, std::span<const RegisteredClass
     return theFailure;
 }
 
-/// True when the key names this file, under whatever name of it.
+/// True when the key names this file, by any of its names.
 bool NamesFile(const ClassesKey& myClasses, const std::wstring& myKey, const std::filesystem::path& myFile)
 {
     const auto myPath = myClasses.Read(myKey);
@@ -315,7 +315,7 @@ void RemoveClass(const ClassesKey& theClasses, const RegisteredClass& myClass, c
         return;
     }
     theClasses.Delete(myKey);
-    // After the class, for a system with only one word length has only one key for it.
+    // Only after the class: a system with only one word length has one key for both.
     if (theClasses.Read(myName + L"\\CLSID") == myId && !theClasses.ContainsForOtherWordLength(myFileKey))
     {
         theClasses.Delete(myName);
@@ -337,7 +337,7 @@ void RemoveLibrary(const ClassesKey& theClasses, const DescribedLibrary& myLibra
         }
     }
     theClasses.Delete(myLibrary.FileKey());
-    if (theClasses.DeleteIfEmpty(myLibrary.VersionKey() + L"\\0")) // else it is registered for the other word length
+    if (theClasses.DeleteIfEmpty(myLibrary.VersionKey() + L"\\0")) // or it is registered for the other word length
     {
         theClasses.Delete(myLibrary.VersionKey());
         theClasses.DeleteIfEmpty(myLibrary.Key());

@@ -1,8 +1,8 @@
 #include "platform/linux/componentFile.h"
-#include "platform/linux/LinuxFiles.h"
 #include "platform/linux/LinuxHelpViewer.h"
 #include "platform/linux/nativePath.h"
 #include "platform/linux/WindowModuleLoader.h"
+#include "platform/shared/SystemFiles.h"
 #include "platform/shared/SystemPlatform.h"
 
 #include <algorithm>
@@ -35,7 +35,7 @@ public:
     std::filesystem::path ComponentFile() const override { return myComponentFile; }
 
 private:
-    LinuxFiles myFiles;
+    SystemFiles myFiles;
     LinuxHelpViewer myHelp;
     std::string myComponentFile = NativeComponentFile();
     std::string myRealFile = RealFile(myComponentFile);

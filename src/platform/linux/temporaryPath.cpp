@@ -32,7 +32,7 @@ std::string CacheFolder()
         theFolder += "/.cache";
     }
     theFolder += "/qel";
-    // Whether each of them exists is checked with the folder itself.
+    // Whether they exist is checked together with the folder itself.
     for (size_t i = theFolder.find('/', 1); i != std::string::npos; i = theFolder.find('/', i + 1))
     {
         mkdir(theFolder.substr(0, i).c_str(), S_IRWXU);

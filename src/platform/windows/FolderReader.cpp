@@ -18,8 +18,8 @@ EntryKind KindOfAttributes(DWORD myAttributes)
 
 EntryKind KindOf(const WIN32_FIND_DATAW& myEntry)
 {
-    // Other reparse points, such as files that are stored elsewhere or compressed, are what they look like. Without a
-    // tag nothing says so.
+    // Other reparse points, such as files that are stored elsewhere or compressed, are plain files or folders. Without
+    // a tag that is unknown.
     const bool myIsReparsePoint = (myEntry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     const DWORD myTag = myEntry.dwReserved0;
     return myIsReparsePoint && (myTag == 0 || IsReparseTagNameSurrogate(myTag))

@@ -7,7 +7,7 @@ namespace qel
 
 void WindowsMessageQueue::ProcessPending()
 {
-    // Nothing is pending most of the time, and to ask costs less than to look for a message.
+    // Most of the time nothing is pending, and this call costs less than a search for a message.
     if (HIWORD(GetQueueStatus(QS_ALLINPUT)) == 0)
     {
         return;
@@ -23,7 +23,8 @@ void WindowsMessageQueue::ProcessPending()
         }
         TranslateMessage(&myMessage);
         DispatchMessageW(&myMessage);
-        // A window that paints without an end, or a timer that is faster than its work, must not keep this call.
+        // A window that never stops painting, or a timer that is faster than its handler, must not make this call
+        // endless.
         if (static_cast<LONG>(myMessage.time - myStart) > 0)
         {
             return;

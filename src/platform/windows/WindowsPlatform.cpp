@@ -1,9 +1,9 @@
+#include "platform/shared/SystemFiles.h"
 #include "platform/shared/SystemPlatform.h"
 #include "platform/windows/componentFile.h"
 #include "platform/windows/wideText.h"
 #include "platform/windows/window/MultimediaService.h"
 #include "platform/windows/window/WindowService.h"
-#include "platform/windows/WindowsFiles.h"
 #include "platform/windows/WindowsHelpViewer.h"
 #include "platform/windows/WindowsMessageQueue.h"
 
@@ -20,7 +20,7 @@ public:
     std::filesystem::path ComponentFile() const override { return myComponentFile; }
 
 private:
-    WindowsFiles myFiles;
+    SystemFiles myFiles;
     WindowsMessageQueue myMessages;
     WindowsHelpViewer myHelp;
     WindowService myWindows;

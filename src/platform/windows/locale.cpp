@@ -11,7 +11,7 @@ namespace qel
 namespace
 {
 
-/// A text of the user's locale, with their own changes to it.
+/// A text of the user's locale, with the user's own changes.
 Text LocaleText(LCTYPE myType)
 {
     std::array<wchar_t, 16> myText = {}; // the longest of these texts has 10 units

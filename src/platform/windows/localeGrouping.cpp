@@ -13,7 +13,7 @@ NumberGrouping GroupingOfSizes(TextView mySeparator, TextView mySizes)
             theGrouping.GroupSizes.push_back(static_cast<uint8_t>(myUnit - u'0'));
         }
     }
-    // The logic has it the other way round: the last size repeats, and a 0 ends the grouping.
+    // The logic has the opposite rule: the last size repeats, and a 0 ends the grouping.
     if (theGrouping.GroupSizes.empty() || theGrouping.GroupSizes.back() != 0)
     {
         theGrouping.GroupSizes.push_back(0);

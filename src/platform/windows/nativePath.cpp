@@ -92,7 +92,7 @@ void DemandName(std::wstring_view myName)
     }
 }
 
-/// For a server, a share or a volume, which no part such as ".." can take the place of.
+/// For a server, a share or a volume, which cannot be "." or "..".
 void DemandRootName(std::wstring_view myName)
 {
     DemandName(myName);

@@ -16,7 +16,7 @@ namespace
 constexpr int64_t TicksPerSecond = 10'000'000;
 constexpr int64_t NanosecondsPerTick = 100;
 
-/// More than a call of the system takes at once.
+/// The most bytes for one call of the system, which takes a count of 32 bits.
 constexpr size_t MostAtOnce = size_t{1} << 30;
 
 Handle OpenFile(const std::wstring& myNativePath, DWORD myAccess, DWORD myShareMode, DWORD myDisposition)
@@ -25,7 +25,7 @@ Handle OpenFile(const std::wstring& myNativePath, DWORD myAccess, DWORD myShareM
                               FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
-/// Throws the Error of an opening that failed. The system refuses a folder as it refuses what one has no right to.
+/// Throws the Error of an opening that failed. For a folder the system reports that access is denied.
 [[noreturn]] void RaiseOpeningError(const std::wstring& myNativePath, DWORD mySystemError)
 {
     const DWORD myAttributes = mySystemError == ERROR_ACCESS_DENIED ? GetFileAttributesW(myNativePath.c_str()) : 0;
@@ -153,8 +153,8 @@ int64_t InputDevice::Length() const
 
 std::optional<FileVersion> InputDevice::Version() const
 {
-    // Nobody can write while this file is open, so what it is like now is what it was like when it was opened. A change
-    // is recorded with the time of a clock that ticks every 16 milliseconds.
+    // Nobody can write while this file is open, so its state is still the one in which it was opened. A change is
+    // recorded with the time of a clock that ticks every 16 milliseconds.
     constexpr int64_t TicksToSettle = 2 * TicksPerSecond;
     BY_HANDLE_FILE_INFORMATION myFacts = {};
     FILE_BASIC_INFO myTimes = {};

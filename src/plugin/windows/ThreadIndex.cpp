@@ -1,9 +1,9 @@
-/// The index of the system's thread storage that the component takes.
+/// The index of the system's thread storage that the component uses.
 ///
-/// The compiler's library of threads takes one at its first use and never gives it back. A process has about 1,000 of
+/// The compiler's library of threads allocates one at its first use and never frees it. A process has about 1,000 of
 /// them, so a host that loads and unloads the component often would run out of them. The library finds the system's
 /// function by a pointer that the linker makes where nobody defines it. It is defined here, so that the index is known
-/// and is given back when the component is unloaded.
+/// and is freed when the component is unloaded.
 #include "platform/windows/windowsHeaders.h"
 
 namespace qel
@@ -38,7 +38,7 @@ private:
     DWORD myIndex = TLS_OUT_OF_INDEXES;
 };
 
-[[gnu::init_priority(101)]] ThreadIndex TheIndex; // the first that a program may choose
+[[gnu::init_priority(101)]] ThreadIndex TheIndex; // the earliest that a program may choose
 
 DWORD WINAPI TakeIndex()
 {

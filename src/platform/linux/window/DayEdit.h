@@ -14,11 +14,11 @@ namespace qel
 /// Shows a day as dd/MM/yyyy and lets the user type another one.
 ///
 /// The text may be any while it is typed: nothing jumps and nothing is corrected halfway. "/", "." and "-" go to the
-/// next part of the day, and so does a digit that has no more room in its part; an arrow key up or down, a page key or
-/// the wheel changes the part with the cursor, F4 or Alt+Down opens the calendar.
-/// The text is read when the focus leaves the field, at Finish, and when a day is chosen. One that is no day between
-/// the first and the last one (31/02/2027) is never changed by the field itself: the field keeps it, shows it in red,
-/// and says why in its tool tip. Day stays what it was before.
+/// next part of the day, and so does a digit for which its part has no room; an arrow key up or down, a page key or the
+/// wheel changes the part with the cursor, F4 or Alt+Down opens the calendar. The text is read when the focus leaves
+/// the field, at Finish, and when a day is chosen. One that is no day between the first and the last one (31/02/2027)
+/// is never changed by the field itself: the field keeps it, shows it in red, and says why in its tool tip. Day stays
+/// what it was before.
 class DayEdit final : public QComboBox
 {
 public:

@@ -272,7 +272,7 @@ void FormDialog::SetTabOrder()
                 setTabOrder(myLast, myPlace);
             }
             myLast = myPlace;
-            // A push button handles Enter itself, as a user expects of it.
+            // A push button handles Enter itself, as users expect.
             if (!myPlace->inherits("QPushButton"))
             {
                 myPlace->installEventFilter(this);

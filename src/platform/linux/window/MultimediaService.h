@@ -1,8 +1,8 @@
 /// The multimedia service of the logic, over a synthesiser.
 #pragma once
 
-#include "platform/linux/LinuxFiles.h"
 #include "platform/linux/window/TunePlayer.h"
+#include "platform/shared/SystemFiles.h"
 #include "text/text.h"
 
 #include <optional>
@@ -36,7 +36,7 @@ private:
     void Open(TextView myArguments);
     bool IsOpen(TextView myAlias) const { return myDevice && EqualInLowerCase(myDevice->Alias, myAlias); }
 
-    LinuxFiles myFiles;
+    SystemFiles myFiles;
     std::optional<Device> myDevice;
     TunePlayer myPlayer;
 };

@@ -8,7 +8,7 @@ namespace qel
 
 /// While an object lives, windows that the thread makes are of the edition that the component's manifest (resource 2)
 /// names, whatever edition the host uses: with the system's present look, and with image lists that fit them. Objects
-/// of a thread go in the reverse order of their making.
+/// of a thread are destroyed in the reverse order of their creation.
 class ComponentStyle
 {
 public:

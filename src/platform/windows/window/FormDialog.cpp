@@ -187,7 +187,7 @@ HWND FormDialog::MakeControl(const ControlLayout& myLayout, HWND myParent)
 void FormDialog::FillToolBar(HWND myToolBar)
 {
     SendMessageW(myToolBar, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
-    // Buttons in a list, of which none shows its text, take the text as tool tip and as name for a screen reader.
+    // In this mode the buttons do not show their texts: each is the tool tip, and the name for a screen reader.
     SendMessageW(myToolBar, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_MIXEDBUTTONS);
     for (size_t i = 0; i < PlayButtons.size(); ++i)
     {

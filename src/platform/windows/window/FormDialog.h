@@ -26,8 +26,8 @@ public:
     FormDialog(const FormDialog&) = delete;
     FormDialog& operator=(const FormDialog&) = delete;
 
-    /// Runs for what a control reports (BN_CLICKED, LBN_SELCHANGE and so on). A list reports each double click, on an
-    /// entry or beside the entries.
+    /// Runs for each notification of a control (BN_CLICKED, LBN_SELCHANGE and so on). A list reports each double click,
+    /// on an entry or beside the entries.
     std::function<void(const ControlLayout& myControl, UINT myNotification)> Reported;
     /// Runs for a press of a button of the tool bar, which count from 1.
     std::function<void(int32_t myButton)> ToolPressed;

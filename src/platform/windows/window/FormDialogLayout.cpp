@@ -103,7 +103,7 @@ void FormDialog::SetCombosHeight(HWND myCombo) const
     SetWindowPos(myCombo, nullptr, 0, 0, myScale.Twips(myLayout.Width), myHeight + RowsOfCombo * myRow,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     auto myShown = static_cast<int>(SendMessageW(myCombo, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
-    // Not each system counts the border in what it answers, so what comes out is measured.
+    // Not every system includes the border in its answer, so the result is measured.
     for (int i = 0; i < 2; ++i)
     {
         RECT myFrame = {};
@@ -149,8 +149,8 @@ void FormDialog::Centre()
              (myAll.top + myAll.bottom - (myFrame.bottom - myFrame.top)) / 2);
 }
 
-/// Moves the window to a place, or so far from there that a room contains it. Of a window that is too large the top
-/// left corner is there.
+/// Moves the window to a place, or to the nearest one where it is inside a room. Of a window that is too large the top
+/// left corner is inside.
 void FormDialog::MoveInto(const RECT& myRoom, LONG myLeft, LONG myTop)
 {
     RECT myFrame = {};
@@ -161,8 +161,8 @@ void FormDialog::MoveInto(const RECT& myRoom, LONG myLeft, LONG myTop)
                  std::max(std::min(myTop, myLastTop), myRoom.top), 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-/// Takes over the scale of the screen onto which the user has moved the window, or which they have changed. The system
-/// suggests the place that keeps the window under the mouse.
+/// Adopts the scale of the screen to which the user has moved the window, or a new scale of its screen. The system
+/// suggests a place that keeps the window under the mouse.
 void FormDialog::FollowScale(UINT myDotsPerInch, const RECT& mySuggestion)
 {
     Scaled(Scale(myDotsPerInch));
@@ -172,13 +172,13 @@ void FormDialog::FollowScale(UINT myDotsPerInch, const RECT& mySuggestion)
     MoveInto(myScreen.rcWork, mySuggestion.left, mySuggestion.top);
 }
 
-/// Takes over the colours that the user has changed.
+/// Adopts the colours that the user has changed.
 void FormDialog::FollowColours()
 {
     Scaled(myScale); // the images of the tool bar have colours of the system
     for (const Part& myPart : myParts)
     {
-        SendMessageW(myPart.Window, WM_SYSCOLORCHANGE, 0, 0); // of which the system tells only the form
+        SendMessageW(myPart.Window, WM_SYSCOLORCHANGE, 0, 0); // which the system sends only to the form
     }
     RedrawWindow(Window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }

@@ -6,7 +6,7 @@
 namespace qel
 {
 
-/// Handles the keys that the system's dialogs do not: F1, and Enter on what is no push button but acts like one.
+/// Handles the keys that the system's dialogs do not: F1, and Enter on controls that act like push buttons.
 bool FormDialog::TakeKey(const MSG& myMessage)
 {
     if (myMessage.message != WM_KEYDOWN || IsChild(Window(), myMessage.hwnd) == 0)
@@ -186,7 +186,7 @@ void FormDialog::DrawPart(const DRAWITEMSTRUCT& myItem) const
         }
         return;
     }
-    // The caller restores what is selected into the target, but not its colours.
+    // The caller restores the selected objects of the target, but not its colours.
     RECT myRoom = myItem.rcItem;
     SetDCBrushColor(myItem.hDC, BackColourOf(*myPart->Layout));
     FillRect(myItem.hDC, &myRoom, static_cast<HBRUSH>(GetStockObject(DC_BRUSH)));

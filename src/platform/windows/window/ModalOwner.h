@@ -1,4 +1,4 @@
-/// The window that owns a dialog, and the host's windows while it is open.
+/// The owner of a dialog, and what happens to the host's windows while it is open.
 #pragma once
 
 #include "platform/windows/window/controlHeaders.h"

@@ -1,4 +1,4 @@
-/// The tool tip of a name that has no room in its box.
+/// The tool tip of a name that does not fit in its box.
 #pragma once
 
 #include "platform/windows/window/appearance.h"
@@ -13,7 +13,7 @@ namespace qel
 class NameToolTip
 {
 public:
-    /// Takes over the font of the form, and the width at which a tip begins another line. The form outlives the font.
+    /// Sets the font of the form, and the width at which a tip begins another line. The font must outlive its use.
     void Take(HFONT myFormFont, int myWidth);
 
     /// Follows the mouse: a message about it to a list or combo box of the form, before that handles it.

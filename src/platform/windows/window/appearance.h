@@ -59,8 +59,8 @@ Font FormFont(Scale myScale, int32_t myWeight, int myWidth = 0);
 Font FittingFont(Scale myScale, int32_t myWeight, const std::wstring& myText, SIZE myRoom, bool myHasLines);
 
 /// The colours of a label, button or box. On a background of its own they are those of the form, or the user's colours
-/// for windows if these are to be rich in contrast; on that of the form they are always the user's.
-/// What lies in a box has the background of the box.
+/// for windows in a high-contrast mode; on that of the form they are always the user's. What lies in a box has the
+/// background of the box.
 COLORREF BackColourOf(const ControlLayout& myLayout);
 COLORREF TextColourOf(const ControlLayout& myLayout);
 

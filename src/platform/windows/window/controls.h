@@ -64,7 +64,7 @@ private:
     HWND myWindow;
 };
 
-/// Keeps what is painted in pixels of 96 to the inch; only the way to the screen enlarges it.
+/// Stores what is painted in pixels of 96 to the inch; it is enlarged only on the screen.
 class SystemPreviewBox final : public PreviewBox
 {
 public:

@@ -1,4 +1,4 @@
-/// The two small dialogs of the system: a message, and the choice of a file. They speak the system's language.
+/// The two small dialogs of the system: a message, and the choice of a file. They are in the system's language.
 #pragma once
 
 #include "dialog/ports/FormMainWindow.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxFiles.h"
+#include "platform/shared/SystemFiles.h"
 
 #include "platform/linux/findPath.h"
 #include "platform/linux/nativePath.h"
@@ -175,26 +175,30 @@ Descriptor OpenTarget(TextView myFilename, const struct stat* mySource)
     return theFile;
 }
 
+std::unique_ptr<InputFile> OpenInput(TextView myFilename, Lock myLock)
+{
+    SourceFile mySource = OpenSource(myFilename, myLock);
+    return std::make_unique<BufferedInputFile<InputDevice>>(InputDevice(std::move(mySource.File), mySource.Facts));
+}
+
 } // namespace
 
-std::unique_ptr<InputFile> LinuxFiles::OpenForReading(TextView myFilename)
+std::unique_ptr<InputFile> SystemFiles::OpenForReading(TextView myFilename)
 {
-    SourceFile mySource = OpenSource(myFilename, Lock::Exclusive);
-    return std::make_unique<BufferedInputFile<InputDevice>>(InputDevice(std::move(mySource.File), mySource.Facts));
+    return OpenInput(myFilename, Lock::Exclusive);
 }
 
-std::unique_ptr<InputFile> LinuxFiles::OpenShared(TextView myFilename)
+std::unique_ptr<InputFile> SystemFiles::OpenShared(TextView myFilename)
 {
-    SourceFile mySource = OpenSource(myFilename, Lock::Shared);
-    return std::make_unique<BufferedInputFile<InputDevice>>(InputDevice(std::move(mySource.File), mySource.Facts));
+    return OpenInput(myFilename, Lock::Shared);
 }
 
-std::unique_ptr<OutputFile> LinuxFiles::OpenForWriting(TextView myFilename)
+std::unique_ptr<OutputFile> SystemFiles::OpenForWriting(TextView myFilename)
 {
     return std::make_unique<BufferedOutputFile<OutputDevice>>(OutputDevice(OpenTarget(myFilename, nullptr)));
 }
 
-Entry LinuxFiles::Look(TextView myPath)
+Entry SystemFiles::Look(TextView myPath)
 {
     const std::string myAsked = PathOfEntry(myPath);
     std::string myFound;
@@ -212,7 +216,7 @@ Entry LinuxFiles::Look(TextView myPath)
     return {KindOfMode(myFacts.st_mode), myFacts.st_size, myName == NameOf(myAsked) ? Text() : FromUtf8(myName)};
 }
 
-Entry LinuxFiles::LookExactly(TextView myPath)
+Entry SystemFiles::LookExactly(TextView myPath)
 {
     struct stat myFacts = {};
     if (OnExactName(PathOfEntry(myPath),
@@ -223,7 +227,7 @@ Entry LinuxFiles::LookExactly(TextView myPath)
     return {KindOfMode(myFacts.st_mode), myFacts.st_size, {}};
 }
 
-void LinuxFiles::Copy(TextView mySource, TextView myTarget)
+void SystemFiles::Copy(TextView mySource, TextView myTarget)
 {
     const SourceFile myInput = OpenSource(mySource, Lock::Shared);
     Descriptor myOutput = OpenTarget(myTarget, &myInput.Facts);
@@ -234,7 +238,7 @@ void LinuxFiles::Copy(TextView mySource, TextView myTarget)
     }
 }
 
-bool LinuxFiles::Delete(TextView myFilename)
+bool SystemFiles::Delete(TextView myFilename)
 {
     if (OnExactName(NativePath(myFilename), [](const std::string& myPath) { return unlink(myPath.c_str()); }) == 0)
     {
@@ -247,7 +251,7 @@ bool LinuxFiles::Delete(TextView myFilename)
     return false;
 }
 
-void LinuxFiles::MakeFolder(TextView myFolder)
+void SystemFiles::MakeFolder(TextView myFolder)
 {
     if (OnExactName(NativePath(myFolder),
                     [](const std::string& myPath) { return mkdir(myPath.c_str(), NewFolderMode); }) != 0)
@@ -256,7 +260,7 @@ void LinuxFiles::MakeFolder(TextView myFolder)
     }
 }
 
-bool LinuxFiles::IsFolder(TextView myPath)
+bool SystemFiles::IsFolder(TextView myPath)
 {
     try
     {
@@ -269,7 +273,7 @@ bool LinuxFiles::IsFolder(TextView myPath)
     }
 }
 
-bool LinuxFiles::IsLink(TextView myPath)
+bool SystemFiles::IsLink(TextView myPath)
 {
     try
     {
@@ -282,7 +286,7 @@ bool LinuxFiles::IsLink(TextView myPath)
     }
 }
 
-std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
+std::vector<Text> SystemFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
     const Text myLowered = LoweredPattern(myPattern.substr(myStart));
@@ -306,7 +310,7 @@ std::vector<Text> LinuxFiles::List(TextView myPattern, Listing myListing)
     return theNames;
 }
 
-void LinuxFiles::DemandOwnFolder(TextView myFolder)
+void SystemFiles::DemandOwnFolder(TextView myFolder)
 {
     struct stat myFacts = {};
     if (!GetStatus(PathOfEntry(myFolder), AT_SYMLINK_NOFOLLOW, myFacts))
@@ -323,7 +327,7 @@ void LinuxFiles::DemandOwnFolder(TextView myFolder)
     }
 }
 
-Text LinuxFiles::TemporaryPath()
+Text SystemFiles::TemporaryPath()
 {
     std::optional<Text> thePath = LogicalPath(NativeTemporaryPath());
     return !thePath || thePath->empty() ? Text() : *std::move(thePath) + u"\\";

@@ -1,4 +1,4 @@
-/// The file port of the logic on Linux.
+/// The files of the system that the program was built for. Each system has its own implementation.
 #pragma once
 
 #include "platform/Files.h"
@@ -6,7 +6,8 @@
 namespace qel
 {
 
-class LinuxFiles final : public Files
+/// Has no state. Files.h documents the members.
+class SystemFiles final : public Files
 {
 public:
     std::unique_ptr<InputFile> OpenForReading(TextView myFilename) override;

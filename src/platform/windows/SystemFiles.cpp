@@ -1,4 +1,6 @@
-#include "platform/windows/WindowsFiles.h"
+// The system finds names without regard to case, so a name that differs in case alone is the same file in every
+// operation. Hidden and system files are left out of listings; a name with a leading dot is like any other.
+#include "platform/shared/SystemFiles.h"
 
 #include "platform/shared/BufferedInputFile.h"
 #include "platform/shared/BufferedOutputFile.h"
@@ -47,7 +49,7 @@ std::wstring PathOfFile(TextView myFilename)
     return thePath;
 }
 
-/// What the system says about the last part of a path, a link itself and not its target. Error 53, 76, 70: as Look.
+/// What the system knows about the last part of a path: a link itself, not its target. Error 53, 76, 70: as in Look.
 WIN32_FIND_DATAW FactsOf(const std::wstring& myNativePath)
 {
     WIN32_FIND_DATAW theFacts = {};
@@ -67,7 +69,7 @@ WIN32_FIND_DATAW FactsOf(const std::wstring& myNativePath)
         RaiseSystemError(GetLastError());
     }
     FindClose(mySearch);
-    // The entry of a folder can have an old length: of a file that somebody writes, or that was written by another
+    // The length in a folder's entry can be out of date, for a file that is being written or was written by another
     // name.
     WIN32_FILE_ATTRIBUTE_DATA myNewFacts = {};
     if (GetFileAttributesExW(myNativePath.c_str(), GetFileExInfoStandard, &myNewFacts) != 0)
@@ -112,7 +114,7 @@ bool IsListed(const std::wstring& myNativeFolder, const WIN32_FIND_DATAW& myEntr
     return myKind == EntryKind::File || (myKind == EntryKind::Folder && myListsFolders);
 }
 
-/// True for an error of the system that says that a path leads to nothing.
+/// True for an error of the system that means that nothing exists at a path.
 bool IsMissing(DWORD mySystemError)
 {
     const int32_t myNumber = NumberOfSystemError(mySystemError);
@@ -145,22 +147,22 @@ std::unique_ptr<InputFile> OpenInput(TextView myFilename, Sharing mySharing)
 
 } // namespace
 
-std::unique_ptr<InputFile> WindowsFiles::OpenForReading(TextView myFilename)
+std::unique_ptr<InputFile> SystemFiles::OpenForReading(TextView myFilename)
 {
     return OpenInput(myFilename, Sharing::None);
 }
 
-std::unique_ptr<InputFile> WindowsFiles::OpenShared(TextView myFilename)
+std::unique_ptr<InputFile> SystemFiles::OpenShared(TextView myFilename)
 {
     return OpenInput(myFilename, Sharing::Readers);
 }
 
-std::unique_ptr<OutputFile> WindowsFiles::OpenForWriting(TextView myFilename)
+std::unique_ptr<OutputFile> SystemFiles::OpenForWriting(TextView myFilename)
 {
     return std::make_unique<BufferedOutputFile<OutputDevice>>(OutputDevice(OpenEmptyFile(PathOfFile(myFilename))));
 }
 
-Entry WindowsFiles::Look(TextView myPath)
+Entry SystemFiles::Look(TextView myPath)
 {
     const WIN32_FIND_DATAW myFacts = FactsOf(NativePath(myPath));
     Text myName = TextOfWide(myFacts.cFileName);
@@ -172,16 +174,16 @@ Entry WindowsFiles::Look(TextView myPath)
     return {KindOf(myFacts), myLength, std::move(myName)};
 }
 
-Entry WindowsFiles::LookExactly(TextView myPath)
+Entry SystemFiles::LookExactly(TextView myPath)
 {
     Entry theEntry = Look(myPath);
     theEntry.Name.clear();
     return theEntry;
 }
 
-void WindowsFiles::Copy(TextView mySource, TextView myTarget)
+void SystemFiles::Copy(TextView mySource, TextView myTarget)
 {
-    // The system's own copy takes attributes along, and a read-only target could not be replaced or deleted later.
+    // The system's own copy includes attributes, and a read-only target could not be replaced or deleted later.
     const Handle myInput = OpenPlainFile(PathOfFile(mySource), Sharing::Readers);
     Handle myOutput = OpenEmptyFile(PathOfFile(myTarget));
     CopyContent(myInput, myOutput);
@@ -191,7 +193,7 @@ void WindowsFiles::Copy(TextView mySource, TextView myTarget)
     }
 }
 
-bool WindowsFiles::Delete(TextView myFilename)
+bool SystemFiles::Delete(TextView myFilename)
 {
     if (myFilename.empty())
     {
@@ -207,7 +209,7 @@ bool WindowsFiles::Delete(TextView myFilename)
     {
         return false;
     }
-    // A link to a folder is removed as a folder is.
+    // A link to a folder is removed like a folder.
     if (HasAttribute(GetFileAttributesW(myPath.c_str()), FILE_ATTRIBUTE_DIRECTORY))
     {
         if (KindOf(FactsOf(myPath)) != EntryKind::Link)
@@ -222,7 +224,7 @@ bool WindowsFiles::Delete(TextView myFilename)
     RaiseSystemError(mySystemError);
 }
 
-void WindowsFiles::MakeFolder(TextView myFolder)
+void SystemFiles::MakeFolder(TextView myFolder)
 {
     if (myFolder.empty())
     {
@@ -242,7 +244,7 @@ void WindowsFiles::MakeFolder(TextView myFolder)
     RaiseSystemError(mySystemError == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : mySystemError);
 }
 
-bool WindowsFiles::IsFolder(TextView myPath)
+bool SystemFiles::IsFolder(TextView myPath)
 {
     try
     {
@@ -258,7 +260,7 @@ bool WindowsFiles::IsFolder(TextView myPath)
     }
 }
 
-bool WindowsFiles::IsLink(TextView myPath)
+bool SystemFiles::IsLink(TextView myPath)
 {
     try
     {
@@ -272,7 +274,7 @@ bool WindowsFiles::IsLink(TextView myPath)
     }
 }
 
-std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
+std::vector<Text> SystemFiles::List(TextView myPattern, Listing myListing)
 {
     const size_t myStart = myPattern.find_last_of(u"\\/") + 1;
     const Text myLowered = LoweredPattern(myPattern.substr(myStart));
@@ -302,7 +304,7 @@ std::vector<Text> WindowsFiles::List(TextView myPattern, Listing myListing)
     return theNames;
 }
 
-void WindowsFiles::DemandOwnFolder(TextView myFolder)
+void SystemFiles::DemandOwnFolder(TextView myFolder)
 {
     const std::wstring myPath = NativePath(myFolder);
     const DWORD myAttributes = GetFileAttributesW(myPath.c_str());
@@ -317,7 +319,7 @@ void WindowsFiles::DemandOwnFolder(TextView myFolder)
     }
 }
 
-Text WindowsFiles::TemporaryPath()
+Text SystemFiles::TemporaryPath()
 {
     return SystemTemporaryPath();
 }
