@@ -9,7 +9,7 @@
 namespace qel
 {
 
-/// The loaded component, which goes with the object. A call that fails throws.
+/// Unloads the component when it is destroyed. A call that fails throws.
 class LoadedComponent
 {
 public:

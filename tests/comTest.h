@@ -21,7 +21,7 @@ namespace qel
 /// A variant that frees what it holds.
 struct Value : VARIANT
 {
-    Value() { VariantInit(this); } // which leaves nothing of what the memory had
+    Value() { VariantInit(this); } // it sets every byte
     Value(VARTYPE myType, void* myReference) : Value()
     {
         vt = myType;

@@ -37,7 +37,7 @@ _Static_assert(AT(1, QelStringSort, Clear) && AT(2, QelStringSort, AddValue) && 
                    AT(4, QelStringSort, get_ValueCount) && AT(5, QelStringSort, Sort),
                "the slots of QelStringSort");
 
-/* The size of a table tells of a member that nobody has given a place here. */
+/* A new member makes its table larger. This check then fails until the member's place is checked above too. */
 #define COUNT(interface) (sizeof(interface##Vtbl) / sizeof(void*) - 7)
 
 _Static_assert(COUNT(QelBuildHelper) == 9 && COUNT(QelDatabase) == 7 && COUNT(QelPlugin) == 21 && COUNT(QelInfo) == 2 &&
