@@ -34,6 +34,9 @@ class CheckTest(HostTest):
     def setUp(self):
         super().setUp()
         self.temporary = self.folder / "temp"
+        if WINDOWS:  # Wine takes its own from no variable
+            wine = Path(os.environ.get("QEL_WINE", SOURCES.parent / "build/wine"))
+            self.temporary = wine / "drive_c/users" / os.environ.get("USER", "root") / "Temp"
         self.mark = f"QEL_MARK={uuid.uuid4()}"
         self.environment |= {"QEL_REAL": named(REAL), **dict([self.mark.split("=")])}
         for name in ("QelPluginAnimationDesigns", "QelPluginAnimationLogo.bmp", "QelPluginAnimationPreview.bmp"):
