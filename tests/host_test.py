@@ -787,16 +787,6 @@ class ArchiveTest(HostTest):
 
 
 class CommandLineTest(HostTest):
-    @portable
-    def test_unknown_commands_are_named_and_the_nearest_suggested(self):
-        for arguments, text in ((["biuld", "x"], '"biuld"; did you mean "build"? qelhost --help'),
-                                (["--plugin", "x", "page", "lsit"], '"page lsit"; did you mean "page list"? qelhost page --help'),
-                                (["edit", "x"], '"edit"; did you mean "module edit"? qelhost --help'),
-                                (["set"], '"set"; did you mean "site set", "page set" or "record set"? qelhost --help'),
-                                (["inxx"], '"inxx"; qelhost --help'),  # at most a third of the letters is changed
-                                (["zzzzzzzz"], '"zzzzzzzz"; qelhost --help')):
-            self.assertIn(f"there is no command {text}", self.host(*arguments, expect=2))
-
     def test_lists_and_results_can_be_json(self):
         self.host("init", self.site)
         self.add_page('Año.html', PAGE)
@@ -834,7 +824,12 @@ class CommandLineTest(HostTest):
 
     @portable
     def test_misuse_ends_with_2_and_points_to_the_help(self):
-        for arguments, reason in (([], "no command is given;"), (["nonsense"], "there is no command"),
+        for arguments, reason in (([], "no command is given;"),
+                                  (["biuld", "x"], 'there is no command "biuld"; did you mean "build"? qelhost --help'),
+                                  (["--plugin", "x", "page", "lsit"], '"page lsit"; did you mean "page list"? qelhost page --help'),
+                                  (["edit", "x"], '"edit"; did you mean "module edit"? qelhost --help'),
+                                  (["set"], '"set"; did you mean "site set", "page set" or "record set"? qelhost --help'),
+                                  (["inxx"], '"inxx"; qelhost --help'),  # at most a third of the letters is changed
                                   (["page"], "no command is given; qelhost page --help"),
                                   (["page", "add", "s"], "FILE is required;"), (["info", "--nonsense"], "no option --nonsense here;"),
                                   (["page", "list", "s", "s2"], '"s2" is one argument too many;'),
