@@ -12,10 +12,8 @@ random numbers from that seed, and timers that fire only when Step() is called.
 import functools
 import http.server
 import itertools
-import os
 import shutil
 import struct
-import subprocess
 import sys
 import tempfile
 import threading
@@ -23,15 +21,16 @@ import unittest
 import urllib.parse
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parents[1] / "tools"))
-from browser import Browser, wait_for
+BROWSER = sys.argv.pop(2)
+sys.dont_write_bytecode = True  # leave the sources' folder as it is
+sys.path.append(str(Path(__file__).parents[1] / "tools"))
 
-STAGE = Path(sys.argv.pop(1)).resolve()
-BROWSER = sys.argv.pop(1)
+from browser import Browser, wait_for
+from host_test import DESIGNS, HostTest, script  # takes its own argument away
+
 PROGRAMS = {"chromium": ["chromium", "chromedriver"], "firefox": ["firefox-esr"]}[BROWSER]
 TIME_ZONE = "America/Santiago"  # has no midnight on 9 October 2005
-DESIGNS = STAGE / "QelPluginAnimationDesigns"
-GLOBO, VALS = "Fiestas/Globo.gif", "Fiestas/Vals.mid"
+GLOBO = "Fiestas/Globo.gif"
 DOCTYPE = "<!DOCTYPE html>"
 FILL = "<style>body{margin:0;min-height:100vh}</style>"
 POLICY = '<meta http-equiv="Content-Security-Policy" content="%s">'
@@ -63,6 +62,7 @@ IN_EVERY_PAGE = """() => {
 def setUpModule():
     global root, server, browser
     root = Path(tempfile.mkdtemp(prefix="qelpage "))
+    tempfile.tempdir = str(root)  # so the site of each test is on the server
     unittest.addModuleCleanup(shutil.rmtree, root, ignore_errors=True)
     handler = http.server.SimpleHTTPRequestHandler
     handler.log_message = lambda *arguments: None
@@ -73,41 +73,28 @@ def setUpModule():
     browser = Browser(BROWSER, root, {"TZ": TIME_ZONE}, IN_EVERY_PAGE, unittest.addModuleCleanup)
 
 
-def script(design=GLOBO, link="", **params):
-    params |= dict(zip(("imagefolder", "image", "midifolder", "midi"), design.split("/") + VALS.split("/")), link=link)
-    tags = [f'<pg.param name="{name}" value="{value}">' for name, value in params.items()]
-    return "\r\n".join(['<pg.plugin uid="QelPluginAnimation" version="1.0">', *tags])
+def module(design=GLOBO, **params):
+    """The script of a module with a motif and a tune."""
+    folder, image = design.split("/")
+    return script(image, folder, **{"playmidi": 1, "midi": "Vals.mid", "midifolder": "Fiestas", **params})
 
 
 def size_of(design):
     return struct.unpack("<HH", (DESIGNS / design).read_bytes()[6:10])
 
 
-class PageTest(unittest.TestCase):
+class PageTest(HostTest):
     def setUp(self):
-        self.folder = Path(tempfile.mkdtemp(prefix="sitio ñ ", dir=root))
-        self.site = self.folder / "s"
-        self.host("init", self.site)
+        super().setUp()
+        self.make_site()
         browser.window(800, 600)
-
-    def host(self, *arguments, stdin=""):
-        environment = {**os.environ, "HOME": str(root), "TMPDIR": str(self.folder), "XDG_DATA_HOME": str(root)}
-        run = subprocess.run([STAGE / "qelhost", *arguments], input=stdin.encode(), capture_output=True, timeout=60,
-                             env=environment)
-        self.assertEqual(run.returncode, 0, f"{arguments}: {run.stdout}{run.stderr}")
-        return run.stdout.decode().strip()
-
-    def add(self, name, content, *scripts):
-        source = self.folder / name  # a file of its own: a build reads it again
-        source.write_text(content, "cp1252" if "windows-1252" in content else "utf-8")
-        self.host("page", "add", self.site, source, "--name", name)
-        for text in scripts:
-            self.host("module", "add", self.site, name, "--script", "-", stdin=text)
 
     def build(self, pages):
         """Builds the site with further pages: the name of each, its text, the scripts of its modules."""
-        for page in pages:
-            self.add(*page)
+        for name, content, *scripts in pages:
+            self.add_page(name, content.encode("cp1252" if "windows-1252" in content else "utf-8"))
+            for text in scripts:
+                self.add_module(name, text)
         self.host("build", self.site)
 
     def address(self, name):
@@ -156,7 +143,7 @@ class PageTest(unittest.TestCase):
             (box, (800, 600), 1, (420, 400)),
             (DOCTYPE + box, (300, 300), 1.25, (420, 400)),
         ]
-        self.build((f"{number}.html", content, script(playmidi=0)) for number, (content, *_) in enumerate(layouts))
+        self.build((f"{number}.html", content, module(playmidi=0)) for number, (content, *_) in enumerate(layouts))
         for number, (content, window, scale, page) in enumerate(layouts):
             with self.subTest(content=content, window=window):
                 browser.window(*window, scale)
@@ -168,30 +155,29 @@ class PageTest(unittest.TestCase):
 
     def test_page_that_does_not_fill_its_window_confines_the_graphic(self):
         short = '<p style="height:100px;margin:0">'
-        self.build([("plain.html", short, script()), ("doctype.html", DOCTYPE + short, script())])
+        self.build([("plain.html", short, module()), ("doctype.html", DOCTYPE + short, module())])
         for name, is_confined in (("plain.html", BROWSER == "firefox"), ("doctype.html", True)):
             with self.subTest(page=name):
                 self.open(name)
                 self.assertEqual(max(box[1] for box in self.walk()[0]) <= 5 + FURTHEST, is_confined)
 
     def test_period_is_counted_by_the_clock_of_the_visitor(self):
-        self.build([("page.html", DOCTYPE, script(**{"from": 38634, "to": 38656}))])
+        self.build([("page.html", DOCTYPE, module(**{"from": 38634, "to": 38656}))])
         self.assertEqual(browser.get("Intl.DateTimeFormat().resolvedOptions().timeZone"), TIME_ZONE)
         for moment, shown in (("10-08T23:59:59.999", 0), ("10-09T01:00", 1), ("10-31T23:59:59.999", 1), ("11-01T00:00:00.001", 0)):
             self.open("page.html", f"?now=2005-{moment}&seed=1")
             self.assertEqual(browser.get("[Boxes().length, document.embeds.length]"), [shown, shown])
 
     def test_graphic_loads_its_picture_and_leads_where_its_link_says(self):
-        paper = self.folder / "año € 1.txt"
-        paper.write_bytes(b"x")
-        self.add("otra ñ.html", DOCTYPE)
-        page, file, web = (self.host("record", "add", self.site, "--kind", *options) for options in (
-            ["page", "--page", "otra ñ.html"], ["file", "--file", paper], ["3", "--address", "http://127.0.0.1:1/?a&b='2'"]))
+        self.add_page("otra ñ.html", DOCTYPE)
+        page, file, web = (self.add_record("--kind", *options) for options in (
+            ["page", "--page", "otra ñ.html"], ["file", "--file", self.file("año € 1.txt", b"x")],
+            ["3", "--address", "http://127.0.0.1:1/?a&b='2'"]))
         cover = '<a href="#" style="position:absolute;left:0;top:0;width:100%;height:100%;z-index:49"></a>'
         cases = {"page.html": (DOCTYPE + cover, page, self.address("otra ñ.html")),
                  "file.html": ('<meta charset="windows-1252">ü' + cover, file, self.address("files/año € 1.txt")),
                  "web.html": (DOCTYPE, web, "http://127.0.0.1:1/?a&b=%272%27"), "none.html": (DOCTYPE, "", None)}
-        self.build((name, content, script(link=link)) for name, (content, link, _) in cases.items())
+        self.build((name, content, module(link=link)) for name, (content, link, _) in cases.items())
         for name, (content, _, href) in cases.items():
             with self.subTest(page=name):
                 self.open(name)
@@ -221,7 +207,7 @@ class PageTest(unittest.TestCase):
 
     def test_modules_of_a_page_drift_beside_each_other(self):
         designs = [path.relative_to(DESIGNS).as_posix() for path in sorted(DESIGNS.glob("[AEV]*/*.gif"))[:10]]
-        ten, off, gone = list(map(script, designs)), script(showimage=0), script(to=38352)
+        ten, off, gone = list(map(module, designs)), module(showimage=0), module(to=38352)
         self.build([("ten.html", FILL, *ten[:4], off, *ten[4:], gone), ("two.html", DOCTYPE + FILL, *ten[:2])])
         for name, numbers in (("ten.html", [1, 2, 3, 4, 6, 7, 8, 9, 10, 11]), ("two.html", [13, 14])):
             self.open(name)
@@ -236,7 +222,7 @@ class PageTest(unittest.TestCase):
         pages = {"plain.html": ("", 1, []), "doctype.html": (DOCTYPE, 1, []),
                  "still.html": (DOCTYPE + POLICY % "script-src 'unsafe-inline'", 1, ["script-src"]),
                  "none.html": (DOCTYPE + POLICY % "script-src 'self'", 0, ["script-src-elem"])}
-        self.build((name, content, script()) for name, (content, *_) in pages.items())
+        self.build((name, content, module()) for name, (content, *_) in pages.items())
         for name, (_, graphics, refused) in pages.items():
             with self.subTest(page=name):
                 self.open(name, "")

@@ -9,6 +9,7 @@
 #include "platform/windows/window/controlHeaders.h"
 #include "Redirection.h"
 
+#include <cwchar>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -53,13 +54,11 @@ HWND WINAPI RecordHelp(HWND myOwner, const char* myFile, UINT myCommand, DWORD_P
 /// In place of GetOpenFileNameW: chooses large.gif, and goes to its folder as the system does.
 BOOL WINAPI RecordFileDialog(OPENFILENAMEW* theDialog)
 {
-    const wchar_t* myEnd = theDialog->lpstrFilter;
-    while (*myEnd != L'\0' || *(myEnd + 1) != L'\0')
+    std::string myFilter;
+    for (const wchar_t* myPart = theDialog->lpstrFilter; *myPart != L'\0'; myPart += std::wcslen(myPart) + 1)
     {
-        ++myEnd;
+        myFilter += ToUtf8(TextOfWide(myPart)) + "|";
     }
-    std::string myFilter = ToUtf8(TextOfWide(std::wstring(theDialog->lpstrFilter, myEnd)));
-    std::ranges::replace(myFilter, '\0', '|');
     WriteCall("file " + ToUtf8(TextOfWide(theDialog->lpstrTitle)) + ", " + myFilter + ", " +
               std::to_string(theDialog->Flags) + ", " + std::to_string(theDialog->nMaxFile) + ", " +
               (theDialog->lpfnHook == nullptr && *theDialog->lpstrFile == L'\0' ? "plain" : "another"));

@@ -88,38 +88,18 @@ inline void LinkFolder(const std::filesystem::path& myFolder, const std::filesys
 inline const bool LinksCanBeDeleted = UnixName(L"C:\\").empty();
 
 /// Removes a folder with its content, whatever the names and attributes in it, as far as possible. A link is
-/// removed, but not its target.
+/// removed, but not its target. Wine cannot do so with each link and name; there the system below it does.
 inline void RemoveTree(const std::filesystem::path& myFolder)
 {
-    std::wstring myPath = std::filesystem::path(myFolder).make_preferred().wstring();
-    myPath.insert(0, myPath.starts_with(L"\\\\?\\") ? L"" : L"\\\\?\\");
-    WIN32_FIND_DATAW myEntry = {};
-    const HANDLE mySearch = FindFirstFileW((myPath + L"\\*").c_str(), &myEntry);
-    for (bool myIsFound = mySearch != INVALID_HANDLE_VALUE; myIsFound; myIsFound = FindNextFileW(mySearch, &myEntry))
+    const std::wstring myUnixName = UnixName(myFolder);
+    if (myUnixName.empty())
     {
-        const std::wstring myName = myEntry.cFileName;
-        const std::wstring myEntryPath = myPath + L"\\" + myName;
-        const auto Has = [&](DWORD myAttribute)
-        {
-            return (myEntry.dwFileAttributes & myAttribute) != 0;
-        };
-        SetFileAttributesW(myEntryPath.c_str(), FILE_ATTRIBUTE_NORMAL);
-        if (Has(FILE_ATTRIBUTE_REPARSE_POINT) && !RemoveDirectoryW(myEntryPath.c_str()))
-        {
-            StartUnixProgram(L"/bin/rm", L"\"" + UnixName(myPath) + L"/" + myName + L"\"");
-            WaitUntil(false, myEntryPath);
-        }
-        else if (!Has(FILE_ATTRIBUTE_DIRECTORY))
-        {
-            DeleteFileW(myEntryPath.c_str());
-        }
-        else if (myName != L"." && myName != L"..")
-        {
-            RemoveTree(myEntryPath);
-        }
+        const std::wstring myName = std::filesystem::path(myFolder).make_preferred().wstring();
+        _wsystem((L"rd /s /q \"\\\\?\\" + myName + L"\"").c_str());
+        return;
     }
-    FindClose(mySearch);
-    RemoveDirectoryW(myPath.c_str());
+    StartUnixProgram(L"/bin/rm", L"-rf \"" + myUnixName + L"\"");
+    WaitUntil(false, myFolder);
 }
 
 /// The variable of the environment that names the folder for temporary files.
