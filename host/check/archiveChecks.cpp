@@ -291,7 +291,7 @@ void Emptied(const CheckContext& myContext)
                         ArchiveOf({{"\\qelspr.gif", myOther}, {"\\qelmid.mid", "other"}}), myOther, "other");
 }
 
-constexpr Check Checks[] = {
+constexpr Check ArchiveCheckList[] = {
     {"archives.sizes", "Files of an archive come out to the last byte, whatever their size", Sizes},
     {"archives.names", "Files come out under their names, in folders and with letters of the code page", Names},
     {"archives.hostile-names", "No name in an archive leads out of the folder into which it is unpacked", HostileNames},
@@ -305,7 +305,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> ArchiveChecks()
 {
-    return Checks;
+    return ArchiveCheckList;
 }
 
 } // namespace qel::host

@@ -163,7 +163,7 @@ void Unloading(const CheckContext& myContext)
     ExpectNumber("calls into the host", 0, static_cast<int64_t>(myState.Calls.size()));
 }
 
-constexpr Check Checks[] = {
+constexpr Check EntryCheckList[] = {
     {"entry.opening", "The component opens, creates its objects and closes", Opening},
     {"entry.exports", "The component exports its four entry points and nothing else", Exports},
     {"entry.unknown-class", "A class that it does not have is refused", UnknownClass},
@@ -181,7 +181,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> EntryChecks()
 {
-    return Checks;
+    return EntryCheckList;
 }
 
 } // namespace qel::host

@@ -166,7 +166,7 @@ void NothingStaged(const CheckContext& myContext)
     ExpectStaged("of a tune without a motif", EmptyParam(u"image"), false, false);
 }
 
-constexpr Check Checks[] = {
+constexpr Check FileCheckList[] = {
     {"files.addresses", "The address of a linked file is joined with one slash", Addresses},
     {"files.joins", "Other addresses and names are joined as the host gives them", PlainJoins},
     {"files.copied-once", "A linked file is copied once, and its address is given whatever comes of it", CopiedOnce},
@@ -179,7 +179,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> FileChecks()
 {
-    return Checks;
+    return FileCheckList;
 }
 
 } // namespace qel::host

@@ -215,7 +215,7 @@ void Threads(const CheckContext& myContext)
     ExpectResult("DllCanUnloadNow after both threads", S_OK, myComponent.CanUnloadNow());
 }
 
-constexpr Check Checks[] = {
+constexpr Check HostCheckList[] = {
     {"host.call-order", "A page asks the host what it needs, in the documented order, and nothing else", Order},
     {"host.failing-calls", "A failed call of the host, whichever it is, ends the page and is named as the reason",
      FailingCalls},
@@ -229,7 +229,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> HostChecks()
 {
-    return Checks;
+    return HostCheckList;
 }
 
 } // namespace qel::host

@@ -144,7 +144,7 @@ void ErrorInfo(const CheckContext& myContext)
                      myFactory->CreateInstance(myFactory.Get(), IID_IUnknown, &myObject));
 }
 
-constexpr Check Checks[] = {
+constexpr Check IdentityCheckList[] = {
     {"identity.unknown", "An object has one IUnknown, whichever interface it is asked of", OneUnknown},
     {"identity.query", "Each interface of an object leads to every other and back, and to no unknown one", QueryRules},
     {"identity.counts", "References are counted, and the last Release ends the object", Counts},
@@ -155,7 +155,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> IdentityChecks()
 {
-    return Checks;
+    return IdentityCheckList;
 }
 
 } // namespace qel::host

@@ -83,7 +83,7 @@ void ForEachTable(const OpenedComponent& myComponent, const std::function<void(c
     myOperation({"QelStringSort", *mySort.Get(), SortNames});
 }
 
-void Names(const CheckContext& myContext)
+void LateNames(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     const auto ExpectNamed = [](const LateObject& myTable, Text myName, HRESULT myResult, DISPID myNumber)
@@ -391,8 +391,8 @@ void LateFailures(const CheckContext& myContext)
                  myPlugin->Invoke(5, GUID_NULL, 0, Get, &myNone, nullptr, nullptr, nullptr));
 }
 
-constexpr Check Checks[] = {
-    {"late.names", "Every member is found by its name, whatever the case, and nothing else is", Names},
+constexpr Check LateBindingCheckList[] = {
+    {"late.names", "Every member is found by its name, whatever the case, and nothing else is", LateNames},
     {"late.kinds", "Every member answers to its own kind of call and to no other", Kinds},
     {"late.values", "Late-bound calls take and return the same values in variants of the right type", LateValues},
     {"late.failures", "A late-bound call that fails says why, and where", LateFailures},
@@ -402,7 +402,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> LateBindingChecks()
 {
-    return Checks;
+    return LateBindingCheckList;
 }
 
 } // namespace qel::host

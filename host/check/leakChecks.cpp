@@ -72,7 +72,7 @@ void PageLeaks(const CheckContext& myContext)
     }
 }
 
-constexpr Check Checks[] = {
+constexpr Check LeakCheckList[] = {
     {"leaks.texts", "Reading and writing texts keeps no memory", TextLeaks},
     {"leaks.objects", "Creating and releasing objects keeps no memory", ObjectLeaks},
     {"leaks.pages", "Writing pages, also ones that fail, keeps no memory and no text of the host", PageLeaks},
@@ -82,7 +82,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> LeakChecks()
 {
-    return Checks;
+    return LeakCheckList;
 }
 
 } // namespace qel::host

@@ -133,7 +133,7 @@ void Bitmaps(const CheckContext& myContext)
     }
 }
 
-constexpr Check Checks[] = {
+constexpr Check MemberCheckList[] = {
     {"members.fixed-texts", "The fixed texts are those of the plug-in, each in its slot", ReadsFixedTexts},
     {"members.answers", "Boolean values are -1 and 0 in 16 bits, and CallBack returns false for every number but 0",
      Answers},
@@ -146,7 +146,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> MemberChecks()
 {
-    return Checks;
+    return MemberCheckList;
 }
 
 } // namespace qel::host

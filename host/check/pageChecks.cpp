@@ -397,7 +397,7 @@ void Days(const CheckContext& myContext)
     ExpectPart("ErrorText of it", u"\"6: ", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
 }
 
-constexpr Check Checks[] = {
+constexpr Check PageCheckList[] = {
     {"output.period", "A page contains the days of its period", Period},
     {"output.staging", "A page with everything is written, and its files are where it says", Staging},
     {"output.links", "Links lead where their form and the kind of their record say", Links},
@@ -416,7 +416,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> PageChecks()
 {
-    return Checks;
+    return PageCheckList;
 }
 
 } // namespace qel::host

@@ -354,7 +354,7 @@ void OneRecord(const CheckContext& myContext)
     ExpectText("Script of a third one", FullScript, ScriptOf(*myComponent.Plugin().Get()));
 }
 
-constexpr Check Checks[] = {
+constexpr Check ReadingCheckList[] = {
     {"reading.entities", "The four entities stand for their characters in every value, and nothing else does",
      Entities},
     {"reading.case", "Prefix and attribute names are read in any case, names of tags and params in theirs alone",
@@ -375,7 +375,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> ReadingChecks()
 {
-    return Checks;
+    return ReadingCheckList;
 }
 
 } // namespace qel::host

@@ -139,7 +139,7 @@ void HugeScripts(const CheckContext& myContext)
     ExpectLink("16 MB without an end of a tag", Param(u"link", u"b") + Text(HugeLength, u'<'), u"b");
 }
 
-constexpr Check Checks[] = {
+constexpr Check ScriptCheckList[] = {
     {"script.initial", "The initial script and the empty one give a module with nothing chosen", Initial},
     {"script.round-trip", "What was written to Script comes back", RoundTrip},
     {"script.other-version", "A script of another version gives a module with nothing chosen, and the reason",
@@ -152,7 +152,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> ScriptChecks()
 {
-    return Checks;
+    return ScriptCheckList;
 }
 
 } // namespace qel::host

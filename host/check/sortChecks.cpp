@@ -238,7 +238,7 @@ void Bounds(const CheckContext& myContext)
     ExpectText("the values of another list", u"", ValuesOf(*myOther.Get()));
 }
 
-constexpr Check Checks[] = {
+constexpr Check SortCheckList[] = {
     {"members.string-sort", "The list of texts keeps its values and sorts them by character code", StringSort},
     {"sort.order", "Texts are sorted by character code, whatever the locale", Order},
     {"sort.many", "Many texts are sorted, in whatever order they come, and none is lost", Many},
@@ -249,7 +249,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> SortChecks()
 {
-    return Checks;
+    return SortCheckList;
 }
 
 } // namespace qel::host

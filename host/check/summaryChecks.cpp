@@ -171,7 +171,7 @@ void ErrorNumbers(const CheckContext& myContext)
     ExpectPart("ErrorText of it", u"\"481: ", Read(*myServed.Plugin.Get(), &QelPlugin::get_ErrorText));
 }
 
-constexpr Check Checks[] = {
+constexpr Check SummaryCheckList[] = {
     {"texts.summaries", "The summary has its parts for picture, tune and period, in every combination", Summaries},
     {"texts.short-names", "The summary fails for a name that is shorter than an ending", ShortNames},
     {"texts.reasons", "The reason of a failure stays until the next script is written, and no longer", Reasons},
@@ -182,7 +182,7 @@ constexpr Check Checks[] = {
 
 std::span<const Check> SummaryChecks()
 {
-    return Checks;
+    return SummaryCheckList;
 }
 
 } // namespace qel::host

@@ -204,7 +204,7 @@ std::string Counted(uint64_t myCount, const char* myNoun)
     return std::to_string(myCount) + " " + myNoun + (myCount == 1 ? "" : "s");
 }
 
-void List(const Arguments& myArguments)
+void ListFiles(const Arguments& myArguments)
 {
     OpenArchive myArchive(myArguments.File);
     const ListedFiles myFiles = myArchive.Listed();
@@ -319,7 +319,7 @@ void DemandArchive(const fs::path& myFile)
 void AddArchiveCommands(CLI::App& theApplication, Arguments& theArguments)
 {
     CLI::App* const myGroup = AddGroup(theApplication, "archive", "Design archives, the files with imported designs");
-    AddArchiveCommand(*myGroup, "list", "Lists the files in an archive", theArguments, List);
+    AddArchiveCommand(*myGroup, "list", "Lists the files in an archive", theArguments, ListFiles);
     CLI::App* const myPack = AddArchiveCommand(*myGroup, "pack", "Packs the files of a folder", theArguments, Pack);
     myPack->footer(
         "Left out are links, hidden files, names that contain \"\\\" or are not UTF-8, and whatever is no plain file.");

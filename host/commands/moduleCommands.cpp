@@ -160,7 +160,7 @@ void Edit(const Arguments& myArguments)
     }
 }
 
-void List(const Arguments& myArguments)
+void ListModules(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"MODULE", "PAGE", "PLACE", "POSITION"}};
     std::vector<JsonMembers> myObjects;
@@ -259,7 +259,8 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
     AddModuleCommand(*myGroup, "show", "Shows what a module will do", theArguments)
         ->callback([&theArguments] { Show(theArguments); });
 
-    AddListCommand(*myGroup, "Lists the modules", theArguments)->callback([&theArguments] { List(theArguments); });
+    AddListCommand(*myGroup, "Lists the modules", theArguments)
+        ->callback([&theArguments] { ListModules(theArguments); });
 }
 
 } // namespace qel::host

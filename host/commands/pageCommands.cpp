@@ -99,7 +99,7 @@ void Set(const Arguments& myArguments)
     }
 }
 
-void List(const Arguments& myArguments)
+void ListPages(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"POSITION", "PAGE", "MODULES", "TITLE"}};
     std::vector<JsonMembers> myObjects;
@@ -160,7 +160,7 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
         });
 
     AddListCommand(*myGroup, "Lists the pages in their order", theArguments)
-        ->callback([&theArguments] { List(theArguments); });
+        ->callback([&theArguments] { ListPages(theArguments); });
 }
 
 } // namespace qel::host

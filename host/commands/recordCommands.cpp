@@ -36,7 +36,7 @@ std::string WithoutLinkPrefix(const std::string& myText)
     return myUid ? std::to_string(*myUid) : myText;
 }
 
-void List(const Arguments& myArguments)
+void ListRecords(const Arguments& myArguments)
 {
     std::vector<std::vector<std::string>> myRows{{"UID", "KIND", "LEADS TO", "TITLE"}};
     std::vector<JsonMembers> myObjects;
@@ -99,7 +99,8 @@ void AddRecordCommands(CLI::App& theApplication, Arguments& theArguments)
     myRemove->add_flag("--force", theArguments.Force, "Removes it even if modules link to it");
     myRemove->callback([&theArguments] { Site(theArguments.Site).RemoveRecord(theArguments.Id, theArguments.Force); });
 
-    AddListCommand(*myGroup, "Lists the records", theArguments)->callback([&theArguments] { List(theArguments); });
+    AddListCommand(*myGroup, "Lists the records", theArguments)
+        ->callback([&theArguments] { ListRecords(theArguments); });
 }
 
 } // namespace qel::host

@@ -97,14 +97,14 @@ Module ReadModule(const Statement& myStatement)
             myStatement.Text(4)};
 }
 
-const std::string Select =
+const std::string SelectModules =
     "SELECT module.id, page.name, place, module.position, script FROM module JOIN page ON page.id = module.page ";
 
 } // namespace
 
 Module Site::ModuleOf(int64_t myId)
 {
-    Statement myStatement(myConnection, Select + "WHERE module.id = ?", {myId});
+    Statement myStatement(myConnection, SelectModules + "WHERE module.id = ?", {myId});
     if (!myStatement.Next())
     {
         throw Failure("the site has no module " + std::to_string(myId) + "; qelhost module list shows those it has");
@@ -114,8 +114,8 @@ Module Site::ModuleOf(int64_t myId)
 
 std::vector<Module> Site::Modules(std::optional<int64_t> myPage)
 {
-    Statement myStatement(myConnection, myPage ? Select + "WHERE module.page = ? ORDER BY place, module.position"
-                                               : Select + "ORDER BY page.position, place, module.position");
+    Statement myStatement(myConnection, myPage ? SelectModules + "WHERE module.page = ? ORDER BY place, module.position"
+                                               : SelectModules + "ORDER BY page.position, place, module.position");
     if (myPage)
     {
         myStatement.Bind({*myPage});

@@ -25,8 +25,8 @@ Record ReadRecord(const Statement& myStatement)
             myStatement.Text(4),   myStatement.Text(5)};
 }
 
-const std::string Select = "SELECT uid, kind, record.title, coalesce(page.name, ''), address, filename"
-                           " FROM record LEFT JOIN page ON page.id = record.page ";
+const std::string SelectRecords = "SELECT uid, kind, record.title, coalesce(page.name, ''), address, filename"
+                                  " FROM record LEFT JOIN page ON page.id = record.page ";
 
 } // namespace
 
@@ -147,7 +147,7 @@ Record Site::RecordOf(int64_t myUid)
 
 std::optional<Record> Site::FindRecord(int64_t myUid)
 {
-    Statement myStatement(myConnection, Select + "WHERE uid = ?", {myUid});
+    Statement myStatement(myConnection, SelectRecords + "WHERE uid = ?", {myUid});
     if (!myStatement.Next())
     {
         return {};
@@ -157,7 +157,7 @@ std::optional<Record> Site::FindRecord(int64_t myUid)
 
 std::vector<Record> Site::Records()
 {
-    Statement myStatement(myConnection, Select + "ORDER BY uid");
+    Statement myStatement(myConnection, SelectRecords + "ORDER BY uid");
     std::vector<Record> theRecords;
     while (myStatement.Next())
     {

@@ -4,6 +4,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <optional>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 
 namespace qel
@@ -40,6 +44,20 @@ constexpr std::pair<const char*, const char*> NoTemporaryPath[] = {
 
 /// Hides an entry whose name begins with a dot.
 inline void Hide(const std::filesystem::path& /*myEntry*/) {}
+
+/// Calls a function in a copy of this process. True if the copy ends after it, false if it is killed there.
+inline std::optional<bool> ReachesItsEnd(const std::function<void()>& myFunction)
+{
+    const pid_t myCopy = fork();
+    if (myCopy == 0)
+    {
+        myFunction();
+        _exit(0);
+    }
+    int myStatus = 0;
+    waitpid(myCopy, &myStatus, 0);
+    return !WIFSIGNALED(myStatus);
+}
 
 /// Ends this process without giving it another moment.
 inline void KillThisProcess()

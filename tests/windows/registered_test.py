@@ -2,6 +2,7 @@
 expected and changes nothing else, and removing it leaves the registry as it was.
 
 Usage: registered_test.py RUN_UNDER_WINE COMPONENT CLIENT_TEST"""
+import os
 import pathlib
 import subprocess
 import sys
@@ -93,7 +94,8 @@ def main(component, client):
         after = registry()
         wine("reg", "delete", host_key, "/f")
     check(f"left or changed: {sorted(after ^ before)}", after == before)
-    check_other_word_length(windows_path)
+    if os.environ.get("WINEARCH") != "win32":  # a Windows of 32 bits has no other word length
+        check_other_word_length(windows_path)
     sys.exit("\n".join(problems) or None)
 
 

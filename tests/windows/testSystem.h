@@ -5,6 +5,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -112,6 +114,12 @@ inline const std::pair<const char*, std::string> NoTemporaryPath[] = {{"TMP", "C
 inline void Hide(const std::filesystem::path& myEntry)
 {
     SetFileAttributesW(myEntry.c_str(), FILE_ATTRIBUTE_HIDDEN);
+}
+
+/// Nothing: the system has no copies of a process.
+inline std::optional<bool> ReachesItsEnd(const std::function<void()>& /*myFunction*/)
+{
+    return {};
 }
 
 /// Ends this process without giving it another moment.

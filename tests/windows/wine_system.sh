@@ -4,7 +4,7 @@
 . tests/fresh_system.sh
 
 # Makes the system: make_wine_system ARCHITECTURE... (the system's first), and then programs for QEL_WINE_PROGRAM:
-# $folder/wine with the 32-bit loader, and $folder/wine64 if the system is an amd64.
+# $folder/wine with the 32-bit loader, and $folder/wine64 if the system is an amd64. Beside them is Wine's server.
 make_wine_system() {
     make_system "$(. /etc/os-release && echo "$VERSION_CODENAME")" "--arch=$1"
     local packages="wine wine32:i386 fonts-wine" shared
@@ -23,7 +23,7 @@ make_wine_system() {
         as_root mount --rbind "$shared" "$root$shared"
         mounted+=("$root$shared")
     done
-    for program in wine wine64; do
+    for program in wine wine64 wineserver; do
         cat >"$folder/$program" <<END_OF_PROGRAM
 #!/bin/sh
 exec $([ "$(id -u)" -eq 0 ] || echo sudo --preserve-env) chroot "$root" env -C "\$PWD" /usr/lib/wine/$program "\$@"

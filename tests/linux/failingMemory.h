@@ -3,21 +3,12 @@
 #pragma once
 
 #include "com/qelcom.h"
+#include "memoryLimit.h"
 
 #include <cstddef>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <new>
-#include <utility>
-
-/// How many pieces of memory this thread still gets; -1: any number.
-inline thread_local int MemoryLeft = -1;
-
-inline bool MemoryIsOut()
-{
-    MemoryLeft -= MemoryLeft > 0 ? 1 : 0;
-    return MemoryLeft == 0;
-}
 
 void* operator new(size_t mySize)
 {
@@ -42,21 +33,5 @@ BSTR SysAllocStringLen(const char16_t* myText, uint32_t myLength)
     return MemoryIsOut() ? nullptr : TheReal(myText, myLength);
 }
 
-namespace qel
-{
-
-/// Runs an operation that fails at its first piece of memory, at its second, and so on, until it succeeds. What it
-/// returns each time goes to `myExamine`, with any number of pieces again.
-template <class Operation, class Examination>
-void FailEachPieceOfMemory(Operation myOperation, Examination myExamine)
-{
-    for (int i = 1, myRest = 0; myRest == 0; ++i)
-    {
-        MemoryLeft = i;
-        const auto myOutcome = myOperation();
-        myRest = std::exchange(MemoryLeft, -1);
-        myExamine(myOutcome);
-    }
-}
-
-} // namespace qel
+/// Replaces them for the loaded library that an address is in; here that has been done already.
+inline void ReplaceMemoryFunctionsOf(const void* /*myAddress*/) {}
