@@ -67,7 +67,7 @@ void UnknownInterface(const CheckContext& myContext)
     ExpectResult("DllCanUnloadNow after failures", S_OK, myComponent.CanUnloadNow());
 }
 
-void NullPointers(const CheckContext& myContext)
+void NullPointersToEntries(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     ExpectResult("DllGetClassObject without a place", E_POINTER,
@@ -168,7 +168,7 @@ constexpr Check EntryCheckList[] = {
     {"entry.exports", "The component exports its four entry points and nothing else", Exports},
     {"entry.unknown-class", "A class that it does not have is refused", UnknownClass},
     {"entry.unknown-interface", "An interface that a class does not have is refused", UnknownInterface},
-    {"entry.null-pointers", "The entry points and the factory refuse null pointers", NullPointers},
+    {"entry.null-pointers", "The entry points and the factory refuse null pointers", NullPointersToEntries},
     {"entry.aggregation", "Its objects cannot be made part of others", Aggregation},
     {"entry.unload-count", "It stays loaded while an object, a factory or a lock is left, and no longer", UnloadCount},
     {"entry.registration", "Registered, its two classes can be created by name, and it can be unregistered again",

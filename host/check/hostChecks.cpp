@@ -15,7 +15,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-void Order(const CheckContext& myContext)
+void CallOrder(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     ServedPlugin myServed(myComponent, myContext);
@@ -216,7 +216,7 @@ void Threads(const CheckContext& myContext)
 }
 
 constexpr Check HostCheckList[] = {
-    {"host.call-order", "A page asks the host what it needs, in the documented order, and nothing else", Order},
+    {"host.call-order", "A page asks the host what it needs, in the documented order, and nothing else", CallOrder},
     {"host.failing-calls", "A failed call of the host, whichever it is, ends the page and is named as the reason",
      FailingCalls},
     {"host.no-services", "A page without services fails with error 91", NoServices},

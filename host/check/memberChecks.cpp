@@ -91,7 +91,7 @@ void RefuseNull(Interface& myObject, HRESULT (STDMETHODCALLTYPE Interface::*myMe
     }
 }
 
-void NullPointers(const CheckContext& myContext)
+void NullPointersToMembers(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     const auto myHeld = myComponent.Plugin();
@@ -138,7 +138,7 @@ constexpr Check MemberCheckList[] = {
     {"members.answers", "Boolean values are -1 and 0 in 16 bits, and CallBack returns false for every number but 0",
      Answers},
     {"members.version", "The version is three numbers without leading zeros", Version},
-    {"members.null-pointers", "Every member refuses null pointers", NullPointers},
+    {"members.null-pointers", "Every member refuses null pointers", NullPointersToMembers},
     {"members.bitmaps", "The two bitmaps are named without a folder and lie beside the component", Bitmaps},
 };
 

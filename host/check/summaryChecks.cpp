@@ -10,7 +10,7 @@ namespace
 
 constexpr TextView NoPicture = u"<warning>Aún no ha seleccionado ningún motivo que representar. Haga clic <callback "
                                u"type=0 icon=1 caption=\"aquí\"> para seleccionar un motivo y una música.";
-constexpr TextView Period = u"El control de tiempo se ha activado.";
+constexpr TextView PeriodSummary = u"El control de tiempo se ha activado.";
 
 /// Settings of the picture or the tune, and the part of the summary about them.
 struct SummaryPart
@@ -73,7 +73,7 @@ void Summaries(const CheckContext& myContext)
             for (const SummaryPart& myPicture : Pictures)
             {
                 ExpectSummary(SummaryScript(myPicture, myTune, myFrom, myTo),
-                              JoinTexts({myPicture.Text, myTune.Text, isSet ? Period : TextView()}));
+                              JoinTexts({myPicture.Text, myTune.Text, isSet ? PeriodSummary : TextView()}));
             }
             ExpectSummary(SummaryScript({u"", u"Fiestas", u"1", u""}, myTune, myFrom, myTo), Text(NoPicture));
         }

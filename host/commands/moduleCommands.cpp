@@ -71,7 +71,7 @@ void TryScript(Component& theComponent, int64_t myModule, const std::string& myS
     }
 }
 
-void Add(const Arguments& myArguments)
+void AddModule(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
     Component myComponent(myArguments.Plugin);
@@ -117,7 +117,7 @@ void PrintSummary(const Component& myComponent)
     std::cout << mySummary;
 }
 
-void Show(const Arguments& myArguments)
+void ShowModule(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
     const Module myModule = mySite.ModuleOf(myArguments.Id);
@@ -222,7 +222,7 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
         ->type_name("FILE");
     AddPath(*myAdd, "--archive", theArguments.Archive, "Its archive of imported files")->type_name("FILE");
     myAdd->footer(ArchiveHelp);
-    myAdd->callback([&theArguments] { Add(theArguments); });
+    myAdd->callback([&theArguments] { AddModule(theArguments); });
 
     CLI::App* const myMove =
         AddModuleCommand(*myGroup, "move", "Moves a module to another position, place or page", theArguments);
@@ -257,7 +257,7 @@ void AddModuleCommands(CLI::App& theApplication, Arguments& theArguments)
 
     AddContentCommands(*myGroup, theArguments);
     AddModuleCommand(*myGroup, "show", "Shows what a module will do", theArguments)
-        ->callback([&theArguments] { Show(theArguments); });
+        ->callback([&theArguments] { ShowModule(theArguments); });
 
     AddListCommand(*myGroup, "Lists the modules", theArguments)
         ->callback([&theArguments] { ListModules(theArguments); });

@@ -56,7 +56,7 @@ void ReportProblems(Site& theSite, const std::string& myPage, const PageInput& m
     }
 }
 
-void Add(const Arguments& myArguments)
+void AddPage(const Arguments& myArguments)
 {
     const std::string myName = myArguments.Name.value_or(TextOf(myArguments.File.filename()));
     const std::string myTitle = myArguments.Title.value_or(TextOf(PathOf(myName).stem()));
@@ -67,7 +67,7 @@ void Add(const Arguments& myArguments)
     ReportProblems(mySite, myName, myInput);
 }
 
-void Show(const Arguments& myArguments)
+void ShowPage(const Arguments& myArguments)
 {
     Site mySite(myArguments.Site);
     std::cout << mySite.PageContent(mySite.PageOf(myArguments.Page).Id);
@@ -133,10 +133,10 @@ void AddPageCommands(CLI::App& theApplication, Arguments& theArguments)
     myAdd->add_option("--name", theArguments.Name, "The page's name, if not that of the file")->type_name("NAME.html");
     myAdd->add_option("--title", theArguments.Title, "What the menu calls the page, if not its name");
     myAdd->footer(PlacesHelp);
-    myAdd->callback([&theArguments] { Add(theArguments); });
+    myAdd->callback([&theArguments] { AddPage(theArguments); });
 
     AddPageCommand("show", "Prints a page's HTML as the site has it")
-        ->callback([&theArguments] { Show(theArguments); });
+        ->callback([&theArguments] { ShowPage(theArguments); });
 
     CLI::App* const mySet = AddPageCommand("set", "Changes a page's HTML, its title or its name");
     AddPath(*mySet, "FILE", theArguments.OptionalFile, "The HTML file; - reads the standard input")->type_name("");
