@@ -13,6 +13,9 @@
 
 namespace qel
 {
+
+const char16_t* const ErrorSource = u"fault_test";
+
 namespace
 {
 
