@@ -196,9 +196,9 @@ class PageTest(HostTest):
             photo[:2] + b"\xff\xe1" + struct.pack(">H", len(turned) + 2) + turned + photo[2:])
         archive = self.folder / "photo.dat"
         self.host("archive", "pack", archive, self.folder / "in")
-        self.add("page.html", DOCTYPE)
-        text = script("(USER)/qelspr.jpg", imagemode="jpg").replace("\r\n", '\r\n<pg.file filename="module1.dat">\r\n', 1)
-        self.host("module", "add", self.site, "page.html", "--script", "-", "--archive", archive, stdin=text)
+        self.add_page("page.html", DOCTYPE)
+        text = module("(USER)/qelspr.jpg", imagemode="jpg", archive="module1.dat")
+        self.add_module("page.html", text, "--archive", archive)
         self.build([])
         self.open("page.html")
         self.assertEqual(self.walk(2)[0][-1][2:], [140, 200])

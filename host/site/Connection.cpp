@@ -3,6 +3,7 @@
 #include "common/Failure.h"
 #include "common/paths.h"
 #include "common/systemReasons.h"
+#include "site/fileOperations.h"
 
 #include <algorithm>
 #include <array>
@@ -17,7 +18,16 @@ namespace
 
 constexpr int WaitInMilliseconds = 10'000;
 
-std::string Advice(int myCode)
+/// True if the disk of a file has no room for the index of SQLite's write-ahead log, of 32 KB.
+bool IsDiskFull(const std::filesystem::path& myFilename)
+{
+    std::error_code myError;
+    const uintmax_t mySpace = FreeSpace(std::filesystem::absolute(myFilename).parent_path(), myError);
+    return !myError && mySpace < 0x8000;
+}
+
+/// What to do about an error of a database.
+std::string Advice(int myCode, const std::filesystem::path& myFilename)
 {
     switch (myCode & 0xFF)
     {
@@ -35,8 +45,10 @@ std::string Advice(int myCode)
     case SQLITE_FULL:
         return DiskIsFull;
     case SQLITE_IOERR:
-        // There is no room for the index of the write-ahead log.
-        return myCode == SQLITE_IOERR_SHMSIZE ? DiskIsFull : "the disk reports an error; check it and try again";
+        // An index that has no room is an error of its own kind only where SQLite can see why.
+        return myCode == SQLITE_IOERR_SHMSIZE || IsDiskFull(myFilename)
+                   ? DiskIsFull
+                   : "the disk reports an error; check it and try again";
     default:
         return {};
     }
@@ -123,7 +135,7 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
         Number("SELECT count(*) FROM sqlite_schema"); // needs the files of the write-ahead log
         if (sqlite3_db_readonly(myHandle.get(), "main") != 0)
         {
-            RefuseWriting(Advice(SQLITE_READONLY));
+            RefuseWriting(Advice(SQLITE_READONLY, myFilename));
         }
     }
     catch (const Failure&)
@@ -134,7 +146,7 @@ Connection::Connection(const std::filesystem::path& theFilename, Mode myMode) : 
             throw;
         }
         OpenForReading();
-        RefuseWriting(Advice((myCode & 0xFF) == SQLITE_CANTOPEN ? SQLITE_READONLY : myCode));
+        RefuseWriting(Advice((myCode & 0xFF) == SQLITE_CANTOPEN ? SQLITE_READONLY : myCode, myFilename));
     }
 }
 
@@ -208,7 +220,7 @@ void Connection::Fail(int myCode) const
     {
         DemandWritable();
     }
-    const std::string myAdvice = Advice(myHandle ? sqlite3_extended_errcode(myHandle.get()) : myCode);
+    const std::string myAdvice = Advice(myHandle ? sqlite3_extended_errcode(myHandle.get()) : myCode, myFilename);
     const std::string myReason = myHandle ? sqlite3_errmsg(myHandle.get()) : sqlite3_errstr(myCode);
     throw Failure(
         TextOf(myFilename) + ": " +

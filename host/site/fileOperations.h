@@ -3,6 +3,7 @@
 /// `theError` is clear after a success, and otherwise says what the system reports.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <system_error>
 
@@ -28,6 +29,9 @@ void FlushFile(const std::filesystem::path& myFile, std::error_code& theError);
 
 /// The same for the names in a folder. Windows writes them in their order without being asked.
 void FlushFolder(const std::filesystem::path& myFolder, std::error_code& theError);
+
+/// How many bytes this user can still write to the disk of a folder.
+uintmax_t FreeSpace(const std::filesystem::path& myFolder, std::error_code& theError);
 
 /// True for an entry that the system's own programs do not show, by its name or its attributes.
 bool IsHidden(const std::filesystem::path& myPath);

@@ -66,6 +66,11 @@ void FlushFolder(const fs::path& myFolder, std::error_code& theError)
     Flush(myFolder, theError);
 }
 
+uintmax_t FreeSpace(const fs::path& myFolder, std::error_code& theError)
+{
+    return fs::space(myFolder, theError).available;
+}
+
 bool IsHidden(const fs::path& myPath)
 {
     return myPath.filename().native().starts_with('.');

@@ -126,6 +126,15 @@ void FlushFolder(const fs::path& /*myFolder*/, std::error_code& theError)
     theError.clear();
 }
 
+uintmax_t FreeSpace(const fs::path& myFolder, std::error_code& theError)
+{
+    // The standard library asks for the drive, which says nothing of a disk that is mounted in a folder.
+    ULARGE_INTEGER theSpace{};
+    theError =
+        GetDiskFreeSpaceExW(myFolder.c_str(), &theSpace, nullptr, nullptr) != 0 ? std::error_code() : LastError();
+    return theSpace.QuadPart;
+}
+
 bool IsHidden(const fs::path& myPath)
 {
     const DWORD myAttributes = GetFileAttributesW(myPath.c_str());
