@@ -26,6 +26,7 @@ struct Case
 {
     std::string Name;
     fs::path Folder; ///< contains in, ours, peer, and the archives
+    double PackTarget;
     double UnpackTarget;
 };
 
@@ -172,9 +173,9 @@ void Compare(const bench::Bench& myBench, Files& myFiles, const Case& myCase)
         UnpackOurs(myFiles, myCase);
     };
 
-    myBench.Compare("pack " + myCase.Name + " / libarchive", 1.0, {Packs, Clears},
+    myBench.Compare("pack " + myCase.Name + " / libarchive", myCase.PackTarget, {Packs, Clears},
                     {[&] { PackWithLibrary(myCase); }, Clears});
-    myBench.Compare("pack " + myCase.Name + " / tar", 1.0, {Packs, Clears},
+    myBench.Compare("pack " + myCase.Name + " / tar", myCase.PackTarget, {Packs, Clears},
                     {[&] {
                          Tar({"-cf", myTar, "-C", myInput, "."});
                      },
@@ -226,8 +227,8 @@ int main(int myCount, char** myArguments)
 {
     const bench::Bench myBench(myCount, myArguments);
     const TemporaryFolder myFolder(bench::WorkPlace());
-    const Case mySmall{"2,000 files of 8 KB", myFolder / "small", 1.0};
-    const Case myLarge{"one file of 1 GiB", myFolder / "large", 1.2};
+    const Case mySmall{"2,000 files of 8 KB", myFolder / "small", 0.9, 0.9};
+    const Case myLarge{"one file of 1 GiB", myFolder / "large", 1.0, 1.2};
     MakeFiles(mySmall.Folder / "in", 2000, 8192);
     MakeFiles(myLarge.Folder / "in", 1, size_t{1} << 30);
     myBench.Record("peak memory, " + mySmall.Name, PeakMemory(mySmall), "MiB");

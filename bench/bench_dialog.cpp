@@ -165,7 +165,7 @@ int main(int myCount, char** myArguments)
 
     OpenInAProcess(myFolder.Native());
     myBench.Record("dialog of 200 folders of 500 motifs, from a process's start",
-                   MedianOf([&] { return OpenInAProcess(myFolder.Native()); }), "ms", 150);
+                   MedianOf([&] { return OpenInAProcess(myFolder.Native()); }), "ms", 50);
     QelPlugin& myPlugin = bench::OpenComponent(myFolder / "QelPluginAnimation.so");
     Open(myPlugin);
     const auto OpenAgain = [&]
@@ -173,7 +173,7 @@ int main(int myCount, char** myArguments)
         const auto myStart = Clock::now();
         return Milliseconds(Open(myPlugin) - myStart);
     };
-    myBench.Record("the same, opened again in one process", MedianOf(OpenAgain), "ms", 150);
+    myBench.Record("the same, opened again in one process", MedianOf(OpenAgain), "ms", 50);
     std::vector<double> myTimes;
     theNextStep = [&]
     {

@@ -211,7 +211,7 @@ int main(int myCount, char** myArguments)
     {
         myTimes.push_back(OpenInAProcess(myComponent));
     }
-    myBench.Record("opening the component and reading a text", bench::Median(myTimes), "ms", 3);
+    myBench.Record("opening the component and reading a text", bench::Median(myTimes), "ms", 0.5);
 
     const std::string myHost = Quoted(myStage / "qelhost") + " --plugin " + Quoted(myComponent);
     const auto myBuilds = [&](const fs::path& mySite)
@@ -234,7 +234,7 @@ int main(int myCount, char** myArguments)
         Quoted(fs::read_symlink("/proc/self/exe")) + " --plain " + Quoted(mySmall / "work") + " " + Quoted(myPlain);
     Run(myPlainCommand);
     Run("diff -r " + Quoted(mySmall / "site/build") + " " + Quoted(myPlain));
-    myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 2.0, myOurs,
+    myBench.Compare("a site of 1,000 pages by qelhost / a plain program", 1.6, myOurs,
                     {[&] { Run(myPlainCommand); },
                      [&]
                      {

@@ -157,7 +157,7 @@ TextView TrimBlanks(TextView myText)
 Text ReplaceAll(TextView myText, TextView myOld, TextView myNew)
 {
     Text theResult;
-    theResult.reserve(myText.size());
+    theResult.reserve(2 * myText.size()); // most results then never have to grow
     size_t myPosition = 0;
     if (!myOld.empty())
     {
