@@ -1,9 +1,25 @@
-' While a program uses the component, its uninstaller fails and removes nothing. Argument: the installation's folder.
+' While a program uses the component, or has another file of the installation open, its uninstaller fails and removes
+' nothing. Argument: the installation's folder.
 Option Explicit
-Dim Plugin, Folder, Code
+Dim Folder, Files, Held, Name
 
 Folder = WScript.Arguments(0)
-Set Plugin = CreateObject("QelPluginAnimation.Main")
-Code = CreateObject("WScript.Shell").Run("""" & Folder & "\uninstall.exe"" /S _?=" & Folder, 0, True)
-If Code = 2 And Plugin.Version <> "" Then WScript.Quit 100
-WScript.Echo "The uninstaller ended with " & Code
+Set Files = CreateObject("Scripting.FileSystemObject")
+
+Sub DemandRefusal(What)
+    Dim Code
+    Code = CreateObject("WScript.Shell").Run("""" & Folder & "\uninstall.exe"" /S _?=" & Folder, 0, True)
+    If Code <> 2 Or Not Files.FileExists(Folder & "\x86\LICENSE") Then
+        WScript.Echo "With " & What & " in use the uninstaller ended with " & Code
+        WScript.Quit 1
+    End If
+End Sub
+
+For Each Name In Array("QelPluginAnimation.chm", "qelhost.exe", "qelhostWindow.dll")
+    Set Held = Files.OpenTextFile(Folder & "\x86\" & Name, 1)
+    DemandRefusal Name
+    Held.Close
+Next
+Set Held = CreateObject("QelPluginAnimation.Main")
+DemandRefusal "the component"
+If Held.Version <> "" Then WScript.Quit 100

@@ -26,6 +26,12 @@ pack -G NSIS -B "$work" -D CPACK_PACKAGE_FILE_NAME=older -D CPACK_PACKAGE_VERSIO
     -D "CPACK_INSTALLED_DIRECTORIES=$work/older;x86/QelPluginAnimationDesigns/Antiguos"
 
 run() { tools/run-under-wine "$@" >"$folder/log" || fail "$* ended with $?: $(cat "$folder/log")"; }
+# The installer refuses a folder, and changes nothing.
+refuses() { # folder, options
+    local code=0
+    tools/run-under-wine build/windows/tesselwind-*-windows.exe /S "${@:2}" "/D=$1" >"$folder/log" || code=$?
+    [ $code = 2 ] || fail "the installer ended with $code in $1 ${*:2}"
+}
 # Runs a script with each engine of the system: those of 64 and of 32 bits. Their own errors end them with 0.
 clients() { # script [argument]
     local engine code
@@ -70,9 +76,13 @@ test_in() { # name of the Windows, loader, folder of its word size, engines, par
     # What a user of Windows has already, but a fresh one of Wine has not.
     for key in CLSID Interface TypeLib; do run reg add "HKCU\\Software\\Classes\\$key" /f; done
     mkdir -p "$drive/users/$(id -un)/AppData/Local/Programs"
+    mkdir "$drive/taken"
+    echo "another program's" >"$drive/taken/uninstall.exe"
     state >"$work/before"
+    refuses 'C:\taken' "$6" # for one user also because it is nobody's own folder
+    [ "$6" = /CurrentUser ] || refuses "C:\\users\\$(id -un)\\folder" "$6"
     run "$work/older.exe" /S "${@:6}"
-    at=$(dirname "$(find "$drive" -name uninstall.exe)") at_windows=C:$(echo "${at#"$drive"}" | tr / '\\')
+    at=$(dirname "$(find "$drive" -path '*/Tesselwind/uninstall.exe')") at_windows=C:$(echo "${at#"$drive"}" | tr / '\\')
     [ -f "$at/x86/QelPluginAnimationDesigns/Antiguos/Cigüeña.gif" ] || fail "the older version has not been installed"
     run build/windows/tesselwind-*-windows.exe /S "${@:6}"
     [ ! -e "$at/x86/QelPluginAnimationDesigns/Antiguos" ] || fail "the upgrade leaves a file of the older version"
@@ -94,4 +104,4 @@ test_in() { # name of the Windows, loader, folder of its word size, engines, par
 test_in win64-all wine64 x64 'system32 syswow64' HKEY_LOCAL_MACHINE /AllUsers
 # Wine finds no classes of one user, so there the entries alone are looked at.
 test_in win64-one wine64 x64 '' HKEY_CURRENT_USER /CurrentUser
-test_in win32-all wine x86 system32 HKEY_LOCAL_MACHINE '/D=C:\Tesselwind'
+test_in win32-all wine x86 system32 HKEY_LOCAL_MACHINE /AllUsers '/D=C:\Tesselwind'
