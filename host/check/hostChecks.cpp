@@ -3,8 +3,9 @@
 #include "text/encodings.h"
 
 #include <array>
-#include <barrier>
+#include <condition_variable>
 #include <exception>
+#include <mutex>
 #include <thread>
 
 namespace qel::host
@@ -165,10 +166,38 @@ void NoDisplay(const CheckContext& myContext)
 
 constexpr int Rounds = 25;
 
+/// Where two threads wait for each other. The barrier of the standard library misses wake-ups on Windows as mingw-w64
+/// builds it, and then waits for ever.
+class Meeting
+{
+public:
+    /// Returns when the other thread has come too, or has left.
+    void Await()
+    {
+        std::unique_lock myLock(myMutex);
+        const int myRound = myArrivals / 2;
+        ++myArrivals;
+        myChange.notify_one();
+        myChange.wait(myLock, [&] { return myArrivals / 2 != myRound || myHasLeft; });
+    }
+    void Leave()
+    {
+        const std::unique_lock myLock(myMutex);
+        myHasLeft = true;
+        myChange.notify_one();
+    }
+
+private:
+    std::mutex myMutex;
+    std::condition_variable myChange;
+    int myArrivals = 0;
+    bool myHasLeft = false;
+};
+
 /// What a thread does at the same time as another: it keeps a module of its own and writes its page. In each round it
 /// waits for the other between writing and reading.
 void KeepModule(const OpenedComponent& myComponent, const CheckContext& myContext, int32_t myNumber,
-                std::barrier<>& theMeeting)
+                Meeting& theMeeting)
 {
     ServedPlugin myServed(myComponent, {myContext.File, fs::absolute(std::to_string(myNumber))});
     myServed.State.Instance = myNumber;
@@ -176,10 +205,10 @@ void KeepModule(const OpenedComponent& myComponent, const CheckContext& myContex
     const Text myScript = Param(u"image", u"a.gif") + Param(u"showimage", u"0") + Param(u"playmidi", u"0");
     for (int i = 0; i < Rounds; ++i)
     {
-        theMeeting.arrive_and_wait();
+        theMeeting.Await();
         ExpectPart("the page of a thread", u"var showme" + myDigits + u"=true;",
                    myServed.Output(myScript + Param(u"link", myDigits)));
-        theMeeting.arrive_and_wait();
+        theMeeting.Await();
         ExpectPart("the script of a thread", Param(u"link", myDigits), ScriptOf(*myServed.Plugin.Get()));
     }
 }
@@ -188,7 +217,7 @@ void Threads(const CheckContext& myContext)
 {
     const OpenedComponent myComponent(myContext);
     std::array<std::exception_ptr, 2> theFailures;
-    std::barrier theMeeting(2);
+    Meeting theMeeting;
     const auto Work = [&](size_t myIndex)
     {
         try
@@ -199,7 +228,7 @@ void Threads(const CheckContext& myContext)
         catch (...)
         {
             theFailures.at(myIndex) = std::current_exception();
-            theMeeting.arrive_and_drop();
+            theMeeting.Leave();
         }
     };
     std::thread mySecond(Work, 1);
