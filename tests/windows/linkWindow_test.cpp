@@ -92,5 +92,27 @@ TEST(LinkWindow, Choice_IsTheRecordOrAddressChosenLast)
             {"101 0 OK ", Records, WM_KEYDOWN, VK_ESCAPE}});
 }
 
+TEST(LinkWindow, ScaleChange_TakesTheSuggestedPlace)
+{
+    constexpr WORD NewDpi = 192;
+    LinkChoice theChoice;
+    RECT thePlace = {};
+    const RECT mySuggested = {10, 20, 910, 720};
+    std::thread myUser(
+        [&]
+        {
+            ExpectShown("103 -1 no ");
+            HWND const myWindow = GetParent(Control(Address));
+            SendMessageW(myWindow, WM_DPICHANGED, MAKEWPARAM(NewDpi, NewDpi), reinterpret_cast<LPARAM>(&mySuggested));
+            GetWindowRect(myWindow, &thePlace);
+            PostMessageW(myWindow, WM_CLOSE, 0, 0);
+        });
+    Error theFailure{};
+    const SharedLibrary myModule(QEL_STAGE "/qelhostWindow.dll");
+    myModule.Find<LinkWindowEntry*>(LinkWindowEntryName)(theChoice, theFailure);
+    myUser.join();
+    EXPECT_TRUE(EqualRect(&thePlace, &mySuggested));
+}
+
 } // namespace
 } // namespace qel::host

@@ -54,8 +54,8 @@ void SetCell(HWND myList, int myRow, int myColumn, TextView myText)
     SendMessageW(myList, myColumn == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&myItem));
 }
 
-/// The place of a window of this size in the middle of another one, or of the screen, and on the screen in any case.
-POINT MiddleOf(HWND myOwner, SIZE mySize)
+/// The place for a window of this size in the middle of another one, or of the screen, and on the screen in any case.
+RECT MiddleOf(HWND myOwner, SIZE mySize)
 {
     MONITORINFO myScreen = {};
     myScreen.cbSize = sizeof(myScreen);
@@ -65,8 +65,9 @@ POINT MiddleOf(HWND myOwner, SIZE mySize)
     GetWindowRect(myOwner, &myMiddle);
     const LONG myLeft = (myMiddle.left + myMiddle.right - mySize.cx) / 2;
     const LONG myTop = (myMiddle.top + myMiddle.bottom - mySize.cy) / 2;
-    return {std::max(std::min(myLeft, myRoom.right - mySize.cx), myRoom.left),
-            std::max(std::min(myTop, myRoom.bottom - mySize.cy), myRoom.top)};
+    const POINT myCorner = {std::max(std::min(myLeft, myRoom.right - mySize.cx), myRoom.left),
+                            std::max(std::min(myTop, myRoom.bottom - mySize.cy), myRoom.top)};
+    return {myCorner.x, myCorner.y, myCorner.x + mySize.cx, myCorner.y + mySize.cy};
 }
 
 } // namespace
@@ -84,6 +85,10 @@ bool LinkDialog::Show(HWND myOwner)
     myTemplate.Head.style = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_CLIPCHILDREN;
     const INT_PTR theAnswer = DialogBoxIndirectParamW(GetModuleHandleW(nullptr), &myTemplate.Head, myOwner,
                                                       &DialogProcedure, reinterpret_cast<LPARAM>(this));
+    if (myFailure)
+    {
+        std::rethrow_exception(myFailure);
+    }
     if (theAnswer <= 0)
     {
         Raise(ErrorNumber::DeviceError);
@@ -99,7 +104,20 @@ INT_PTR CALLBACK LinkDialog::DialogProcedure(HWND myDialog, UINT myMessage, WPAR
         reinterpret_cast<LinkDialog*>(mySecond)->myWindow = myDialog;
     }
     auto* const theDialog = reinterpret_cast<LinkDialog*>(GetWindowLongPtrW(myDialog, DWLP_USER));
-    return theDialog == nullptr ? FALSE : theDialog->Answer(myMessage, myFirst, mySecond);
+    if (theDialog == nullptr)
+    {
+        return FALSE;
+    }
+    try
+    {
+        return theDialog->Answer(myMessage, myFirst, mySecond);
+    }
+    catch (...) // nothing may be thrown through the system
+    {
+        theDialog->myFailure = std::current_exception();
+        EndDialog(myDialog, IDCANCEL);
+        return TRUE;
+    }
 }
 
 /// Handles a message. FALSE: the system handles it.
@@ -118,7 +136,8 @@ INT_PTR LinkDialog::Answer(UINT myMessage, WPARAM myFirst, LPARAM mySecond)
                                                                    myScale.Pixels(SmallestSize.cy)};
         return TRUE;
     case WM_DPICHANGED:
-        Scaled(LOWORD(myFirst));
+        TakeScale(LOWORD(myFirst));
+        Place(*reinterpret_cast<const RECT*>(mySecond)); // which keeps the window under the mouse
         return TRUE;
     case WM_COMMAND:
         TakeCommand(LOWORD(myFirst), HIWORD(myFirst));
@@ -145,7 +164,9 @@ void LinkDialog::Fill()
     SendMessageW(Control(AddressField), EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(L"https://example.org/"));
     SetWindowTextW(Control(AddressField), WideText(myChoice.Address).c_str());
     SetWindowTextW(Control(NoteLabel), WideText(myChoice.Note).c_str());
-    Scaled(GetDpiForWindow(myWindow));
+    KeepLayout(myWindow);
+    TakeScale(GetDpiForWindow(myWindow));
+    Place(FirstPlace());
     UpdateConfirm();
     const bool myIsTyped = !myChoice.Address.empty() || myChoice.Rows.empty();
     SetFocus(Control(myIsTyped ? AddressField : RecordsList));
@@ -177,8 +198,8 @@ void LinkDialog::FillRecords()
     }
 }
 
-/// Gives the window its first size at a scale, in the middle of its owner, and everything in it the system's font.
-void LinkDialog::Scaled(UINT myDotsPerInch)
+/// Takes over the scale of a screen, and its font for everything in the window.
+void LinkDialog::TakeScale(UINT myDotsPerInch)
 {
     myScale = Scale(myDotsPerInch);
     NONCLIENTMETRICSW myMetrics = {};
@@ -189,9 +210,20 @@ void LinkDialog::Scaled(UINT myDotsPerInch)
     {
         SendMessageW(Control(myControl.Id), WM_SETFONT, reinterpret_cast<WPARAM>(myFont.get()), TRUE);
     }
-    const SIZE mySize = {myScale.Pixels(StartSize.cx), myScale.Pixels(StartSize.cy)};
-    const POINT myPlace = MiddleOf(GetWindow(myWindow, GW_OWNER), mySize);
-    SetWindowPos(myWindow, nullptr, myPlace.x, myPlace.y, mySize.cx, mySize.cy, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+/// In the middle of the owner, at the first size.
+RECT LinkDialog::FirstPlace() const
+{
+    return MiddleOf(GetWindow(myWindow, GW_OWNER), {myScale.Pixels(StartSize.cx), myScale.Pixels(StartSize.cy)});
+}
+
+/// Moves the window to a place, and gives the columns of the list their widths there.
+void LinkDialog::Place(const RECT& myPlace)
+{
+    SetWindowPos(myWindow, nullptr, myPlace.left, myPlace.top, myPlace.right - myPlace.left,
+                 myPlace.bottom - myPlace.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    Arrange(); // also when the size stays as it is
     HWND const myList = Control(RecordsList);
     ListView_SetColumnWidth(myList, 0, LVSCW_AUTOSIZE);
     ListView_SetColumnWidth(myList, 0, ListView_GetColumnWidth(myList, 0) + myScale.Pixels(ColumnGap));
@@ -244,8 +276,8 @@ void LinkDialog::TakeCommand(UINT myControl, UINT myNotification)
     }
     else if (myControl == IDOK && IsWindowEnabled(Control(IDOK)) != 0)
     {
+        myChoice.Address = TypedAddress(); // the only one that can fail
         myChoice.Row = SelectedRow();
-        myChoice.Address = TypedAddress();
         EndDialog(myWindow, IDOK);
     }
     else if (myControl == IDCANCEL)

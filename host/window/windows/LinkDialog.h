@@ -7,6 +7,8 @@
 #include "platform/windows/window/appearance.h"
 #include "site/LinkChoice.h"
 
+#include <exception>
+
 namespace qel::host
 {
 
@@ -19,7 +21,8 @@ public:
     LinkDialog& operator=(const LinkDialog&) = delete;
 
     /// Shows the window above another one, which is disabled meanwhile, or above none. Returns whether the author has
-    /// confirmed it; else the choice is unchanged. Error 57: there is no display.
+    /// confirmed it; else the choice is unchanged. Error 57: there is no display. What fails in the window closes it
+    /// and is thrown here.
     bool Show(HWND myOwner);
 
 private:
@@ -27,7 +30,9 @@ private:
     INT_PTR Answer(UINT myMessage, WPARAM myFirst, LPARAM mySecond);
     void Fill();
     void FillRecords();
-    void Scaled(UINT myDotsPerInch);
+    void TakeScale(UINT myDotsPerInch);
+    RECT FirstPlace() const;
+    void Place(const RECT& myPlace);
     void Arrange();
     void TakeCommand(UINT myControl, UINT myNotification);
     void TakeNotice(const NMHDR& myNotice);
@@ -40,6 +45,7 @@ private:
     HWND myWindow = nullptr;
     Scale myScale;
     Owned<HFONT, &DeleteObject> myFont;
+    std::exception_ptr myFailure;
 };
 
 /// The identifiers of the controls besides those of OK and Cancel.

@@ -65,19 +65,6 @@ bool IsBox(const ControlLayout& myLayout)
     return std::ranges::any_of(MainFormControls, [&](const auto& c) { return c.Parent == myLayout.Name; });
 }
 
-/// Stops the system from enlarging a dialog by itself on a screen with another scale. The older versions that lack this
-/// function do not enlarge dialogs.
-void KeepLayout(HWND myDialog)
-{
-    using Function = BOOL(WINAPI*)(HWND, int myMask, int myValues);
-    constexpr int DisableAll = 1;
-    const FARPROC myAddress = GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetDialogDpiChangeBehavior");
-    if (const auto myFunction = reinterpret_cast<Function>(reinterpret_cast<void*>(myAddress)))
-    {
-        myFunction(myDialog, DisableAll, DisableAll);
-    }
-}
-
 } // namespace
 
 UINT DialogId(const ControlLayout& myLayout)
@@ -129,7 +116,7 @@ FormDialog::FormDialog() : myFont(FormFont(Scale(), Regular))
     }
     SendMessageW(Window(), DM_SETDEFID, IDOK, 0);
     KeepLayout(Window());
-    Scaled(Scale(GetDpiForWindow(Window())));
+    TakeScale(Scale(GetDpiForWindow(Window())));
 }
 
 HWND FormDialog::Control(TextView myName) const

@@ -75,7 +75,7 @@ private:
     HWND MakeBox(HWND myParent, DWORD myStyle, DWORD myExtendedStyle);
     HWND MakeControl(const ControlLayout& myLayout, HWND myParent);
     void FillToolBar(HWND myToolBar);
-    void Scaled(Scale myNewScale);
+    void TakeScale(Scale myNewScale);
     void ReplaceIcon(Icon& theIcon, Icon myNewIcon);
     void Place(Part& thePart);
     void SetCombosHeight(HWND myCombo) const;

@@ -20,7 +20,7 @@ bool HasLines(const ControlLayout& myLayout)
 } // namespace
 
 /// Scales everything: the window, its controls, their fonts and pictures.
-void FormDialog::Scaled(Scale myNewScale)
+void FormDialog::TakeScale(Scale myNewScale)
 {
     myScale = myNewScale;
     RECT myFrame = {0, 0, myScale.Twips(MainFormLayout.ClientWidth), myScale.Twips(MainFormLayout.ClientHeight)};
@@ -165,7 +165,7 @@ void FormDialog::MoveInto(const RECT& myRoom, LONG myLeft, LONG myTop)
 /// suggests a place that keeps the window under the mouse.
 void FormDialog::FollowScale(UINT myDotsPerInch, const RECT& mySuggestion)
 {
-    Scaled(Scale(myDotsPerInch));
+    TakeScale(Scale(myDotsPerInch));
     MONITORINFO myScreen = {};
     myScreen.cbSize = sizeof(myScreen);
     GetMonitorInfoW(MonitorFromRect(&mySuggestion, MONITOR_DEFAULTTONEAREST), &myScreen);
@@ -175,7 +175,7 @@ void FormDialog::FollowScale(UINT myDotsPerInch, const RECT& mySuggestion)
 /// Adopts the colours that the user has changed.
 void FormDialog::FollowColours()
 {
-    Scaled(myScale); // the images of the tool bar have colours of the system
+    TakeScale(myScale); // the images of the tool bar have colours of the system
     for (const Part& myPart : myParts)
     {
         SendMessageW(myPart.Window, WM_SYSCOLORCHANGE, 0, 0); // which the system sends only to the form

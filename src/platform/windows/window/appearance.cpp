@@ -132,6 +132,17 @@ std::wstring WindowText(HWND myWindow)
     return theText;
 }
 
+void KeepLayout(HWND myDialog)
+{
+    using Function = BOOL(WINAPI*)(HWND, int myMask, int myValues);
+    constexpr int DisableAll = 1;
+    const FARPROC myAddress = GetProcAddress(GetModuleHandleW(L"user32.dll"), "SetDialogDpiChangeBehavior");
+    if (const auto myFunction = reinterpret_cast<Function>(reinterpret_cast<void*>(myAddress)))
+    {
+        myFunction(myDialog, DisableAll, DisableAll);
+    }
+}
+
 Font FormFont(Scale myScale, int32_t myWeight, int myWidth)
 {
     const int myHeight =

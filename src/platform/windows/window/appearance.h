@@ -51,6 +51,10 @@ SIZE TextSize(HFONT myFont, const std::wstring& myText, LONG myWidth, bool myHas
 /// What a window shows as its text.
 std::wstring WindowText(HWND myWindow);
 
+/// Stops the system from enlarging a dialog by itself on a screen with another scale. The older versions that lack this
+/// function do not enlarge dialogs.
+void KeepLayout(HWND myDialog);
+
 /// The font of the form. A width of 0 is the font's own; another one is that of an average character, in pixels.
 Font FormFont(Scale myScale, int32_t myWeight, int myWidth = 0);
 
