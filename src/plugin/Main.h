@@ -5,7 +5,7 @@
 #include "com/CountedObject.h"
 #include "com/interfaceTables.h"
 #include "com/QelHelperInterfaces.h"
-#include "plugin/LivingObject.h"
+#include "platform/LivingObject.h"
 
 namespace qel
 {

@@ -4,7 +4,7 @@
 #include "com/CountedObject.h"
 #include "com/interfaceTables.h"
 #include "com/QelHelperInterfaces.h"
-#include "plugin/LivingObject.h"
+#include "platform/LivingObject.h"
 #include "utilities/classStringSort.h"
 
 namespace qel

@@ -3,8 +3,8 @@
 #include "com/failure.h"
 #include "com/QelHelperInterfaces.h"
 #include "com/registration.h"
+#include "platform/LivingObject.h"
 #include "plugin/Apartment.h"
-#include "plugin/LivingObject.h"
 #include "plugin/Main.h"
 #include "plugin/StringSortObject.h"
 

@@ -1,6 +1,7 @@
 /// What the settings dialog has on this system alone: owners, threads, the calls of the system's functions to the
 /// character, and what its window does with scales, colours and long names.
 #include "DialogTest.h"
+#include "platform/LivingObject.h"
 #include "platform/windows/window/controls.h"
 #include "Redirection.h"
 #include "resources/stringTable.h"
@@ -130,6 +131,35 @@ TEST_F(FormDialogTest, ScaleChange_KeepsProportionsPlaceCaptionsAndIcons)
         EXPECT_EQ(reinterpret_cast<HICON>(SendMessageW(myImage, STM_GETICON, 0, 0)),
                   myDialog.ImportIcon(InformationIcon));
     }
+}
+
+TEST_F(FormDialogTest, Help_ByTheKeyOnTheFormItself)
+{
+    bool myIsAsked = false;
+    myDialog.Reported = [&](const ControlLayout& myControl, UINT /*myNotification*/)
+    {
+        myIsAsked = myIsAsked || myControl.Name == u"cmdHelp";
+    };
+    PostMessageW(myDialog.Window(), WM_KEYDOWN, VK_F1, 1);
+    PostMessageW(myDialog.Window(), WM_CLOSE, 0, 0);
+    myDialog.ShowModally();
+    EXPECT_TRUE(myIsAsked);
+}
+
+TEST(ScreenReader, Description_KeepsTheComponentLoaded)
+{
+    CoInitialize(nullptr);
+    IAccessible* myDescription = nullptr;
+    {
+        const FormDialog myDialog;
+        AccessibleObjectFromWindow(myDialog.Control(u"lstImage"), static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible,
+                                   reinterpret_cast<void**>(&myDescription));
+    }
+    ASSERT_NE(myDescription, nullptr);
+    EXPECT_EQ(LivingObjectCount, 1U);
+    myDescription->Release();
+    EXPECT_EQ(LivingObjectCount, 0U);
+    CoUninitialize();
 }
 
 /// In place of SystemParametersInfoW: the user wants a rich contrast.

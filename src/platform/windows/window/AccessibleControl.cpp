@@ -1,5 +1,6 @@
 #include "platform/windows/window/AccessibleControl.h"
 
+#include "platform/LivingObject.h"
 #include "platform/windows/wideText.h"
 
 #include <atomic>
@@ -131,6 +132,7 @@ private:
     std::atomic<ULONG> myReferences = 1;
     IAccessible* mySystems;
     std::wstring myName;
+    LivingObject myIsAlive; // a screen reader may hold it longer than the control lives
 };
 
 IAccessible* MakeDescription(HWND myControl, TextView myName) noexcept

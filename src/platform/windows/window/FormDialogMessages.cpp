@@ -1,5 +1,6 @@
 #include "platform/windows/window/entries.h"
 #include "platform/windows/window/FormDialog.h"
+#include "platform/windows/window/handlerResult.h"
 
 #include <algorithm>
 
@@ -9,7 +10,7 @@ namespace qel
 /// Handles the keys that the system's dialogs do not: F1, and Enter on controls that act like push buttons.
 bool FormDialog::TakeKey(const MSG& myMessage)
 {
-    if (myMessage.message != WM_KEYDOWN || IsChild(Window(), myMessage.hwnd) == 0)
+    if (myMessage.message != WM_KEYDOWN || (myMessage.hwnd != Window() && IsChild(Window(), myMessage.hwnd) == 0))
     {
         return false;
     }
@@ -68,7 +69,10 @@ INT_PTR CALLBACK FormDialog::DialogProcedure(HWND myWindow, UINT myMessage, WPAR
         return FALSE; // the focus stays where it is
     }
     auto* const theDialog = reinterpret_cast<FormDialog*>(GetWindowLongPtrW(myWindow, DWLP_USER));
-    return theDialog == nullptr ? FALSE : theDialog->Answer(myWindow, myMessage, myFirst, mySecond);
+    return theDialog == nullptr
+               ? FALSE
+               : HandlerResult([&] { return theDialog->Answer(myWindow, myMessage, myFirst, mySecond); })
+                     .value_or(FALSE);
 }
 
 /// Handles a message of the form or of a box in it. FALSE: the system handles it.
@@ -204,7 +208,9 @@ void FormDialog::DrawPart(const DRAWITEMSTRUCT& myItem) const
 LRESULT CALLBACK FormDialog::ControlProcedure(HWND myWindow, UINT myMessage, WPARAM myFirst, LPARAM mySecond)
 {
     Part& thePart = *reinterpret_cast<Part*>(GetWindowLongPtrW(myWindow, GWLP_USERDATA));
-    return thePart.Dialog->AnswerInControl(thePart, myMessage, myFirst, mySecond);
+    const std::optional<LRESULT> myAnswer =
+        HandlerResult([&] { return thePart.Dialog->AnswerInControl(thePart, myMessage, myFirst, mySecond); });
+    return myAnswer ? *myAnswer : CallWindowProcW(thePart.SystemProcedure, myWindow, myMessage, myFirst, mySecond);
 }
 
 /// Handles a message of a control before the system does.

@@ -1,16 +1,19 @@
 #include "platform/windows/window/ModalOwner.h"
 
+#include "platform/windows/window/handlerResult.h"
+
 namespace qel
 {
 namespace
 {
 
-/// Adds a window to a list, for EnumThreadWindows.
+/// Adds a window to a list, for EnumThreadWindows. Without memory for it the window is left out.
 BOOL CALLBACK AddIfEnabled(HWND myWindow, LPARAM theList)
 {
     if (IsWindowEnabled(myWindow) != 0)
     {
-        reinterpret_cast<std::vector<HWND>*>(theList)->push_back(myWindow);
+        auto& theWindows = *reinterpret_cast<std::vector<HWND>*>(theList);
+        HandlerResult([&] { return &theWindows.emplace_back(myWindow); });
     }
     return TRUE;
 }

@@ -12,7 +12,7 @@ inline std::atomic<uint32_t> LivingObjectCount = 0;
 /// Counted separately from the objects, so that unlocking too often does not unload a component with objects.
 inline std::atomic<uint32_t> LockCount = 0;
 
-/// A member of every object that the host can hold.
+/// A member of every object that a host, or another program such as a screen reader, can hold.
 class LivingObject
 {
 public:
