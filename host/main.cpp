@@ -82,7 +82,7 @@ int Fail(const std::string& myText, int myCode)
 
 int main(int myCount, char** myTexts)
 {
-    const StandardStreams myStreams;
+    PrepareStandardStreams();
     try
     {
         return Run(CommandLine(myCount, myTexts));

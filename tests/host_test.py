@@ -341,8 +341,9 @@ class BuildTest(HostTest):
         (build / "out").symlink_to(self.folder)
         (self.folder / "precious").write_text("precious")
         odd = [] if WINDOWS else ["a\nb"]
-        for name in ("INDEX.html", "Images/a.gif", "media", ".htaccess", "css/.git", "mine.css", "out/precious", "good.css", *odd):
-            (static / name).parent.mkdir(exist_ok=True)
+        far = "/".join(["n" * 130] * 2 + ["good.css"])
+        for name in ("INDEX.html", "Images/a.gif", "media", ".htaccess", "css/.git", "mine.css", "out/precious", "good.css", far, *odd):
+            (static / name).parent.mkdir(exist_ok=True, parents=True)
             self.file(static / name, b"x")
         (static / "link").symlink_to(self.folder)
         if not WINDOWS:
@@ -351,7 +352,7 @@ class BuildTest(HostTest):
         names = {line.split(": ")[0] for line in lines}
         self.assertEqual(names, {f"static/{name}" for name in ("INDEX.html", "Images", "media", ".htaccess", "css/.git", "mine.css", "out/precious", "link",
                                                                *([] if WINDOWS else ["a?b", "pipe"]))})
-        self.assertEqual(tree(build).keys(), {".qelhost", "index.html", "mine.css", "good.css"})
+        self.assertEqual(tree(build).keys(), {".qelhost", "index.html", "mine.css", "good.css", far})
         self.assertEqual((build / "mine.css").read_text() + (self.folder / "precious").read_text(), "mineprecious")
         with open(build / ".qelhost", "a") as written:
             written.write("/../data/x\n/css\\..\\..\\data\\x\n/out/precious\n/images/\n")

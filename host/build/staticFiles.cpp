@@ -53,6 +53,10 @@ std::string ProblemOf(const fs::path& myEntry, bool myIsAtTop, fs::file_type myT
     {
         return "it is a link, and links are not followed; put the file itself there";
     }
+    if (myType == fs::file_type::not_found)
+    {
+        return "it cannot be reached, because its path is too long or it has just been removed; give it a shorter one";
+    }
     if (myType != fs::file_type::regular && myType != fs::file_type::directory)
     {
         return "it is neither a file nor a folder; remove it";

@@ -10,16 +10,10 @@ namespace qel::host
 /// The arguments of the command line in UTF-8, without the program's name. `myCount` and `myTexts` are those of main.
 std::vector<std::string> CommandLine(int myCount, const char* const* myTexts);
 
-/// Prepares the standard streams while it lives: a terminal shows UTF-8 and obeys escapes, and what is read or written
-/// elsewhere is bytes, unchanged. The program has one object, created before it reads or writes.
-class StandardStreams
-{
-public:
-    StandardStreams();
-    StandardStreams(const StandardStreams&) = delete;
-    StandardStreams& operator=(const StandardStreams&) = delete;
-    ~StandardStreams();
-};
+/// Prepares the standard streams, before the program reads or writes: a terminal shows UTF-8 and obeys escapes, and
+/// what is read or written elsewhere is bytes, unchanged. The terminal is what it was again when the program ends by
+/// itself, with std::exit too, or by Ctrl+C.
+void PrepareStandardStreams();
 
 enum class Output
 {

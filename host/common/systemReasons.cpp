@@ -17,7 +17,7 @@ constexpr std::pair<std::errc, const char*> Reasons[] = {
     {std::errc::no_such_file_or_directory, "there is no such file or folder; check the path"},
     {std::errc::not_a_directory, "a part of its path is not a folder; check the path"},
     {std::errc::is_a_directory, "it is a folder; give a file"},
-    {std::errc::filename_too_long, "the name is too long; give a shorter one"},
+    {std::errc::filename_too_long, "the name or its path is too long; give a shorter one"},
     {std::errc::not_supported, "it is not a plain file; give one"},
     {std::errc::too_many_symbolic_link_levels, "it is a link, or leads through too many; give the file itself"},
 };

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 namespace qel::host
 {
@@ -13,6 +14,9 @@ namespace qel::host
 /// The kind of file at a path, without following a link; `not_found` without an error when nothing is there. A link is
 /// whatever leads to another path: a symbolic link, and on Windows a junction too.
 std::filesystem::file_type EntryType(const std::filesystem::path& myPath, std::error_code& theError);
+
+/// The names of the entries of a folder, in any order; those before it failed, if it did.
+std::vector<std::filesystem::path> EntryNames(const std::filesystem::path& myFolder, std::error_code& theError);
 
 /// The absolute path of a folder that exists, with all links resolved and as its names are written on the disk.
 std::filesystem::path RealFolderPath(const std::filesystem::path& myFolder, std::error_code& theError);

@@ -340,10 +340,9 @@ std::vector<std::string> NamesInFolder(const fs::path& myFolder)
 {
     std::error_code myError;
     std::vector<std::string> theNames;
-    for (fs::directory_iterator myEntry(myFolder, myError), myEnd; !myError && myEntry != myEnd;
-         myEntry.increment(myError))
+    for (const fs::path& myName : EntryNames(myFolder, myError))
     {
-        theNames.push_back(TextOf(myEntry->path().filename()));
+        theNames.push_back(TextOf(myName));
     }
     if (myError && myError != std::errc::no_such_file_or_directory)
     {

@@ -196,7 +196,7 @@ TEST(Resources, VersionRecord_HasTheTextsAndNumbersOfTheComponent)
     }
 }
 
-TEST(Resources, IconsAndTheManifestOfALibrary)
+TEST(Resources, IconsAndManifests)
 {
     const LoadedComponent myComponent(QEL_COMPONENT);
     const HMODULE myModule = GetModuleHandleW(L"QelPluginAnimation.dll");
@@ -206,11 +206,19 @@ TEST(Resources, IconsAndTheManifestOfALibrary)
         EXPECT_NE(myLoaded, nullptr) << myIcon;
         DestroyIcon(myLoaded);
     }
-    const HRSRC myManifest = FindResourceW(myModule, MAKEINTRESOURCEW(2), RT_MANIFEST);
-    ASSERT_NE(myManifest, nullptr);
-    const std::string_view myText(static_cast<const char*>(LockResource(LoadResource(myModule, myManifest))),
-                                  SizeofResource(myModule, myManifest));
-    EXPECT_NE(myText.find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""), std::string_view::npos);
+    const HMODULE myProgram =
+        LoadLibraryExW(PathOfUtf8(QEL_STAGE "/qelhost.exe").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    for (const auto& [myFile, myNumber, myPart] :
+         {std::tuple(myModule, 2, "name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""),
+          std::tuple(myProgram, 1, ">PerMonitorV2, PerMonitor<")})
+    {
+        const HRSRC myManifest = FindResourceW(myFile, MAKEINTRESOURCEW(myNumber), RT_MANIFEST);
+        ASSERT_NE(myManifest, nullptr) << myNumber;
+        const std::string_view myText(static_cast<const char*>(LockResource(LoadResource(myFile, myManifest))),
+                                      SizeofResource(myFile, myManifest));
+        EXPECT_NE(myText.find(myPart), std::string_view::npos) << myPart;
+    }
+    FreeLibrary(myProgram);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "platform/windows/windowsHeaders.h"
 
 #include <atomic>
+#include <cstdlib>
 
 namespace qel::host
 {
@@ -10,7 +11,7 @@ namespace qel::host
 namespace
 {
 
-constexpr UINT EndedByControlC = 0xC000013A; // the exit code that shells know
+constexpr auto EndedByControlC = static_cast<int>(0xC000013A); // the exit code that shells know
 
 std::atomic<bool> myIsRequested = false;
 
@@ -32,7 +33,7 @@ BOOL WINAPI NoteRequest(DWORD myEvent)
 
 void Interrupted::EndProgram()
 {
-    ExitProcess(EndedByControlC);
+    std::exit(EndedByControlC); // which also restores the console
 }
 
 Interruption::Interruption()

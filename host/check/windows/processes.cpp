@@ -5,6 +5,7 @@
 #include "common/paths.h"
 #include "common/printable.h"
 #include "common/programFiles.h"
+#include "common/systemReasons.h"
 #include "platform/windows/ansiPath.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/wideText.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 
 #include <objbase.h>
 
@@ -52,13 +54,22 @@ std::wstring Quoted(const std::string& myArgument)
     return theText.append(myBackslashes, L'\\') + L'"';
 }
 
+/// Why the system has refused what was asked of it last.
+std::string LastReason()
+{
+    return ReasonOf({static_cast<int>(GetLastError()), std::system_category()});
+}
+
 /// When the handle of the job is closed, each process in it ends.
 Handle MakeJob()
 {
     Handle theJob(CreateJobObjectW(nullptr, nullptr));
     JOBOBJECT_EXTENDED_LIMIT_INFORMATION myLimits = {};
     myLimits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
-    SetInformationJobObject(theJob.Get(), JobObjectExtendedLimitInformation, &myLimits, sizeof myLimits);
+    if (SetInformationJobObject(theJob.Get(), JobObjectExtendedLimitInformation, &myLimits, sizeof myLimits) == 0)
+    {
+        throw Failure("no job can be made for the processes: " + LastReason());
+    }
     return theJob;
 }
 
@@ -84,12 +95,18 @@ Handle Start(const std::vector<std::string>& myArguments, const Handle& myJob)
     if (CreateProcessW(ProgramFile().c_str(), myCommand.data(), nullptr, nullptr, TRUE,
                        CREATE_SUSPENDED | CREATE_NEW_PROCESS_GROUP, nullptr, nullptr, &myStart, &myProcess) == 0)
     {
-        throw Failure("no process can be made: " + std::system_category().message(static_cast<int>(GetLastError())));
+        throw Failure("no process can be made: " + LastReason());
     }
-    AssignProcessToJobObject(myJob.Get(), myProcess.hProcess);
-    ResumeThread(myProcess.hThread);
-    CloseHandle(myProcess.hThread);
-    return Handle(myProcess.hProcess);
+    Handle theProcess(myProcess.hProcess);
+    const Handle myThread(myProcess.hThread);
+    if (AssignProcessToJobObject(myJob.Get(), theProcess.Get()) == 0)
+    {
+        const std::string myReason = LastReason();
+        TerminateProcess(theProcess.Get(), 1); // outside of the job nothing else would end it
+        throw Failure("a process cannot be put into a job: " + myReason);
+    }
+    ResumeThread(myThread.Get());
+    return theProcess;
 }
 
 /// Ends all processes of a job, and waits until they have gone.
@@ -153,7 +170,7 @@ void HideFromDisplay()
     if (myStation == nullptr || SetProcessWindowStation(myStation) == 0 ||
         SetThreadDesktop(CreateDesktopW(L"check", nullptr, nullptr, 0, GENERIC_ALL, nullptr)) == 0)
     {
-        throw Failure("no desktop can be made that nobody sees");
+        throw Failure("no desktop can be made that nobody sees: " + LastReason());
     }
 }
 
@@ -169,7 +186,7 @@ struct ProgramRunner::HeldSignals
     {
         if (WaitForSingleObject(Ending().Get(), 0) == WAIT_OBJECT_0)
         {
-            ExitProcess(static_cast<UINT>(STATUS_CONTROL_C_EXIT));
+            std::exit(static_cast<int>(STATUS_CONTROL_C_EXIT)); // which also restores the console
         }
         SetConsoleCtrlHandler(&Hold, FALSE);
     }

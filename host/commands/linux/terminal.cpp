@@ -10,9 +10,7 @@ std::vector<std::string> CommandLine(int myCount, const char* const* myTexts)
     return {myTexts + (myCount > 0 ? 1 : 0), myTexts + myCount};
 }
 
-// Nothing needs preparation.
-StandardStreams::StandardStreams() = default;
-StandardStreams::~StandardStreams() = default;
+void PrepareStandardStreams() {} // which are what they should be
 
 bool IsTerminal(Output myStream)
 {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 
@@ -63,7 +64,7 @@ std::vector<std::string> CommandLine(int /*myCount*/, const char* const* /*myTex
     return theArguments;
 }
 
-StandardStreams::StandardStreams()
+void PrepareStandardStreams()
 {
     for (std::FILE* const myStream : {stdin, stdout, stderr})
     {
@@ -80,13 +81,8 @@ StandardStreams::StandardStreams()
             SetConsoleOutputCP(CP_UTF8);
         }
     }
+    std::atexit(&RestoreConsole);
     SetConsoleCtrlHandler(RestoreBeforeEnd, TRUE);
-}
-
-StandardStreams::~StandardStreams()
-{
-    SetConsoleCtrlHandler(RestoreBeforeEnd, FALSE);
-    RestoreConsole();
 }
 
 bool IsTerminal(Output myStream)

@@ -52,10 +52,15 @@ HMODULE Load(const std::filesystem::path& myFile)
     {
         myName += L".";
     }
+    // The failure is reported as an exception; the system would also show it in a box.
+    DWORD myOldMode = 0;
+    SetThreadErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX, &myOldMode);
     const HMODULE theLibrary = LoadLibraryExW(myName.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    const DWORD myError = GetLastError();
+    SetThreadErrorMode(myOldMode, nullptr);
     if (theLibrary == nullptr)
     {
-        throw Failure(LoadingProblem(myFile, GetLastError()));
+        throw Failure(LoadingProblem(myFile, myError));
     }
     return theLibrary;
 }

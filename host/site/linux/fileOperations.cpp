@@ -24,6 +24,17 @@ fs::file_type EntryType(const fs::path& myPath, std::error_code& theError)
     return theType;
 }
 
+std::vector<fs::path> EntryNames(const fs::path& myFolder, std::error_code& theError)
+{
+    std::vector<fs::path> theNames;
+    for (fs::directory_iterator myEntry(myFolder, theError), myEnd; !theError && myEntry != myEnd;
+         myEntry.increment(theError))
+    {
+        theNames.push_back(myEntry->path().filename());
+    }
+    return theNames;
+}
+
 fs::path RealFolderPath(const fs::path& myFolder, std::error_code& theError)
 {
     return fs::canonical(myFolder, theError);

@@ -1,10 +1,15 @@
 #include "site/fileOperations.h"
 
+#include "platform/windows/FolderReader.h"
 #include "platform/windows/Handle.h"
 #include "platform/windows/nativePath.h"
+#include "platform/windows/wideText.h"
 #include "platform/windows/windowsHeaders.h"
+#include "text/errors.h"
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace qel::host
 {
@@ -40,11 +45,24 @@ bool IsLink(const fs::path& myPath)
     return myEntry.dwReserved0 == 0 || IsReparseTagNameSurrogate(myEntry.dwReserved0);
 }
 
+/// True for a name that the system keeps for a device, such as NUL, in any folder.
+bool IsDevice(const fs::path& myPath)
+{
+    constexpr std::wstring_view DevicePrefix = L"\\\\.\\";
+    std::array<wchar_t, MAX_PATH> myWhole{}; // a longer path is that of a file
+    const DWORD myLength = GetFullPathNameW(myPath.c_str(), MAX_PATH, myWhole.data(), nullptr);
+    return myLength < MAX_PATH && std::wstring_view(myWhole.data(), myLength).starts_with(DevicePrefix);
+}
+
 } // namespace
 
 fs::file_type EntryType(const fs::path& myPath, std::error_code& theError)
 {
     theError.clear();
+    if (IsDevice(myPath))
+    {
+        return fs::file_type::character;
+    }
     const DWORD myAttributes = GetFileAttributesW(myPath.c_str());
     if (myAttributes == INVALID_FILE_ATTRIBUTES)
     {
@@ -61,11 +79,32 @@ fs::file_type EntryType(const fs::path& myPath, std::error_code& theError)
     {
         return fs::file_type::symlink;
     }
-    if ((myAttributes & FILE_ATTRIBUTE_DEVICE) != 0)
-    {
-        return fs::file_type::character;
-    }
     return (myAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? fs::file_type::directory : fs::file_type::regular;
+}
+
+std::vector<fs::path> EntryNames(const fs::path& myFolder, std::error_code& theError)
+{
+    // The iterator of the standard library reads the current folder in place of one whose path is too long for it.
+    theError.clear();
+    std::vector<fs::path> theNames;
+    try
+    {
+        FolderReader myReader(NativePath(TextOfWide(myFolder.native())));
+        theError = myReader.IsOpen() ? std::error_code() : SystemError(myReader.OpeningError());
+        while (const WIN32_FIND_DATAW* const myEntry = myReader.IsOpen() ? myReader.Next() : nullptr)
+        {
+            const std::wstring_view myName = myEntry->cFileName;
+            if (myName != L"." && myName != L"..")
+            {
+                theNames.emplace_back(myName);
+            }
+        }
+    }
+    catch (const Error& myError)
+    {
+        theError = SystemError(myError.Number == ErrorNumber::BadFileName ? ERROR_INVALID_NAME : ERROR_READ_FAULT);
+    }
+    return theNames;
 }
 
 fs::path RealFolderPath(const fs::path& myFolder, std::error_code& theError)
@@ -82,7 +121,7 @@ fs::path RealFolderPath(const fs::path& myFolder, std::error_code& theError)
                                                            FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
     if (myLength == 0 || myLength >= LongestPath)
     {
-        theError = LastError();
+        theError = myLength == 0 ? LastError() : SystemError(ERROR_FILENAME_EXCED_RANGE);
         return {};
     }
     theFolder.resize(myLength);
