@@ -340,6 +340,8 @@ TEST_F(Imaging, ReduceToPalette_GoodEntriesAndOfThemTheNearest)
     EXPECT_EQ(ReduceToPalette(myFew, false)->Pixels(20, 20).Pixels, myFew.Pixels);
     const PixelPicture myNothing{2, 1, std::vector<uint8_t>(8)};
     EXPECT_EQ(ReduceToPalette(myNothing, false)->Pixels(2, 1).Pixels, myNothing.Pixels);
+    const PixelPicture myFaint = ReduceToPalette({2, 1, {9, 9, 9, 127, 9, 9, 9, 128}}, false)->Pixels(2, 1);
+    EXPECT_EQ(std::pair(int{myFaint.Pixels[3]}, int{myFaint.Pixels[7]}), std::pair(0, 255));
 }
 
 TEST_F(Imaging, Resize_JpegIsSavedOverWhite)
@@ -353,6 +355,7 @@ TEST_F(Imaging, Resize_JpegIsSavedOverWhite)
         ExpectSize(SavedJpeg(), 240, 180);
         EXPECT_GT(Likeness(myControl->CurrentPicture(), Gradient(240, 180, 0)), 33);
     }
+    EXPECT_EQ(ErrorOf([] { WriteJpeg(Gradient(65536, 1, 0), 95); }), ErrorNumber::InvalidPicture); // one too wide
     ExpectSize(WriteJpeg({1, 1, {0, 0, 0, 51}}, 95), 1, 1);
     EXPECT_NEAR(myControl->CurrentPicture().Pixels[0], 204, 2);
 }

@@ -100,6 +100,7 @@ TEST(Number, NumericPrefix_LongestNumberInAnyLocale)
                 EXPECT_EQ(NumericPrefix(myText), myNumber) << ToUtf8(myText);
             }
             EXPECT_EQ(NumericPrefix(u"0." + Text(400, u'0') + u"1"), 0);
+            EXPECT_EQ(NumericPrefix(u"0." + Text(1500, u'0') + u"1e1150"), 0);
             for (const Text& myText : {Text(u"1e999"), Text(u"-1e309"), Text(400, u'9'), Text(u"0.0001e999")})
             {
                 EXPECT_EQ(ErrorOf([&] { NumericPrefix(myText); }), ErrorNumber::Overflow) << ToUtf8(myText);
