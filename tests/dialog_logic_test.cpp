@@ -177,6 +177,9 @@ TEST_F(DialogLogic, ImportImage_IsStagedByItsSizeAndEnding)
             EXPECT_EQ(std::ranges::count(myWords, myTooLarge), myCase.IsAsked);
             EXPECT_EQ(std::ranges::count(myWords, "lblImage: Haga"), myCase.Mode != ImageMode::None);
             EXPECT_EQ(myForm->Settings().myImageMode, myCase.Mode);
+            const bool myIsPainted =
+                std::ranges::any_of(myWords, [](const std::string& w) { return w.find('+') != std::string::npos; });
+            EXPECT_EQ(myIsPainted, myCase.Mode != ImageMode::None); // though an older import is still staged
             const Text myStaged = myCase.Mode == ImageMode::Jpeg ? u"qelspr.jpg" : u"qelspr.gif";
             const bool myIsCopied = myCase.Mode != ImageMode::None && !myCase.IsAsked;
             EXPECT_EQ(myFolder.Read("qelpluginanimtemp/" + ToUtf8(myStaged)) == myCase.Content, myIsCopied);
@@ -188,7 +191,7 @@ TEST_F(DialogLogic, ImportImage_IsStagedByItsSizeAndEnding)
             }
         }
     };
-    Open(u"", ImportEach);
+    Open(u"<pg.param name=imagefolder value=(USER)>", ImportEach);
 }
 
 TEST_F(DialogLogic, Archive_LostOrNotWritten_IsNoImport)

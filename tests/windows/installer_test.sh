@@ -12,6 +12,7 @@ rm -rf "$work"
 mkdir -p "$work/older" "$work/once"
 echo 'WScript.Quit 100' >"$work/nothing.vbs"
 
+rm -f build/windows/tesselwind-*-windows.* # of other versions
 pack() { (cd build/windows && cpack "$@") >"$folder/log" 2>&1 || fail "$(cat "$folder/log")"; }
 LC_ALL=C pack
 mv build/windows/tesselwind-*-windows.* "$work/once"
