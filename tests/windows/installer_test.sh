@@ -54,7 +54,8 @@ state() {
 
 use() {
     local stage=$at/$tree script=$work/búho.qel
-    run "$stage/qelhost.exe" check "$at_windows\\$tree\\QelPluginAnimation.dll"
+    # Wine asks its server whether a message is pending, for each token of a script.
+    run "$stage/qelhost.exe" check "$at_windows\\$tree\\QelPluginAnimation.dll" --timeout 100
     run "$stage/qelhost.exe" init 'C:\sitio'
     echo '<html><body></body></html>' >"$work/page.html"
     run "$stage/qelhost.exe" page add 'C:\sitio' "Z:$work/page.html"
