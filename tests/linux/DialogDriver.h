@@ -211,7 +211,8 @@ public:
     /// True when the viewer of help pages has been started since the last call.
     bool HelpWasAsked()
     {
-        for (int i = 0; i < 1000 && !myFolder.Exists("asked"); ++i)
+        // A machine that writes back what a build has left can take seconds to create a file.
+        for (int i = 0; i < 12000 && !myFolder.Exists("asked"); ++i)
         {
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
         }

@@ -223,7 +223,7 @@ TEST(HelpViewer, ShowContext_TopicBesideTheHelpFile_LeavesNoChild)
     myHelp.ShowContext(Text(u"\xD800\\Some.chm"), 100);
     myHelp.ShowContext(myFolder.Logical(u"Some.chm"), 100);
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    for (int i = 0; i < 1000 && !myFolder.Exists("result"); ++i)
+    for (int i = 0; i < 6000 && !myFolder.Exists("result"); ++i)
     {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
