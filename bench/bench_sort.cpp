@@ -109,8 +109,8 @@ int main(int argc, char** argv)
         {"all equal", std::vector<Text>(Count, mySorted.front())},
         {"adversarial", MakeAdversarial(mySorted)},
     };
-    for (const auto& [myOrder, myValues] : myOrders)
+    for (const auto& myOrder : myOrders)
     {
-        RunInChild([&] { CompareOrder(myBench, myOrder, myValues); });
+        RunInChild([&] { CompareOrder(myBench, myOrder.first, myOrder.second); });
     }
 }

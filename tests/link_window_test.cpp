@@ -12,13 +12,9 @@
 #include <QLineEdit>
 #include <QTreeWidget>
 
-namespace qel
+namespace qel::host
 {
 
-const char16_t* const ErrorSource = u"link_window_test";
-
-namespace host
-{
 namespace
 {
 
@@ -180,5 +176,4 @@ TEST(LinkWindow, Confirm_NeedsALinkAndCancelIsAlwaysPossible)
 }
 
 } // namespace
-} // namespace host
-} // namespace qel
+} // namespace qel::host

@@ -13,7 +13,7 @@ public:
     ComThread();
     ComThread(const ComThread&) = delete;
     ComThread& operator=(const ComThread&) = delete;
-    ~ComThread();
+    ~ComThread(); // NOLINT(performance-trivially-destructible): on Windows there is something to do
 };
 
 } // namespace qel::host

@@ -38,7 +38,7 @@ Text SelectedEntry(HWND myControl, const EntryMessages& myMessages)
 void WidenOpenedList(HWND myCombo, int myMost)
 {
     constexpr LONG Margins = 8;
-    const auto myFont = reinterpret_cast<HFONT>(SendMessageW(myCombo, WM_GETFONT, 0, 0));
+    auto* const myFont = reinterpret_cast<HFONT>(SendMessageW(myCombo, WM_GETFONT, 0, 0));
     LONG myWidest = 0;
     for (LRESULT i = SendMessageW(myCombo, CB_GETCOUNT, 0, 0); i > 0; --i)
     {
