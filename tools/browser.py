@@ -77,6 +77,7 @@ class Browser:
     def start_chromium(self, folder):
         port = self.start(folder, ["chromedriver", "--port=0"], r"successfully on port (\d+)")
         arguments = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage", "--no-proxy-server",
+                     "--remote-debugging-pipe",  # else the driver needs the name localhost, which /etc/hosts may lack
                      f"--user-data-dir={folder / 'profile'}"]
         return port, {"goog:chromeOptions": {"binary": shutil.which("chromium"), "args": arguments,
                                              "prefs": {"download.default_directory": str(folder)}}}
